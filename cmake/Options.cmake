@@ -1,0 +1,40 @@
+# SPDX-License-Identifier: MIT
+# Flags that every target of this project is compiled with.
+
+if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
+    set(CMAKE_BUILD_TYPE RelWithDebInfo CACHE STRING "Build type" FORCE)
+endif()
+
+set(CMAKE_CXX_STANDARD 17)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_AUTOMOC ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib)
+
+add_library(SelectorHandlerOptions INTERFACE)
+target_compile_options(SelectorHandlerOptions INTERFACE
+    -Wall -Wextra -Wpedantic -Wnon-virtual-dtor
+    $<$<BOOL:${SELECTORHANDLER_WERROR}>:-Werror>
+    -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=)
+# Qt drops file, line and function from warnings in release builds unless told otherwise.
+target_compile_definitions(SelectorHandlerOptions INTERFACE
+    QT_MESSAGELOGCONTEXT QT_NO_KEYWORDS QT_NO_CAST_FROM_ASCII QT_DEPRECATED_WARNINGS)
+target_link_options(SelectorHandlerOptions INTERFACE -Wl,--no-undefined -Wl,--as-needed)
+
+if(SELECTORHANDLER_SANITIZE)
+    # The whole tree, so that no half-instrumented library hides a fault; clang's shared objects leave
+    # the runtime's symbols to the executable.
+    add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
+    add_link_options(-fsanitize=address,undefined)
+    set_property(TARGET SelectorHandlerOptions PROPERTY INTERFACE_LINK_OPTIONS -Wl,--as-needed)
+endif()
+
+if(SELECTORHANDLER_COVERAGE)
+    add_compile_options(--coverage)
+    add_link_options(--coverage)
+endif()

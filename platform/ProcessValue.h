@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: MIT
+// One process value with its error type and time: the unit of reading and writing.
+#ifndef PROCESSVALUE_H
+#define PROCESSVALUE_H
+
+#include "ProcessDataDefinitions.h"
+#include "ProcessDataPlatformExport.h"
+
+#include <QVariant>
+#include <QtGlobal>
+
+#include <utility>
+
+/// A value that was read from a leaf or is to be written to one.
+///
+/// Filled by ProcessDataValue::getValue, passed to ProcessDataValue::setValue and handed to and from
+/// clients unchanged. There is no default constructor: a value without an error type means nothing.
+/// Everything is inline, and all special members are declared: a vector of values then moves instead
+/// of copying, and reading a value costs no call.
+///
+/// Threads: a value type; distinct objects may be used in distinct threads.
+class PROCESSDATAPLATFORM_EXPORT ProcessValue
+{
+public:
+    /// A value that holds nothing but an error type.
+    ///
+    /// The library makes each value with the error type whose number is 3 before it asks a leaf.
+    explicit ProcessValue(ProcessDataDefinitions::ErrorTypes errorType)
+        : errorType(errorType)
+    {
+    }
+
+    /// A value as a client writes it or a publisher publishes it.
+    ///
+    /// @param value      in the leaf's own unit
+    /// @param errorType  how far the value can be trusted
+    /// @param timestamp  nanoseconds since 1970-01-01 00:00 UTC; 0 lets the platform take the time
+    ///                   at which the value is written
+    explicit ProcessValue(QVariant value,
+                          ProcessDataDefinitions::ErrorTypes errorType = ProcessDataDefinitions::NoError,
+                          qint64 timestamp = 0)
+        : value(std::move(value))
+        , timestamp(timestamp)
+        , errorType(errorType)
+    {
+    }
+
+    virtual ~ProcessValue() = default;
+    ProcessValue(const ProcessValue &) = default;
+    ProcessValue(ProcessValue &&) = default;
+    ProcessValue &operator=(const ProcessValue &) = default;
+    ProcessValue &operator=(ProcessValue &&) = default;
+
+    /// The value in the leaf's unit and type; invalid when none was obtained.
+    const QVariant &getValue() const { return value; }
+
+    /// How far the value can be trusted.
+    ProcessDataDefinitions::ErrorTypes getErrorType() const { return errorType; }
+
+    /// When the value was written: nanoseconds since 1970-01-01 00:00 UTC, 0 when never.
+    qint64 getTimestamp() const { return timestamp; }
+
+    /// Replaces all three at once, so that they always belong together.
+    void set(QVariant newValue, ProcessDataDefinitions::ErrorTypes newErrorType, qint64 newTimestamp)
+    {
+        value = std::move(newValue);
+        timestamp = newTimestamp;
+        errorType = newErrorType;
+    }
+
+private:
+    QVariant value;
+    qint64 timestamp = 0;
+    ProcessDataDefinitions::ErrorTypes errorType;
+};
+
+#endif

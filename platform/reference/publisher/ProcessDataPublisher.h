@@ -1,0 +1,100 @@
+// SPDX-License-Identifier: MIT
+// Publishes the process data of one instance: buffer, description, announcements.
+#ifndef PROCESSDATAPUBLISHER_H
+#define PROCESSDATAPUBLISHER_H
+
+#include "ProcessDataPlatformExport.h"
+#include "ProcessValue.h"
+
+#include <QJsonObject>
+#include <QObject>
+#include <QPair>
+#include <QScopedPointer>
+#include <QSharedPointer>
+#include <QString>
+#include <QStringList>
+#include <QVariant>
+#include <QVector>
+
+class ProcessDataPublisherPrivate;
+
+/// Everything that a service needs to publish one instance.
+///
+/// create() lays out and creates the buffer, exports the D-Bus object, registers the provider and
+/// announces the instance. Destruction retires the buffer, removes its name and takes everything back.
+/// Publishers of one process that share a module share its D-Bus service name.
+///
+/// Threads: create, use and destroy it in one thread that runs an event loop; that loop answers
+/// clients' fetches.
+class PROCESSDATAPLATFORM_EXPORT ProcessDataPublisher : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// @param description   document without "buffer" and "offset" keys; its "module", "object" and
+    ///                      "instance", where present, must be the ones given
+    /// @param errorMessage  when given, receives one sentence that names what is wrong
+    /// @returns the running publisher; null when the description is refused, the buffer cannot be
+    ///          made, the bus is out of reach or another process owns the module's service name.
+    ///          Nothing is left behind then.
+    static QSharedPointer<ProcessDataPublisher> create(const QString &moduleName,
+                                                       const QString &objectName,
+                                                       const QString &instanceName,
+                                                       const QJsonObject &description,
+                                                       QString *errorMessage = nullptr);
+
+    ~ProcessDataPublisher() override;
+
+    /// Publishes one value.
+    ///
+    /// @param path   names from the top joined by "/"
+    /// @param value  as ProcessDataValue::setValue takes it, but also for read-only leaves and with any
+    ///               error type; a value that is invalid keeps the stored one and only sets error type
+    ///               and time
+    /// @returns whether it was published
+    /// Errors:  an unknown path, a value that does not fit: one warning, nothing written.
+    bool publish(const QString &path, const ProcessValue &value);
+    bool publish(const QString &path, const QVariant &value);
+
+    /// Publishes several values under one lock. All are checked first; with one bad value none is
+    /// written.
+    bool publish(const QVector<QPair<QString, ProcessValue>> &values);
+
+    /// What the buffer holds now, whoever wrote it; error type NoValue for an unknown path.
+    ProcessValue value(const QString &path) const;
+
+    /// Paths of all leaves in the order of the description.
+    QStringList paths() const;
+
+    /// The description as clients fetch it.
+    QJsonObject description() const;
+
+    /// Replaces the description. A new buffer is made; values of leaves that keep path and type carry
+    /// over; clients are told by a description announcement.
+    ///
+    /// @returns whether it was replaced; on failure the old description goes on
+    bool replaceDescription(const QJsonObject &description, QString *errorMessage = nullptr);
+
+    /// Changes properties that do not touch the layout (unit, description, limits and the like);
+    /// clients are told by a property announcement. Buffer and values stay.
+    ///
+    /// @returns false when a leaf was added, removed, moved, retyped, resized or its readOnly changed:
+    ///          that takes replaceDescription
+    bool replaceProperties(const QJsonObject &description, QString *errorMessage = nullptr);
+
+    /// How often client writes are looked for. Units: milliseconds; default 20, 0 never.
+    void setWriteDetectionInterval(int milliseconds);
+
+Q_SIGNALS:
+    /// A client wrote a leaf. Several writes between two looks are reported once, with the last value.
+    void valueWritten(const QString &path, const ProcessValue &value);
+
+    /// The bus went away, or came back and all is exported and announced again.
+    void connectedChanged(bool connected);
+
+private:
+    explicit ProcessDataPublisher(ProcessDataPublisherPrivate *state);
+    const QScopedPointer<ProcessDataPublisherPrivate> d;
+};
+
+#endif
