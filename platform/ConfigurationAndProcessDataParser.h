@@ -20,13 +20,15 @@ public:
     ConfigurationAndProcessDataParser();
     ~ConfigurationAndProcessDataParser();
     ConfigurationAndProcessDataParser(const ConfigurationAndProcessDataParser &) = delete;
-    ConfigurationAndProcessDataParser &operator=(const ConfigurationAndProcessDataParser &) = delete;
+    ConfigurationAndProcessDataParser &operator=(const ConfigurationAndProcessDataParser &)
+        = delete;
 
     /// Appends the JSON text of a node.
     ///
-    /// Called by the library for each selector that gets a leaf, and after each change of a source for
-    /// each of its selectors, then also with a null node. The library compares the texts: nodes that
-    /// are equal for a client must render to equal text, and nodes that differ to different text.
+    /// Called by the library for each selector that gets a leaf, and after each change of a source
+    /// for each of its selectors, then also with a null node. The library compares the texts: nodes
+    /// that are equal for a client must render to equal text, and nodes that differ to different
+    /// text.
     ///
     /// @param node    a leaf as its base; may be null
     /// @param bytes   receives the text, UTF-8, appended; empty when the library calls

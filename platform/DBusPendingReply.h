@@ -17,9 +17,9 @@ class DBusPendingReplyPrivate;
 /// The library keeps the object until the next call for the same source replaces it, or the source
 /// ends. It may release the object from within one of its signals.
 ///
-/// A released reply never reports: when the last shared pointer is gone, neither signal may be emitted or
-/// delivered any more, not even one that was already queued. The library's slots rely on that: they
-/// read the reply that they hold without a null test.
+/// A released reply never reports: when the last shared pointer is gone, neither signal may be
+/// emitted or delivered any more, not even one that was already queued. The library's slots rely on
+/// that: they read the reply that they hold without a null test.
 ///
 /// Threads: lives in the thread of the connector that made it and emits there, from its event loop,
 /// never from within the call that made it.

@@ -15,25 +15,27 @@ class DBusProcessDescriptionConnectorPrivate;
 
 /// Fetches process-data descriptions and relays their announcements.
 ///
-/// A connector exists whether or not its service is there yet, and survives restarts of the service.
+/// A connector exists whether or not its service is there yet, and survives restarts of the
+/// service.
 class PROCESSDATAPLATFORM_EXPORT DBusProcessDescriptionConnector : public DBusConnectorBase
 {
     Q_OBJECT
 
 public:
-    /// Called by the library once for each source, with the URL's module and object. Must not wait for
-    /// the service.
+    /// Called by the library once for each source, with the URL's module and object. Must not wait
+    /// for the service.
     ///
     /// @returns the connector; null when no connection to the bus could be made
-    static QSharedPointer<DBusProcessDescriptionConnector> createAndConnect(const QString &moduleName,
-                                                                            const QString &objectName);
+    static QSharedPointer<DBusProcessDescriptionConnector>
+    createAndConnect(const QString &moduleName, const QString &objectName);
 
     ~DBusProcessDescriptionConnector() override;
 
     /// Fetches the description of one instance and waits for it.
     ///
-    /// Called by the library while it holds its own lock: must return within a bounded time and must
-    /// not run a nested event loop, in which a queued announcement would call the library again.
+    /// Called by the library while it holds its own lock: must return within a bounded time and
+    /// must not run a nested event loop, in which a queued announcement would call the library
+    /// again.
     ///
     /// @param instanceName  of the source's URL
     /// @param reserved      without meaning in this platform; the library passes an empty string
@@ -44,10 +46,11 @@ public:
     ///
     /// Called by the library for each announcement of its instance; arguments as above.
     ///
-    /// @returns the pending reply, which reports when the call has ended; null when the call could not
+    /// @returns the pending reply, which reports when the call has ended; null when the call could
+    /// not
     ///          be placed
-    QSharedPointer<DBusPendingReply> getProcessDataDescriptionAsynchron(const QString &instanceName,
-                                                                        const QString &reserved) const;
+    QSharedPointer<DBusPendingReply>
+    getProcessDataDescriptionAsynchron(const QString &instanceName, const QString &reserved) const;
 
 Q_SIGNALS:
     /// The service announced a new description of an instance, or came up with it.

@@ -12,7 +12,8 @@
 
 /// Either the value that a service sent or the reason why there is none.
 ///
-/// Returned by value to the library, which asks isError() first and then exactly one of the other two.
+/// Returned by value to the library, which asks isError() first and then exactly one of the other
+/// two.
 ///
 /// Threads: a value type.
 class PROCESSDATAPLATFORM_EXPORT DBusReply

@@ -13,9 +13,10 @@
 
 /// What went wrong in a D-Bus call.
 ///
-/// Travels as the argument of DBusPendingReply::dBusServiceError into slots of the library, also across
-/// threads: an implementer registers it with Qt's meta-type system before a pending reply can report,
-/// because Qt 5.15 drops queued string connections whose argument types nobody registered.
+/// Travels as the argument of DBusPendingReply::dBusServiceError into slots of the library, also
+/// across threads: an implementer registers it with Qt's meta-type system before a pending reply
+/// can report, because Qt 5.15 drops queued string connections whose argument types nobody
+/// registered.
 ///
 /// Threads: a value type.
 class PROCESSDATAPLATFORM_EXPORT ErrorContainer

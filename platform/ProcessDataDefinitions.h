@@ -11,7 +11,8 @@ class PROCESSDATAPLATFORM_EXPORT ProcessDataDefinitions
 public:
     /// How far a process value can be trusted. The numbers are stored in shared memory.
     ///
-    /// An implementer may add enumerators; the value 3 must exist and mean that no value was obtained.
+    /// An implementer may add enumerators; the value 3 must exist and mean that no value was
+    /// obtained.
     enum ErrorTypes {
         NoError = 0, ///< current value of a running publisher
         NotInitialized = 1, ///< never published since the buffer was made

@@ -15,8 +15,9 @@ class ConfigurationAndProcessDataBase;
 
 /// Owns one source's process data and its attachment to shared memory.
 ///
-/// The library makes a fresh manager each time a description is loaded, releases the previous one just
-/// before, and drops the manager with its source. Nothing below may depend on an earlier manager.
+/// The library makes a fresh manager each time a description is loaded, releases the previous one
+/// just before, and drops the manager with its source. Nothing below may depend on an earlier
+/// manager.
 ///
 /// Threads: used by one thread at a time; isBufferValid may be asked in any.
 class PROCESSDATAPLATFORM_EXPORT ProcessDataManager
@@ -40,7 +41,8 @@ public:
     /// @param description    as the service sent it: its JSON text
     /// @param fileExtension  PropertyManagerConst::getProcessDataDescriptionFileExtension()
     /// @param initType       InitTypeAttach
-    /// @returns the root of the tree, also when only the buffer could not be attached (its leaves then
+    /// @returns the root of the tree, also when only the buffer could not be attached (its leaves
+    /// then
     ///          cannot be read); null when the description is refused.
     /// Errors:  one warning that names the source and what is wrong with the description or buffer.
     QSharedPointer<ConfigurationAndProcessDataBase>
@@ -49,8 +51,8 @@ public:
 
     /// Whether the buffer is attached and usable: not retired and its publisher alive.
     ///
-    /// Called by the library right after createProcessDataFromJson and once more for each source when
-    /// the system has started up; must not block.
+    /// Called by the library right after createProcessDataFromJson and once more for each source
+    /// when the system has started up; must not block.
     bool isBufferValid() const;
 
 private:

@@ -9,15 +9,16 @@
 class ProcessDataValuePrivate;
 class ProcessValue;
 
-/// One leaf. The only base is ConfigurationAndProcessDataBase, at offset 0, so that a shared pointer to
-/// a leaf converts to one to the base without adjustment.
+/// One leaf. The only base is ConfigurationAndProcessDataBase, at offset 0, so that a shared
+/// pointer to a leaf converts to one to the base without adjustment.
 ///
-/// An implementation derives its own leaf, which holds the private state beside the base and overrides
-/// the operations of the tree; getValue and setValue go to that state without a virtual call.
+/// An implementation derives its own leaf, which holds the private state beside the base and
+/// overrides the operations of the tree; getValue and setValue go to that state without a virtual
+/// call.
 ///
 /// Lifetime: a leaf that outlives its manager keeps what it needs to read its last value.
-/// Threads: getValue may be called in several threads at a time, also while another thread or process
-/// writes; setValue calls of several threads must serialise themselves.
+/// Threads: getValue may be called in several threads at a time, also while another thread or
+/// process writes; setValue calls of several threads must serialise themselves.
 class PROCESSDATAPLATFORM_EXPORT ProcessDataValue : public ConfigurationAndProcessDataBase
 {
 public:

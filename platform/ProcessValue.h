@@ -13,10 +13,10 @@
 
 /// A value that was read from a leaf or is to be written to one.
 ///
-/// Filled by ProcessDataValue::getValue, passed to ProcessDataValue::setValue and handed to and from
-/// clients unchanged. There is no default constructor: a value without an error type means nothing.
-/// Everything is inline, and all special members are declared: a vector of values then moves instead
-/// of copying, and reading a value costs no call.
+/// Filled by ProcessDataValue::getValue, passed to ProcessDataValue::setValue and handed to and
+/// from clients unchanged. There is no default constructor: a value without an error type means
+/// nothing. Everything is inline, and all special members are declared: a vector of values then
+/// moves instead of copying, and reading a value costs no call.
 ///
 /// Threads: a value type; distinct objects may be used in distinct threads.
 class PROCESSDATAPLATFORM_EXPORT ProcessValue
@@ -37,7 +37,8 @@ public:
     /// @param timestamp  nanoseconds since 1970-01-01 00:00 UTC; 0 lets the platform take the time
     ///                   at which the value is written
     explicit ProcessValue(QVariant value,
-                          ProcessDataDefinitions::ErrorTypes errorType = ProcessDataDefinitions::NoError,
+                          ProcessDataDefinitions::ErrorTypes errorType
+                          = ProcessDataDefinitions::NoError,
                           qint64 timestamp = 0)
         : value(std::move(value))
         , timestamp(timestamp)
@@ -61,7 +62,8 @@ public:
     qint64 getTimestamp() const { return timestamp; }
 
     /// Replaces all three at once, so that they always belong together.
-    void set(QVariant newValue, ProcessDataDefinitions::ErrorTypes newErrorType, qint64 newTimestamp)
+    void set(QVariant newValue, ProcessDataDefinitions::ErrorTypes newErrorType,
+             qint64 newTimestamp)
     {
         value = std::move(newValue);
         timestamp = newTimestamp;

@@ -13,8 +13,8 @@
 class PROCESSDATAPLATFORM_EXPORT PropertyManagerConst
 {
 public:
-    /// File extension of process-data descriptions, without a dot: "pdd". The library hands it on to
-    /// ProcessDataManager::createProcessDataFromJson.
+    /// File extension of process-data descriptions, without a dot: "pdd". The library hands it on
+    /// to ProcessDataManager::createProcessDataFromJson.
     static const QString &getProcessDataDescriptionFileExtension();
 };
 

@@ -9,9 +9,9 @@
 
 /// One selector URL and its parts: scheme://module/object/instance/group/…/leaf[?deactivated].
 ///
-/// The library makes one for each URL of a client's list and keeps it for as long as the list. Parsing
-/// never fails: an invalid URL is known by isValid(). Parsing depends on no scheme; the library
-/// refuses foreign ones itself.
+/// The library makes one for each URL of a client's list and keeps it for as long as the list.
+/// Parsing never fails: an invalid URL is known by isValid(). Parsing depends on no scheme; the
+/// library refuses foreign ones itself.
 ///
 /// Threads: immutable after construction; may be read in any thread.
 class PROCESSDATAPLATFORM_EXPORT SelectorUrlHandler
@@ -40,11 +40,13 @@ public:
     /// The instance, decoded; may be empty. The third part of the source's key.
     QString getInstance() const;
 
-    /// The whole text as given: what ConfigurationAndProcessDataBase::getLeafProcessDataValue takes.
+    /// The whole text as given: what ConfigurationAndProcessDataBase::getLeafProcessDataValue
+    /// takes.
     QString getUrl() const;
 
     /// Whether the URL marks its selector as deactivated: it keeps its place and is never read or
-    /// written. Asked before isValid(), and once for each position of a read or write: must be cheap.
+    /// written. Asked before isValid(), and once for each position of a read or write: must be
+    /// cheap.
     bool isSelectorDeactivated() const;
 
 private:

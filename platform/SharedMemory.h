@@ -11,8 +11,8 @@ class SharedMemoryPrivate;
 
 /// Holds the attachment to one shared-memory segment.
 ///
-/// The library only destroys it, as part of ProcessDataManager. Leaves may share the attachment: the
-/// segment is let go when the last of them and this object are gone.
+/// The library only destroys it, as part of ProcessDataManager. Leaves may share the attachment:
+/// the segment is let go when the last of them and this object are gone.
 class PROCESSDATAPLATFORM_EXPORT SharedMemory
 {
 public:

@@ -16,8 +16,8 @@ class PROCESSDATAPLATFORM_EXPORT SystemStatusManagerDBusConnector : public DBusC
     Q_OBJECT
 
 public:
-    /// Called by the library once for each handler that is made without a list of URLs. Must not wait
-    /// for the service.
+    /// Called by the library once for each handler that is made without a list of URLs. Must not
+    /// wait for the service.
     ///
     /// @returns the connector; null when no connection to the bus could be made
     static QSharedPointer<SystemStatusManagerDBusConnector> createAndConnect();
@@ -25,8 +25,8 @@ public:
     ~SystemStatusManagerDBusConnector() override;
 
 Q_SIGNALS:
-    /// The system has finished starting up. A connector that finds the system ready already emits this
-    /// once all the same, from the event loop, so that late clients refresh too.
+    /// The system has finished starting up. A connector that finds the system ready already emits
+    /// this once all the same, from the event loop, so that late clients refresh too.
     void orvalisStartupReady();
 
 private:

@@ -1,0 +1,10 @@
+// SPDX-License-Identifier: MIT
+// Visibility of the library's classes outside its shared object.
+#ifndef SELECTORHANDLEREXPORT_H
+#define SELECTORHANDLEREXPORT_H
+
+#include <QtGlobal>
+
+#define SELECTORHANDLER_EXPORT Q_DECL_EXPORT
+
+#endif
