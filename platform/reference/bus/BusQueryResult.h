@@ -1,0 +1,13 @@
+// SPDX-License-Identifier: MIT
+// How a blocking question to a service ended.
+#ifndef BUSQUERYRESULT_H
+#define BUSQUERYRESULT_H
+
+enum class BusQueryResult {
+    Ok, ///< the answer is there
+    BusNotReachable, ///< no connection to the bus: the whole system is out of reach
+    ServiceMissing, ///< the bus is there, but nobody owns the service's name
+    ServiceFailed, ///< the service did not answer in time, or answered with an error
+};
+
+#endif

@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: MIT
+// Asks a module's service for its objects and their instances.
+#ifndef INSTANCELISTCLIENT_H
+#define INSTANCELISTCLIENT_H
+
+#include "BusQueryResult.h"
+#include "ProcessDataPlatformExport.h"
+
+#include <QString>
+#include <QStringList>
+
+/// Fetches the names of a module's objects, sorted, from the introspection of its service, and
+/// waits for them, at most for the platform's time limit.
+///
+/// @param objects       receives the names, unescaped; left alone on failure
+/// @param errorMessage  receives one sentence that names what is wrong; left alone on success
+/// Threads: any. Runs no event loop.
+PROCESSDATAPLATFORM_EXPORT BusQueryResult fetchObjects(const QString &moduleName,
+                                                       QStringList &objects, QString &errorMessage);
+
+/// Fetches the names of an object's instances, sorted; otherwise like fetchObjects.
+PROCESSDATAPLATFORM_EXPORT BusQueryResult fetchInstances(const QString &moduleName,
+                                                         const QString &objectName,
+                                                         QStringList &instances,
+                                                         QString &errorMessage);
+
+#endif
