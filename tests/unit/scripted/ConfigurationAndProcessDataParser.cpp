@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: MIT
+// Renders leaves as the script says.
+#include "ConfigurationAndProcessDataParser.h"
+
+#include "CallRecord.h"
+#include "ScriptedPlatform.h"
+#include "ScriptedTree.h"
+
+namespace {
+
+const QString className = QStringLiteral("ConfigurationAndProcessDataParser");
+
+} // namespace
+
+ConfigurationAndProcessDataParser::ConfigurationAndProcessDataParser()
+{
+    CallRecord::instance().born(className);
+    CallRecord::instance().called(className, QString(), className);
+}
+
+ConfigurationAndProcessDataParser::~ConfigurationAndProcessDataParser()
+{
+    CallRecord::instance().died(className, QString());
+}
+
+bool ConfigurationAndProcessDataParser::frameToByteArray(
+    const QSharedPointer<ConfigurationAndProcessDataBase> &node, QByteArray &bytes,
+    QJsonDocument::JsonFormat format) const
+{
+    const auto *leaf = dynamic_cast<const ScriptedLeafNode *>(node.data());
+    const QString id = leaf != nullptr ? leaf->nodeId() : QStringLiteral("null");
+    CallRecord::instance().called(className, QString(), QStringLiteral("frameToByteArray"),
+                                  {id, CallRecord::quoted(QString::fromUtf8(bytes)),
+                                   format == QJsonDocument::Compact ? QStringLiteral("Compact")
+                                                                    : QStringLiteral("Indented")});
+    const ScriptedPlatform *platform = ScriptedPlatform::current();
+    if (leaf != nullptr) {
+        bytes.append(leaf->rendering());
+    } else if (platform != nullptr) {
+        bytes.append(platform->nullNode());
+    }
+    return false; // nobody may look at it
+}

@@ -1,0 +1,14 @@
+// SPDX-License-Identifier: MIT
+// Makes the pending replies of the script.
+#ifndef SCRIPTEDPENDINGREPLY_H
+#define SCRIPTEDPENDINGREPLY_H
+
+#include <QSharedPointer>
+
+class DBusPendingReply;
+class ScriptedSource;
+
+/// @param source  whose trees are built from what the reply will hold
+QSharedPointer<DBusPendingReply> makePendingReply(const QSharedPointer<ScriptedSource> &source);
+
+#endif
