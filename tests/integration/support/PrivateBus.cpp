@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: MIT
+// A message bus of a test's own.
+#include "PrivateBus.h"
+
+#include <QFile>
+
+PrivateBus::PrivateBus()
+{
+    QFile configuration(directory.filePath("bus.conf"));
+    if (configuration.open(QIODevice::WriteOnly)) {
+        configuration.write("<busconfig><type>session</type><listen>" + address().toUtf8()
+                            + "</listen><auth>EXTERNAL</auth><policy context=\"default\">"
+                              "<allow send_destination=\"*\"/><allow receive_sender=\"*\"/>"
+                              "<allow own=\"*\"/></policy></busconfig>\n");
+    }
+    qputenv("PROCESSDATA_BUS", address().toUtf8());
+}
+
+PrivateBus::~PrivateBus()
+{
+    stop();
+}
+
+bool PrivateBus::start()
+{
+    daemon.reset(new ChildProcess("dbus-daemon",
+                                  {"--config-file=" + directory.filePath("bus.conf"), "--nofork",
+                                   "--nopidfile", "--print-address=1"}));
+    return daemon->start() && !daemon->waitForLineWith("unix:").isEmpty();
+}
+
+void PrivateBus::stop()
+{
+    daemon.reset();
+    QFile::remove(directory.filePath("bus")); // a killed daemon leaves its socket
+}
+
+QString PrivateBus::address() const
+{
+    return "unix:path=" + directory.filePath("bus");
+}
+
+QByteArray PrivateBus::report() const
+{
+    return daemon ? daemon->report() : QByteArray("no bus daemon");
+}

@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: MIT
+// A publisher in a process of its own, driven line by line.
+#include "PublisherProcess.h"
+
+#include <QJsonDocument>
+
+PublisherProcess::PublisherProcess()
+    : child(QStringLiteral(INTEGRATION_PUBLISHER), {})
+{
+}
+
+QByteArray PublisherProcess::start()
+{
+    if (!child.start() || child.waitForLineWith("ready").isNull()) {
+        return "did not come up: " + child.report();
+    }
+    return {};
+}
+
+QByteArray PublisherProcess::create(const QString &module, const QString &object,
+                                    const QString &instance, const QJsonObject &description)
+{
+    return command({{"do", "create"},
+                    {"module", module},
+                    {"object", object},
+                    {"instance", instance},
+                    {"description", description}});
+}
+
+QByteArray PublisherProcess::publish(const QString &path, const QJsonValue &value)
+{
+    return command({{"do", "publish"}, {"path", path}, {"value", value}});
+}
+
+QByteArray PublisherProcess::replaceDescription(const QJsonObject &description)
+{
+    return command({{"do", "replaceDescription"}, {"description", description}});
+}
+
+QByteArray PublisherProcess::replaceProperties(const QJsonObject &description)
+{
+    return command({{"do", "replaceProperties"}, {"description", description}});
+}
+
+QByteArray PublisherProcess::playStatusManager()
+{
+    return command({{"do", "playStatusManager"}});
+}
+
+QByteArray PublisherProcess::announceStartupReady()
+{
+    return command({{"do", "announceStartupReady"}});
+}
+
+QByteArray PublisherProcess::waitForWrite(const QString &path)
+{
+    const QByteArray prefix = "written " + path.toUtf8() + ' ';
+    const QByteArray line = child.waitForLine(
+        [&prefix](const QByteArray &candidate) { return candidate.startsWith(prefix); });
+    return line.mid(prefix.size());
+}
+
+bool PublisherProcess::quit()
+{
+    child.closeInput();
+    return child.waitForEnd() && child.exitCode() == 0;
+}
+
+QByteArray PublisherProcess::command(const QJsonObject &command)
+{
+    child.write(QJsonDocument(command).toJson(QJsonDocument::Compact));
+    const QByteArray answer = child.waitForLine(
+        [](const QByteArray &line) { return line == "ok" || line.startsWith("error"); });
+    if (answer == "ok") {
+        return {};
+    }
+    return (answer.isNull() ? QByteArray("no answer") : answer) + '\n' + child.report();
+}

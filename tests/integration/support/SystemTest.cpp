@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: MIT
+// What every test of the whole system starts with: a bus of its own and a fresh module name.
+#include "SystemTest.h"
+
+#include <QTest>
+
+void SystemTest::init()
+{
+    module = uniqueModule();
+    bus.reset(new PrivateBus);
+    QVERIFY2(bus->start(), bus->report().constData());
+}
+
+void SystemTest::cleanup()
+{
+    bus.reset();
+    removeLeftBuffers(module);
+}
