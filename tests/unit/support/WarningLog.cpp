@@ -1,0 +1,129 @@
+// SPDX-License-Identifier: MIT
+// Captures messages and compares their places with the sources.
+#include "WarningLog.h"
+
+#include <QFile>
+#include <QMutex>
+#include <QMutexLocker>
+#include <QRegularExpression>
+#include <QTextStream>
+
+namespace {
+
+QMutex messagesMutex;
+QVector<LoggedMessage> messages;
+QtMessageHandler previousHandler = nullptr;
+
+void capture(QtMsgType type, const QMessageLogContext &context, const QString &text)
+{
+    if (type == QtFatalMsg) {
+        previousHandler(type, context, text);
+        return;
+    }
+    const QMutexLocker lock(&messagesMutex);
+    messages.append({type, QString::fromUtf8(context.category), QString::fromUtf8(context.file),
+                     context.line, QString::fromUtf8(context.function), text});
+}
+
+QVector<LoggedMessage> captured()
+{
+    const QMutexLocker lock(&messagesMutex);
+    return messages;
+}
+
+// The statement that begins at a line of a source, in one line.
+QString statementAt(const QString &file, int line)
+{
+    QFile source(QStringLiteral(SELECTORHANDLER_SOURCE_DIR "/") + file);
+    if (!source.open(QIODevice::ReadOnly)) {
+        return QString();
+    }
+    QTextStream stream(&source);
+    for (int i = 1; i < line; ++i) {
+        stream.readLine();
+    }
+    QString statement;
+    while (!stream.atEnd() && !statement.contains(QLatin1Char(';'))) {
+        statement += stream.readLine().trimmed();
+    }
+    return statement;
+}
+
+QString whatIsWrongWith(const LoggedMessage &message)
+{
+    if (message.type != QtWarningMsg) {
+        return QStringLiteral("not a warning");
+    }
+    if (message.category != QLatin1String("default")) {
+        return QStringLiteral("category ") + message.category;
+    }
+    if (!message.file.startsWith(QLatin1String("src/Selector"))) {
+        return QStringLiteral("file \"%1\"").arg(message.file);
+    }
+    const QString statement = statementAt(message.file, message.line);
+    const QString literal = QRegularExpression(QStringLiteral("^qWarning\\(\\) ?<< ?\"([^\"]*)\""))
+                                .match(statement)
+                                .captured(1);
+    if (literal.isEmpty() || !message.text.startsWith(literal)) {
+        return QStringLiteral("place %1:%2").arg(message.file).arg(message.line);
+    }
+    return QString();
+}
+
+} // namespace
+
+WarningLog::WarningLog()
+{
+    clear();
+    previousHandler = qInstallMessageHandler(capture);
+}
+
+WarningLog::~WarningLog()
+{
+    qInstallMessageHandler(previousHandler);
+}
+
+QStringList WarningLog::texts() const
+{
+    QStringList result;
+    for (const LoggedMessage &message : captured()) {
+        const QString fault = whatIsWrongWith(message);
+        result.append(fault.isEmpty() ? message.text
+                                      : QStringLiteral("%1 [%2]").arg(message.text, fault));
+    }
+    return result;
+}
+
+QStringList WarningLog::functions() const
+{
+    QStringList result;
+    for (const LoggedMessage &message : captured()) {
+        const QString signature = message.function.section(QLatin1Char('('), 0, 0);
+        result.append(signature.section(QLatin1Char(' '), -1));
+    }
+    return result;
+}
+
+QStringList WarningLog::files() const
+{
+    QStringList result;
+    for (const LoggedMessage &message : captured()) {
+        result.append(message.file);
+    }
+    return result;
+}
+
+int WarningLog::count(const QString &text) const
+{
+    int result = 0;
+    for (const LoggedMessage &message : captured()) {
+        result += message.text == text ? 1 : 0;
+    }
+    return result;
+}
+
+void WarningLog::clear()
+{
+    const QMutexLocker lock(&messagesMutex);
+    messages.clear();
+}
