@@ -1,0 +1,138 @@
+// SPDX-License-Identifier: MIT
+// One private connection to the bus that comes back after the bus daemon restarted.
+#include "BusLink.h"
+
+#include "BusLog.h"
+
+#include <QAtomicInt>
+#include <QDBusError>
+#include <QMutexLocker>
+
+namespace {
+
+// Milliseconds. The first attempt is early, because a bus daemon restarts in a blink; the last
+// delay bounds how long data stands still after a longer outage.
+constexpr int firstDelay = 50;
+constexpr int longestDelay = 2000;
+
+QString uniqueConnectionName()
+{
+    static QAtomicInt count;
+    return QStringLiteral("processdata-%1").arg(count.fetchAndAddRelaxed(1));
+}
+
+QDBusConnection noConnection()
+{
+    return QDBusConnection(QString());
+}
+}
+
+BusLink::BusLink(const BusChoice &choice, QObject *parent)
+    : QObject(parent)
+    , choice(choice)
+    , retryTimer(this) // a child, so that it follows into another thread
+    , nextDelay(firstDelay)
+    , current(noConnection())
+{
+    retryTimer.setSingleShot(true);
+    QObject::connect(&retryTimer, &QTimer::timeout, this, &BusLink::retry);
+}
+
+BusLink::~BusLink()
+{
+    drop();
+}
+
+bool BusLink::open(QString &error)
+{
+    if (isConnected()) {
+        return true;
+    }
+    if (!connectNow(error)) {
+        return false; // a running retry goes on
+    }
+    retryTimer.stop();
+    return true;
+}
+
+void BusLink::close()
+{
+    retryTimer.stop();
+    drop();
+}
+
+QDBusConnection BusLink::connection() const
+{
+    const QMutexLocker lock(&mutex);
+    return current;
+}
+
+bool BusLink::isConnected() const
+{
+    const QMutexLocker lock(&mutex);
+    return connected;
+}
+
+bool BusLink::connectNow(QString &error)
+{
+    const QString name = uniqueConnectionName();
+    QDBusConnection fresh = choice.connectTo(name);
+    // libdbus makes this signal itself when the socket closes; it never crosses the bus.
+    const bool watched = fresh.isConnected()
+        && fresh.connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
+                         QStringLiteral("org.freedesktop.DBus.Local"),
+                         QStringLiteral("Disconnected"), this, SLOT(handleDisconnected()));
+    if (!watched || !fresh.isConnected()) {
+        error = fresh.lastError().message();
+        if (error.isEmpty()) {
+            error = QStringLiteral("the connection was closed at once");
+        }
+        QDBusConnection::disconnectFromBus(name);
+        return false;
+    }
+    const QMutexLocker lock(&mutex);
+    current = fresh;
+    currentName = name;
+    connected = true;
+    nextDelay = firstDelay;
+    return true;
+}
+
+void BusLink::handleDisconnected()
+{
+    if (!isConnected()) {
+        return;
+    }
+    drop();
+    qCWarning(busLog).noquote() << "Lost the connection to" << choice.label()
+                                << "- trying to reconnect";
+    Q_EMIT lost();
+    retryTimer.start(nextDelay);
+}
+
+void BusLink::retry()
+{
+    QString error;
+    if (!connectNow(error)) {
+        nextDelay = qMin(2 * nextDelay, longestDelay);
+        retryTimer.start(nextDelay);
+        return;
+    }
+    qCInfo(busLog).noquote() << "Connected again to" << choice.label();
+    Q_EMIT restored();
+}
+
+void BusLink::drop()
+{
+    QString name;
+    {
+        const QMutexLocker lock(&mutex);
+        name = currentName;
+        currentName.clear();
+        connected = false;
+        current = noConnection();
+    }
+    if (!name.isEmpty()) {
+        QDBusConnection::disconnectFromBus(name);
+    }
+}

@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: MIT
+// One private connection to the bus that comes back after the bus daemon restarted.
+#ifndef BUSLINK_H
+#define BUSLINK_H
+
+#include "BusSettings.h"
+
+#include <QDBusConnection>
+#include <QMutex>
+#include <QObject>
+#include <QString>
+#include <QTimer>
+
+/// Threads: belongs to one thread with an event loop; connection() and isConnected() may be called
+/// in any.
+class BusLink : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit BusLink(const BusChoice &choice, QObject *parent = nullptr);
+    ~BusLink() override;
+
+    /// Connects if that was not done yet; waits for the bus daemon's greeting.
+    ///
+    /// @param error  receives the reason on failure. A link that never stood tries again only when
+    ///               asked; one that was lost goes on trying by itself.
+    bool open(QString &error);
+
+    /// Disconnects for good. Runs in the link's thread.
+    void close();
+
+    /// The connection as it is now. Hold the copy as long as a call is under way on it.
+    QDBusConnection connection() const;
+    bool isConnected() const;
+    const BusChoice &bus() const { return choice; }
+
+Q_SIGNALS:
+    /// The bus daemon is gone. All that was set up on the connection is lost.
+    void lost();
+
+    /// A new connection stands after the old one was lost. Not for one that open() made.
+    void restored();
+
+private Q_SLOTS:
+    void handleDisconnected();
+
+private:
+    bool connectNow(QString &error);
+    void retry();
+    void drop();
+
+    const BusChoice choice;
+    QTimer retryTimer;
+    int nextDelay;
+    mutable QMutex mutex; // guards the three below
+    QDBusConnection current;
+    QString currentName;
+    bool connected = false;
+};
+
+#endif

@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: MIT
+// Which bus is used and how long a call may take: the settings that the environment holds.
+#ifndef BUSSETTINGS_H
+#define BUSSETTINGS_H
+
+#include <QDBusConnection>
+#include <QString>
+
+/// The bus that PROCESSDATA_BUS chooses: "system" (also when unset or empty), "session", or an
+/// address.
+class BusChoice
+{
+public:
+    static BusChoice fromEnvironment();
+
+    /// Opens a new connection of its own.
+    ///
+    /// @param connectionName  under which QtDBus keeps it
+    QDBusConnection connectTo(const QString &connectionName) const;
+
+    /// For people: which bus, with its address where one is known.
+    QString label() const;
+
+    /// Equal for choices that reach the same bus.
+    QString key() const;
+
+private:
+    enum class Kind { System, Session, Address };
+
+    Kind kind = Kind::System;
+    QString address;
+};
+
+/// How long one call may take: PROCESSDATA_DBUS_TIMEOUT_MS, 1 to 600,000, default 2,000.
+///
+/// Units:   milliseconds.
+/// Errors:  anything else in the variable: one warning for each text, and the default.
+/// Threads: any.
+int callTimeLimit();
+
+#endif

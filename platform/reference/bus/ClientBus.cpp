@@ -1,0 +1,363 @@
+// SPDX-License-Identifier: MIT
+// The one connection that all clients of a process share, and what they know of their services.
+#include "ClientBus.h"
+
+#include "BusLog.h"
+#include "BusNames.h"
+#include "BusThread.h"
+
+#include <QDBusError>
+#include <QDBusPendingCall>
+#include <QDBusPendingCallWatcher>
+#include <QDeadlineTimer>
+#include <QElapsedTimer>
+#include <QHash>
+#include <QMutexLocker>
+#include <QTimer>
+
+#include <limits>
+
+namespace {
+
+// libdbus takes this number as "no time limit".
+constexpr int noTimeLimit = std::numeric_limits<int>::max();
+
+// A probe whose answer the bus daemon gave up on is sent again after this time. Milliseconds.
+constexpr int probeRetryDelay = 1000;
+
+// All client connections of the process. At its end the bus thread is stopped before they go.
+class ClientBuses
+{
+public:
+    ClientBuses()
+        : thread(QStringLiteral("processdata-client"))
+    {
+    }
+
+    ~ClientBuses()
+    {
+        thread.runAndWait([this] {
+            for (const QSharedPointer<ClientBus> &bus : std::as_const(buses)) {
+                bus->shutDown();
+            }
+        });
+    }
+
+    QSharedPointer<ClientBus> find(const BusChoice &choice)
+    {
+        const QMutexLocker lock(&mutex);
+        QSharedPointer<ClientBus> &bus = buses[choice.key()];
+        if (bus.isNull()) {
+            bus.reset(new ClientBus(choice));
+            bus->moveToThread(thread.thread());
+        }
+        return bus;
+    }
+
+private:
+    QMutex mutex;
+    QHash<QString, QSharedPointer<ClientBus>> buses;
+    BusThread thread; // destroyed, and so stopped, before the buses
+};
+
+bool isTimeout(const QDBusMessage &answer)
+{
+    const QDBusError::ErrorType type = QDBusError(answer).type();
+    return type == QDBusError::NoReply || type == QDBusError::Timeout
+        || type == QDBusError::TimedOut;
+}
+}
+
+QSharedPointer<ClientBus> ClientBus::instance(QString &error)
+{
+    static ClientBuses buses;
+    QSharedPointer<ClientBus> bus = buses.find(BusChoice::fromEnvironment());
+    if (!bus->waitUntilConnected(error)) {
+        bus.reset();
+    }
+    return bus;
+}
+
+ClientBus::ClientBus(const BusChoice &choice)
+    : link(choice, this)
+{
+    QObject::connect(&link, &BusLink::lost, this, &ClientBus::handleLost);
+    QObject::connect(&link, &BusLink::restored, this, &ClientBus::handleRestored);
+}
+
+ClientBus::~ClientBus() = default;
+
+void ClientBus::shutDown()
+{
+    link.close();
+    const QMutexLocker lock(&mutex);
+    table.busLost();
+    changed.wakeAll();
+}
+
+bool ClientBus::waitUntilConnected(QString &error)
+{
+    if (link.isConnected()) {
+        return true;
+    }
+    const int limit = callTimeLimit();
+    QDeadlineTimer deadline(limit);
+    QMutexLocker lock(&mutex);
+    const quint64 before = attempts;
+    if (!attemptUnderWay) {
+        attemptUnderWay = true;
+        QMetaObject::invokeMethod(
+            this, [this] { connectInBusThread(); }, Qt::QueuedConnection);
+    }
+    while (attempts == before && !deadline.hasExpired()) {
+        changed.wait(&mutex, deadline);
+    }
+    if (link.isConnected()) {
+        return true;
+    }
+    const QString reason
+        = attempts == before ? QStringLiteral("no answer within %1 ms").arg(limit) : lastError;
+    error = QStringLiteral("Cannot connect to %1: %2").arg(link.bus().label(), reason);
+    return false;
+}
+
+void ClientBus::connectInBusThread()
+{
+    QString error;
+    const bool wasConnected = link.isConnected();
+    if (link.open(error) && !wasConnected && !setUp(error)) {
+        link.close();
+    }
+    const QMutexLocker lock(&mutex);
+    lastError = error;
+    ++attempts;
+    attemptUnderWay = false;
+    changed.wakeAll();
+}
+
+// No service stands in these subscriptions: QtDBus 5.15 would look its owner up with a call that
+// blocks the thread of all its connections, and forget signals that come before the answer. The
+// sender is compared by ServiceTable instead. No path or name either: the bus daemon allows 512
+// match rules on a system bus connection, and an application may have more sources.
+bool ClientBus::subscribe(QString &error)
+{
+    QDBusConnection connection = link.connection();
+    const QString any;
+    const bool done = connection.connect(any, BusNames::daemonPath(), BusNames::daemonInterface(),
+                                         QStringLiteral("NameOwnerChanged"), this,
+                                         SLOT(handleOwnerChanged(QDBusMessage)))
+        && connection.connect(any, any, BusNames::processDescriptionInterface(),
+                              BusNames::processDescriptionChangedSignal(), this,
+                              SLOT(handleSignal(QDBusMessage)))
+        && connection.connect(any, any, BusNames::processDescriptionInterface(),
+                              BusNames::propertyChangedSignal(), this,
+                              SLOT(handleSignal(QDBusMessage)))
+        && connection.connect(any, any, BusNames::statusManagerInterface(),
+                              BusNames::startupReadySignal(), this,
+                              SLOT(handleSignal(QDBusMessage)));
+    if (!done) {
+        error = QStringLiteral("the bus connection refuses subscriptions");
+    }
+    return done;
+}
+
+void ClientBus::addListener(const QString &service, const QString &path, ServiceListener *listener)
+{
+    const QMutexLocker lock(&mutex);
+    if (table.addListener(service, path, listener)) {
+        QMetaObject::invokeMethod(
+            this, [this, service] { askOwner(service); }, Qt::QueuedConnection);
+    }
+}
+
+void ClientBus::removeListener(const QString &path, ServiceListener *listener)
+{
+    const QMutexLocker lock(&mutex);
+    table.removeListener(path, listener);
+}
+
+bool ClientBus::hasOwner(const QString &service)
+{
+    QDeadlineTimer deadline(callTimeLimit());
+    QMutexLocker lock(&mutex);
+    while (!table.isKnown(service) && link.isConnected() && !daemonSilent
+           && !deadline.hasExpired()) {
+        changed.wait(&mutex, deadline);
+    }
+    if (!table.isKnown(service) && link.isConnected()) {
+        if (!daemonSilent) {
+            qCWarning(busLog).noquote()
+                << "No answer from" << link.bus().label() << "about" << service;
+        }
+        daemonSilent = true; // further services must not wait as long again
+    }
+    table.setGivenUp(service);
+    return table.hasOwner(service);
+}
+
+QDBusMessage ClientBus::call(const QDBusMessage &call, bool &missed)
+{
+    const int limit = callTimeLimit();
+    {
+        const QMutexLocker lock(&mutex);
+        missed = table.isHung(call.service());
+    }
+    if (missed) {
+        return call.createErrorReply(
+            QDBusError::NoReply,
+            QStringLiteral("the service did not answer an earlier call in time and has been silent "
+                           "since"));
+    }
+    QDBusMessage request = call;
+    request.setAutoStartService(false);
+    const QDBusConnection copy = link.connection();
+    QElapsedTimer timer;
+    timer.start();
+    const QDBusMessage answer = copy.call(request, QDBus::Block, limit);
+    missed = noteTimeout(call, answer, timer.elapsed(), limit);
+    return answer;
+}
+
+bool ClientBus::noteTimeout(const QDBusMessage &call, const QDBusMessage &answer,
+                            qint64 milliseconds, int limit)
+{
+    // The same error comes at once when the service dies with the call: that is no hanging.
+    constexpr qint64 tolerance = 20;
+    if (!isTimeout(answer) || milliseconds + tolerance < limit) {
+        return false;
+    }
+    const QString service = call.service();
+    const QString path = call.path();
+    const QMutexLocker lock(&mutex);
+    const quint64 probe = table.setHung(service);
+    if (probe != 0) {
+        QMetaObject::invokeMethod(
+            this, [this, service, path, probe] { sendProbe(service, path, probe); },
+            Qt::QueuedConnection);
+    }
+    return true;
+}
+
+// Asks the object itself, not org.freedesktop.DBus.Peer: bus libraries answer that one in a thread
+// of their own even while the thread that serves objects hangs.
+void ClientBus::sendProbe(const QString &service, const QString &path, quint64 probe)
+{
+    QDBusMessage message = QDBusMessage::createMethodCall(
+        service, path, BusNames::processDescriptionInterface(), QStringLiteral("ListInstances"));
+    message.setAutoStartService(false);
+    const QDBusConnection copy = link.connection();
+    if (!copy.isConnected()) {
+        return; // the loss of the bus ends all probes
+    }
+    auto *watcher = new QDBusPendingCallWatcher(copy.asyncCall(message, noTimeLimit), this);
+    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, this,
+                     [this, service, path, probe, copy, watcher] {
+                         watcher->deleteLater();
+                         handleProbe(service, path, probe, watcher->reply());
+                     });
+}
+
+void ClientBus::handleProbe(const QString &service, const QString &path, quint64 probe,
+                            const QDBusMessage &answer)
+{
+    if (isTimeout(answer)) {
+        // Either the bus daemon gave up or the service died; then its owner changes, and the next
+        // probe finds itself outdated.
+        QTimer::singleShot(probeRetryDelay, this, [this, service, path, probe] {
+            bool wanted = false;
+            {
+                const QMutexLocker lock(&mutex);
+                wanted = table.isUnderWay(service, probe);
+            }
+            if (wanted) {
+                sendProbe(service, path, probe);
+            }
+        });
+        return;
+    }
+    const QDBusError::ErrorType type = QDBusError(answer).type();
+    const bool answered = type != QDBusError::ServiceUnknown && type != QDBusError::Disconnected;
+    const QMutexLocker lock(&mutex);
+    table.probeEnded(service, probe, answered);
+}
+
+void ClientBus::askOwner(const QString &service)
+{
+    QDBusMessage question = QDBusMessage::createMethodCall(
+        BusNames::daemonService(), BusNames::daemonPath(), BusNames::daemonInterface(),
+        QStringLiteral("GetNameOwner"));
+    question << service;
+    const QDBusConnection copy = link.connection();
+    if (!copy.isConnected()) {
+        return; // asked when the bus is back
+    }
+    auto *watcher = new QDBusPendingCallWatcher(copy.asyncCall(question, noTimeLimit), this);
+    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, this,
+                     [this, service, copy, watcher] {
+                         watcher->deleteLater();
+                         if (QDBusError(watcher->reply()).type() == QDBusError::Disconnected) {
+                             return; // asked again when the bus is back
+                         }
+                         const QString owner = watcher->reply().arguments().value(0).toString();
+                         const QMutexLocker lock(&mutex);
+                         daemonSilent = false;
+                         table.ownerAnswered(service, watcher->isError() ? QString() : owner);
+                         changed.wakeAll();
+                     });
+}
+
+void ClientBus::handleOwnerChanged(const QDBusMessage &message)
+{
+    // Anyone may send a signal with this interface; only the bus daemon's own has this sender.
+    const QList<QVariant> arguments = message.arguments();
+    if (message.service() != BusNames::daemonService()
+        || message.signature() != QLatin1String("sss")) {
+        return;
+    }
+    const QMutexLocker lock(&mutex);
+    table.ownerChanged(arguments.at(0).toString(), arguments.at(2).toString());
+    changed.wakeAll();
+}
+
+void ClientBus::handleSignal(const QDBusMessage &message)
+{
+    const bool hasArgument = message.signature() == QLatin1String("s");
+    if (!hasArgument && !message.signature().isEmpty()) {
+        return;
+    }
+    const QString argument = hasArgument ? message.arguments().at(0).toString() : QString();
+    const QMutexLocker lock(&mutex);
+    table.signalReceived(message.service(), message.path(), message.member(), argument);
+}
+
+void ClientBus::handleLost()
+{
+    const QMutexLocker lock(&mutex);
+    table.busLost();
+    daemonSilent = false;
+    changed.wakeAll();
+}
+
+void ClientBus::handleRestored()
+{
+    QString error;
+    if (!setUp(error)) {
+        qCWarning(busLog).noquote()
+            << "No announcements from" << link.bus().label() << "-" << error;
+    }
+}
+
+bool ClientBus::setUp(QString &error)
+{
+    const bool subscribed = subscribe(error);
+    QStringList services;
+    {
+        const QMutexLocker lock(&mutex);
+        table.busRestored();
+        services = table.services();
+    }
+    for (const QString &service : services) {
+        askOwner(service);
+    }
+    return subscribed;
+}

@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: MIT
+// The one connection that all clients of a process share, and what they know of their services.
+#ifndef CLIENTBUS_H
+#define CLIENTBUS_H
+
+#include "BusLink.h"
+#include "ServiceTable.h"
+
+#include <QDBusMessage>
+#include <QMutex>
+#include <QObject>
+#include <QSharedPointer>
+#include <QString>
+#include <QWaitCondition>
+
+/// Lives in a bus thread of its own, so that owners are tracked and the bus is reached again even
+/// while a client's thread waits or runs no event loop.
+///
+/// Threads: public operations may be called in any thread but the bus thread.
+class ClientBus : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// The connection to the bus that the environment chooses; waits until it stands, at most for
+    /// the platform's time limit.
+    ///
+    /// @param error  receives one sentence that names the bus and the reason; left alone on success
+    /// @returns null when the bus cannot be reached
+    static QSharedPointer<ClientBus> instance(QString &error);
+
+    explicit ClientBus(const BusChoice &choice);
+    ~ClientBus() override;
+
+    /// Disconnects for good. Called in the bus thread before it ends.
+    void shutDown();
+
+    /// From now on the listener hears of the service and of signals from its object at the path.
+    void addListener(const QString &service, const QString &path, ServiceListener *listener);
+
+    /// The listener is not called any more once this has returned.
+    void removeListener(const QString &path, ServiceListener *listener);
+
+    /// Whether somebody owns the service's name. Waits for the bus daemon's first answer, at most
+    /// for the platform's time limit.
+    bool hasOwner(const QString &service);
+
+    /// Sends a call and waits for its answer, at most for the platform's time limit; an error
+    /// message at once when the service is known to hang. Never starts a service.
+    ///
+    /// @param call     a method call
+    /// @param missed   receives whether the service kept its answer to itself: it is asked in the
+    ///                 background, and serviceAnswersAgain() follows when it answers
+    QDBusMessage call(const QDBusMessage &call, bool &missed);
+
+    /// The connection for calls that nobody waits for; hold the copy as long as the call is under
+    /// way.
+    QDBusConnection connection() const { return link.connection(); }
+    const BusChoice &bus() const { return link.bus(); }
+
+    /// Whether an answer that took this long says that its service hangs, and then remembers it.
+    bool noteTimeout(const QDBusMessage &call, const QDBusMessage &answer, qint64 milliseconds,
+                     int limit);
+
+private Q_SLOTS:
+    void handleOwnerChanged(const QDBusMessage &message);
+    void handleSignal(const QDBusMessage &message);
+    void handleLost();
+    void handleRestored();
+
+private:
+    bool waitUntilConnected(QString &error);
+    void connectInBusThread();
+    bool setUp(QString &error);
+    bool subscribe(QString &error);
+    void askOwner(const QString &service);
+    void sendProbe(const QString &service, const QString &path, quint64 probe);
+    void handleProbe(const QString &service, const QString &path, quint64 probe,
+                     const QDBusMessage &answer);
+
+    BusLink link;
+    mutable QMutex mutex; // guards all below; never held while something waits for the bus thread
+    QWaitCondition changed;
+    ServiceTable table;
+    QString lastError; // of the last attempt to connect
+    quint64 attempts = 0; // that have ended
+    bool attemptUnderWay = false;
+    bool daemonSilent = false; // did not tell an owner in time
+};
+
+#endif

@@ -1,0 +1,137 @@
+// SPDX-License-Identifier: MIT
+// What all connectors share: their service on the bus, and what it said, queued into their thread.
+#include "DBusConnectorBase.h"
+
+#include "BusLog.h"
+#include "DBusConnectorBasePrivate.h"
+
+#include <QMutexLocker>
+#include <QPointer>
+
+#include <utility>
+
+DBusConnectorBase::DBusConnectorBase(DBusConnectorBasePrivate *state)
+    : d(state)
+{
+    d->start(this);
+}
+
+DBusConnectorBase::~DBusConnectorBase()
+{
+    d->stop(); // nothing is posted to this object from here on
+}
+
+bool DBusConnectorBase::isDBusInterfaceValid() const
+{
+    return d->bus->hasOwner(d->service);
+}
+
+DBusConnectorBasePrivate::DBusConnectorBasePrivate(QSharedPointer<ClientBus> bus, QString service,
+                                                   QString path)
+    : bus(std::move(bus))
+    , service(std::move(service))
+    , path(std::move(path))
+{
+}
+
+DBusConnectorBasePrivate::~DBusConnectorBasePrivate() = default;
+
+QSharedPointer<ClientBus> DBusConnectorBasePrivate::findBus()
+{
+    QString error;
+    QSharedPointer<ClientBus> bus = ClientBus::instance(error);
+    if (bus.isNull()) {
+        qCWarning(busLog).noquote() << error;
+    }
+    return bus;
+}
+
+void DBusConnectorBasePrivate::start(QObject *owner)
+{
+    connector = owner;
+    bus->addListener(service, path, this);
+}
+
+void DBusConnectorBasePrivate::stop()
+{
+    bus->removeListener(path, this);
+}
+
+void DBusConnectorBasePrivate::servicePresent(Presence presence)
+{
+    Event event{Event::Kind::Present};
+    event.presence = presence;
+    enqueue(event);
+}
+
+void DBusConnectorBasePrivate::serviceAnswersAgain()
+{
+    enqueue(Event{Event::Kind::AnswersAgain});
+}
+
+void DBusConnectorBasePrivate::signalReceived(const QString &member, const QString &argument)
+{
+    Event event{Event::Kind::Signal};
+    event.member = member;
+    event.argument = argument;
+    enqueue(event);
+}
+
+// A signal that waits for delivery already says all that an equal one after it would say. One of
+// another kind in between keeps both, so that the last kind reported is the last kind announced.
+bool DBusConnectorBasePrivate::isQueuedAlready(const Event &signal) const
+{
+    for (auto it = queue.crbegin(); it != queue.crend(); ++it) {
+        if (it->kind != Event::Kind::Signal) {
+            return false;
+        }
+        if (it->argument == signal.argument) {
+            return it->member == signal.member;
+        }
+    }
+    return false;
+}
+
+void DBusConnectorBasePrivate::enqueue(const Event &event)
+{
+    const QMutexLocker lock(&mutex);
+    if (event.kind == Event::Kind::Signal && isQueuedAlready(event)) {
+        return;
+    }
+    if (queue.isEmpty()) {
+        QMetaObject::invokeMethod(
+            connector, [this] { deliver(); }, Qt::QueuedConnection);
+    }
+    queue += event;
+}
+
+void DBusConnectorBasePrivate::deliver()
+{
+    QVector<Event> events;
+    {
+        const QMutexLocker lock(&mutex);
+        events = std::exchange(queue, QVector<Event>());
+    }
+    const QPointer<QObject> alive(connector);
+    for (const Event &event : std::as_const(events)) {
+        handle(event);
+        if (alive.isNull()) {
+            return; // what it was told made its owner release it, and this object with it
+        }
+    }
+}
+
+void DBusConnectorBasePrivate::handle(const Event &event)
+{
+    switch (event.kind) {
+    case Event::Kind::Present:
+        handlePresence(event.presence);
+        break;
+    case Event::Kind::AnswersAgain:
+        handleAnswersAgain();
+        break;
+    case Event::Kind::Signal:
+        handleSignal(event.member, event.argument);
+        break;
+    }
+}

@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: MIT
+// What all connectors share: their service on the bus, and what it said, queued into their thread.
+#ifndef DBUSCONNECTORBASEPRIVATE_H
+#define DBUSCONNECTORBASEPRIVATE_H
+
+#include "ClientBus.h"
+#include "ServiceListener.h"
+
+#include <QMutex>
+#include <QObject>
+#include <QSharedPointer>
+#include <QString>
+#include <QVector>
+
+/// Hears of the service in the bus thread and hands it on in the connector's thread, in the same
+/// order.
+class DBusConnectorBasePrivate : public ServiceListener
+{
+public:
+    DBusConnectorBasePrivate(QSharedPointer<ClientBus> bus, QString service, QString path);
+    ~DBusConnectorBasePrivate() override;
+
+    /// The bus that the environment chooses; null, with a warning, when it cannot be reached.
+    static QSharedPointer<ClientBus> findBus();
+
+    void start(QObject *owner);
+    void stop();
+
+    void servicePresent(Presence presence) override;
+    void serviceAnswersAgain() override;
+    void signalReceived(const QString &member, const QString &argument) override;
+
+    const QSharedPointer<ClientBus> bus;
+    const QString service;
+    const QString path;
+
+protected:
+    // In the connector's thread, one at a time. The connector may be gone when they return.
+    virtual void handlePresence(Presence presence) = 0;
+    virtual void handleAnswersAgain() = 0;
+    virtual void handleSignal(const QString &member, const QString &argument) = 0;
+
+private:
+    struct Event
+    {
+        enum class Kind { Present, AnswersAgain, Signal };
+
+        Kind kind = Kind::Present;
+        Presence presence = Presence::Found;
+        QString member;
+        QString argument;
+    };
+
+    bool isQueuedAlready(const Event &signal) const;
+    void enqueue(const Event &event);
+    void deliver();
+    void handle(const Event &event);
+
+    QObject *connector = nullptr;
+    QMutex mutex; // guards the queue
+    QVector<Event> queue;
+};
+
+#endif

@@ -1,0 +1,141 @@
+// SPDX-License-Identifier: MIT
+// Client of the process-description service of one object of one module.
+#include "DBusProcessDescriptionConnector.h"
+
+#include "BusNames.h"
+#include "DBusPendingReplyPrivate.h"
+#include "DBusProcessDescriptionConnectorPrivate.h"
+#include "DescriptionReply.h"
+
+#include <QDBusPendingCall>
+#include <QDBusPendingCallWatcher>
+#include <QPointer>
+
+#include <utility>
+
+QSharedPointer<DBusProcessDescriptionConnector>
+DBusProcessDescriptionConnector::createAndConnect(const QString &moduleName,
+                                                  const QString &objectName)
+{
+    QSharedPointer<DBusProcessDescriptionConnector> connector;
+    const QSharedPointer<ClientBus> bus = DBusConnectorBasePrivate::findBus();
+    if (!bus.isNull()) {
+        connector.reset(new DBusProcessDescriptionConnector(
+            new DBusProcessDescriptionConnectorPrivate(bus, moduleName, objectName)));
+    }
+    return connector;
+}
+
+DBusProcessDescriptionConnector::DBusProcessDescriptionConnector(
+    DBusProcessDescriptionConnectorPrivate *state)
+    : DBusConnectorBase(state)
+{
+    state->q = this;
+}
+
+DBusProcessDescriptionConnector::~DBusProcessDescriptionConnector() = default;
+
+DBusReply DBusProcessDescriptionConnector::getProcessDataDescription(const QString &instanceName,
+                                                                     const QString &reserved) const
+{
+    const auto &state = DBusProcessDescriptionConnectorPrivate::of(*this);
+    const QDBusMessage call = descriptionCall(state.service, state.path, instanceName, reserved);
+    state.memory->noteAsked(instanceName);
+    // Before the call: another thread may hear that the service answers again before this one goes
+    // on.
+    state.memory->noteMissed(instanceName);
+    bool missed = false;
+    const QDBusMessage answer = state.bus->call(call, missed);
+    if (!missed) {
+        state.memory->forgetMissed(instanceName);
+    }
+    const DescriptionReply judged = judgeDescriptionReply(call, answer);
+    return judged.error.getCode() == 0 ? DBusReply::fromValue(judged.value)
+                                       : DBusReply::fromError(judged.error.getText());
+}
+
+QSharedPointer<DBusPendingReply>
+DBusProcessDescriptionConnector::getProcessDataDescriptionAsynchron(const QString &instanceName,
+                                                                    const QString &reserved) const
+{
+    const auto &state = DBusProcessDescriptionConnectorPrivate::of(*this);
+    state.memory->noteAsked(instanceName);
+    return DBusPendingReplyPrivate::send(
+        state.bus, descriptionCall(state.service, state.path, instanceName, reserved), state.memory,
+        thread());
+}
+
+DBusProcessDescriptionConnectorPrivate::DBusProcessDescriptionConnectorPrivate(
+    QSharedPointer<ClientBus> bus, const QString &moduleName, const QString &objectName)
+    : DBusConnectorBasePrivate(std::move(bus), BusNames::serviceOfModule(moduleName),
+                               BusNames::pathOfObject(objectName))
+    , memory(QSharedPointer<FetchMemory>::create())
+{
+}
+
+const DBusProcessDescriptionConnectorPrivate &
+DBusProcessDescriptionConnectorPrivate::of(const DBusProcessDescriptionConnector &q)
+{
+    return static_cast<const DBusProcessDescriptionConnectorPrivate &>(*q.d);
+}
+
+void DBusProcessDescriptionConnectorPrivate::handlePresence(Presence presence)
+{
+    switch (presence) {
+    case Presence::Found:
+        break; // the first fetch is still to come
+    case Presence::Appeared:
+        memory->takeMissed(); // the service announces all that it has
+        break;
+    case Presence::FoundAgain:
+        memory->takeMissed();
+        announceAll();
+        break;
+    }
+}
+
+void DBusProcessDescriptionConnectorPrivate::handleAnswersAgain()
+{
+    announce(memory->takeMissed());
+}
+
+void DBusProcessDescriptionConnectorPrivate::handleSignal(const QString &member,
+                                                          const QString &argument)
+{
+    if (member == BusNames::processDescriptionChangedSignal()) {
+        Q_EMIT q->processDataDescriptionChanged(argument);
+    } else if (member == BusNames::propertyChangedSignal()) {
+        Q_EMIT q->propertyChanged(argument);
+    }
+}
+
+// The service announced its instances while the bus was away or unheard: say it in its place.
+void DBusProcessDescriptionConnectorPrivate::announceAll()
+{
+    QDBusMessage call = QDBusMessage::createMethodCall(
+        service, path, BusNames::processDescriptionInterface(), QStringLiteral("ListInstances"));
+    call.setAutoStartService(false);
+    const QDBusConnection connection = bus->connection();
+    if (!connection.isConnected()) {
+        return; // found again once more when the bus is back
+    }
+    auto *watcher = new QDBusPendingCallWatcher(connection.asyncCall(call, callTimeLimit()), q);
+    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, q, [this, watcher, connection] {
+        watcher->deleteLater();
+        const QDBusMessage answer = watcher->reply();
+        const bool isList = answer.type() == QDBusMessage::ReplyMessage
+            && answer.signature() == QLatin1String("as");
+        announce(isList ? answer.arguments().at(0).toStringList() : memory->allAsked());
+    });
+}
+
+void DBusProcessDescriptionConnectorPrivate::announce(const QStringList &instanceNames)
+{
+    const QPointer<DBusProcessDescriptionConnector> alive(q);
+    for (const QString &instanceName : instanceNames) {
+        Q_EMIT q->processDataDescriptionChanged(instanceName);
+        if (alive.isNull()) {
+            return;
+        }
+    }
+}

@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: MIT
+// Which instances a connector was asked for, and which of them its service still owes.
+#ifndef FETCHMEMORY_H
+#define FETCHMEMORY_H
+
+#include <QMutex>
+#include <QMutexLocker>
+#include <QString>
+#include <QStringList>
+
+#include <utility>
+
+/// Shared by a connector and its pending replies, which may outlive it.
+///
+/// Threads: any.
+class FetchMemory
+{
+public:
+    /// Remembers that the instance was asked for.
+    void noteAsked(const QString &instanceName)
+    {
+        const QMutexLocker lock(&mutex);
+        if (!asked.contains(instanceName)) {
+            asked += instanceName;
+        }
+    }
+
+    /// Remembers that the service hangs and owes the instance.
+    void noteMissed(const QString &instanceName)
+    {
+        const QMutexLocker lock(&mutex);
+        if (!missed.contains(instanceName)) {
+            missed += instanceName;
+        }
+    }
+
+    void forgetMissed(const QString &instanceName)
+    {
+        const QMutexLocker lock(&mutex);
+        missed.removeAll(instanceName);
+    }
+
+    QStringList takeMissed()
+    {
+        const QMutexLocker lock(&mutex);
+        return std::exchange(missed, QStringList());
+    }
+
+    QStringList allAsked() const
+    {
+        const QMutexLocker lock(&mutex);
+        return asked;
+    }
+
+private:
+    mutable QMutex mutex;
+    QStringList asked;
+    QStringList missed;
+};
+
+#endif

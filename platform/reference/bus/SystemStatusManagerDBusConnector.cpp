@@ -1,0 +1,101 @@
+// SPDX-License-Identifier: MIT
+// Client of the system status manager.
+#include "SystemStatusManagerDBusConnector.h"
+
+#include "BusNames.h"
+#include "DBusConnectorBasePrivate.h"
+
+#include <QDBusPendingCall>
+#include <QDBusPendingCallWatcher>
+#include <QDBusVariant>
+
+#include <limits>
+
+class SystemStatusManagerDBusConnectorPrivate : public DBusConnectorBasePrivate
+{
+public:
+    explicit SystemStatusManagerDBusConnectorPrivate(QSharedPointer<ClientBus> bus)
+        : DBusConnectorBasePrivate(std::move(bus), BusNames::statusManagerService(),
+                                   BusNames::statusManagerPath())
+    {
+    }
+
+    SystemStatusManagerDBusConnector *q = nullptr;
+
+protected:
+    // Whether it is the manager that restarted or the bus: a system that was ready stays so.
+    void handlePresence(Presence presence) override
+    {
+        Q_UNUSED(presence)
+        if (!reported) {
+            askWhetherReady();
+        }
+    }
+
+    void handleAnswersAgain() override { }
+
+    // The answer to a question that was asked before the signal comes before it, for both are sent
+    // by the manager. So a signal after the report is always another start-up.
+    void handleSignal(const QString &member, const QString &argument) override
+    {
+        if (member == BusNames::startupReadySignal() && argument.isNull()) {
+            report();
+        }
+    }
+
+private:
+    void askWhetherReady()
+    {
+        QDBusMessage call = QDBusMessage::createMethodCall(
+            service, path, BusNames::propertiesInterface(), QStringLiteral("Get"));
+        call.setArguments({BusNames::statusManagerInterface(), QStringLiteral("Ready")});
+        call.setAutoStartService(false);
+        const QDBusConnection connection = bus->connection();
+        if (!connection.isConnected()) {
+            return; // asked when the bus is back
+        }
+        // Nobody waits for it, and a manager that hangs shall be heard when it is back: no time
+        // limit.
+        constexpr int noTimeLimit = std::numeric_limits<int>::max();
+        auto *watcher = new QDBusPendingCallWatcher(connection.asyncCall(call, noTimeLimit), q);
+        QObject::connect(
+            watcher, &QDBusPendingCallWatcher::finished, q, [this, watcher, connection] {
+                watcher->deleteLater();
+                const QVariant ready
+                    = watcher->reply().arguments().value(0).value<QDBusVariant>().variant();
+                if (!reported && !watcher->isError() && ready.type() == QVariant::Bool
+                    && ready.toBool()) {
+                    report();
+                }
+            });
+    }
+
+    void report()
+    {
+        reported = true;
+        Q_EMIT q->orvalisStartupReady(); // may end this object
+    }
+
+    bool reported = false;
+};
+
+QSharedPointer<SystemStatusManagerDBusConnector>
+SystemStatusManagerDBusConnector::createAndConnect()
+{
+    QSharedPointer<SystemStatusManagerDBusConnector> connector;
+    const QSharedPointer<ClientBus> bus = DBusConnectorBasePrivate::findBus();
+    if (!bus.isNull()) {
+        connector.reset(
+            new SystemStatusManagerDBusConnector(new SystemStatusManagerDBusConnectorPrivate(bus)));
+    }
+    return connector;
+}
+
+SystemStatusManagerDBusConnector::SystemStatusManagerDBusConnector(
+    SystemStatusManagerDBusConnectorPrivate *state)
+    : DBusConnectorBase(state)
+{
+    state->q = this;
+}
+
+SystemStatusManagerDBusConnector::~SystemStatusManagerDBusConnector() = default;
