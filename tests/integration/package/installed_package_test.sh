@@ -1,0 +1,68 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
+# Installs the build into an empty prefix and builds a client against it, by CMake and by pkg-config.
+#
+# usage: installed_package_test.sh SOURCE-DIR BUILD-DIR PUBLISHER [COMPILE-FLAG…]
+set -euo pipefail
+# shellcheck source=tests/integration/package/common.bash
+source "$(dirname "${BASH_SOURCE[0]}")/common.bash"
+publisher=$3
+flags=("${@:4}")
+
+prefix=$work/prefix
+check "the build installs" cmake --install "$build_dir" --prefix "$prefix"
+libdir=$(dirname "$(find "$prefix" -name libSelectorHandler.so.1)")
+runtime='libQt5Core\.so\.5|lib(stdc\+\+|c|m|gcc_s|asan|ubsan)\.so\.[0-9]+'
+check "the library needs Qt Core, the platform and the C++ runtime alone" \
+    expect_needed "$libdir/libSelectorHandler.so.1" "libProcessDataPlatform\\.so\\.1|$runtime"
+check "no installed text names the build or source tree" \
+    absent -rIl -e "$build_dir" -e "$source_dir" "$prefix"
+for header in "$prefix"/include/*/*.h; do
+    printf '#include <%s>\n' "${header##*/}"
+done >"$work/all_headers.cpp"
+
+# Moved, so that nothing can hold on to the place of installation.
+mv "$prefix" "$work/moved"
+prefix=$work/moved
+libdir=${libdir/prefix/moved}
+export PKG_CONFIG_PATH=$libdir/pkgconfig LD_LIBRARY_PATH=$libdir
+
+example=$source_dir/examples/read-once
+check "a client configures by CMake" cmake -G Ninja -S "$example" -B "$work/client" \
+    -DCMAKE_PREFIX_PATH="$prefix" -DCMAKE_CXX_FLAGS="${flags[*]}"
+check "a client builds by CMake" cmake --build "$work/client"
+read -ra pkg_flags < <(pkg-config --cflags --libs selectorhandler)
+check "a client builds by pkg-config" "${CXX:-c++}" -std=c++17 -fPIC "${flags[@]}" \
+    "$example/main.cpp" -o "$work/by-pkg-config" "${pkg_flags[@]}"
+check "every installed header compiles" "${CXX:-c++}" -std=c++17 -fPIC -fsyntax-only \
+    -DQT_NO_KEYWORDS -Wall -Wextra -Werror "$work/all_headers.cpp" "${pkg_flags[@]}"
+
+# The bus daemon ends with its child; each test has its own.
+module=Package$$
+cat >"$work/serve" <<SERVE
+#!/usr/bin/env bash
+set -euo pipefail
+export PROCESSDATA_BUS=\$DBUS_SESSION_BUS_ADDRESS
+coproc publisher { "$publisher"; }
+answer() {
+    local line
+    read -r -t 20 line <&"\${publisher[0]}"
+    [[ \$line == "\$1" ]] || { echo "publisher: \$line"; exit 1; }
+}
+answer ready
+echo '{"do":"create","module":"$module","object":"Controller","instance":"1","description":{
+"format":"process-data-description/1","elements":[{"name":"speed","type":"float64","unit":"1/min"}]}}' |
+    tr -d '\n' >&"\${publisher[1]}"
+echo >&"\${publisher[1]}"
+answer ok
+echo '{"do":"publish","path":"speed","value":1450.5}' >&"\${publisher[1]}"
+answer ok
+"\$1" processdata://$module/Controller/1/speed
+exec {publisher[1]}>&-
+wait "\$publisher_PID"
+SERVE
+for client in "$work/client/read-once" "$work/by-pkg-config"; do
+    check "${client##*/} runs" dbus-run-session -- bash "$work/serve" "$client"
+    check "${client##*/} reads the published value" \
+        grep -Fx "processdata://$module/Controller/1/speed = 1450.5 1/min" "$work/previous"
+done
