@@ -1,0 +1,279 @@
+// SPDX-License-Identifier: MIT
+// Types of leaves and the values that they can hold.
+#include "LeafType.h"
+
+#include <array>
+#include <cmath>
+#include <limits>
+
+namespace {
+
+struct NamedType
+{
+    const char *name;
+    LeafType::Kind kind;
+    int bits;
+};
+
+constexpr std::array<NamedType, 13> namedTypes{{
+    {"bool", LeafType::Bool, 0},
+    {"int8", LeafType::Signed, 8},
+    {"int16", LeafType::Signed, 16},
+    {"int32", LeafType::Signed, 32},
+    {"int64", LeafType::Signed, 64},
+    {"uint8", LeafType::Unsigned, 8},
+    {"uint16", LeafType::Unsigned, 16},
+    {"uint32", LeafType::Unsigned, 32},
+    {"uint64", LeafType::Unsigned, 64},
+    {"float32", LeafType::Float, 32},
+    {"float64", LeafType::Float, 64},
+    {"string", LeafType::String, 0},
+    {"bytes", LeafType::Bytes, 0},
+}};
+
+QVariant fromSigned(int bits, qlonglong number)
+{
+    return bits == 64 ? QVariant(number) : QVariant(static_cast<int>(number));
+}
+
+QVariant fromUnsigned(int bits, qulonglong number)
+{
+    return bits == 64 ? QVariant(number) : QVariant(static_cast<uint>(number));
+}
+
+QVariant fromFloat(int bits, double number)
+{
+    return bits == 32 ? QVariant(static_cast<float>(number)) : QVariant(number);
+}
+
+QString rangeError(const LeafType &type)
+{
+    if (type.kind == LeafType::Signed) {
+        const qlonglong highest = std::numeric_limits<qlonglong>::max() >> (64 - type.bits);
+        return QStringLiteral("%1 holds %2 to %3").arg(type.name).arg(-highest - 1).arg(highest);
+    }
+    const qulonglong highest = std::numeric_limits<qulonglong>::max() >> (64 - type.bits);
+    return QStringLiteral("%1 holds 0 to %2").arg(type.name).arg(highest);
+}
+
+// Base 0 would read a leading zero as octal, which nobody who types 010 expects.
+int baseOf(const QString &digits)
+{
+    return digits.startsWith(QLatin1String("0x"), Qt::CaseInsensitive) ? 16 : 10;
+}
+
+bool looksLikeInteger(const QString &text)
+{
+    const QString digits = text.startsWith(QLatin1Char('-')) || text.startsWith(QLatin1Char('+'))
+        ? text.mid(1)
+        : text;
+    const bool hexadecimal = baseOf(digits) == 16;
+    const QString bare = hexadecimal ? digits.mid(2) : digits;
+    for (const QChar c : bare) {
+        const ushort code = c.toLower().unicode();
+        if (!((code >= '0' && code <= '9') || (hexadecimal && code >= 'a' && code <= 'f'))) {
+            return false;
+        }
+    }
+    return !bare.isEmpty();
+}
+
+bool integerFromText(const LeafType &type, const QString &text, QVariant &value, QString &error)
+{
+    if (!looksLikeInteger(text)) {
+        error = QStringLiteral("is no integer, as %1 needs").arg(type.name);
+        return false;
+    }
+    const QString digits = text.startsWith(QLatin1Char('+')) ? text.mid(1) : text;
+    const int base = baseOf(digits.startsWith(QLatin1Char('-')) ? digits.mid(1) : digits);
+    bool ok = false;
+    if (type.kind == LeafType::Signed) {
+        const qlonglong number = digits.toLongLong(&ok, base);
+        const qlonglong highest = std::numeric_limits<qlonglong>::max() >> (64 - type.bits);
+        if (ok && number <= highest && number >= -highest - 1) {
+            value = fromSigned(type.bits, number);
+            return true;
+        }
+    } else {
+        const qulonglong number = digits.toULongLong(&ok, base);
+        const qulonglong highest = std::numeric_limits<qulonglong>::max() >> (64 - type.bits);
+        if (ok && number <= highest && !digits.startsWith(QLatin1Char('-'))) {
+            value = fromUnsigned(type.bits, number);
+            return true;
+        }
+    }
+    error = QStringLiteral("does not fit: %1").arg(rangeError(type));
+    return false;
+}
+
+bool floatFromText(const LeafType &type, const QString &text, QVariant &value, QString &error)
+{
+    bool ok = false;
+    const double number = text.toDouble(&ok);
+    if (!ok) {
+        error = QStringLiteral("is no number, as %1 needs").arg(type.name);
+        return false;
+    }
+    if (std::isfinite(number) && std::abs(number) > type.highest()) {
+        error = QStringLiteral("does not fit into %1").arg(type.name);
+        return false;
+    }
+    value = fromFloat(type.bits, number);
+    return true;
+}
+
+bool boolFromText(const QString &text, QVariant &value, QString &error)
+{
+    const QString word = text.toLower();
+    if (word == QLatin1String("true") || word == QLatin1String("1")
+        || word == QLatin1String("on")) {
+        value = true;
+        return true;
+    }
+    if (word == QLatin1String("false") || word == QLatin1String("0")
+        || word == QLatin1String("off")) {
+        value = false;
+        return true;
+    }
+    error = QStringLiteral("is neither true nor false, as bool needs");
+    return false;
+}
+
+bool bytesFromText(const QString &text, QVariant &value, QString &error)
+{
+    const QByteArray digits = text.mid(2).toLatin1();
+    const QByteArray bytes = QByteArray::fromHex(digits);
+    if (!text.startsWith(QLatin1String("0x")) || bytes.toHex() != digits.toLower()) {
+        error = QStringLiteral("is not 0x and pairs of hexadecimal digits, as bytes needs");
+        return false;
+    }
+    value = bytes;
+    return true;
+}
+
+} // namespace
+
+double LeafType::lowest() const
+{
+    switch (kind) {
+    case Signed:
+        return -std::ldexp(1.0, bits - 1);
+    case Float:
+        return bits == 32 ? -std::numeric_limits<float>::max()
+                          : -std::numeric_limits<double>::max();
+    default:
+        return 0;
+    }
+}
+
+double LeafType::highest() const
+{
+    switch (kind) {
+    case Bool:
+        return 1;
+    case Signed:
+        return std::ldexp(1.0, bits - 1) - (bits == 64 ? 1024 : 1);
+    case Unsigned:
+        return std::ldexp(1.0, bits) - (bits == 64 ? 2048 : 1);
+    case Float:
+        return bits == 32 ? std::numeric_limits<float>::max() : std::numeric_limits<double>::max();
+    default:
+        return 0;
+    }
+}
+
+std::optional<LeafType> leafType(const QString &name)
+{
+    for (const NamedType &type : namedTypes) {
+        if (name == QLatin1String(type.name)) {
+            return LeafType{name, type.kind, type.bits};
+        }
+    }
+    return std::nullopt;
+}
+
+bool valueFromText(const LeafType &type, const QString &text, QVariant &value, QString &error)
+{
+    switch (type.kind) {
+    case LeafType::Bool:
+        return boolFromText(text, value, error);
+    case LeafType::Signed:
+    case LeafType::Unsigned:
+        return integerFromText(type, text, value, error);
+    case LeafType::Float:
+        return floatFromText(type, text, value, error);
+    case LeafType::Bytes:
+        return bytesFromText(text, value, error);
+    case LeafType::String:
+        break;
+    }
+    value = text;
+    return true;
+}
+
+bool valueFromJson(const LeafType &type, const QJsonValue &json, QVariant &value, QString &error)
+{
+    const bool textual = type.kind == LeafType::String || type.kind == LeafType::Bytes;
+    if (textual && json.isString()) {
+        return valueFromText(type, json.toString(), value, error);
+    }
+    if (type.kind == LeafType::Bool && json.isBool()) {
+        value = json.toBool();
+        return true;
+    }
+    if (type.isNumber() && json.isDouble()) {
+        const QVariant number = json.toVariant();
+        // A whole number keeps all 64 bits on its way through text; a fraction must stay one.
+        const QString text = number.type() == QVariant::Double
+            ? QString::number(number.toDouble(), type.kind == LeafType::Float ? 'g' : 'f',
+                              type.kind == LeafType::Float ? 17 : -128)
+            : number.toString();
+        return valueFromText(type, text, value, error);
+    }
+    error = QStringLiteral("is of the wrong JSON type for %1").arg(type.name);
+    return false;
+}
+
+QVariant valueFromNumber(const LeafType &type, double number)
+{
+    const double held = qBound(type.lowest(), number, type.highest());
+    switch (type.kind) {
+    case LeafType::Bool:
+        return number >= 0.5;
+    case LeafType::Signed:
+        return fromSigned(type.bits, static_cast<qlonglong>(std::llround(held)));
+    case LeafType::Unsigned:
+        return fromUnsigned(type.bits, static_cast<qulonglong>(std::round(held)));
+    default:
+        return fromFloat(type.bits, held);
+    }
+}
+
+bool checkLimits(const LeafType &type, const QJsonObject &properties, const QVariant &value,
+                 QString &error)
+{
+    if (!type.isNumber()) {
+        const int size = type.kind == LeafType::Bytes ? value.toByteArray().size()
+                                                      : value.toString().toUtf8().size();
+        const QJsonValue capacity = properties.value(QLatin1String("capacity"));
+        if (type.kind != LeafType::Bool && capacity.isDouble() && size > capacity.toDouble()) {
+            error = QStringLiteral("has %1 bytes, more than the capacity %2")
+                        .arg(size)
+                        .arg(capacity.toVariant().toString());
+            return false;
+        }
+        return true;
+    }
+    const double number = value.toDouble();
+    const QJsonValue minimum = properties.value(QLatin1String("minimum"));
+    const QJsonValue maximum = properties.value(QLatin1String("maximum"));
+    if (minimum.isDouble() && number < minimum.toDouble()) {
+        error = QStringLiteral("is below the minimum %1").arg(minimum.toVariant().toString());
+        return false;
+    }
+    if (maximum.isDouble() && number > maximum.toDouble()) {
+        error = QStringLiteral("is above the maximum %1").arg(maximum.toVariant().toString());
+        return false;
+    }
+    return true;
+}

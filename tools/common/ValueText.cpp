@@ -1,0 +1,126 @@
+// SPDX-License-Identifier: MIT
+// Renders values, error types and times.
+#include "ValueText.h"
+
+#include "ProcessDataDefinitions.h"
+
+#include <QDateTime>
+#include <QLocale>
+
+#include <cmath>
+
+namespace {
+
+constexpr qlonglong safeInteger = 9007199254740991; // 2^53 - 1
+constexpr qint64 nanosecondsPerMillisecond = 1000000;
+
+QString floatText(float number)
+{
+    for (int digits = 6; digits < 9; ++digits) {
+        const QString text = QString::number(static_cast<double>(number), 'g', digits);
+        if (text.toFloat() == number) {
+            return text;
+        }
+    }
+    return QString::number(static_cast<double>(number), 'g', 9);
+}
+
+QString numberText(const QVariant &value)
+{
+    const double number = value.toDouble();
+    if (std::isnan(number)) {
+        return QStringLiteral("NaN");
+    }
+    if (std::isinf(number)) {
+        return number > 0 ? QStringLiteral("Infinity") : QStringLiteral("-Infinity");
+    }
+    if (static_cast<QMetaType::Type>(value.type()) == QMetaType::Float) {
+        return floatText(value.toFloat());
+    }
+    return QString::number(number, 'g', QLocale::FloatingPointShortest);
+}
+
+} // namespace
+
+QString valueToText(const QVariant &value)
+{
+    switch (static_cast<QMetaType::Type>(value.type())) {
+    case QMetaType::Bool:
+        return value.toBool() ? QStringLiteral("true") : QStringLiteral("false");
+    case QMetaType::Float:
+    case QMetaType::Double:
+        return numberText(value);
+    case QMetaType::QByteArray:
+        return QLatin1String("0x") + QString::fromLatin1(value.toByteArray().toHex());
+    default:
+        return value.toString();
+    }
+}
+
+QJsonValue valueToJson(const QVariant &value)
+{
+    switch (static_cast<QMetaType::Type>(value.type())) {
+    case QMetaType::UnknownType:
+        return {};
+    case QMetaType::Bool:
+        return value.toBool();
+    case QMetaType::Int:
+    case QMetaType::UInt:
+    case QMetaType::LongLong: {
+        const qlonglong number = value.toLongLong();
+        return number <= safeInteger && number >= -safeInteger ? QJsonValue(number)
+                                                               : QJsonValue(valueToText(value));
+    }
+    case QMetaType::ULongLong: {
+        const qulonglong number = value.toULongLong();
+        return number <= static_cast<qulonglong>(safeInteger)
+            ? QJsonValue(static_cast<qint64>(number))
+            : QJsonValue(valueToText(value));
+    }
+    case QMetaType::Float:
+    case QMetaType::Double: {
+        const QString text = valueToText(value);
+        return std::isfinite(value.toDouble()) ? QJsonValue(text.toDouble()) : QJsonValue(text);
+    }
+    default:
+        return valueToText(value);
+    }
+}
+
+QString errorTypeName(int errorType)
+{
+    switch (errorType) {
+    case ProcessDataDefinitions::NoError:
+        return QStringLiteral("NoError");
+    case ProcessDataDefinitions::NotInitialized:
+        return QStringLiteral("NotInitialized");
+    case ProcessDataDefinitions::SourceLost:
+        return QStringLiteral("SourceLost");
+    case ProcessDataDefinitions::NoValue:
+        return QStringLiteral("NoValue");
+    case ProcessDataDefinitions::DeviceFault:
+        return QStringLiteral("DeviceFault");
+    case ProcessDataDefinitions::OutOfRange:
+        return QStringLiteral("OutOfRange");
+    default:
+        return QStringLiteral("ErrorType%1").arg(errorType);
+    }
+}
+
+QString timeToIsoText(qint64 timestamp)
+{
+    if (timestamp == 0) {
+        return {};
+    }
+    const QDateTime local = QDateTime::fromMSecsSinceEpoch(timestamp / nanosecondsPerMillisecond);
+    return local.toOffsetFromUtc(local.offsetFromUtc()).toString(Qt::ISODateWithMs);
+}
+
+QString timeToText(qint64 timestamp)
+{
+    if (timestamp == 0) {
+        return {};
+    }
+    return QDateTime::fromMSecsSinceEpoch(timestamp / nanosecondsPerMillisecond)
+        .toString(QStringLiteral("yyyy-MM-dd HH:mm:ss.zzz"));
+}

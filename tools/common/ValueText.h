@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: MIT
+// Renders values for people and for programs.
+#ifndef VALUETEXT_H
+#define VALUETEXT_H
+
+#include <QJsonValue>
+#include <QString>
+#include <QVariant>
+
+/// Text of a value: true or false, the shortest digits that read back as the same number, strings
+/// as they are, bytes as 0x and hexadecimal digits. Empty for an invalid value.
+QString valueToText(const QVariant &value);
+
+/// JSON of a value: booleans, numbers, strings; bytes as a string as above. Integers beyond
+/// ±9007199254740991, which many readers round, and numbers that JSON lacks (NaN, Infinity,
+/// -Infinity) are strings. null for an invalid value.
+QJsonValue valueToJson(const QVariant &value);
+
+/// Name of an error type ("NoError", …) by its number; "ErrorType7" for one without a name.
+QString errorTypeName(int errorType);
+
+/// Local time with milliseconds and offset from UTC, as ISO 8601.
+///
+/// @param timestamp  nanoseconds since 1970-01-01 00:00 UTC; 0 gives an empty text
+QString timeToIsoText(qint64 timestamp);
+
+/// The same without offset, for people.
+QString timeToText(qint64 timestamp);
+
+#endif

@@ -1,0 +1,158 @@
+// SPDX-License-Identifier: MIT
+// Publishing, moving and reloading of one source.
+#include "SimulatedSource.h"
+
+#include "ProcessDataPublisher.h"
+#include "SimulatorLog.h"
+#include "ValueText.h"
+
+#include <algorithm>
+#include <utility>
+
+std::unique_ptr<SimulatedSource> SimulatedSource::create(const QString &fileName, QString &error)
+{
+    std::unique_ptr<SimulatedSource> source(new SimulatedSource(fileName));
+    return source->start(error) ? std::move(source) : nullptr;
+}
+
+SimulatedSource::SimulatedSource(const QString &fileName)
+    : name(fileName)
+{
+    clock.start();
+}
+
+SimulatedSource::~SimulatedSource() = default;
+
+bool SimulatedSource::start(QString &error)
+{
+    if (!readFile(name, content, error) || !parseDescriptionFile(name, content, current, error)) {
+        return false;
+    }
+    QString problem;
+    publisher = ProcessDataPublisher::create(current.module, current.object, current.instance,
+                                             current.description, &problem);
+    if (!publisher) {
+        error = QStringLiteral("%1: %2").arg(name, problem);
+        return false;
+    }
+    QObject::connect(publisher.data(), &ProcessDataPublisher::valueWritten, publisher.data(),
+                     [file = name](const QString &path, const ProcessValue &value) {
+                         qCDebug(simulator).noquote() << file + QStringLiteral(": a client wrote")
+                                                      << path << valueToText(value.getValue());
+                     });
+    takeMotions(std::move(current.movingLeaves));
+    step();
+    return true;
+}
+
+void SimulatedSource::takeMotions(std::vector<MovingLeaf> leaves)
+{
+    const qint64 now = clock.elapsed();
+    std::vector<Track> previous = std::move(tracks);
+    tracks.clear();
+    for (MovingLeaf &moving : leaves) {
+        const auto same = std::find_if(previous.begin(), previous.end(), [&](const Track &track) {
+            return track.moving.leaf.path == moving.leaf.path
+                && track.moving.leaf.type.name == moving.leaf.type.name
+                && track.moving.leaf.properties == moving.leaf.properties
+                && track.moving.leaf.simulate == moving.leaf.simulate;
+        });
+        if (same == previous.end()) {
+            tracks.push_back({std::move(moving), now, QVariant()});
+        } else {
+            tracks.push_back(std::move(*same));
+            previous.erase(same);
+        }
+    }
+}
+
+void SimulatedSource::step()
+{
+    const qint64 now = clock.elapsed();
+    const Motion::ValueReader read
+        = [this](const QString &path) { return publisher->value(path).getValue(); };
+    QVector<QPair<QString, ProcessValue>> batch;
+    std::vector<Track *> moved;
+    for (Track &track : tracks) {
+        QVariant value = track.moving.motion->next(now - track.begin, read);
+        if (value.isValid() && value != track.last) {
+            batch.append({track.moving.leaf.path, ProcessValue(value)});
+            track.last = std::move(value);
+            moved.push_back(&track);
+        }
+    }
+    if (!batch.isEmpty() && !publisher->publish(batch)) {
+        publishOneByOne(moved);
+    }
+}
+
+// One refused value refuses its batch. The leaf that caused it stands still from now on.
+void SimulatedSource::publishOneByOne(const std::vector<Track *> &moved)
+{
+    QStringList refused;
+    for (Track *track : moved) {
+        if (!publisher->publish(track->moving.leaf.path, track->last)) {
+            refused.append(track->moving.leaf.path);
+            qCWarning(simulator).noquote()
+                << QStringLiteral("%1: leaf \"%2\" stops: the value %3 was refused")
+                       .arg(name, track->moving.leaf.path, valueToText(track->last));
+        }
+    }
+    tracks.erase(std::remove_if(
+                     tracks.begin(), tracks.end(),
+                     [&](const Track &track) { return refused.contains(track.moving.leaf.path); }),
+                 tracks.end());
+}
+
+void SimulatedSource::reload()
+{
+    QByteArray newContent;
+    QString error;
+    if (!readFile(name, newContent, error)) {
+        if (!std::exchange(missing, true)) {
+            qCWarning(simulator).noquote()
+                << error + QStringLiteral("; the old description goes on");
+        }
+        return;
+    }
+    missing = false;
+    if (newContent == content) {
+        return;
+    }
+    content = newContent;
+    DescriptionFile file;
+    if (!parseDescriptionFile(name, content, file, error) || !apply(file, error)) {
+        qCWarning(simulator).noquote() << error + QStringLiteral("; the old description goes on");
+        return;
+    }
+    takeMotions(std::move(file.movingLeaves));
+    current = std::move(file);
+    current.movingLeaves.clear();
+}
+
+bool SimulatedSource::apply(const DescriptionFile &file, QString &error)
+{
+    if (file.module != current.module || file.object != current.object
+        || file.instance != current.instance) {
+        error
+            = QStringLiteral("%1: module, object and instance cannot change while it is published")
+                  .arg(name);
+        return false;
+    }
+    QString problem;
+    bool done = true;
+    QString what = QStringLiteral("movement changed");
+    if (file.description != current.description) {
+        const bool properties = sameLayout(file.description, current.description);
+        what = properties ? QStringLiteral("properties changed")
+                          : QStringLiteral("description replaced");
+        done = properties ? publisher->replaceProperties(file.description, &problem)
+                          : publisher->replaceDescription(file.description, &problem);
+    }
+    if (!done) {
+        error = QStringLiteral("%1: %2").arg(name, problem);
+        return false;
+    }
+    qCInfo(simulator).noquote() << name + QStringLiteral(": ") + what;
+    return true;
+}

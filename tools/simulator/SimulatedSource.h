@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: MIT
+// One published description file whose leaves move.
+#ifndef SIMULATEDSOURCE_H
+#define SIMULATEDSOURCE_H
+
+#include "DescriptionFile.h"
+
+#include <QElapsedTimer>
+#include <QSharedPointer>
+#include <QString>
+
+#include <memory>
+#include <vector>
+
+class ProcessDataPublisher;
+
+/// Publishes one file for as long as it lives.
+///
+/// Threads: the main thread, with a running event loop.
+class SimulatedSource
+{
+public:
+    /// @param error  receives one sentence that names what is wrong; left alone on success
+    /// @returns null when the file or its publication is refused
+    static std::unique_ptr<SimulatedSource> create(const QString &fileName, QString &error);
+
+    ~SimulatedSource();
+    SimulatedSource(const SimulatedSource &) = delete;
+    SimulatedSource &operator=(const SimulatedSource &) = delete;
+
+    const QString &fileName() const { return name; }
+
+    /// Publishes all leaves that moved since the last step, as one batch.
+    void step();
+
+    /// Reads the file again if it changed and announces what is different. A broken file is
+    /// reported once and the old description goes on.
+    void reload();
+
+private:
+    struct Track
+    {
+        MovingLeaf moving;
+        qint64 begin = 0; ///< when the motion began, on the source's clock
+        QVariant last; ///< what was published last
+    };
+
+    explicit SimulatedSource(const QString &fileName);
+    bool start(QString &error);
+    bool apply(const DescriptionFile &file, QString &error);
+    void takeMotions(std::vector<MovingLeaf> leaves);
+    void publishOneByOne(const std::vector<Track *> &moved);
+
+    const QString name;
+    QByteArray content; ///< last seen, also when it was refused
+    bool missing = false;
+    DescriptionFile current; ///< without its motions, which the tracks hold
+    QElapsedTimer clock;
+    std::vector<Track> tracks;
+    QSharedPointer<ProcessDataPublisher> publisher;
+};
+
+#endif

@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: MIT
+// Start and life of a simulator.
+#include "Simulator.h"
+
+#include "ExitCode.h"
+#include "FileChanges.h"
+#include "ProviderRegistryService.h"
+#include "SimulatedSource.h"
+#include "SystemStatusManagerDBusConnector.h"
+#include "SystemStatusService.h"
+
+#include <utility>
+
+Simulator::Simulator(SimulatorOptions options, QObject *parent)
+    : QObject(parent)
+    , options(std::move(options))
+{
+}
+
+Simulator::~Simulator() = default;
+
+int Simulator::start(QString &error)
+{
+    if (SystemStatusManagerDBusConnector::createAndConnect().isNull()) {
+        error = QStringLiteral("the bus is out of reach (PROCESSDATA_BUS chooses which one)");
+        return ExitNotReachable;
+    }
+    // The registry first: publishers register with it while they start.
+    if (options.systemServices && !startServices(error)) {
+        return ExitNotReachable;
+    }
+    for (const QString &fileName : options.fileNames) {
+        auto source = SimulatedSource::create(fileName, error);
+        if (!source) {
+            return ExitSomeFailed;
+        }
+        sources.push_back(std::move(source));
+    }
+    fileChanges = std::make_unique<FileChanges>(options.fileNames);
+    connect(fileChanges.get(), &FileChanges::changed, this, &Simulator::reload);
+    connect(&timer, &QTimer::timeout, this, &Simulator::step);
+    timer.setTimerType(Qt::PreciseTimer);
+    timer.start(options.interval);
+    if (status) {
+        status->setReady(true);
+    }
+    return ExitAllGood;
+}
+
+bool Simulator::startServices(QString &error)
+{
+    registry = ProviderRegistryService::create(&error);
+    if (registry) {
+        status = SystemStatusService::create(&error);
+    }
+    return registry && status;
+}
+
+void Simulator::step()
+{
+    for (const auto &source : sources) {
+        source->step();
+    }
+}
+
+void Simulator::reload()
+{
+    for (const auto &source : sources) {
+        source->reload();
+    }
+}

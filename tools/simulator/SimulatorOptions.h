@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: MIT
+// The simulator's command line.
+#ifndef SIMULATOROPTIONS_H
+#define SIMULATOROPTIONS_H
+
+#include <QString>
+#include <QStringList>
+
+struct SimulatorOptions
+{
+    QStringList fileNames;
+    int interval = 100; ///< milliseconds between two steps
+    bool systemServices = false;
+    bool verbose = false;
+    bool help = false;
+    bool version = false;
+};
+
+/// @param arguments  with the program's name first
+/// @param error      receives one sentence; left alone on success
+bool parseSimulatorOptions(const QStringList &arguments, SimulatorOptions &options, QString &error);
+
+QString simulatorHelp();
+
+#endif
