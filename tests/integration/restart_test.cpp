@@ -107,7 +107,7 @@ void RestartTest::aLostSourceKeepsItsLastValueAndSaysSo()
 
     QVERIFY(end(publisher, killed));
 
-    // No event loop ran in between: the buffer itself tells.
+    // The buffer itself tells: nothing was fetched, and no announcement is needed.
     QCOMPARE(handler.getValue(0).getErrorType(), ProcessDataDefinitions::SourceLost);
     QCOMPARE(handler.getValue(0).getValue(), QVariant(9.5));
 }
