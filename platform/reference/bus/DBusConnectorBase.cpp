@@ -59,19 +59,22 @@ void DBusConnectorBasePrivate::stop()
 
 void DBusConnectorBasePrivate::servicePresent(Presence presence)
 {
-    Event event{Event::Kind::Present};
+    Event event;
     event.presence = presence;
     enqueue(event);
 }
 
 void DBusConnectorBasePrivate::serviceAnswersAgain()
 {
-    enqueue(Event{Event::Kind::AnswersAgain});
+    Event event;
+    event.kind = Event::Kind::AnswersAgain;
+    enqueue(event);
 }
 
 void DBusConnectorBasePrivate::signalReceived(const QString &member, const QString &argument)
 {
-    Event event{Event::Kind::Signal};
+    Event event;
+    event.kind = Event::Kind::Signal;
     event.member = member;
     event.argument = argument;
     enqueue(event);

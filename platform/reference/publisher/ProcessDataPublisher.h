@@ -21,8 +21,8 @@ class ProcessDataPublisherPrivate;
 /// Everything that a service needs to publish one instance.
 ///
 /// create() lays out and creates the buffer, exports the D-Bus object, registers the provider and
-/// announces the instance. Destruction retires the buffer, removes its name and takes everything back.
-/// Publishers of one process that share a module share its D-Bus service name.
+/// announces the instance. Destruction retires the buffer, removes its name and takes everything
+/// back. Publishers of one process that share a module share its D-Bus service name.
 ///
 /// Threads: create, use and destroy it in one thread that runs an event loop; that loop answers
 /// clients' fetches.
@@ -37,20 +37,19 @@ public:
     /// @returns the running publisher; null when the description is refused, the buffer cannot be
     ///          made, the bus is out of reach or another process owns the module's service name.
     ///          Nothing is left behind then.
-    static QSharedPointer<ProcessDataPublisher> create(const QString &moduleName,
-                                                       const QString &objectName,
-                                                       const QString &instanceName,
-                                                       const QJsonObject &description,
-                                                       QString *errorMessage = nullptr);
+    static QSharedPointer<ProcessDataPublisher>
+    create(const QString &moduleName, const QString &objectName, const QString &instanceName,
+           const QJsonObject &description, QString *errorMessage = nullptr);
 
     ~ProcessDataPublisher() override;
 
     /// Publishes one value.
     ///
     /// @param path   names from the top joined by "/"
-    /// @param value  as ProcessDataValue::setValue takes it, but also for read-only leaves and with any
-    ///               error type; a value that is invalid keeps the stored one and only sets error type
-    ///               and time
+    /// @param value  as ProcessDataValue::setValue takes it, but also for read-only leaves and with
+    /// any
+    ///               error type; a value that is invalid keeps the stored one and only sets error
+    ///               type and time
     /// @returns whether it was published
     /// Errors:  an unknown path, a value that does not fit: one warning, nothing written.
     bool publish(const QString &path, const ProcessValue &value);
@@ -69,8 +68,8 @@ public:
     /// The description as clients fetch it.
     QJsonObject description() const;
 
-    /// Replaces the description. A new buffer is made; values of leaves that keep path and type carry
-    /// over; clients are told by a description announcement.
+    /// Replaces the description. A new buffer is made; values of leaves that keep path and type
+    /// carry over; clients are told by a description announcement.
     ///
     /// @returns whether it was replaced; on failure the old description goes on
     bool replaceDescription(const QJsonObject &description, QString *errorMessage = nullptr);
@@ -78,7 +77,8 @@ public:
     /// Changes properties that do not touch the layout (unit, description, limits and the like);
     /// clients are told by a property announcement. Buffer and values stay.
     ///
-    /// @returns false when a leaf was added, removed, moved, retyped, resized or its readOnly changed:
+    /// @returns false when a leaf was added, removed, moved, retyped, resized or its readOnly
+    /// changed:
     ///          that takes replaceDescription
     bool replaceProperties(const QJsonObject &description, QString *errorMessage = nullptr);
 
@@ -86,7 +86,8 @@ public:
     void setWriteDetectionInterval(int milliseconds);
 
 Q_SIGNALS:
-    /// A client wrote a leaf. Several writes between two looks are reported once, with the last value.
+    /// A client wrote a leaf. Several writes between two looks are reported once, with the last
+    /// value.
     void valueWritten(const QString &path, const ProcessValue &value);
 
     /// The bus went away, or came back and all is exported and announced again.

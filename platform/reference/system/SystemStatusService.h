@@ -14,7 +14,7 @@ class SystemStatusServicePrivate;
 
 /// Owns the bus name of the system status manager and tells clients when the system has started up.
 ///
-/// Starts as not ready. Survives a restart of the bus daemon: it comes back with the same state,
+/// Starts as not ready. Survives a restart of the bus daemon: it comes back with the same state.
 /// and announces a start-up that is over.
 ///
 /// Threads: create, use and destroy it in one thread that runs an event loop, which answers

@@ -1,0 +1,96 @@
+// SPDX-License-Identifier: MIT
+// The service of one module, shared by all publishers of the process that publish for it.
+#ifndef MODULEHOST_H
+#define MODULEHOST_H
+
+#include "BusSettings.h"
+
+#include <QObject>
+#include <QString>
+#include <QStringList>
+#include <QVector>
+
+#include <map>
+#include <memory>
+
+class ProcessDescriptionObject;
+class ProviderRegistration;
+class ServiceEndpoint;
+
+/// What an announcement says.
+enum class AnnouncedChange { Description, Properties };
+
+/// Lives in a thread of its own, which answers clients whatever the publishers' threads do. Each
+/// module has a connection of its own: object paths do not name the module.
+///
+/// Threads: the operations may be called in any thread but the host's; each returns when it is done
+/// there.
+class ModuleHost : public QObject
+{
+    Q_OBJECT
+
+public:
+    struct Releaser
+    {
+        void operator()(ModuleHost *host) const;
+    };
+    using Pointer = std::unique_ptr<ModuleHost, Releaser>;
+
+    /// The running host of a module. The first caller makes it, the last to let go ends it: then
+    /// the registration is taken back and the name is free before this returns.
+    ///
+    /// @param error  receives one sentence on failure
+    static Pointer acquire(const QString &moduleName, QString &error);
+
+    /// Reserves an instance before its buffer is made.
+    ///
+    /// @returns false when this process publishes it already
+    bool reserve(const QString &objectName, const QString &instanceName, QString &error);
+
+    /// Serves a description from now on, and announces it.
+    ///
+    /// @param selectorTypes  of its leaves, distinct, in document order
+    void serve(const QString &objectName, const QString &instanceName, const QString &description,
+               const QStringList &selectorTypes, AnnouncedChange change);
+
+    /// Forgets an instance.
+    void withdraw(const QString &objectName, const QString &instanceName);
+
+Q_SIGNALS:
+    /// The bus went away, or came back and all is announced. Emitted in the host's thread.
+    void connectedChanged(bool connected);
+
+private:
+    friend class ModuleHosts;
+    struct Instance
+    {
+        QString objectName;
+        QString instanceName;
+        bool served = false; // else only reserved
+        QStringList selectorTypes;
+    };
+
+    ModuleHost(const BusChoice &choice, const QString &moduleName);
+    ~ModuleHost() override;
+
+    // In the host's thread.
+    bool start(QString &error);
+    void stop();
+    bool reserveHere(const QString &objectName, const QString &instanceName);
+    void serveHere(const QString &objectName, const QString &instanceName,
+                   const QString &description, const QStringList &selectorTypes,
+                   AnnouncedChange change);
+    void withdrawHere(const QString &objectName, const QString &instanceName);
+    Instance *find(const QString &objectName, const QString &instanceName);
+    void announce(const Instance &instance, AnnouncedChange change);
+    void handleAvailable();
+    void updateRegistration();
+
+    const QString moduleName;
+    ServiceEndpoint *endpoint; // children, so that they follow into the host's thread
+    ProviderRegistration *registration;
+    QVector<Instance> instances; // in the order in which they came
+    std::map<QString, std::unique_ptr<ProcessDescriptionObject>> objects;
+};
+
+#endif

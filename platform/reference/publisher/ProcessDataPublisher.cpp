@@ -1,0 +1,131 @@
+// SPDX-License-Identifier: MIT
+// Publishes the process data of one instance: buffer, description, announcements.
+#include "ProcessDataPublisher.h"
+
+#include "ModuleHost.h"
+#include "ProcessDataPublisherPrivate.h"
+#include "PublisherLog.h"
+
+#include <QJsonDocument>
+
+#include <utility>
+
+namespace {
+
+void tell(QString *errorMessage, const QString &error)
+{
+    if (errorMessage != nullptr) {
+        *errorMessage = error;
+    }
+}
+}
+
+QSharedPointer<ProcessDataPublisher> ProcessDataPublisher::create(const QString &moduleName,
+                                                                  const QString &objectName,
+                                                                  const QString &instanceName,
+                                                                  const QJsonObject &description,
+                                                                  QString *errorMessage)
+{
+    QSharedPointer<ProcessDataPublisher> publisher;
+    QString error;
+    std::unique_ptr<ProcessDataPublisherPrivate> state = ProcessDataPublisherPrivate::start(
+        PublishedSource{moduleName, objectName, instanceName}, description, error);
+    if (state == nullptr) {
+        tell(errorMessage, error);
+        return publisher;
+    }
+    publisher.reset(new ProcessDataPublisher(state.release()));
+    return publisher;
+}
+
+ProcessDataPublisher::ProcessDataPublisher(ProcessDataPublisherPrivate *state)
+    : d(state)
+{
+    QObject::connect(d->host.get(), &ModuleHost::connectedChanged, this,
+                     &ProcessDataPublisher::connectedChanged);
+    QObject::connect(&d->writeDetection, &QTimer::timeout, this,
+                     [this] { d->reportClientWrites(this); });
+    d->writeDetection.start();
+}
+
+ProcessDataPublisher::~ProcessDataPublisher() = default;
+
+bool ProcessDataPublisher::publish(const QString &path, const ProcessValue &value)
+{
+    return publish({qMakePair(path, value)});
+}
+
+bool ProcessDataPublisher::publish(const QString &path, const QVariant &value)
+{
+    return publish({qMakePair(path, ProcessValue(value))});
+}
+
+bool ProcessDataPublisher::publish(const QVector<QPair<QString, ProcessValue>> &values)
+{
+    QVector<QPair<int, ProcessValue>> located;
+    located.reserve(values.size());
+    for (const auto &value : values) {
+        const int leaf = d->description.indexOf(value.first);
+        if (leaf < 0) {
+            qCWarning(publisherLog).noquote() << d->source.label()
+                    + QStringLiteral(": no leaf \"%1\" to publish").arg(value.first);
+            return false;
+        }
+        located += qMakePair(leaf, value.second);
+    }
+    QString error;
+    if (!d->buffer->publish(located, error)) {
+        qCWarning(publisherLog).noquote() << d->source.label() + QStringLiteral(": ") + error;
+        return false;
+    }
+    return true;
+}
+
+ProcessValue ProcessDataPublisher::value(const QString &path) const
+{
+    const int leaf = d->description.indexOf(path);
+    return leaf < 0 ? ProcessValue(ProcessDataDefinitions::NoValue) : d->buffer->value(leaf);
+}
+
+QStringList ProcessDataPublisher::paths() const
+{
+    QStringList result;
+    for (const LeafDescription &leaf : d->description.parsed().leaves) {
+        result += leaf.path;
+    }
+    return result;
+}
+
+QJsonObject ProcessDataPublisher::description() const
+{
+    return d->description.served();
+}
+
+bool ProcessDataPublisher::replaceDescription(const QJsonObject &description, QString *errorMessage)
+{
+    QString error;
+    const bool replaced = d->replaceDescription(this, description, error);
+    if (!replaced) {
+        tell(errorMessage, error);
+    }
+    return replaced;
+}
+
+bool ProcessDataPublisher::replaceProperties(const QJsonObject &description, QString *errorMessage)
+{
+    QString error;
+    const bool replaced = d->replaceProperties(description, error);
+    if (!replaced) {
+        tell(errorMessage, error);
+    }
+    return replaced;
+}
+
+void ProcessDataPublisher::setWriteDetectionInterval(int milliseconds)
+{
+    if (milliseconds > 0) {
+        d->writeDetection.start(milliseconds);
+    } else {
+        d->writeDetection.stop();
+    }
+}

@@ -1,0 +1,183 @@
+// SPDX-License-Identifier: MIT
+// What a publisher holds: its module's service, its description and its buffer.
+#include "ProcessDataPublisherPrivate.h"
+
+#include "ProcessDataPublisher.h"
+
+#include <QJsonDocument>
+#include <QPointer>
+
+#include <utility>
+
+namespace {
+
+constexpr int defaultWriteDetectionInterval = 20; // milliseconds
+
+// Leaves of the old description that the new one has under the same path and with the same type.
+QVector<QPair<int, int>> keptLeaves(const PublishedDescription &before,
+                                    const PublishedDescription &after)
+{
+    QVector<QPair<int, int>> kept;
+    const QVector<LeafDescription> &leaves = before.parsed().leaves;
+    for (int i = 0; i < leaves.size(); ++i) {
+        const int leaf = after.indexOf(leaves.at(i).path);
+        if (leaf >= 0 && after.parsed().leaves.at(leaf).type == leaves.at(i).type) {
+            kept += qMakePair(i, leaf);
+        }
+    }
+    return kept;
+}
+}
+
+std::unique_ptr<ProcessDataPublisherPrivate>
+ProcessDataPublisherPrivate::start(const PublishedSource &source, const QJsonObject &document,
+                                   QString &error)
+{
+    auto description = PublishedDescription::fromTemplate(source, document, error);
+    if (!description.has_value()) {
+        return nullptr;
+    }
+    std::unique_ptr<ProcessDataPublisherPrivate> state(new ProcessDataPublisherPrivate(source));
+    state->description = *description;
+    // The name comes before the buffer: whoever owns the name owns the module's buffers.
+    state->host = ModuleHost::acquire(source.module, error);
+    if (state->host == nullptr) {
+        return nullptr;
+    }
+    state->reserved = state->host->reserve(source.object, source.instance, error);
+    if (!state->reserved) {
+        return nullptr;
+    }
+    QString reason;
+    state->buffer = PublishedBuffer::create(state->description.parsed(), reason);
+    if (state->buffer == nullptr) {
+        error = QStringLiteral("%1: %2").arg(source.label(), reason);
+        return nullptr;
+    }
+    ProcessDataDescription &parsed = state->description.parsed();
+    parsed.session = parsed.buffer.has_value() ? parsed.buffer->generation : 0;
+    state->serve(AnnouncedChange::Description);
+    return state;
+}
+
+ProcessDataPublisherPrivate::ProcessDataPublisherPrivate(PublishedSource source)
+    : source(std::move(source))
+{
+    writeDetection.setInterval(defaultWriteDetectionInterval);
+}
+
+ProcessDataPublisherPrivate::~ProcessDataPublisherPrivate()
+{
+    if (reserved) {
+        host->withdraw(source.object, source.instance);
+    }
+    buffer.reset(); // before the host: the name is given back last
+}
+
+void ProcessDataPublisherPrivate::serve(AnnouncedChange change)
+{
+    const QByteArray text = QJsonDocument(description.served()).toJson(QJsonDocument::Compact);
+    host->serve(source.object, source.instance, QString::fromUtf8(text),
+                description.selectorTypes(), change);
+}
+
+bool ProcessDataPublisherPrivate::replaceDescription(ProcessDataPublisher *q,
+                                                     const QJsonObject &document, QString &error)
+{
+    auto fresh = PublishedDescription::fromTemplate(source, document, error);
+    if (!fresh.has_value()) {
+        return false;
+    }
+    QString reason;
+    std::unique_ptr<PublishedBuffer> freshBuffer = PublishedBuffer::create(fresh->parsed(), reason);
+    if (freshBuffer == nullptr) {
+        error = QStringLiteral("%1: %2").arg(source.label(), reason);
+        return false;
+    }
+    fresh->parsed().session = description.parsed().session;
+    ClientWrites writes = takeClientWrites();
+    const QVector<QPair<int, int>> kept = keptLeaves(description, *fresh);
+    for (const auto &leaf : kept) {
+        freshBuffer->carryOver(leaf.second, *buffer, leaf.first);
+    }
+    std::swap(description, *fresh);
+    std::swap(buffer, freshBuffer);
+    serve(AnnouncedChange::Description);
+    freshBuffer->retire(); // the old one now
+    carryLateWrites(*freshBuffer, kept);
+    writes += takeClientWrites();
+    report(q, writes);
+    return true;
+}
+
+// What clients wrote into the old buffer after it was copied would be lost otherwise. Who has
+// written into the new one already is newer.
+void ProcessDataPublisherPrivate::carryLateWrites(PublishedBuffer &old,
+                                                  const QVector<QPair<int, int>> &kept)
+{
+    const QVector<int> late = old.takeClientWrites();
+    if (late.isEmpty()) {
+        return;
+    }
+    const QVector<int> newer = buffer->takeClientWrites();
+    for (const auto &leaf : kept) {
+        const bool isNewer = newer.contains(leaf.second);
+        if (late.contains(leaf.first) && !isNewer) {
+            buffer->carryOver(leaf.second, old, leaf.first);
+        }
+        if (late.contains(leaf.first) || isNewer) {
+            pendingWrites += leaf.second;
+        }
+    }
+}
+
+bool ProcessDataPublisherPrivate::replaceProperties(const QJsonObject &document, QString &error)
+{
+    auto fresh = PublishedDescription::fromTemplate(source, document, error);
+    if (!fresh.has_value()) {
+        return false;
+    }
+    QString difference;
+    if (!fresh->hasLayoutOf(description, difference)) {
+        error = QStringLiteral("%1: new properties must keep the layout, but %2")
+                    .arg(source.label(), difference);
+        return false;
+    }
+    fresh->takeLayoutFrom(description);
+    description = *fresh;
+    buffer->setLeafDescriptions(description.parsed().leaves);
+    serve(AnnouncedChange::Properties);
+    return true;
+}
+
+void ProcessDataPublisherPrivate::reportClientWrites(ProcessDataPublisher *q)
+{
+    report(q, takeClientWrites());
+}
+
+ProcessDataPublisherPrivate::ClientWrites ProcessDataPublisherPrivate::takeClientWrites()
+{
+    QVector<int> leaves = buffer->takeClientWrites();
+    for (const int leaf : std::exchange(pendingWrites, QVector<int>())) {
+        if (!leaves.contains(leaf)) {
+            leaves += leaf;
+        }
+    }
+    ClientWrites writes;
+    for (const int leaf : std::as_const(leaves)) {
+        writes += qMakePair(description.parsed().leaves.at(leaf).path, buffer->value(leaf));
+    }
+    return writes;
+}
+
+// Touches no member: a slot may end the publisher.
+void ProcessDataPublisherPrivate::report(ProcessDataPublisher *q, const ClientWrites &writes)
+{
+    const QPointer<ProcessDataPublisher> alive(q);
+    for (const auto &write : writes) {
+        if (alive.isNull()) {
+            return;
+        }
+        Q_EMIT q->valueWritten(write.first, write.second);
+    }
+}

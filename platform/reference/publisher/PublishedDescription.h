@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: MIT
+// A publisher's description: as its owner gave it, as it is parsed, and as clients fetch it.
+#ifndef PUBLISHEDDESCRIPTION_H
+#define PUBLISHEDDESCRIPTION_H
+
+#include "ProcessDataDescription.h"
+
+#include <QHash>
+#include <QJsonObject>
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+/// What a description belongs to.
+struct PublishedSource
+{
+    QString module;
+    QString object;
+    QString instance;
+
+    /// For messages: which instance of what.
+    QString label() const;
+};
+
+/// Threads: a value type.
+class PublishedDescription
+{
+public:
+    /// Checks a document that has no buffer and no offsets yet.
+    ///
+    /// @param error  receives one sentence that names the source and what is wrong
+    static std::optional<PublishedDescription>
+    fromTemplate(const PublishedSource &source, const QJsonObject &document, QString &error);
+
+    /// What PublishedBuffer::create() fills in.
+    ProcessDataDescription &parsed() { return description; }
+    const ProcessDataDescription &parsed() const { return description; }
+
+    /// Position of a leaf; -1 for an unknown path.
+    int indexOf(const QString &path) const { return indices.value(path, -1); }
+
+    /// Whether both lay out to the same buffer: the same leaves in the same order, with the same
+    /// type, capacity and readOnly.
+    ///
+    /// @param difference  receives the first difference as a sentence
+    bool hasLayoutOf(const PublishedDescription &other, QString &difference) const;
+
+    /// Takes buffer, session and offsets over from a description of the same layout.
+    void takeLayoutFrom(const PublishedDescription &other);
+
+    /// The document as clients fetch it, once buffer, session and offsets are there.
+    QJsonObject served() const;
+
+    /// Selector types of the leaves, each once, in document order.
+    QStringList selectorTypes() const;
+
+private:
+    QJsonObject document;
+    ProcessDataDescription description;
+    QHash<QString, int> indices;
+};
+
+#endif

@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: MIT
+// Plays the provider registry of the system information manager on development machines.
+#include "ProviderRegistryService.h"
+
+#include "BusNames.h"
+#include "ProviderRegistryObject.h"
+#include "ServiceEndpoint.h"
+#include "SystemLog.h"
+
+class ProviderRegistryServicePrivate
+{
+public:
+    ProviderRegistryServicePrivate()
+        : endpoint(BusChoice::fromEnvironment(), BusNames::informationManagerService())
+    {
+        endpoint.exportObject(BusNames::informationManagerPath(), &object);
+    }
+
+    // Every connection of the bus may be a provider's, so the end of every connection is of
+    // interest.
+    void watchProviders()
+    {
+        QDBusConnection connection = endpoint.connection();
+        const bool watching = connection.connect(
+            QString(), BusNames::daemonPath(), BusNames::daemonInterface(),
+            QStringLiteral("NameOwnerChanged"), &object, SLOT(handleOwnerChanged(QDBusMessage)));
+        if (!watching) {
+            qCWarning(systemLog) << "Providers that end without a word will stay in the list";
+        }
+    }
+
+    ProviderRegistryObject object; // outlives the connection that it is exported on
+    ServiceEndpoint endpoint;
+};
+
+QSharedPointer<ProviderRegistryService> ProviderRegistryService::create(QString *errorMessage)
+{
+    QSharedPointer<ProviderRegistryService> service(
+        new ProviderRegistryService(new ProviderRegistryServicePrivate));
+    QString error;
+    if (!service->d->endpoint.start(error)) {
+        if (errorMessage != nullptr) {
+            *errorMessage = error;
+        }
+        service.reset();
+    }
+    return service;
+}
+
+ProviderRegistryService::ProviderRegistryService(ProviderRegistryServicePrivate *state)
+    : d(state)
+{
+    QObject::connect(&d->object, &ProviderRegistryObject::listChanged, this, [this] {
+        d->endpoint.sendSignal(BusNames::informationManagerPath(),
+                               BusNames::informationManagerInterface(),
+                               QStringLiteral("ProviderListChanged"));
+        Q_EMIT providerListChanged();
+    });
+    QObject::connect(&d->endpoint, &ServiceEndpoint::becameAvailable, this,
+                     [this] { d->watchProviders(); });
+    QObject::connect(&d->endpoint, &ServiceEndpoint::becameUnavailable, this, [this] {
+        if (d->object.providers.clear() == ProviderTable::Change::Changed) {
+            Q_EMIT providerListChanged();
+        }
+    });
+}
+
+ProviderRegistryService::~ProviderRegistryService() = default;
+
+QString ProviderRegistryService::providerList() const
+{
+    return d->object.providers.toJson();
+}
