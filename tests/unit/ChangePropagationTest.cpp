@@ -1,0 +1,348 @@
+// SPDX-License-Identifier: MIT
+// From a source's announcement to the list of the client's positions.
+#include "Internals.h"
+#include "ProcessDataValue.h"
+#include "ScriptedPlatform.h"
+#include "SelectorHandlerProcessValue.h"
+#include "Selectors.h"
+#include "WarningLog.h"
+
+#include <QSignalSpy>
+#include <QtTest>
+
+namespace {
+
+const QString emptyObject = "{\n}\n";
+const QString fields = " ModuleName: \"boiler\" ObjectName: \"sensors\" InstanceName: \"1\"";
+
+QList<QVector<int>> listsOf(const QSignalSpy &spy)
+{
+    QList<QVector<int>> lists;
+    for (const QVariantList &arguments : spy) {
+        lists.append(arguments.at(0).value<QVector<int>>());
+    }
+    return lists;
+}
+
+struct Client
+{
+    ScriptedPlatform platform;
+    ScriptedSource &script = platform.source("boiler", "sensors", "1").leaf("a", 1).leaf("b", 2);
+    SelectorHandlerProcessValue handler;
+    QSignalSpy descriptions{&handler, SIGNAL(processDataDescriptionChanged(QVector<int>))};
+    QSignalSpy properties{&handler, SIGNAL(propertyChanged(QVector<int>))};
+    WarningLog warnings;
+
+    explicit Client(const QVector<QString> &urls)
+        : handler(urls, nullptr)
+    {
+        platform.forgetCalls();
+        warnings.clear();
+    }
+    void announce(const char *slot, const QString &key)
+    {
+        QVERIFY(QMetaObject::invokeMethod(&handler, slot, Q_ARG(QString, key)));
+    }
+};
+
+} // namespace
+
+class ChangePropagationTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void anUnknownKeyIsDroppedInSilence()
+    {
+        Client client({on("a")});
+        client.script.at("a").property("unit", "K");
+        for (const char *slot : {"processDataDescriptionChanged", "propertyChanged"}) {
+            for (const QString key :
+                 {"", "boiler_sensors_2", "Boiler_sensors_1", "boiler_sensors_1 "}) {
+                client.announce(slot, key);
+            }
+        }
+        QCOMPARE(client.platform.calls(), QStringList());
+        QCOMPARE(client.descriptions.size() + client.properties.size(), 0);
+        QCOMPARE(client.warnings.texts(), QStringList());
+    }
+
+    void eachKindOfAnnouncementHasItsOwnSignal()
+    {
+        Client client({on("a"), on("b")});
+
+        client.script.at("b").property("unit", "K");
+        client.script.changeProperties();
+        QCOMPARE(listsOf(client.properties), QList<QVector<int>>{{1}});
+        QCOMPARE(client.descriptions.size(), 0);
+
+        client.script.at("a").property("unit", "K");
+        client.script.changeDescription();
+        QCOMPARE(listsOf(client.descriptions), QList<QVector<int>>{{0}});
+        QCOMPARE(client.properties.size(), 1);
+        QCOMPARE(client.warnings.texts(), QStringList());
+    }
+
+    void aPassAttachesAgainAndLooksUpEveryLeaf()
+    {
+        Client client({on("b"), off("a"), on("a")});
+
+        client.script.changeDescription();
+
+        const QString connector = "DBusProcessDescriptionConnector[boiler/sensors]::";
+        const QString root = "ConfigurationAndProcessDataBase[2]::getLeafProcessDataValue(";
+        QCOMPARE(
+            client.platform.calls({"DBusProcessDescriptionConnector",
+                                   "ConfigurationAndProcessDataBase",
+                                   "ConfigurationAndProcessDataParser", "DBusPendingReply"}),
+            (QStringList{
+                connector + "getProcessDataDescriptionAsynchron('1', '')",
+                "DBusPendingReply[1]::getReply()", connector + "isDBusInterfaceValid()",
+                connector + "getProcessDataDescription('1', '')",
+                "~ConfigurationAndProcessDataBase[1]", root + "'scripted://boiler/sensors/1/b')",
+                "ConfigurationAndProcessDataParser"
+                "::ConfigurationAndProcessDataParser()",
+                "ConfigurationAndProcessDataParser"
+                "::frameToByteArray(b#2, '', Compact)",
+                "~ConfigurationAndProcessDataParser", root + "'scripted://boiler/sensors/1/a')",
+                "ConfigurationAndProcessDataParser"
+                "::ConfigurationAndProcessDataParser()",
+                "ConfigurationAndProcessDataParser"
+                "::frameToByteArray(a#2, '', Compact)",
+                "~ConfigurationAndProcessDataParser"}));
+        QCOMPARE(client.platform.alive("ProcessDataValue"), 2); // those of the old tree are gone
+        QCOMPARE(client.descriptions.size(), 0);
+    }
+
+    void withoutAChangedTextNothingIsSignalled()
+    {
+        Client client({on("a")});
+        client.script.at("a").holds(99); // a value is no property
+
+        client.script.changeDescription();
+        client.script.changeProperties();
+        QCOMPARE(client.descriptions.size() + client.properties.size(), 0);
+        QCOMPARE(client.handler.getValue(0).getValue(), QVariant(99));
+
+        client.script.at("a").property("unit", "K");
+        client.script.changeDescription();
+        client.script.changeDescription();
+        QCOMPARE(listsOf(client.descriptions), QList<QVector<int>>{{0}});
+        QCOMPARE(client.warnings.texts(), QStringList());
+    }
+
+    void positionsAreListedInTheOrderOfTheSource()
+    {
+        Client client({on("b"), off("a"), on("a"), on("b")});
+        client.script.at("a").property("unit", "K");
+        client.script.at("b").property("unit", "K");
+
+        client.script.changeDescription();
+
+        QCOMPARE(listsOf(client.descriptions), (QList<QVector<int>>{{0, 2, 3}}));
+        QCOMPARE(client.handler.getPropertyAsJsonString(3), QString(R"({"name":"b","unit":"K"})"));
+    }
+
+    void aPositionThatIsConnectedTwiceIsReportedOnce()
+    {
+        Client client({on("a")});
+        sourcesOf(client.handler).first()->addConnectedLeafIndex(0);
+        client.script.at("a").property("unit", "K");
+        client.script.changeDescription();
+        QCOMPARE(listsOf(client.descriptions), QList<QVector<int>>{{0}});
+    }
+
+    void onlyTheAnnouncedSourceIsRefreshed()
+    {
+        Client client({on("a"), "scripted://pump/drive/1/speed"});
+        ScriptedSource &pump = client.platform.source("pump", "drive", "1").leaf("speed", 3);
+        client.script.at("a").property("unit", "K");
+        pump.at("speed").property("unit", "1/min");
+
+        pump.changeDescription();
+
+        QCOMPARE(listsOf(client.descriptions), QList<QVector<int>>{{1}});
+        QCOMPARE(client.handler.getPropertyAsJsonString(0), QString(R"({"name":"a"})"));
+    }
+
+    void aSelectorThatIsResolvedForTheFirstTimeIsReported()
+    {
+        Client client({on("late"), on("a")});
+        client.script.leaf("late", 5);
+
+        client.script.changeDescription();
+
+        QCOMPARE(listsOf(client.descriptions), QList<QVector<int>>{{0}});
+        QCOMPARE(client.handler.getValue(0).getValue(), QVariant(5));
+        QCOMPARE(client.warnings.texts(), QStringList());
+    }
+
+    void aFirstRefreshReportsAlsoWhatIsStillMissing()
+    {
+        // The text of a missing leaf is not that of a selector that was never resolved.
+        Client client({on("no")});
+        client.script.changeDescription();
+        client.script.changeDescription();
+        QCOMPARE(listsOf(client.descriptions), QList<QVector<int>>{{0}});
+        QCOMPARE(client.handler.getPropertyAsJsonString(0), QString());
+        QCOMPARE(client.warnings.texts(),
+                 (QStringList{"Url isn't valid: \"scripted://boiler/sensors/1/no\"" + fields,
+                              "Url isn't valid: \"scripted://boiler/sensors/1/no\"" + fields}));
+    }
+
+    void aLeafThatVanishesIsReportedAndReadsAsTheErrorValue()
+    {
+        Client client({on("a"), on("b")});
+        client.platform.nullNodesRenderAs("null");
+        client.script.at("a").absent();
+
+        client.script.changeDescription();
+
+        QCOMPARE(listsOf(client.descriptions), QList<QVector<int>>{{0}});
+        QVERIFY(isErrorValue(client.handler.getValue(0)));
+        QCOMPARE(client.handler.getPropertyAsJsonString(0), QString("null"));
+        QVERIFY(!client.handler.setValue(valueOf(1), 0));
+        QVERIFY(!client.handler.getProperty("unit", 0).isValid());
+        QCOMPARE(client.warnings.texts(),
+                 (QStringList{"Url isn't valid: \"scripted://boiler/sensors/1/a\"" + fields,
+                              "Nullpointer access: SharedMemory not connected"}));
+    }
+
+    void anInvalidInterfaceIsReportedAndTheOldTreeStands()
+    {
+        Client client({on("a")});
+        client.script.interfaceInvalid();
+        client.script.at("a").property("unit", "K");
+
+        client.script.changeDescription();
+
+        QCOMPARE(client.warnings.texts(),
+                 QStringList{"SharedMemory is not valid: \"boiler_sensors_1\""});
+        QVERIFY(client.platform.calls().filter("getProcessDataDescription('").isEmpty());
+        QCOMPARE(client.descriptions.size(), 0); // the leaf of the old tree is found again
+        QCOMPARE(client.handler.getValue(0).getValue(), QVariant(1));
+    }
+
+    void withAnInvalidInterfaceAndNoTreeSelectorsStayWithoutLeaves()
+    {
+        ScriptedPlatform platform;
+        ScriptedSource &script
+            = platform.source("boiler", "sensors", "1").leaf("a", 1).interfaceInvalid();
+        SelectorHandlerProcessValue handler({on("a"), on("a")}, nullptr);
+        QSignalSpy descriptions(&handler, SIGNAL(processDataDescriptionChanged(QVector<int>)));
+        const WarningLog warnings;
+
+        script.changeDescription();
+
+        QCOMPARE(listsOf(descriptions), (QList<QVector<int>>{{0, 1}}));
+        QCOMPARE(warnings.texts(), QStringList{"SharedMemory is not valid: \"boiler_sensors_1\""});
+        QVERIFY(isErrorValue(handler.getValue(0)));
+    }
+
+    void aFailedAttachIsReportedAndSelectorsAreResolvedAllTheSame()
+    {
+        Client client({on("a")});
+        client.script.at("a").property("unit", "K");
+        client.script.bufferInvalid();
+
+        client.script.changeProperties();
+
+        QCOMPARE(client.warnings.texts(),
+                 (QStringList{"SharedMemory buffer not valid." + fields,
+                              "Can't attach to SharedMemory: \"boiler_sensors_1\""}));
+        QCOMPARE(listsOf(client.properties), QList<QVector<int>>{{0}});
+    }
+
+    void anInvalidFetchKeepsTheOldTreeAndItsLeaves()
+    {
+        Client client({on("a")});
+        client.script.announceDescription();
+        const QVariant arrived = client.script.description;
+        client.script.fetchesGive(QVariant());
+        client.script.reply(0).finish(arrived);
+
+        QCOMPARE(client.warnings.texts(),
+                 QStringList{"Can't attach to SharedMemory: \"boiler_sensors_1\""});
+        QCOMPARE(client.descriptions.size(), 0);
+        QCOMPARE(client.handler.getValue(0).getValue(), QVariant(1));
+    }
+
+    void aNullSourceIsReported()
+    {
+        Client client({on("a")});
+        sourcesOf(client.handler).first().clear();
+
+        client.announce("processDataDescriptionChanged", "boiler_sensors_1");
+        client.announce("propertyChanged", "boiler_sensors_1");
+
+        QCOMPARE(
+            client.warnings.texts(),
+            (QStringList{"Nullpointer access SelectorSharedMemoryHandler: \"boiler_sensors_1\"",
+                         "Nullpointer access SelectorSharedMemoryHandler: \"boiler_sensors_1\""}));
+        QCOMPARE(client.descriptions.size() + client.properties.size(), 0);
+        QVERIFY(!recordsOf(client.handler).at(0).processDataLeaf.isNull());
+    }
+
+    void aPositionPastTheListIsSkipped()
+    {
+        Client client({on("a"), off("a")});
+        const auto source = sourcesOf(client.handler).first();
+        source->addConnectedLeafIndex(2);
+        source->addConnectedLeafIndex(1);
+        client.script.at("a").property("unit", "K");
+        recordsOf(client.handler)[1].selectorUrlHandler.reset(new SelectorUrlHandler(on("b")));
+
+        client.script.changeDescription();
+
+        QCOMPARE(client.warnings.texts(),
+                 QStringList{"Index 2 is not valid. Max possible index: 1 "
+                             "\"boiler_sensors_1\""});
+        QCOMPARE(listsOf(client.descriptions), (QList<QVector<int>>{{0, 1}}));
+    }
+
+    void theReadOnlyFlagIsNotRefreshed()
+    {
+        Client client({on("a"), on("b")});
+        client.script.at("a").readOnly();
+        client.script.changeDescription(); // now read-only, but known as writable
+        QVERIFY(client.handler.setValue(valueOf(5), 0));
+
+        client.handler.setSelectorUrls({on("a")});
+        QVERIFY(!client.handler.setValue(valueOf(6), 0));
+        client.script.at("a").readOnly(false);
+        client.script.changeDescription();
+        QCOMPARE(client.descriptions.size(), 2);
+        QVERIFY(!client.handler.setValue(valueOf(6), 0));
+        QCOMPARE(client.warnings.texts(), QStringList());
+    }
+
+    void theLockIsHeldDuringThePassAndFreeWhenItIsSignalled()
+    {
+        Client client({on("a")});
+        QVector<bool> duringPass;
+        QVector<bool> duringSignal;
+        const auto note = [&] { duringPass.append(isLockFree(client.handler)); };
+        client.platform.during("DBusProcessDescriptionConnector::isDBusInterfaceValid", note);
+        client.platform.during("ConfigurationAndProcessDataParser::frameToByteArray", note);
+        const auto noteFree = [&] { duringSignal.append(isLockFree(client.handler)); };
+        connect(&client.handler,
+                QOverload<QVector<int>>::of(
+                    &SelectorHandlerProcessValue::processDataDescriptionChanged),
+                this, noteFree);
+        connect(&client.handler,
+                QOverload<QVector<int>>::of(&SelectorHandlerProcessValue::propertyChanged), this,
+                noteFree);
+
+        client.script.at("a").property("unit", "K");
+        client.script.changeDescription();
+        client.script.at("a").property("unit", "C");
+        client.script.changeProperties();
+
+        QCOMPARE(duringPass, QVector<bool>(4, false));
+        QCOMPARE(duringSignal, QVector<bool>(2, true));
+        QVERIFY(isLockFree(client.handler));
+    }
+};
+
+QTEST_GUILESS_MAIN(ChangePropagationTest)
+#include "ChangePropagationTest.moc"
