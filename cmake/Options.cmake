@@ -19,6 +19,7 @@ set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib)
 add_library(SelectorHandlerOptions INTERFACE)
 target_compile_options(SelectorHandlerOptions INTERFACE
     -Wall -Wextra -Wpedantic -Wnon-virtual-dtor
+    $<$<CXX_COMPILER_ID:Clang>:-Wno-gnu-zero-variadic-macro-arguments> # qCWarning(category) of Qt 5.15
     $<$<BOOL:${SELECTORHANDLER_WERROR}>:-Werror>
     -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=)
 # Qt drops file, line and function from warnings in release builds unless told otherwise.
