@@ -15,7 +15,8 @@ struct LeafDescription
     QString path; ///< names from the top joined by "/"
     ValueType type = ValueType::Float64;
     quint32 capacity = 0; ///< bytes, of string and bytes leaves; 0 for the others
-    quint64 offset = 0; ///< of the leaf's slot in the buffer, bytes; 0 before the buffer is laid out
+    quint64 offset
+        = 0; ///< of the leaf's slot in the buffer, bytes; 0 before the buffer is laid out
     bool readOnly = false;
     QVariant minimum; ///< in the leaf's unit, of the leaf's type; invalid when there is none
     QVariant maximum;

@@ -46,11 +46,11 @@ enum class DescriptionForm {
 ///          leaves or 64 levels, duplicate paths, unknown types, a slot outside the buffer or
 ///          misaligned, overlapping slots, a limit that its type cannot hold
 /// Threads: any.
-std::optional<ProcessDataDescription>
-parseDescription(const QByteArray &json, DescriptionForm form, QString &error);
+std::optional<ProcessDataDescription> parseDescription(const QByteArray &json, DescriptionForm form,
+                                                       QString &error);
 
 /// The same for a document that is already parsed.
-std::optional<ProcessDataDescription>
-parseDescription(const QJsonObject &document, DescriptionForm form, QString &error);
+std::optional<ProcessDataDescription> parseDescription(const QJsonObject &document,
+                                                       DescriptionForm form, QString &error);
 
 #endif

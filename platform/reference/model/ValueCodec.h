@@ -10,13 +10,15 @@
 
 /// Converts a value to a leaf's payload.
 ///
-/// @param value    must convert to the leaf's type without loss and lie within its minimum and maximum
-/// @param payload  receives the bytes in the machine's order, exactly as long as the value (a string: UTF-8
+/// @param value    must convert to the leaf's type without loss and lie within its minimum and
+/// maximum
+/// @param payload  receives the bytes in the machine's order, exactly as long as the value (a
+/// string: UTF-8
 ///                 without a terminator); left alone on failure
 /// @param error    receives one sentence that names the value and the reason; left alone on success
 /// @returns whether it could be converted
-bool encodeValue(const LeafDescription &leaf, const QVariant &value,
-                                            QByteArray &payload, QString &error);
+bool encodeValue(const LeafDescription &leaf, const QVariant &value, QByteArray &payload,
+                 QString &error);
 
 /// Converts a payload to a value: bool, int for int8 … int32, uint for uint8 … uint32, qlonglong,
 /// qulonglong, float, double, QString or QByteArray.

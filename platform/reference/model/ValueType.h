@@ -3,7 +3,6 @@
 #ifndef VALUETYPE_H
 #define VALUETYPE_H
 
-
 #include <QString>
 #include <QVariant>
 

@@ -1,0 +1,173 @@
+// SPDX-License-Identifier: MIT
+// Reads one leaf of a description.
+#include "LeafReader.h"
+
+#include "DescriptionKeys.h"
+#include "JsonReading.h"
+#include "SlotLayout.h"
+#include "ValueConversion.h"
+
+#include <limits>
+
+namespace Keys = DescriptionKeys;
+
+namespace {
+
+bool hasRange(ValueType type)
+{
+    return type != ValueType::Bool && type != ValueType::String && type != ValueType::Bytes;
+}
+
+bool readType(const QJsonObject &element, const QString &place, LeafDescription &leaf,
+              QString &error)
+{
+    const auto name = readText(element, Keys::type, false, place, error);
+    if (!name) {
+        return false;
+    }
+    const auto type = valueTypeFromName(*name);
+    if (!type) {
+        error = QStringLiteral("%1: unknown type \"%2\"").arg(place, *name);
+        return false;
+    }
+    leaf.type = *type;
+    if (*type != ValueType::String && *type != ValueType::Bytes) {
+        return true;
+    }
+    const auto capacity
+        = readWholeNumber(element, Keys::capacity, 1, Keys::maximumCapacity, place, error);
+    leaf.capacity = static_cast<quint32>(capacity.value_or(0));
+    return capacity.has_value();
+}
+
+bool readLimit(const QJsonObject &element, QLatin1String key, const QString &place,
+               const LeafDescription &leaf, QVariant &limit, QString &error)
+{
+    const QJsonValue value = element.value(key);
+    if (value.isUndefined()) {
+        return true;
+    }
+    if (!hasRange(leaf.type)) {
+        error = QStringLiteral("%1: a leaf of type %2 has no \"%3\"")
+                    .arg(place, valueTypeName(leaf.type), key);
+        return false;
+    }
+    if (!value.isDouble()) {
+        error = QStringLiteral("%1: \"%2\" must be a number, but is %3")
+                    .arg(place, key, jsonTypeName(value));
+        return false;
+    }
+    QVariant number = value.toVariant();
+    // JSON's reader rounds what lies past 2^63: the type's maximum arrives one too large.
+    constexpr double roundedMaximum = 18446744073709551616.0;
+    if (leaf.type == ValueType::UInt64 && number.toDouble() == roundedMaximum) {
+        number = std::numeric_limits<quint64>::max();
+    }
+    QString reason;
+    const auto converted = convertToType(leaf.type, number, reason);
+    if (!converted) {
+        error = QStringLiteral("%1: \"%2\" is %3, which does not convert to %4: it %5")
+                    .arg(place, key, printable(number), valueTypeName(leaf.type), reason);
+        return false;
+    }
+    limit = *converted;
+    return true;
+}
+
+bool readRange(const QJsonObject &element, const QString &place, LeafDescription &leaf,
+               QString &error)
+{
+    if (!readLimit(element, Keys::minimum, place, leaf, leaf.minimum, error)
+        || !readLimit(element, Keys::maximum, place, leaf, leaf.maximum, error)) {
+        return false;
+    }
+    if (leaf.minimum.isValid() && leaf.maximum.isValid()
+        && isLess(leaf.type, leaf.maximum, leaf.minimum)) {
+        error = QStringLiteral("%1: minimum %2 is above maximum %3")
+                    .arg(place, printable(leaf.minimum), printable(leaf.maximum));
+        return false;
+    }
+    return true;
+}
+
+bool readOffset(const QJsonObject &element, const QString &place, quint64 bufferSize,
+                LeafDescription &leaf, QString &error)
+{
+    const auto offset = readWholeNumber(element, Keys::offset, slotLayoutHeaderSize,
+                                        std::numeric_limits<qint64>::max(), place, error);
+    if (!offset) {
+        return false;
+    }
+    if (*offset % slotAlignment != 0) {
+        error = QStringLiteral("%1: offset %2 is not a multiple of %3")
+                    .arg(place)
+                    .arg(*offset)
+                    .arg(slotAlignment);
+        return false;
+    }
+    const quint64 size = slotSize(leaf.type, leaf.capacity);
+    if (*offset > bufferSize || size > bufferSize - *offset) {
+        error = QStringLiteral(
+                    "%1: a slot of %2 bytes at offset %3 lies outside the buffer of %4 bytes")
+                    .arg(place)
+                    .arg(size)
+                    .arg(*offset)
+                    .arg(bufferSize);
+        return false;
+    }
+    leaf.offset = *offset;
+    return true;
+}
+
+bool readReadOnly(const QJsonObject &element, const QString &place, LeafDescription &leaf,
+                  QString &error)
+{
+    const QJsonValue value = element.value(Keys::readOnly);
+    if (!value.isUndefined() && !value.isBool()) {
+        error = QStringLiteral("%1: \"%2\" must be a boolean, but is %3")
+                    .arg(place, Keys::readOnly, jsonTypeName(value));
+        return false;
+    }
+    leaf.readOnly = value.toBool(false);
+    return true;
+}
+
+bool checkOtherKeys(const QJsonObject &element, const QString &place, QString &error)
+{
+    for (const QLatin1String key : {Keys::unit, Keys::description, Keys::selectorType}) {
+        if (!readText(element, key, true, place, error)) {
+            return false;
+        }
+    }
+    const QJsonValue simulate = element.value(Keys::simulate);
+    if (!simulate.isUndefined() && !simulate.isObject()) {
+        error = QStringLiteral("%1: \"%2\" must be an object, but is %3")
+                    .arg(place, Keys::simulate, jsonTypeName(simulate));
+        return false;
+    }
+    return true;
+}
+
+} // namespace
+
+std::optional<LeafDescription> readLeaf(const QJsonObject &element, const QString &path,
+                                        DescriptionForm form, quint64 bufferSize, QString &error)
+{
+    const QString place = QStringLiteral("leaf \"%1\"").arg(path);
+    LeafDescription leaf;
+    leaf.path = path;
+    leaf.properties = element;
+    if (!readType(element, place, leaf, error) || !readRange(element, place, leaf, error)
+        || !readReadOnly(element, place, leaf, error) || !checkOtherKeys(element, place, error)) {
+        return std::nullopt;
+    }
+    if (form == DescriptionForm::Published) {
+        if (!readOffset(element, place, bufferSize, leaf, error)) {
+            return std::nullopt;
+        }
+    } else if (element.contains(Keys::offset)) {
+        error = QStringLiteral("%1: \"%2\" is the publisher's to add").arg(place, Keys::offset);
+        return std::nullopt;
+    }
+    return leaf;
+}

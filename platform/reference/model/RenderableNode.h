@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: MIT
+// What a node shows of itself when it is rendered as JSON.
+#ifndef RENDERABLENODE_H
+#define RENDERABLENODE_H
+
+#include <QJsonObject>
+
+/// Implemented by nodes beside ConfigurationAndProcessDataBase.
+class RenderableNode
+{
+public:
+    virtual ~RenderableNode() = default;
+
+    /// What clients are told of the node: nodes that are equal for a client give equal objects.
+    ///
+    /// All keys of the description except "offset", which is no property of the value, and
+    /// "session", so that clients learn of a publisher's restart.
+    virtual QJsonObject renderedProperties() const = 0;
+};
+
+#endif

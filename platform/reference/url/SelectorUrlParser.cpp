@@ -1,0 +1,138 @@
+// SPDX-License-Identifier: MIT
+// Splits a selector URL into its decoded parts.
+#include "SelectorUrlParser.h"
+
+#include <QByteArray>
+#include <QStringRef>
+#include <QTextCodec>
+#include <QVector>
+
+#include <algorithm>
+
+namespace {
+
+bool isScheme(const QStringRef &text)
+{
+    const auto isAsciiLetter = [](QChar c) {
+        return (c >= QLatin1Char('a') && c <= QLatin1Char('z'))
+            || (c >= QLatin1Char('A') && c <= QLatin1Char('Z'));
+    };
+    const auto isSchemeCharacter = [&isAsciiLetter](QChar c) {
+        return isAsciiLetter(c) || (c >= QLatin1Char('0') && c <= QLatin1Char('9'))
+            || c == QLatin1Char('+') || c == QLatin1Char('-') || c == QLatin1Char('.');
+    };
+    return !text.isEmpty() && isAsciiLetter(text.at(0))
+        && std::all_of(text.begin(), text.end(), isSchemeCharacter);
+}
+
+bool hasControlCharacter(const QString &text)
+{
+    return std::any_of(text.begin(), text.end(),
+                       [](QChar c) { return c.category() == QChar::Other_Control; });
+}
+
+int hexDigit(char c)
+{
+    if (c >= '0' && c <= '9') {
+        return c - '0';
+    }
+    const char lower = static_cast<char>(c | 0x20);
+    return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
+}
+
+bool decodePercent(const QByteArray &encoded, QByteArray &decoded)
+{
+    decoded.reserve(encoded.size());
+    for (int i = 0; i < encoded.size(); ++i) {
+        if (encoded.at(i) != '%') {
+            decoded.append(encoded.at(i));
+            continue;
+        }
+        const int high = i + 2 < encoded.size() ? hexDigit(encoded.at(i + 1)) : -1;
+        const int low = i + 2 < encoded.size() ? hexDigit(encoded.at(i + 2)) : -1;
+        if (high < 0 || low < 0) {
+            return false;
+        }
+        decoded.append(static_cast<char>(high * 16 + low));
+        i += 2;
+    }
+    return true;
+}
+
+bool decodePart(const QStringRef &part, QString &decoded)
+{
+    if (!part.contains(QLatin1Char('%'))) {
+        decoded = part.toString();
+        return !hasControlCharacter(decoded);
+    }
+    QByteArray bytes;
+    if (!decodePercent(part.toUtf8(), bytes)) {
+        return false;
+    }
+    static QTextCodec *const utf8 = QTextCodec::codecForName("UTF-8");
+    QTextCodec::ConverterState state(QTextCodec::IgnoreHeader);
+    decoded = utf8->toUnicode(bytes.constData(), bytes.size(), &state);
+    return state.invalidChars == 0 && state.remainingChars == 0 && !hasControlCharacter(decoded);
+}
+
+// Keys join module, object and instance with "_": a "_" in the first two would let two sources
+// share one.
+bool isSourceName(const QString &name)
+{
+    return !name.isEmpty() && !name.contains(QLatin1Char('_'));
+}
+
+bool decodePath(const QVector<QStringRef> &segments, int first, QString &path)
+{
+    bool addressable = true;
+    for (int i = first; i < segments.size(); ++i) {
+        QString name;
+        if (segments.at(i).isEmpty() || !decodePart(segments.at(i), name)) {
+            return false;
+        }
+        addressable = addressable && !name.contains(QLatin1Char('/'));
+        if (i > first) {
+            path += QLatin1Char('/');
+        }
+        path += name;
+    }
+    if (!addressable) {
+        path = QString();
+    }
+    return true;
+}
+
+bool parseParts(const QStringRef &text, SelectorUrlParts &parts)
+{
+    const QLatin1String separator("://");
+    const int schemeEnd = text.indexOf(separator);
+    if (schemeEnd < 0 || !isScheme(text.left(schemeEnd))) {
+        return false;
+    }
+    parts.scheme = text.left(schemeEnd).toString();
+    const QVector<QStringRef> segments
+        = text.mid(schemeEnd + separator.size()).split(QLatin1Char('/'));
+    constexpr int firstOfPath = 3;
+    return segments.size() > firstOfPath && decodePart(segments.at(0), parts.moduleName)
+        && decodePart(segments.at(1), parts.objectName)
+        && decodePart(segments.at(2), parts.instance) && isSourceName(parts.moduleName)
+        && isSourceName(parts.objectName) && decodePath(segments, firstOfPath, parts.path);
+}
+
+} // namespace
+
+SelectorUrlParts parseSelectorUrl(const QString &text)
+{
+    const int query = text.indexOf(QLatin1Char('?'));
+    const bool deactivated = query >= 0 && text.midRef(query) == QLatin1String("?deactivated");
+
+    SelectorUrlParts parts;
+    parts.valid = (query < 0 || deactivated) && !text.contains(QLatin1Char('#'))
+        && text.isValidUtf16() && text.toUtf8().size() <= selectorUrlMaximumLength
+        && parseParts(text.leftRef(query), parts);
+    if (!parts.valid) {
+        parts = SelectorUrlParts();
+    }
+    parts.deactivated = deactivated;
+    return parts;
+}

@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: MIT
+// Splits a selector URL into its decoded parts.
+#ifndef SELECTORURLPARSER_H
+#define SELECTORURLPARSER_H
+
+#include <QString>
+
+/// What a selector URL says. Parts are decoded, and empty when the URL is invalid.
+struct SelectorUrlParts
+{
+    QString scheme;
+    QString moduleName;
+    QString objectName;
+    QString instance;
+    QString path; ///< names from the top joined by "/"; null when a name itself holds "/": no leaf
+                  ///< has it
+    bool valid = false;
+    bool deactivated = false; ///< told also of an invalid URL
+};
+
+/// Longest URL, in bytes of UTF-8.
+constexpr int selectorUrlMaximumLength = 4096;
+
+/// Splits scheme://module/object/instance/group/…/leaf[?deactivated] and decodes the parts
+/// (RFC 3986, section 2.1; their bytes are UTF-8).
+///
+/// Not QUrl: it lower-cases the first part, takes "127" for an address and joins a%2Fb with a/b.
+/// Threads: any.
+SelectorUrlParts parseSelectorUrl(const QString &text);
+
+#endif
