@@ -132,10 +132,10 @@ Q_SIGNALS:
     ///
     /// @param indexList  positions in the URL list, never empty
     /// Threads: emitted in the handler's thread with its lock free; a slot may call every
-    /// operation. A
-    ///          client in another thread connects by pointer to member (which registers the
-    ///          argument's type) or calls qRegisterMetaType<QVector<int>>("QVector<int>") first:
-    ///          Qt 5.15 drops queued string connections whose types nobody registered.
+    /// operation. A client in another thread calls qRegisterMetaType<QVector<int>>("QVector<int>")
+    /// first, or connects by pointer to member with Qt::QueuedConnection, which registers the
+    /// argument's type: Qt 5.15 drops queued arguments of a type that nobody registered, also on an
+    /// automatic connection by pointer to member.
     void
     processDataDescriptionChanged(QVector<int> indexList); // clazy:exclude=function-args-by-ref
 
