@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: MIT
+// The subcommands.
+#ifndef COMMAND_H
+#define COMMAND_H
+
+#include "CommandLine.h"
+#include "Console.h"
+
+#include <QVector>
+
+struct Command
+{
+    QString name;
+    QString summary; ///< one line
+    QString help; ///< usage, options, examples
+    int options = 0; ///< sum of CommandOption
+
+    /// @param usage  receives what is wrong when the result is ExitUsage
+    /// @returns an exit code
+    int (*run)(const CommandLine &line, const Console &console, QString &usage) = nullptr;
+};
+
+/// All commands in the order in which the help lists them.
+const QVector<Command> &commands();
+
+/// Null for an unknown name.
+const Command *findCommand(const QString &name);
+
+/// Each in a file of its own.
+Command modulesCommand();
+Command browseCommand();
+Command readCommand();
+Command writeCommand();
+Command watchCommand();
+Command propertiesCommand();
+
+/// Options that every command has, for the helps.
+QString commonOptionsHelp();
+
+/// Whether the bus can be reached; prints the reason when not.
+bool busIsReachable(const Console &console);
+
+#endif

@@ -1,0 +1,167 @@
+// SPDX-License-Identifier: MIT
+// Parses the arguments of a subcommand.
+#include "CommandLine.h"
+
+#include <QCommandLineParser>
+#include <QRegularExpression>
+
+namespace {
+
+constexpr int longestInterval = 3600000; // milliseconds
+constexpr double longestTimeout = 86400; // seconds
+constexpr int millisecondsPerSecond = 1000;
+
+// A value such as -5 is no option, though the parser would take it for one.
+const QChar numberMark(0xE000);
+
+QStringList withMarkedNumbers(const QStringList &arguments)
+{
+    static const QRegularExpression number(QStringLiteral("^-(\\.?[0-9]|inf)"),
+                                           QRegularExpression::CaseInsensitiveOption);
+    QStringList result;
+    for (const QString &argument : arguments) {
+        result.append(number.match(argument).hasMatch() ? numberMark + argument : argument);
+    }
+    return result;
+}
+
+QString unmarked(const QString &text)
+{
+    return text.startsWith(numberMark) ? text.mid(1) : text;
+}
+
+class Parser
+{
+public:
+    explicit Parser(int options)
+    {
+        parser.addOptions({format, timeout, verbose, help});
+        add(options, OptionFile, file);
+        add(options, OptionType, type);
+        add(options, OptionProperty, property);
+        add(options, OptionInterval, interval);
+        add(options, OptionCount, count);
+    }
+
+    bool parse(const QStringList &arguments, CommandLine &line, QString &error)
+    {
+        if (!parser.parse(QStringList{QStringLiteral("selector")} + withMarkedNumbers(arguments))) {
+            error = parser.errorText();
+            return false;
+        }
+        line.help = isSet(help);
+        line.verbose = isSet(verbose);
+        line.hasType = isSet(type);
+        line.type = value(type);
+        line.file = value(file);
+        for (const QString &argument : parser.positionalArguments()) {
+            line.arguments.append(unmarked(argument));
+        }
+        if (isSet(property)) {
+            line.properties = parser.values(property);
+        }
+        return readFormat(line, error) && readTimeout(line, error)
+            && readNumber(interval, longestInterval, line.interval, error)
+            && readNumber(count, std::numeric_limits<int>::max(), line.count, error);
+    }
+
+private:
+    void add(int options, CommandOption wanted, const QCommandLineOption &option)
+    {
+        if ((options & wanted) != 0) {
+            parser.addOption(option);
+            known.append(option.names().constLast());
+        }
+    }
+
+    // The parser warns when it is asked for an option that it was not given.
+    bool isSet(const QCommandLineOption &option) const
+    {
+        const QString name = option.names().constLast();
+        return (known.contains(name) || alwaysKnown.contains(name)) && parser.isSet(option);
+    }
+
+    QString value(const QCommandLineOption &option) const
+    {
+        return isSet(option) ? unmarked(parser.value(option)) : QString();
+    }
+
+    bool readFormat(CommandLine &line, QString &error) const
+    {
+        const QString name = value(format);
+        if (name == QLatin1String("json")) {
+            line.format = Format::Json;
+        } else if (name == QLatin1String("csv")) {
+            line.format = Format::Csv;
+        } else if (isSet(format) && name != QLatin1String("table")) {
+            error = QStringLiteral("--format must be table, json or csv, not \"%1\"").arg(name);
+            return false;
+        }
+        return true;
+    }
+
+    bool readTimeout(CommandLine &line, QString &error) const
+    {
+        if (!isSet(timeout)) {
+            return true;
+        }
+        bool ok = false;
+        const double seconds = value(timeout).toDouble(&ok);
+        line.timeout
+            = ok && seconds <= longestTimeout ? qRound(seconds * millisecondsPerSecond) : 0;
+        if (line.timeout < 1) {
+            error = QStringLiteral("--timeout must be above 0 and at most %1 seconds, not \"%2\"")
+                        .arg(longestTimeout)
+                        .arg(value(timeout));
+            return false;
+        }
+        return true;
+    }
+
+    bool readNumber(const QCommandLineOption &option, int highest, int &number,
+                    QString &error) const
+    {
+        if (!isSet(option)) {
+            return true;
+        }
+        bool ok = false;
+        const int parsed = value(option).toInt(&ok);
+        if (!ok || parsed < 1 || parsed > highest) {
+            error = QStringLiteral("--%1 must be 1 to %2, not \"%3\"")
+                        .arg(option.names().constLast())
+                        .arg(highest)
+                        .arg(value(option));
+            return false;
+        }
+        number = parsed;
+        return true;
+    }
+
+    const QCommandLineOption format{QStringLiteral("format"), QString(), QStringLiteral("FORMAT")};
+    const QCommandLineOption timeout{QStringLiteral("timeout"), QString(), QStringLiteral("S")};
+    const QCommandLineOption verbose{{QStringLiteral("v"), QStringLiteral("verbose")}};
+    const QCommandLineOption help{{QStringLiteral("h"), QStringLiteral("help")}};
+    const QCommandLineOption file{
+        {QStringLiteral("f"), QStringLiteral("file")}, QString(), QStringLiteral("FILE")};
+    const QCommandLineOption type{QStringLiteral("type"), QString(), QStringLiteral("TYPE")};
+    const QCommandLineOption property{QStringLiteral("property"), QString(),
+                                      QStringLiteral("NAME")};
+    const QCommandLineOption interval{QStringLiteral("interval"), QString(), QStringLiteral("MS")};
+    const QCommandLineOption count{QStringLiteral("count"), QString(), QStringLiteral("N")};
+    const QStringList alwaysKnown{QStringLiteral("format"), QStringLiteral("timeout"),
+                                  QStringLiteral("verbose"), QStringLiteral("help")};
+    QStringList known;
+    QCommandLineParser parser;
+};
+
+} // namespace
+
+bool parseCommandLine(const QStringList &arguments, int options, CommandLine &line, QString &error)
+{
+    CommandLine parsed;
+    if (!Parser(options).parse(arguments, parsed, error)) {
+        return false;
+    }
+    line = parsed;
+    return true;
+}

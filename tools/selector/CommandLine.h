@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: MIT
+// The command line of all subcommands.
+#ifndef COMMANDLINE_H
+#define COMMANDLINE_H
+
+#include "Report.h"
+
+#include <QString>
+#include <QStringList>
+
+/// Options that only some commands take.
+enum CommandOption {
+    OptionFile = 1, ///< -f, --file
+    OptionType = 2, ///< --type
+    OptionProperty = 4, ///< --property
+    OptionInterval = 8, ///< --interval
+    OptionCount = 16, ///< --count
+};
+
+/// What the user asked for.
+struct CommandLine
+{
+    QStringList arguments; ///< without the command's name
+    QString file;
+    QString type;
+    QStringList properties;
+    Format format = Format::Table;
+    int interval = 200; ///< milliseconds
+    int count = 0; ///< 0: no end
+    int timeout = 0; ///< milliseconds; 0: not given
+    bool hasType = false;
+    bool verbose = false;
+    bool help = false;
+};
+
+/// @param arguments  what follows the command's name
+/// @param options    sum of CommandOption
+/// @param error      receives one sentence; left alone on success
+bool parseCommandLine(const QStringList &arguments, int options, CommandLine &line, QString &error);
+
+#endif

@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: MIT
+// Where commands write to.
+#ifndef CONSOLE_H
+#define CONSOLE_H
+
+#include "Report.h"
+
+#include <QTextStream>
+
+/// Results go to out, reasons to err.
+struct Console
+{
+    QTextStream &out;
+    QTextStream &err;
+    Style style;
+    bool silentReasons = false; ///< the reader sees both streams, and the table has the reasons
+};
+
+/// Prints a whole report and, for each entry that is not good, its reason.
+///
+/// @returns ExitAllGood or ExitSomeFailed
+int printReport(const Report &report, const Console &console);
+
+/// Prints one reason on standard error.
+void printReason(const QString &subject, const QString &reason, const Console &console);
+
+/// Style and silence for the streams that this process has: colour only on a terminal that can and
+/// when NO_COLOR is not set.
+void fitToTerminal(Console &console, Format format);
+
+#endif

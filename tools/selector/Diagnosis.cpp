@@ -1,0 +1,114 @@
+// SPDX-License-Identifier: MIT
+// The steps from a URL's text to its leaf.
+#include "Diagnosis.h"
+
+#include "ConfigurationAndProcessDataDefinitions.h"
+#include "InstanceListClient.h"
+#include "MessageLog.h"
+#include "SelectorSharedMemoryHandler.h"
+#include "SelectorUrlHandler.h"
+
+namespace {
+
+QString place(const QString &module, const QString &object, const QString &instance)
+{
+    return QStringLiteral("%1/%2/%3").arg(module, object, instance);
+}
+
+Finding explainMissingDescription(const QString &module, const QString &object,
+                                  const QString &instance)
+{
+    QStringList names;
+    QString error;
+    if (fetchObjects(module, names, error) != BusQueryResult::Ok) {
+        return {Finding::ServiceFailed, error};
+    }
+    if (!names.contains(object)) {
+        return {Finding::NoSuchInstance,
+                QStringLiteral("module %1 has no object \"%2\"").arg(module, object)};
+    }
+    if (fetchInstances(module, object, names, error) != BusQueryResult::Ok) {
+        return {Finding::ServiceFailed, error};
+    }
+    if (!names.contains(instance)) {
+        return {
+            Finding::NoSuchInstance,
+            QStringLiteral("object %1/%2 has no instance \"%3\"").arg(module, object, instance)};
+    }
+    return {Finding::ServiceFailed,
+            QStringLiteral("the service gave no description of %1")
+                .arg(place(module, object, instance))};
+}
+
+Finding explainFailedAttach(const QString &module, const QString &object, const QString &instance)
+{
+    // The platform's own warning came first and says what is wrong with the memory.
+    const QStringList warnings = MessageLog::takeWarnings();
+    const QString reason
+        = warnings.isEmpty() ? QStringLiteral("its memory is not usable") : warnings.constFirst();
+    return {Finding::NotReadable,
+            QStringLiteral("cannot attach to %1: %2").arg(place(module, object, instance), reason)};
+}
+
+} // namespace
+
+Finding Diagnosis::explainText(const SelectorUrlHandler &url)
+{
+    if (url.isSelectorDeactivated()) {
+        return {Finding::Deactivated, QStringLiteral("deactivated")};
+    }
+    const QString scheme
+        = ConfigurationAndProcessDataDefinitions::getSelectorUrlSchemeProcessData();
+    if (!url.isValid()) {
+        return {Finding::InvalidUrl,
+                QStringLiteral("no valid selector URL (%1://MODULE/OBJECT/INSTANCE/…/LEAF)")
+                    .arg(scheme)};
+    }
+    if (url.getScheme() != scheme) {
+        return {Finding::WrongScheme,
+                QStringLiteral("the scheme is \"%1\", not \"%2\"").arg(url.getScheme(), scheme)};
+    }
+    return {};
+}
+
+Finding Diagnosis::explainSource(const QString &module, const QString &object,
+                                 const QString &instance,
+                                 QSharedPointer<SelectorSharedMemoryHandler> &handler)
+{
+    MessageLog::takeWarnings();
+    handler.reset(new SelectorSharedMemoryHandler(place(module, object, instance), module, object,
+                                                  instance, nullptr));
+    if (!handler->isDBusInterfaceValid()) {
+        return {Finding::ServiceMissing,
+                QStringLiteral("the service of module %1 is not running").arg(module)};
+    }
+    if (handler->attachToProcessBuffer()) {
+        return {};
+    }
+    return handler->getProcessDescription().isValid()
+        ? explainFailedAttach(module, object, instance)
+        : explainMissingDescription(module, object, instance);
+}
+
+Finding Diagnosis::explain(const QString &url)
+{
+    const SelectorUrlHandler parsed(url);
+    const Finding text = explainText(parsed);
+    if (text.code != Finding::None) {
+        return text;
+    }
+    const QString key = place(parsed.getModuleName(), parsed.getObjectName(), parsed.getInstance());
+    auto source = sources.find(key);
+    if (source == sources.end()) {
+        source = sources.insert(key, Source());
+        source->finding = explainSource(parsed.getModuleName(), parsed.getObjectName(),
+                                        parsed.getInstance(), source->handler);
+    }
+    if (source->finding.code != Finding::None) {
+        return source->finding;
+    }
+    if (source->handler->getProcessDataLeaf(url).isNull()) {
+        return {Finding::NoSuchLeaf, QStringLiteral("%1 has no such leaf").arg(key)};
+    }
+    return {};
+}

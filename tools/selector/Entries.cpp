@@ -1,0 +1,239 @@
+// SPDX-License-Identifier: MIT
+// Report entries of values, writes, properties and leaves.
+#include "Entries.h"
+
+#include "ValueText.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+
+namespace {
+
+QString textOf(const QJsonObject &object, const char *key)
+{
+    return object.value(QLatin1String(key)).toString();
+}
+
+void addReason(const Finding &finding, Entry &entry)
+{
+    entry.reason = finding.text;
+    if (finding.code != Finding::None) {
+        entry.json.insert(QStringLiteral("code"), finding.codeName());
+        entry.json.insert(QStringLiteral("reason"), finding.text);
+    }
+}
+
+void addStatus(Entry &entry)
+{
+    entry.json.insert(QStringLiteral("url"), entry.subject);
+    entry.json.insert(QStringLiteral("status"), stateName(entry.state));
+}
+
+void copyText(const QJsonObject &from, const char *key, QJsonObject &to)
+{
+    if (from.contains(QLatin1String(key))) {
+        to.insert(QLatin1String(key), from.value(QLatin1String(key)));
+    }
+}
+
+QString propertyText(const QVariant &value)
+{
+    const QJsonValue json = QJsonValue::fromVariant(value);
+    if (json.isArray() || json.isObject()) {
+        const QJsonDocument document
+            = json.isArray() ? QJsonDocument(json.toArray()) : QJsonDocument(json.toObject());
+        return QString::fromUtf8(document.toJson(QJsonDocument::Compact));
+    }
+    return valueToText(value);
+}
+
+} // namespace
+
+QString stateName(Entry::State state)
+{
+    switch (state) {
+    case Entry::Skipped:
+        return QStringLiteral("skipped");
+    case Entry::Doubtful:
+        return QStringLiteral("doubtful");
+    case Entry::Failed:
+        return QStringLiteral("failed");
+    case Entry::Good:
+        break;
+    }
+    return QStringLiteral("ok");
+}
+
+Entry::State stateOf(const Finding &finding)
+{
+    switch (finding.code) {
+    case Finding::None:
+        return Entry::Good;
+    case Finding::Deactivated:
+        return Entry::Skipped;
+    default:
+        return Entry::Failed;
+    }
+}
+
+QString explainErrorType(ProcessDataDefinitions::ErrorTypes errorType)
+{
+    switch (errorType) {
+    case ProcessDataDefinitions::NoError:
+        return {};
+    case ProcessDataDefinitions::NotInitialized:
+        return QStringLiteral("never published so far");
+    case ProcessDataDefinitions::SourceLost:
+        return QStringLiteral("the publisher is gone, this is its last value");
+    case ProcessDataDefinitions::NoValue:
+        return QStringLiteral("no value was obtained");
+    case ProcessDataDefinitions::DeviceFault:
+        return QStringLiteral("the publisher reports a fault of the device");
+    case ProcessDataDefinitions::OutOfRange:
+        return QStringLiteral("the publisher reports a value outside the device's range");
+    }
+    return QStringLiteral("an error type that this tool does not know");
+}
+
+QVector<Column> readColumns()
+{
+    return {{QStringLiteral("url")},   {QStringLiteral("value"), true}, {QStringLiteral("unit")},
+            {QStringLiteral("error")}, {QStringLiteral("time")},        {QStringLiteral("note")}};
+}
+
+Entry readEntry(const ReadResult &result)
+{
+    Entry entry;
+    entry.subject = result.url;
+    entry.state = stateOf(result.finding);
+    const auto errorType = result.value.getErrorType();
+    if (entry.state == Entry::Good && errorType != ProcessDataDefinitions::NoError) {
+        entry.state
+            = errorType == ProcessDataDefinitions::NoValue ? Entry::Failed : Entry::Doubtful;
+    }
+    addStatus(entry);
+    addReason(result.finding, entry);
+    if (entry.reason.isEmpty()) {
+        entry.reason = explainErrorType(errorType);
+    }
+    const bool hasValue = entry.state == Entry::Good || entry.state == Entry::Doubtful;
+    const QVariant value = hasValue ? result.value.getValue() : QVariant();
+    const qint64 timestamp = hasValue ? result.value.getTimestamp() : 0;
+    const QString unit = textOf(result.properties, "unit");
+    const QString error = errorTypeName(errorType);
+    entry.json.insert(QStringLiteral("errorType"), error);
+    entry.json.insert(QStringLiteral("value"), valueToJson(value));
+    if (hasValue) {
+        copyText(result.properties, "type", entry.json);
+        copyText(result.properties, "unit", entry.json);
+    }
+    if (!entry.reason.isEmpty()) {
+        entry.json.insert(QStringLiteral("reason"), entry.reason);
+    }
+    if (timestamp != 0) {
+        entry.json.insert(QStringLiteral("time"), timeToIsoText(timestamp));
+        entry.json.insert(QStringLiteral("timestampNs"), QString::number(timestamp));
+    }
+    entry.rows.append({result.url, valueToText(value), unit, error,
+                       Cell(timeToText(timestamp), timeToIsoText(timestamp)), entry.reason});
+    return entry;
+}
+
+QVector<Column> writeColumns()
+{
+    return {{QStringLiteral("url")},
+            {QStringLiteral("value"), true},
+            {QStringLiteral("unit")},
+            {QStringLiteral("result")},
+            {QStringLiteral("note")}};
+}
+
+Entry writeEntry(const WriteResult &result)
+{
+    Entry entry;
+    entry.subject = result.url;
+    entry.state = stateOf(result.finding);
+    addStatus(entry);
+    addReason(result.finding, entry);
+    copyText(result.properties, "type", entry.json);
+    copyText(result.properties, "unit", entry.json);
+    entry.json.insert(QStringLiteral("value"),
+                      result.value.isValid() ? valueToJson(result.value) : QJsonValue(result.text));
+    const QString shown = result.value.isValid() ? valueToText(result.value) : result.text;
+    const QString verdict
+        = entry.state == Entry::Good ? QStringLiteral("written") : stateName(entry.state);
+    entry.rows.append(
+        {result.url, shown, textOf(result.properties, "unit"), verdict, entry.reason});
+    return entry;
+}
+
+QVector<Column> propertiesColumns()
+{
+    return {{QStringLiteral("url")},
+            {QStringLiteral("property")},
+            {QStringLiteral("value")},
+            {QStringLiteral("note")}};
+}
+
+Entry propertiesEntry(const PropertiesResult &result)
+{
+    Entry entry;
+    entry.subject = result.url;
+    Finding finding = result.finding;
+    QJsonObject properties;
+    QStringList missing;
+    for (const auto &property : result.properties) {
+        if (property.second.isValid()) {
+            properties.insert(property.first, QJsonValue::fromVariant(property.second));
+            entry.rows.append(
+                {result.url, property.first, propertyText(property.second), QString()});
+        } else {
+            missing.append(property.first);
+            entry.rows.append({result.url, property.first, QString(),
+                               QStringLiteral("the leaf has no such property")});
+        }
+    }
+    if (finding.code == Finding::None && !missing.isEmpty()) {
+        finding = {Finding::NoSuchProperty,
+                   QStringLiteral("the leaf has no property \"%1\"")
+                       .arg(missing.join(QLatin1String("\", \"")))};
+    }
+    entry.state = stateOf(finding);
+    addStatus(entry);
+    addReason(finding, entry);
+    if (result.finding.code == Finding::None) {
+        entry.json.insert(QStringLiteral("properties"), properties);
+    } else {
+        entry.rows = {{result.url, QString(), QString(), finding.text}};
+    }
+    return entry;
+}
+
+QVector<Column> leafColumns()
+{
+    return {{QStringLiteral("url")},
+            {QStringLiteral("type")},
+            {QStringLiteral("unit")},
+            {QStringLiteral("access")},
+            {QStringLiteral("description")}};
+}
+
+Entry leafEntry(const QString &url, const QString &path, const QJsonObject &properties)
+{
+    Entry entry;
+    entry.subject = url;
+    const QString access = properties.value(QLatin1String("readOnly")).toBool()
+        ? QStringLiteral("read-only")
+        : QStringLiteral("writable");
+    entry.json = {{QStringLiteral("url"), url},
+                  {QStringLiteral("status"), QStringLiteral("ok")},
+                  {QStringLiteral("path"), path},
+                  {QStringLiteral("access"), access}};
+    for (const char *key :
+         {"type", "unit", "description", "selectorType", "minimum", "maximum", "capacity"}) {
+        copyText(properties, key, entry.json);
+    }
+    entry.rows.append({url, textOf(properties, "type"), textOf(properties, "unit"), access,
+                       textOf(properties, "description")});
+    return entry;
+}

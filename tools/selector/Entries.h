@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: MIT
+// Makes report entries out of what was read, written or described.
+#ifndef ENTRIES_H
+#define ENTRIES_H
+
+#include "Finding.h"
+#include "ProcessValue.h"
+#include "Report.h"
+
+#include <QJsonObject>
+#include <QString>
+#include <QVariant>
+#include <QVector>
+
+/// A value as it was read.
+struct ReadResult
+{
+    QString url;
+    ProcessValue value{ProcessDataDefinitions::NoValue};
+    QJsonObject properties; ///< of the leaf; empty without one
+    Finding finding; ///< why there is no value
+};
+
+QVector<Column> readColumns();
+Entry readEntry(const ReadResult &result);
+
+/// An attempt to write.
+struct WriteResult
+{
+    QString url;
+    QVariant value; ///< as it was written; invalid when its text could not be converted
+    QString text; ///< as it was given
+    QJsonObject properties;
+    Finding finding; ///< None when it was written
+};
+
+QVector<Column> writeColumns();
+Entry writeEntry(const WriteResult &result);
+
+/// The properties of one selector.
+struct PropertiesResult
+{
+    QString url;
+    QVector<QPair<QString, QVariant>> properties; ///< an invalid value: the leaf has none
+    Finding finding; ///< why there is no leaf
+};
+
+QVector<Column> propertiesColumns();
+Entry propertiesEntry(const PropertiesResult &result);
+
+/// A leaf as its description has it.
+QVector<Column> leafColumns();
+Entry leafEntry(const QString &url, const QString &path, const QJsonObject &properties);
+
+/// The state of an entry that has a finding.
+Entry::State stateOf(const Finding &finding);
+
+/// "ok", "skipped", "doubtful" or "failed".
+QString stateName(Entry::State state);
+
+/// How far a value with an error type can be trusted, for people; empty for NoError.
+QString explainErrorType(ProcessDataDefinitions::ErrorTypes errorType);
+
+#endif

@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: MIT
+// Names of the reasons.
+#include "Finding.h"
+
+QString Finding::codeName() const
+{
+    switch (code) {
+    case None:
+        break;
+    case Deactivated:
+        return QStringLiteral("deactivated");
+    case InvalidUrl:
+        return QStringLiteral("invalidUrl");
+    case WrongScheme:
+        return QStringLiteral("wrongScheme");
+    case ServiceMissing:
+        return QStringLiteral("serviceMissing");
+    case ServiceFailed:
+        return QStringLiteral("serviceFailed");
+    case NoSuchInstance:
+        return QStringLiteral("noSuchInstance");
+    case NoSuchLeaf:
+        return QStringLiteral("noSuchLeaf");
+    case NotReadable:
+        return QStringLiteral("notReadable");
+    case ReadOnly:
+        return QStringLiteral("readOnly");
+    case ValueRefused:
+        return QStringLiteral("valueRefused");
+    case NoSuchProperty:
+        return QStringLiteral("noSuchProperty");
+    }
+    return {};
+}

@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: MIT
+// Why a selector has no value.
+#ifndef FINDING_H
+#define FINDING_H
+
+#include <QString>
+
+/// One reason. The codes are documented and never change their meaning.
+struct Finding
+{
+    enum Code {
+        None,
+        Deactivated,
+        InvalidUrl,
+        WrongScheme,
+        ServiceMissing,
+        ServiceFailed,
+        NoSuchInstance,
+        NoSuchLeaf,
+        NotReadable,
+        ReadOnly,
+        ValueRefused,
+        NoSuchProperty,
+    };
+
+    Code code = None;
+    QString text; ///< for people
+
+    /// The code as it stands in JSON: "noSuchLeaf" and the like; empty for None.
+    QString codeName() const;
+};
+
+#endif

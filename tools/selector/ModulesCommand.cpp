@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: MIT
+// selector modules: who offers selectors.
+#include "Command.h"
+#include "ExitCode.h"
+#include "ModuleEntries.h"
+#include "ProviderListClient.h"
+
+namespace {
+
+int run(const CommandLine &line, const Console &console, QString &usage)
+{
+    if (!line.arguments.isEmpty()) {
+        usage = QStringLiteral("Unexpected argument %1.").arg(line.arguments.constFirst());
+        return ExitUsage;
+    }
+    if (line.hasType && (line.type.isEmpty() || line.type.contains(QLatin1Char('/')))) {
+        usage = QStringLiteral("--type must be a bare name such as AnalogSelector, not \"%1\"")
+                    .arg(line.type);
+        return ExitUsage;
+    }
+    QString list;
+    QString error;
+    if (fetchRegisteredProviderList(list, error) != BusQueryResult::Ok) {
+        console.err << "selector: " << error << '\n';
+        return ExitNotReachable;
+    }
+    return printReport({QStringLiteral("selector.modules/1"), moduleColumns(),
+                        line.hasType ? moduleEntriesOfType(list, line.type) : moduleEntries(list)},
+                       console);
+}
+
+} // namespace
+
+Command modulesCommand()
+{
+    return {
+        QStringLiteral("modules"), QStringLiteral("list the registered modules"),
+        QStringLiteral(
+            "Usage: selector modules [OPTIONS]\n"
+            "Lists the modules of the provider registry and the selector types that they offer,\n"
+            "each as OBJECT/INSTANCE/TYPE.\n"
+            "\n"
+            "Options:\n"
+            "  --type TYPE      only this type: AnalogSelector, DigitalSelector\n"
+            "  --timeout S      seconds that one call to a service may take (2)\n")
+            + commonOptionsHelp(),
+        OptionType, run};
+}

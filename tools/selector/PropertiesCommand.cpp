@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: MIT
+// selector properties: what descriptions say of leaves.
+#include "Command.h"
+#include "Diagnosis.h"
+#include "Entries.h"
+#include "ExitCode.h"
+#include "SelectorHandlerProcessValue.h"
+#include "SelectorList.h"
+
+#include <QJsonDocument>
+#include <QMap>
+
+namespace {
+
+QVector<QPair<QString, QVariant>> allProperties(const QJsonObject &object)
+{
+    QVector<QPair<QString, QVariant>> properties;
+    for (auto property = object.begin(); property != object.end(); ++property) {
+        properties.append({property.key(), property.value().toVariant()});
+    }
+    return properties;
+}
+
+int run(const CommandLine &line, const Console &console, QString &usage)
+{
+    QVector<SelectorInput> selectors;
+    if (!collectSelectors(line, false, selectors, usage)) {
+        return ExitUsage;
+    }
+    if (!busIsReachable(console)) {
+        return ExitNotReachable;
+    }
+    const QVector<QString> urls = urlsOf(selectors);
+    SelectorHandlerProcessValue handler(urls, nullptr);
+    QMap<QString, QVector<QVariant>> wanted;
+    for (const QString &name : line.properties) {
+        wanted.insert(name, handler.getProperties(name));
+    }
+    Diagnosis diagnosis;
+    Report report{QStringLiteral("selector.properties/1"), propertiesColumns(), {}};
+    for (int i = 0; i < urls.size(); ++i) {
+        PropertiesResult result{urls.at(i), {}, {}};
+        const QJsonObject all
+            = QJsonDocument::fromJson(handler.getPropertyAsJsonString(i).toUtf8()).object();
+        if (all.isEmpty()) {
+            result.finding = diagnosis.explain(result.url);
+            if (result.finding.code == Finding::None) {
+                result.finding = {Finding::NotReadable,
+                                  QStringLiteral("the leaf came up only now, try again")};
+            }
+        } else if (line.properties.isEmpty()) {
+            result.properties = allProperties(all);
+        } else {
+            for (const QString &name : line.properties) {
+                result.properties.append({name, wanted.value(name).at(i)});
+            }
+        }
+        report.entries.append(propertiesEntry(result));
+    }
+    return printReport(report, console);
+}
+
+} // namespace
+
+Command propertiesCommand()
+{
+    return {QStringLiteral("properties"), QStringLiteral("print the properties of leaves"),
+            QStringLiteral(
+                "Usage: selector properties [OPTIONS] URL...\n"
+                "Prints what the description says of each leaf: type, unit, limits and so on.\n"
+                "\n"
+                "Options:\n"
+                "  --property NAME  only this property; may be given several times\n"
+                "  -f, --file FILE  also read URLs from FILE (- is standard input), one a line;\n"
+                "                   lines that begin with # are left out\n"
+                "  --timeout S      seconds that one call to a service may take (2)\n")
+                + commonOptionsHelp()
+                + QStringLiteral("\nExample: selector properties --property unit "
+                                 "processdata://PumpStation/Pump/1/drive/speed\n"),
+            OptionFile | OptionProperty, run};
+}

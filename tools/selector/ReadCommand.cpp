@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: MIT
+// selector read: current values.
+#include "Command.h"
+#include "Diagnosis.h"
+#include "Entries.h"
+#include "ExitCode.h"
+#include "SelectorHandlerProcessValue.h"
+#include "SelectorList.h"
+
+#include <QJsonDocument>
+
+namespace {
+
+int run(const CommandLine &line, const Console &console, QString &usage)
+{
+    QVector<SelectorInput> selectors;
+    if (!collectSelectors(line, false, selectors, usage)) {
+        return ExitUsage;
+    }
+    if (!busIsReachable(console)) {
+        return ExitNotReachable;
+    }
+    const QVector<QString> urls = urlsOf(selectors);
+    SelectorHandlerProcessValue handler(urls, nullptr);
+    const QVector<ProcessValue> values = handler.getValues();
+    Diagnosis diagnosis;
+    Report report{QStringLiteral("selector.read/1"), readColumns(), {}};
+    for (int i = 0; i < urls.size(); ++i) {
+        ReadResult result{urls.at(i), values.at(i), {}, {}};
+        result.properties
+            = QJsonDocument::fromJson(handler.getPropertyAsJsonString(i).toUtf8()).object();
+        if (result.value.getErrorType() == ProcessDataDefinitions::NoValue) {
+            result.finding = diagnosis.explain(result.url);
+        }
+        report.entries.append(readEntry(result));
+    }
+    return printReport(report, console);
+}
+
+} // namespace
+
+Command readCommand()
+{
+    return {QStringLiteral("read"), QStringLiteral("print current values"),
+            QStringLiteral(
+                "Usage: selector read [OPTIONS] URL...\n"
+                "Prints the current value of each selector with unit, error type and local time.\n"
+                "\n"
+                "Options:\n"
+                "  -f, --file FILE  also read URLs from FILE (- is standard input), one a line;\n"
+                "                   lines that begin with # are left out\n"
+                "  --timeout S      seconds that one call to a service may take (2)\n")
+                + commonOptionsHelp()
+                + QStringLiteral(
+                    "\nExample: selector read processdata://PumpStation/Pump/1/drive/speed\n"),
+            OptionFile, run};
+}

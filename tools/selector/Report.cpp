@@ -1,0 +1,194 @@
+// SPDX-License-Identifier: MIT
+// Renders reports.
+#include "Report.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+
+#include <algorithm>
+
+namespace {
+
+const QLatin1String bold("\x1b[1m");
+const QLatin1String red("\x1b[31m");
+const QLatin1String yellow("\x1b[33m");
+const QLatin1String plain("\x1b[0m");
+
+QString coloured(const QString &text, const QLatin1String &colour, bool wanted)
+{
+    return wanted && colour.size() > 0 ? colour + text + plain : text;
+}
+
+QLatin1String colourOf(Entry::State state)
+{
+    switch (state) {
+    case Entry::Failed:
+        return red;
+    case Entry::Doubtful:
+    case Entry::Skipped:
+        return yellow;
+    case Entry::Good:
+        break;
+    }
+    return QLatin1String();
+}
+
+QString joined(const QVector<Column> &columns, const QVector<int> &widths, const QStringList &cells)
+{
+    QString line;
+    for (int i = 0; i < cells.size(); ++i) {
+        const QString &cell = cells.at(i);
+        const bool last = i == cells.size() - 1;
+        line += columns.at(i).alignRight ? cell.rightJustified(widths.at(i))
+                                         : cell.leftJustified(last ? 0 : widths.at(i));
+        line += last ? QString() : QStringLiteral("  ");
+    }
+    while (line.endsWith(QLatin1Char(' '))) {
+        line.chop(1);
+    }
+    return line;
+}
+
+// An empty cell would shift the ones behind it for whoever splits the line at blanks.
+QStringList tableCells(const Row &row)
+{
+    QStringList cells;
+    for (int i = 0; i < row.size(); ++i) {
+        const QString text = printable(row.at(i).text);
+        const bool last = i == row.size() - 1;
+        cells.append(text.isEmpty() && !last ? QStringLiteral("-") : text);
+    }
+    return cells;
+}
+
+QStringList titles(const QVector<Column> &columns)
+{
+    QStringList result;
+    for (const Column &column : columns) {
+        result.append(column.key.toUpper());
+    }
+    return result;
+}
+
+QString renderTable(const Report &report, bool colour)
+{
+    QVector<int> widths;
+    for (const Column &column : report.columns) {
+        widths.append(column.key.size());
+    }
+    for (const Entry &entry : report.entries) {
+        for (const Row &row : entry.rows) {
+            const QStringList cells = tableCells(row);
+            for (int i = 0; i < cells.size(); ++i) {
+                widths[i] = std::max(widths.at(i), cells.at(i).size());
+            }
+        }
+    }
+    QString text = renderTableHeader(report.columns, widths, colour) + QLatin1Char('\n');
+    for (const Entry &entry : report.entries) {
+        for (const Row &row : entry.rows) {
+            text += renderTableLine(report.columns, widths, row, entry.state, colour)
+                + QLatin1Char('\n');
+        }
+    }
+    return text;
+}
+
+QString renderCsv(const Report &report)
+{
+    QStringList header;
+    for (const Column &column : report.columns) {
+        header.append(column.key);
+    }
+    QString text = renderCsvLine(header) + QLatin1Char('\n');
+    for (const Entry &entry : report.entries) {
+        for (const Row &row : entry.rows) {
+            QStringList fields;
+            for (const Cell &cell : row) {
+                fields.append(cell.machineText);
+            }
+            text += renderCsvLine(fields) + QLatin1Char('\n');
+        }
+    }
+    return text;
+}
+
+QString renderJson(const Report &report, bool pretty)
+{
+    QJsonArray results;
+    for (const Entry &entry : report.entries) {
+        results.append(entry.json);
+    }
+    const QJsonDocument document(QJsonObject{{QStringLiteral("schema"), report.schema},
+                                             {QStringLiteral("results"), results}});
+    const QByteArray json
+        = document.toJson(pretty ? QJsonDocument::Indented : QJsonDocument::Compact);
+    return QString::fromUtf8(json.trimmed()) + QLatin1Char('\n');
+}
+
+} // namespace
+
+bool Report::allGood() const
+{
+    return std::all_of(entries.begin(), entries.end(), [](const Entry &entry) {
+        return entry.state == Entry::Good || entry.state == Entry::Skipped;
+    });
+}
+
+QString render(const Report &report, const Style &style)
+{
+    switch (style.format) {
+    case Format::Json:
+        return renderJson(report, style.pretty);
+    case Format::Csv:
+        return renderCsv(report);
+    case Format::Table:
+        break;
+    }
+    return renderTable(report, style.colour);
+}
+
+QString renderTableLine(const QVector<Column> &columns, const QVector<int> &widths, const Row &row,
+                        Entry::State state, bool colour)
+{
+    return coloured(joined(columns, widths, tableCells(row)), colourOf(state), colour);
+}
+
+QString renderTableHeader(const QVector<Column> &columns, const QVector<int> &widths, bool colour)
+{
+    return coloured(joined(columns, widths, titles(columns)), bold, colour);
+}
+
+QString renderCsvLine(const QStringList &fields)
+{
+    QStringList quoted;
+    for (const QString &field : fields) {
+        const bool plainField = std::none_of(field.begin(), field.end(), [](QChar c) {
+            return c == QLatin1Char(',') || c == QLatin1Char('"') || c == QLatin1Char('\n')
+                || c == QLatin1Char('\r');
+        });
+        QString text = field;
+        quoted.append(plainField
+                          ? text
+                          : QLatin1Char('"') + text.replace(QLatin1Char('"'), QLatin1String("\"\""))
+                              + QLatin1Char('"'));
+    }
+    return quoted.join(QLatin1Char(','));
+}
+
+QString printable(const QString &text)
+{
+    QString result;
+    for (const QChar c : text) {
+        if (c == QLatin1Char('\n')) {
+            result += QLatin1String("\\n");
+        } else if (c == QLatin1Char('\t')) {
+            result += QLatin1String("\\t");
+        } else if (c.category() == QChar::Other_Control) {
+            result += QStringLiteral("\\x%1").arg(c.unicode(), 2, 16, QLatin1Char('0'));
+        } else {
+            result += c;
+        }
+    }
+    return result;
+}

@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: MIT
+// Results of a command as a table, JSON or CSV.
+#ifndef REPORT_H
+#define REPORT_H
+
+#include <QJsonObject>
+#include <QString>
+#include <QStringList>
+#include <QVector>
+
+enum class Format {
+    Table, ///< for people
+    Json, ///< one document; one object a line where results come over time
+    Csv, ///< with a header line, fields quoted where needed (RFC 4180, lines end in LF)
+};
+
+/// One cell: for people, and for CSV where that differs.
+struct Cell
+{
+    Cell(const QString &text) // NOLINT(google-explicit-constructor): cells are lists of texts
+        : text(text)
+        , machineText(text)
+    {
+    }
+    Cell(const QString &text, const QString &machineText)
+        : text(text)
+        , machineText(machineText)
+    {
+    }
+
+    QString text;
+    QString machineText;
+};
+
+using Row = QVector<Cell>;
+
+struct Column
+{
+    QString key; ///< the header in CSV; in capitals the one of the table
+    bool alignRight = false;
+};
+
+/// What came of one selector, module or other thing that was asked for.
+struct Entry
+{
+    enum State {
+        Good,
+        Skipped, ///< deliberately left out: neither good nor a failure
+        Doubtful, ///< a value that must not be trusted
+        Failed,
+    };
+
+    QString subject; ///< what the reason on standard error is about
+    QString reason; ///< empty when there is nothing to say
+    State state = Good;
+    QJsonObject json;
+    QVector<Row> rows;
+};
+
+struct Report
+{
+    QString schema; ///< name and version of the JSON form, such as "selector.read/1"
+    QVector<Column> columns;
+    QVector<Entry> entries;
+
+    bool allGood() const;
+};
+
+struct Style
+{
+    Format format = Format::Table;
+    bool colour = false; ///< of a table
+    bool pretty = false; ///< JSON indented
+};
+
+/// The whole report, each line ended.
+QString render(const Report &report, const Style &style);
+
+/// One line of a table without its end, for results that come over time.
+QString renderTableLine(const QVector<Column> &columns, const QVector<int> &widths, const Row &row,
+                        Entry::State state, bool colour);
+
+/// The header of such a table.
+QString renderTableHeader(const QVector<Column> &columns, const QVector<int> &widths, bool colour);
+
+/// One line of CSV without its end.
+QString renderCsvLine(const QStringList &fields);
+
+/// Text without control characters, which could steer a terminal: they become \n, \t, \x1b …
+QString printable(const QString &text);
+
+#endif

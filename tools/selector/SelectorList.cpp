@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: MIT
+// Reads lists of selectors.
+#include "SelectorList.h"
+
+#include <QFile>
+#include <QRegularExpression>
+
+#include <cstdio>
+
+bool readSelectorLines(QTextStream &stream, bool withValues, QVector<SelectorInput> &selectors,
+                       QString &error)
+{
+    static const QRegularExpression blanks(QStringLiteral("\\s+"));
+    int number = 0;
+    while (!stream.atEnd()) {
+        const QString line = stream.readLine().trimmed();
+        ++number;
+        if (line.isEmpty() || line.startsWith(QLatin1Char('#'))) {
+            continue;
+        }
+        if (!withValues) {
+            selectors.append({line, QString()});
+            continue;
+        }
+        const QRegularExpressionMatch gap = blanks.match(line);
+        if (!gap.hasMatch()) {
+            error = QStringLiteral("line %1: no value for %2").arg(number).arg(line);
+            return false;
+        }
+        selectors.append({line.left(gap.capturedStart()), line.mid(gap.capturedEnd())});
+    }
+    return true;
+}
+
+namespace {
+
+bool readSelectorFile(const QString &name, bool withValues, QVector<SelectorInput> &selectors,
+                      QString &error)
+{
+    QFile file(name);
+    const bool standardInput = name == QLatin1String("-");
+    const bool opened
+        = standardInput ? file.open(stdin, QIODevice::ReadOnly) : file.open(QIODevice::ReadOnly);
+    if (!opened) {
+        error = QStringLiteral("%1: %2").arg(name, file.errorString());
+        return false;
+    }
+    QTextStream stream(&file);
+    stream.setCodec("UTF-8");
+    QString problem;
+    if (!readSelectorLines(stream, withValues, selectors, problem)) {
+        error = QStringLiteral("%1: %2").arg(
+            standardInput ? QStringLiteral("standard input") : name, problem);
+        return false;
+    }
+    return true;
+}
+
+} // namespace
+
+bool collectSelectors(const CommandLine &line, bool withValues, QVector<SelectorInput> &selectors,
+                      QString &error)
+{
+    const int step = withValues ? 2 : 1;
+    if (line.arguments.size() % step != 0) {
+        error = QStringLiteral("No value for %1.").arg(line.arguments.constLast());
+        return false;
+    }
+    for (int i = 0; i < line.arguments.size(); i += step) {
+        selectors.append({line.arguments.at(i), withValues ? line.arguments.at(i + 1) : QString()});
+    }
+    if (!line.file.isEmpty() && !readSelectorFile(line.file, withValues, selectors, error)) {
+        return false;
+    }
+    if (selectors.isEmpty()) {
+        error = QStringLiteral("No selector given.");
+        return false;
+    }
+    return true;
+}
+
+QVector<QString> urlsOf(const QVector<SelectorInput> &selectors)
+{
+    QVector<QString> urls;
+    urls.reserve(selectors.size());
+    for (const SelectorInput &selector : selectors) {
+        urls.append(selector.url);
+    }
+    return urls;
+}

@@ -1,0 +1,161 @@
+// SPDX-License-Identifier: MIT
+// Renders the lines of selector watch.
+#include "WatchLines.h"
+
+#include "ValueText.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int timeWidth = 23;
+constexpr int valueWidth = 12;
+constexpr int unitWidth = 6;
+constexpr int errorWidth = 9;
+
+QString shown(const QJsonValue &value)
+{
+    if (value.isUndefined()) {
+        return QStringLiteral("nothing");
+    }
+    return value.isString() ? value.toString() : valueToText(value.toVariant());
+}
+
+QString whatName(SelectorChange::What what)
+{
+    switch (what) {
+    case SelectorChange::Found:
+        return QStringLiteral("found");
+    case SelectorChange::Lost:
+        return QStringLiteral("lost");
+    case SelectorChange::Restarted:
+        return QStringLiteral("restarted");
+    case SelectorChange::Changed:
+        break;
+    }
+    return QStringLiteral("changed");
+}
+
+QString jsonLine(QJsonObject object)
+{
+    object.insert(QStringLiteral("schema"), QStringLiteral("selector.watch/1"));
+    return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact))
+        + QLatin1Char('\n');
+}
+
+} // namespace
+
+SelectorChange compareProperties(int index, const QString &url, const QJsonObject &before,
+                                 const QJsonObject &after)
+{
+    SelectorChange change{index, url, SelectorChange::Changed, {}, {}};
+    if (before.isEmpty() || after.isEmpty()) {
+        change.what = before.isEmpty() ? SelectorChange::Found : SelectorChange::Lost;
+        change.text = before.isEmpty() ? QStringLiteral("found") : QStringLiteral("lost");
+        return change;
+    }
+    QStringList names = before.keys() + after.keys();
+    names.sort();
+    names.removeDuplicates();
+    names.removeAll(QStringLiteral("session")); // tells runs of a publisher apart
+    QStringList texts;
+    for (const QString &name : qAsConst(names)) {
+        if (before.value(name) != after.value(name)) {
+            change.properties.append(name);
+            texts.append(QStringLiteral("%1 %2 -> %3")
+                             .arg(name, shown(before.value(name)), shown(after.value(name))));
+        }
+    }
+    if (texts.isEmpty()) {
+        change.what = SelectorChange::Restarted;
+        texts.append(QStringLiteral("publisher restarted"));
+    }
+    change.text = texts.join(QStringLiteral(", "));
+    return change;
+}
+
+WatchLines::WatchLines(const QVector<QString> &urls, const Style &style)
+    : style(style)
+    , columns{{QStringLiteral("time")}, {QStringLiteral("url")},   {QStringLiteral("value"), true},
+              {QStringLiteral("unit")}, {QStringLiteral("error")}, {QStringLiteral("note")}}
+{
+    int urlWidth = 3;
+    for (const QString &url : urls) {
+        urlWidth = std::max(urlWidth, printable(url).size());
+    }
+    widths = {timeWidth, urlWidth, valueWidth, unitWidth, errorWidth, 0};
+}
+
+QString WatchLines::header() const
+{
+    switch (style.format) {
+    case Format::Json:
+        return {};
+    case Format::Csv:
+        return QStringLiteral("event,time,url,value,unit,error,note,indices\n");
+    case Format::Table:
+        break;
+    }
+    return renderTableHeader(columns, widths, style.colour) + QLatin1Char('\n');
+}
+
+QString WatchLines::value(int index, const ReadResult &result, qint64 now) const
+{
+    Entry entry = readEntry(result);
+    const Row &cells = entry.rows.constFirst();
+    const bool hasTime = entry.json.contains(QStringLiteral("time"));
+    if (style.format == Format::Json) {
+        entry.json.insert(QStringLiteral("event"), QStringLiteral("value"));
+        entry.json.insert(QStringLiteral("index"), index);
+        if (!hasTime) {
+            entry.json.insert(QStringLiteral("time"), timeToIsoText(now));
+        }
+        return jsonLine(entry.json);
+    }
+    const Cell time = hasTime ? cells.at(4) : Cell(timeToText(now), timeToIsoText(now));
+    if (style.format == Format::Csv) {
+        return renderCsvLine({QStringLiteral("value"), time.machineText, cells.at(0).text,
+                              cells.at(1).text, cells.at(2).text, cells.at(3).text,
+                              cells.at(5).text, QString::number(index)})
+            + QLatin1Char('\n');
+    }
+    const Row row{time, cells.at(0), cells.at(1), cells.at(2), cells.at(3), cells.at(5)};
+    return renderTableLine(columns, widths, row, entry.state, style.colour) + QLatin1Char('\n');
+}
+
+QString WatchLines::signal(const QString &signal, const QVector<SelectorChange> &changes,
+                           qint64 now) const
+{
+    QJsonArray details;
+    QJsonArray indices;
+    QStringList numbers;
+    QStringList texts;
+    for (const SelectorChange &change : changes) {
+        indices.append(change.index);
+        numbers.append(QString::number(change.index));
+        texts.append(QStringLiteral("%1 %2").arg(change.index).arg(change.text));
+        details.append(QJsonObject{
+            {QStringLiteral("index"), change.index},
+            {QStringLiteral("url"), change.url},
+            {QStringLiteral("what"), whatName(change.what)},
+            {QStringLiteral("properties"), QJsonArray::fromStringList(change.properties)}});
+    }
+    if (style.format == Format::Json) {
+        return jsonLine({{QStringLiteral("event"), signal},
+                         {QStringLiteral("time"), timeToIsoText(now)},
+                         {QStringLiteral("indices"), indices},
+                         {QStringLiteral("changes"), details}});
+    }
+    const QString note = texts.join(QStringLiteral("; "));
+    if (style.format == Format::Csv) {
+        return renderCsvLine({signal, timeToIsoText(now), QString(), QString(), QString(),
+                              QString(), note, numbers.join(QLatin1Char(' '))})
+            + QLatin1Char('\n');
+    }
+    return printable(QStringLiteral("%1  %2 [%3]: %4")
+                         .arg(timeToText(now), signal, numbers.join(QLatin1String(", ")), note))
+        + QLatin1Char('\n');
+}

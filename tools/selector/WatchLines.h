@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: MIT
+// Lines that selector watch prints: values and change signals.
+#ifndef WATCHLINES_H
+#define WATCHLINES_H
+
+#include "Entries.h"
+#include "Report.h"
+
+#include <QJsonObject>
+#include <QString>
+#include <QStringList>
+#include <QVector>
+
+/// What happened to one selector of a change signal.
+struct SelectorChange
+{
+    enum What {
+        Found, ///< the selector has a leaf now
+        Lost, ///< the selector's leaf is gone
+        Restarted, ///< the same leaf of a new run of its publisher
+        Changed, ///< properties are different
+    };
+
+    int index = 0;
+    QString url;
+    What what = Changed;
+    QStringList properties; ///< names of those that differ, of Changed
+    QString text; ///< for people
+};
+
+/// Compares a leaf's properties before and after; an empty object is no leaf.
+SelectorChange compareProperties(int index, const QString &url, const QJsonObject &before,
+                                 const QJsonObject &after);
+
+/// Renders lines one by one, in one format.
+class WatchLines
+{
+public:
+    /// @param urls  the selectors, which decide how wide a table is
+    WatchLines(const QVector<QString> &urls, const Style &style);
+
+    /// What stands above the first line; empty for JSON.
+    QString header() const;
+
+    /// @param now  nanoseconds since the epoch, for a selector without a time of its own
+    QString value(int index, const ReadResult &result, qint64 now) const;
+
+    /// @param signal  name of the library's signal
+    QString signal(const QString &signal, const QVector<SelectorChange> &changes, qint64 now) const;
+
+private:
+    const Style style;
+    QVector<Column> columns;
+    QVector<int> widths;
+};
+
+#endif

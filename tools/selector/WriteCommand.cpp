@@ -1,0 +1,104 @@
+// SPDX-License-Identifier: MIT
+// selector write: values from text.
+#include "Command.h"
+#include "Diagnosis.h"
+#include "Entries.h"
+#include "ExitCode.h"
+#include "LeafType.h"
+#include "MessageLog.h"
+#include "SelectorHandlerProcessValue.h"
+#include "SelectorList.h"
+
+#include <QJsonDocument>
+
+namespace {
+
+Finding refused(const QString &text, const QString &problem)
+{
+    return {Finding::ValueRefused, QStringLiteral("\"%1\" %2").arg(text, problem)};
+}
+
+// Nothing about the value is wrong, so the memory is.
+Finding refusedByMemory()
+{
+    const QStringList warnings = MessageLog::takeWarnings();
+    return {Finding::ValueRefused,
+            warnings.isEmpty()
+                ? QStringLiteral("the write was refused: no permission, the publisher "
+                                 "is gone or another writer holds the lock")
+                : warnings.constLast()};
+}
+
+Finding write(SelectorHandlerProcessValue &handler, int index, WriteResult &result)
+{
+    const auto type = leafType(result.properties.value(QLatin1String("type")).toString());
+    if (!type) {
+        return refused(result.text,
+                       QStringLiteral("cannot be converted: the leaf's type is unknown"));
+    }
+    if (result.properties.value(QLatin1String("readOnly")).toBool()) {
+        return {Finding::ReadOnly, QStringLiteral("the leaf is read-only")};
+    }
+    QString problem;
+    QVariant value;
+    if (!valueFromText(*type, result.text, value, problem)
+        || !checkLimits(*type, result.properties, value, problem)) {
+        return refused(result.text, problem);
+    }
+    result.value = value;
+    MessageLog::takeWarnings();
+    return handler.setValue(ProcessValue(value), index) ? Finding() : refusedByMemory();
+}
+
+int run(const CommandLine &line, const Console &console, QString &usage)
+{
+    QVector<SelectorInput> selectors;
+    if (!collectSelectors(line, true, selectors, usage)) {
+        return ExitUsage;
+    }
+    if (!busIsReachable(console)) {
+        return ExitNotReachable;
+    }
+    SelectorHandlerProcessValue handler(urlsOf(selectors), nullptr);
+    Diagnosis diagnosis;
+    Report report{QStringLiteral("selector.write/1"), writeColumns(), {}};
+    for (int i = 0; i < selectors.size(); ++i) {
+        WriteResult result{selectors.at(i).url, {}, selectors.at(i).value, {}, {}};
+        result.properties
+            = QJsonDocument::fromJson(handler.getPropertyAsJsonString(i).toUtf8()).object();
+        result.finding = result.properties.isEmpty() ? diagnosis.explain(result.url) : Finding();
+        if (result.properties.isEmpty() && result.finding.code == Finding::None) {
+            result.finding
+                = {Finding::NotReadable, QStringLiteral("the leaf came up only now, try again")};
+        }
+        if (result.finding.code == Finding::None) {
+            result.finding = write(handler, i, result);
+        }
+        report.entries.append(writeEntry(result));
+    }
+    return printReport(report, console);
+}
+
+} // namespace
+
+Command writeCommand()
+{
+    return {
+        QStringLiteral("write"), QStringLiteral("write values"),
+        QStringLiteral(
+            "Usage: selector write [OPTIONS] URL VALUE [URL VALUE]...\n"
+            "Writes each value in the unit and type of its leaf.\n"
+            "\n"
+            "Values: true, false, 1, 0, on, off for bool; decimal or 0x numbers; strings as they\n"
+            "are; bytes as 0x and hexadecimal digits. A negative number needs no special care.\n"
+            "\n"
+            "Options:\n"
+            "  -f, --file FILE  also read pairs from FILE (- is standard input): one URL, blanks and\n"
+            "                   the value (the rest of the line) a line; lines that begin with #\n"
+            "                   are left out\n"
+            "  --timeout S      seconds that one call to a service may take (2)\n")
+            + commonOptionsHelp()
+            + QStringLiteral(
+                "\nExample: selector write processdata://PumpStation/Pump/1/drive/setpoint 1200\n"),
+        OptionFile, run};
+}
