@@ -7,28 +7,28 @@
 
 namespace DescriptionKeys {
 
-constexpr QLatin1String format("format");
-constexpr QLatin1String formatVersion1("process-data-description/1");
-constexpr QLatin1String module("module");
-constexpr QLatin1String object("object");
-constexpr QLatin1String instance("instance");
-constexpr QLatin1String session("session");
-constexpr QLatin1String buffer("buffer");
-constexpr QLatin1String bufferGeneration("generation");
-constexpr QLatin1String bufferSize("size");
-constexpr QLatin1String bufferOwnerUid("ownerUid");
-constexpr QLatin1String elements("elements");
-constexpr QLatin1String name("name");
-constexpr QLatin1String type("type");
-constexpr QLatin1String capacity("capacity");
-constexpr QLatin1String offset("offset");
-constexpr QLatin1String readOnly("readOnly");
-constexpr QLatin1String minimum("minimum");
-constexpr QLatin1String maximum("maximum");
-constexpr QLatin1String unit("unit");
-constexpr QLatin1String description("description");
-constexpr QLatin1String selectorType("selectorType");
-constexpr QLatin1String simulate("simulate");
+const QLatin1String format("format");
+const QLatin1String formatVersion1("process-data-description/1");
+const QLatin1String module("module");
+const QLatin1String object("object");
+const QLatin1String instance("instance");
+const QLatin1String session("session");
+const QLatin1String buffer("buffer");
+const QLatin1String bufferGeneration("generation");
+const QLatin1String bufferSize("size");
+const QLatin1String bufferOwnerUid("ownerUid");
+const QLatin1String elements("elements");
+const QLatin1String name("name");
+const QLatin1String type("type");
+const QLatin1String capacity("capacity");
+const QLatin1String offset("offset");
+const QLatin1String readOnly("readOnly");
+const QLatin1String minimum("minimum");
+const QLatin1String maximum("maximum");
+const QLatin1String unit("unit");
+const QLatin1String description("description");
+const QLatin1String selectorType("selectorType");
+const QLatin1String simulate("simulate");
 
 constexpr int maximumTextSize = 64 * 1024 * 1024; // bytes
 constexpr int maximumLeaves = 1'000'000;

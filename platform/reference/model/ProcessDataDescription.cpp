@@ -18,7 +18,7 @@ namespace Keys = DescriptionKeys;
 
 namespace {
 
-constexpr QLatin1String documentPlace("description");
+const QLatin1String documentPlace("description");
 
 class DescriptionReader
 {
