@@ -1,0 +1,76 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
+# Runs script/demo on built programs: it must end in time, show what it promises and leave nothing.
+#
+# usage: demo_test.sh SOURCE-DIR BUILD-DIR
+set -euo pipefail
+demo=$1/script/demo build_dir=$2
+work=$(mktemp -d "${TMPDIR:-/tmp}/demo-test.XXXXXX")
+trap 'rm -rf "$work"' EXIT
+mkdir "$work/tmp"
+export TMPDIR=$work/tmp # what the demo puts aside must be gone afterwards
+export DEMO_TEST=$work  # marks every process that the demo starts
+
+failures=0
+check() {
+    local what=$1
+    shift
+    if "$@"; then
+        printf 'ok: %s\n' "$what"
+    else
+        printf 'FAILED: %s\n' "$what"
+        failures=$((failures + 1))
+    fi
+}
+
+# Processes that were started with the mark. The list of files is made before grep starts.
+marked_processes() {
+    local environment
+    for environment in /proc/[0-9]*/environ; do
+        if grep -qzxF "DEMO_TEST=$work" "$environment" 2>/dev/null; then
+            tr '\0' ' ' <"${environment%environ}cmdline" 2>/dev/null
+            echo
+        fi
+    done
+}
+
+nothing_is_left() {
+    local left
+    left=$(marked_processes)
+    left+=$(find "$TMPDIR" -mindepth 1)
+    left+=$(find /dev/shm -name "processdata.*" -newer "$work/start" \( -name '*.PumpStation_*' -o \
+        -name '*.TankFarm_*' -o -name '*.HeatingPlant_*' \))
+    [[ -z $left ]] || printf '%s\n' "$left"
+    [[ -z $left ]]
+}
+
+touch "$work/start"
+status=0
+"$demo" --build-dir "$build_dir" >"$work/output" 2>&1 </dev/null || status=$?
+cat "$work/output"
+check "the demo succeeds" test "$status" -eq 0
+check "it takes less than 30 seconds" test $SECONDS -lt 30
+for text in PumpStation 'NoError' 'nonsense.*no such leaf' '2100' 'processDataDescriptionChanged.*1, 2' \
+    SourceLost 'nothing is left behind'; do
+    check "it shows: $text" grep -q -- "$text" "$work/output"
+done
+check "nothing is left" nothing_is_left
+
+# Interrupted in the middle it cleans up as well.
+"$demo" --build-dir "$build_dir" >"$work/interrupted" 2>&1 </dev/null &
+demo_pid=$!
+timeout 20 grep -q -m 1 'Watching' < <(env -u DEMO_TEST tail --pid="$demo_pid" -n +1 -f "$work/interrupted")
+kill -TERM "$demo_pid"
+status=0
+wait "$demo_pid" || status=$?
+check "terminated, it says so" test "$status" -eq 143
+check "nothing is left after that" nothing_is_left
+
+# The shell for trying things by hand has the programs and the bus.
+status=0
+"$demo" --shell --build-dir "$build_dir" >"$work/shell" 2>&1 \
+    <<<'selector read processdata://PumpStation/Pump/1/plate/name' || status=$?
+check "the shell ends well" test "$status" -eq 0
+check "a command in the shell reads a value" grep -q 'Pump station' "$work/shell"
+check "nothing is left after the shell" nothing_is_left
+((failures == 0))
