@@ -20,13 +20,15 @@ class PublishedBufferPrivate;
 class PublishedBuffer
 {
 public:
-    /// Removes what dead publishers of the instance left, lays the leaves out and creates the buffer.
+    /// Removes what dead publishers of the instance left, lays the leaves out and creates the
+    /// buffer.
     ///
-    /// @param description  in: leaves without offsets; out: offsets and buffer filled in. Left alone on
-    ///                     failure.
+    /// @param description  in: leaves without offsets; out: offsets and buffer filled in. Left
+    ///                     alone on failure.
     /// @param error        receives one sentence that names what is wrong and errno's text
     /// @returns the active buffer; null on failure, with nothing left behind
-    static std::unique_ptr<PublishedBuffer> create(ProcessDataDescription &description, QString &error);
+    static std::unique_ptr<PublishedBuffer> create(ProcessDataDescription &description,
+                                                   QString &error);
 
     /// Retires the buffer if that was not done yet.
     ~PublishedBuffer();
@@ -51,8 +53,8 @@ public:
     /// Takes changed limits and other properties of the same layout.
     void setLeafDescriptions(const QVector<LeafDescription> &leaves);
 
-    /// Marks the buffer as retired, gives up the liveness lock and removes the name. Readers that are
-    /// attached keep the last values.
+    /// Marks the buffer as retired, gives up the liveness lock and removes the name. Readers that
+    /// are attached keep the last values.
     void retire();
 
 private:

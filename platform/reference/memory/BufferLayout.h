@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: MIT
+// The header of a shared-memory buffer, layout 1, and what can be told from it.
+#ifndef BUFFERLAYOUT_H
+#define BUFFERLAYOUT_H
+
+#include "SlotLayout.h"
+
+#include <QtGlobal>
+
+#include <cstddef>
+#include <pthread.h>
+
+/// Life of a buffer; the numbers are stored in it.
+enum BufferState : quint32 {
+    BufferBuilding = 1, // header not complete: nobody attaches
+    BufferActive = 2,
+    BufferRetired = 3, // given up by its publisher: the last values stay readable
+};
+
+constexpr char bufferMagic[8] = {'P', 'D', 'B', 'U', 'F', 'F', 'E', 'R'};
+constexpr quint32 bufferLayoutVersion = 1;
+
+/// Word size and size of a lock: processes that disagree on either cannot share a buffer, and
+/// refuse.
+constexpr quint32 bufferAbiTag = quint32(sizeof(void *)) << 8 | quint32(sizeof(pthread_mutex_t));
+
+/// Room for one process-shared lock, the same on every machine.
+union BufferLock {
+    pthread_mutex_t mutex;
+    char room[64];
+};
+
+/// First bytes of every buffer. All but state and locks are constant once the buffer has its name.
+struct alignas(64) BufferHeader
+{
+    char magic[8];
+    quint32 layoutVersion;
+    quint32 headerSize;
+    quint64 bufferSize;
+    quint64 generation;
+    quint32 slotCount;
+    quint32 abiTag;
+    quint32 state; // BufferState
+    quint32 reserved[5];
+    BufferLock livenessLock; // held by the publisher for as long as it lives
+    BufferLock
+        writersLock; // a line of its own: writing must not slow down readers of the line above
+};
+
+static_assert(sizeof(BufferHeader) == slotLayoutHeaderSize, "the header is 192 bytes everywhere");
+static_assert(sizeof(BufferLock) == 64, "a lock fits into its room");
+static_assert(offsetof(BufferHeader, bufferSize) == 16 && offsetof(BufferHeader, generation) == 24
+                  && offsetof(BufferHeader, state) == 40,
+              "32-bit and 64-bit processes can read each other's header far enough to refuse it");
+static_assert(offsetof(BufferHeader, livenessLock) == 64
+                  && offsetof(BufferHeader, writersLock) == 128,
+              "each lock has a cache line");
+
+#ifndef __GLIBC__
+#error "the liveness test reads the lock word of glibc's mutex"
+#endif
+
+/// The word of a lock that the kernel marks when the owner dies. glibc keeps it at offset 0: 0 is
+/// free, the low 30 bits are the owner's thread id, bit 30 says that the owner died.
+inline quint32 lockWord(const BufferLock &lock)
+{
+    return __atomic_load_n(reinterpret_cast<const quint32 *>(lock.room), __ATOMIC_ACQUIRE);
+}
+
+/// Whether a liveness lock has a living owner.
+inline bool isLockOwnerAlive(quint32 word)
+{
+    constexpr quint32 ownerDied = 0x40000000;
+    constexpr quint32 ownerMask = 0x3fffffff;
+    return (word & ownerDied) == 0 && (word & ownerMask) != 0;
+}
+
+inline quint32 bufferState(const BufferHeader &header)
+{
+    return __atomic_load_n(&header.state, __ATOMIC_ACQUIRE);
+}
+
+inline void setBufferState(BufferHeader &header, BufferState state)
+{
+    __atomic_store_n(&header.state, quint32(state), __ATOMIC_RELEASE);
+}
+
+/// Whether a running publisher stands behind the buffer. Two loads, no call.
+inline bool isBufferLive(const BufferHeader &header)
+{
+    return bufferState(header) == BufferActive && isLockOwnerAlive(lockWord(header.livenessLock));
+}
+
+#endif

@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: MIT
+// Names of shared-memory buffers: /processdata.<module>_<object>_<instance>.<generation>
+#ifndef BUFFERNAME_H
+#define BUFFERNAME_H
+
+#include <QByteArray>
+#include <QString>
+
+#include <optional>
+
+/// Where the system keeps its POSIX shared-memory objects.
+constexpr char sharedMemoryDirectory[] = "/dev/shm";
+
+/// Generations travel as JSON numbers: up to here they do so without loss.
+constexpr quint64 maximumGeneration = (quint64(1) << 53) - 1;
+
+/// Name of a source's buffers, without leading slash, up to and including the dot before the
+/// generation.
+///
+/// Bytes other than letters, digits and "-" are written as "_xx". Different sources have different
+/// names; one that the file system would refuse for its length ends in "~" and a hash.
+QByteArray bufferNamePrefix(const QString &module, const QString &object, const QString &instance);
+
+/// Generation of a file with that prefix; nothing when the file's name is any other.
+std::optional<quint64> generationOfFile(const QByteArray &fileName, const QByteArray &prefix);
+
+/// Path of a shared-memory object; empty when its name (with leading slash) cannot be one.
+QByteArray sharedMemoryPath(const QString &name);
+
+#endif

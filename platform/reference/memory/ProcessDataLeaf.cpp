@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: MIT
+// One leaf of a tree in shared memory: its properties.
+#include "ProcessDataLeaf.h"
+
+#include "LeafBlock.h"
+
+namespace {
+
+const QString &sessionKey()
+{
+    static const QString key = QStringLiteral("session");
+    return key;
+}
+
+// Tells clients of a restarted publisher; older descriptions name no session.
+QJsonValue sessionOf(const ProcessDataDescription &description)
+{
+    const quint64 generation = description.buffer ? description.buffer->generation : 0;
+    return double(description.session != 0 ? description.session : generation);
+}
+
+}
+
+ProcessDataLeaf::ProcessDataLeaf(const ProcessDataValuePrivate &state)
+    : ProcessDataValue(&this->state)
+    , state(state)
+{
+}
+
+ConfigurationAndProcessDataBase::ProcessDataValueSharedPointer
+ProcessDataLeaf::getLeafProcessDataValue(const QString &url)
+{
+    Q_UNUSED(url)
+    return {}; // only the root knows leaves
+}
+
+QVariant ProcessDataLeaf::readLeafProperty(const QString &name) const
+{
+    if (name == sessionKey()) {
+        return sessionOf(state.block->description).toVariant();
+    }
+    const QJsonObject &properties = state.description->properties;
+    const auto property = properties.constFind(name);
+    return property == properties.constEnd() ? QVariant() : property->toVariant();
+}
+
+bool ProcessDataLeaf::hasLeafProperty(const QString &name) const
+{
+    return name == sessionKey() || state.description->properties.contains(name);
+}
+
+QJsonObject ProcessDataLeaf::renderedProperties() const
+{
+    QJsonObject rendered = state.description->properties;
+    rendered.remove(QStringLiteral("offset"));
+    rendered.insert(sessionKey(), sessionOf(state.block->description));
+    return rendered;
+}

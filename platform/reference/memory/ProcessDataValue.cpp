@@ -1,0 +1,101 @@
+// SPDX-License-Identifier: MIT
+// Reads and writes one leaf's value in shared memory.
+#include "ProcessDataValue.h"
+
+#include "FileDescriptor.h"
+#include "LeafBlock.h"
+#include "MemoryLog.h"
+#include "ProcessDataLeaf.h"
+#include "SharedLock.h"
+#include "SlotValue.h"
+
+ProcessDataValue::ProcessDataValue(ProcessDataValuePrivate *state)
+    : d(state)
+{
+}
+
+ProcessDataValue::~ProcessDataValue() = default;
+
+bool ProcessDataValue::getValue(ProcessValue &value, bool flag) const
+{
+    Q_UNUSED(flag)
+    return d->read(value);
+}
+
+bool ProcessDataValue::setValue(const ProcessValue &value)
+{
+    QString error;
+    if (!d->write(value, error)) {
+        qCWarning(memoryLog).noquote()
+            << "Leaf" << d->description->path << "was not written:" << error;
+        return false;
+    }
+    return true;
+}
+
+bool ProcessDataValuePrivate::read(ProcessValue &value) const
+{
+    if (Q_UNLIKELY(slot == nullptr)) {
+        return false;
+    }
+    if (type == ValueType::String || type == ValueType::Bytes) {
+        return readBytes(value);
+    }
+    NumberCopy copy;
+    if (Q_UNLIKELY(!readNumberSlot(slot, copy))) {
+        return false;
+    }
+    value.set(decodeNumber(type, payloadSize, copy),
+              isBufferLive(*header) ? errorTypeOf(copy.head.status)
+                                    : ProcessDataDefinitions::SourceLost,
+              copy.head.timestamp);
+    return true;
+}
+
+bool ProcessDataValuePrivate::readBytes(ProcessValue &value) const
+{
+    SlotHead head;
+    QByteArray payload;
+    if (!readSlot(slot, payloadSize, head, payload)) {
+        return false;
+    }
+    if (!isBufferLive(*header)) {
+        head.status = ProcessDataDefinitions::SourceLost;
+    }
+    setFromSlot(value, type, head, payload);
+    return true;
+}
+
+bool ProcessDataValuePrivate::write(const ProcessValue &value, QString &error) const
+{
+    if (description->readOnly) {
+        error = QStringLiteral("it is read-only");
+        return false;
+    }
+    if (block->memory.isNull() || !block->memory->isWritable()) {
+        error = QStringLiteral("this process may not write to buffer %1")
+                    .arg(block->description.buffer->name);
+        return false;
+    }
+    QByteArray payload;
+    if (!encodeValue(*description, value.getValue(), payload, error)) {
+        return false;
+    }
+    BufferHeader &shared = block->memory->header();
+    const WritersLockGuard lock(shared.writersLock);
+    if (lock.error() != 0) {
+        error = QStringLiteral("buffer %1 could not be locked for writing: %2")
+                    .arg(block->description.buffer->name, errorText(lock.error()));
+        return false;
+    }
+    if (!isBufferLive(shared)) { // nobody would ever see the value
+        error = QStringLiteral("the publisher of buffer %1 is gone")
+                    .arg(block->description.buffer->name);
+        return false;
+    }
+    const qint64 timestamp = value.getTimestamp() != 0 ? value.getTimestamp() : currentTimestamp();
+    writeSlot(block->memory->at(description->offset), payloadSize,
+              {quint32(value.getErrorType()), quint32(payload.size()), timestamp},
+              payload.constData());
+    return true;
+}

@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: MIT
+// A shared-memory segment as a member of the process-data manager.
+#include "SharedMemory.h"
+
+#include "SharedMemoryMapping.h"
+
+#include <sys/mman.h>
+
+SharedMemory::SharedMemory() = default;
+
+SharedMemory::~SharedMemory() = default;
+
+SharedMemoryPrivate::SharedMemoryPrivate(void *base, size_t size, Access access)
+    : base(base)
+    , size(size)
+    , access(access)
+{
+}
+
+SharedMemoryPrivate::~SharedMemoryPrivate()
+{
+    munmap(base, size);
+}

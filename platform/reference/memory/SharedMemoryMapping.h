@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: MIT
+// One mapped buffer; unmapped when the last of manager and leaves lets go.
+#ifndef SHAREDMEMORYMAPPING_H
+#define SHAREDMEMORYMAPPING_H
+
+#include "BufferLayout.h"
+
+/// The mapping that SharedMemory and leaves share. Immutable; the memory behind it is not.
+class SharedMemoryPrivate
+{
+public:
+    enum Access { ReadOnly, ReadWrite };
+
+    /// Takes over a mapping of at least a header.
+    SharedMemoryPrivate(void *base, size_t size, Access access);
+    ~SharedMemoryPrivate();
+    SharedMemoryPrivate(const SharedMemoryPrivate &) = delete;
+    SharedMemoryPrivate &operator=(const SharedMemoryPrivate &) = delete;
+
+    BufferHeader &header() const { return *static_cast<BufferHeader *>(base); }
+    char *at(quint64 offset) const { return static_cast<char *>(base) + offset; }
+    bool isWritable() const { return access == ReadWrite; }
+
+private:
+    void *const base;
+    const size_t size;
+    const Access access;
+};
+
+#endif
