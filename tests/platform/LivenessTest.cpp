@@ -1,0 +1,211 @@
+// SPDX-License-Identifier: MIT
+// How readers learn that a publisher is gone, and who holds the locks that tell.
+#include "BufferChild.h"
+#include "BufferSource.h"
+#include "LivenessKeeper.h"
+#include "SharedLock.h"
+#include "WarningList.h"
+
+#include <QtTest>
+
+#include <sys/wait.h>
+#include <thread>
+
+class LivenessTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void cleanup();
+    void aKilledPublisherIsSeenByTheNextRead();
+    void aStoppedPublisherIsAlive();
+    void aDeadPublishersBufferIsAttachedForItsLastValues();
+    void retirementIsSeenByTheNextRead();
+    void aPublisherOutlivesTheThreadThatMadeIt();
+    void aForkedChildLeavesItsParentsBufferAlone();
+    void aForkedChildPublishesByItself();
+    void aThreadHoldsNoMoreLocksThanTheKernelLooksAt();
+    void aLockThatIsHeldIsNotTakenAgain();
+    void aLockThatIsNotHeldIsNotGivenUp();
+};
+
+void LivenessTest::cleanup()
+{
+    QTRY_COMPARE(LivenessKeeper::instance().threadCount(), 0); // nothing was left held
+}
+
+void LivenessTest::aKilledPublisherIsSeenByTheNextRead()
+{
+    BufferChild publisher({"publish", BufferSource::uniqueModule()});
+    const QString text = publisher.line();
+    const QString module
+        = QJsonDocument::fromJson(text.toUtf8()).object().value("module").toString();
+    const BufferClient client(text);
+    const auto level = client.leaf("processdata://" + module + "/Tank/1/level");
+    const auto setpoint = client.leaf("processdata://" + module + "/Tank/1/setpoint");
+    publisher.tell("2.5");
+    QCOMPARE(publisher.line(), QString("published"));
+    const ProcessValue before = readLeaf(level);
+    QCOMPARE(before.getErrorType(), ProcessDataDefinitions::NoError);
+    QCOMPARE(before.getValue(), QVariant(2.5));
+    QVERIFY(client.manager->isBufferValid());
+
+    publisher.kill();
+
+    const ProcessValue after = readLeaf(level);
+    QCOMPARE(after.getErrorType(), ProcessDataDefinitions::SourceLost);
+    QCOMPARE(after.getValue(), QVariant(2.5));
+    QCOMPARE(after.getTimestamp(), before.getTimestamp());
+    QCOMPARE(readLeaf(setpoint).getErrorType(), ProcessDataDefinitions::SourceLost);
+    QVERIFY(!client.manager->isBufferValid());
+    const WarningList warnings;
+    QVERIFY(!setpoint->setValue(ProcessValue(QVariant(1.0))));
+    QCOMPARE(warnings.texts().size(), 1);
+    QVERIFY(warnings.texts().at(0).startsWith(
+        "processdata.memory: Leaf setpoint was not written: the publisher of buffer /processdata."
+        + module));
+    for (const QString &file : filesOf(module)) {
+        QFile::remove("/dev/shm/" + file);
+    }
+}
+
+void LivenessTest::aStoppedPublisherIsAlive()
+{
+    BufferChild publisher({"publish", BufferSource::uniqueModule()});
+    const QString text = publisher.line();
+    const BufferClient client(text);
+    const int number = int(publisher.process.processId());
+    QCOMPARE(::kill(number, SIGSTOP), 0);
+    int status = 0;
+    QCOMPARE(waitpid(number, &status, WUNTRACED), number);
+    QVERIFY(WIFSTOPPED(status));
+    QVERIFY(client.manager->isBufferValid());
+    QCOMPARE(::kill(number, SIGCONT), 0);
+    QVERIFY(publisher.finish());
+    QVERIFY(!client.manager->isBufferValid());
+}
+
+void LivenessTest::aDeadPublishersBufferIsAttachedForItsLastValues()
+{
+    BufferChild publisher({"publish", BufferSource::uniqueModule()});
+    const QString text = publisher.line();
+    const QJsonObject document = QJsonDocument::fromJson(text.toUtf8()).object();
+    const QString module = document.value("module").toString();
+    publisher.kill();
+    const WarningList warnings;
+
+    const BufferClient client(text);
+
+    QCOMPARE(
+        warnings.texts(),
+        QStringList(
+            QString(
+                "processdata.memory: Attached to source %1/Tank/1, buffer %2: its publisher is gone")
+                .arg(module, document.value("buffer").toObject().value("name").toString())));
+    QVERIFY(!client.manager->isBufferValid());
+    const ProcessValue value = readLeaf(client.leaf("processdata://" + module + "/Tank/1/level"));
+    QCOMPARE(value.getValue(), QVariant(1.5));
+    QCOMPARE(value.getErrorType(), ProcessDataDefinitions::SourceLost);
+    for (const QString &file : filesOf(module)) {
+        QFile::remove("/dev/shm/" + file);
+    }
+}
+
+void LivenessTest::retirementIsSeenByTheNextRead()
+{
+    BufferSource source(
+        {leafJson("level", "float64"), leafJson("name", "string", {{"capacity", 8}})});
+    QVERIFY(source.publish(0, ProcessValue(QVariant(2.5), ProcessDataDefinitions::DeviceFault, 7)));
+    const BufferClient client(source.text());
+    const auto level = client.leaf(source.url("level"));
+    QCOMPARE(readLeaf(level).getErrorType(), ProcessDataDefinitions::DeviceFault);
+
+    source.buffer.reset();
+
+    QCOMPARE(readLeaf(level).getErrorType(), ProcessDataDefinitions::SourceLost);
+    QCOMPARE(readLeaf(level).getValue(), QVariant(2.5));
+    QCOMPARE(readLeaf(level).getTimestamp(), qint64(7));
+    QCOMPARE(readLeaf(client.leaf(source.url("name"))).getErrorType(),
+             ProcessDataDefinitions::SourceLost);
+    QVERIFY(!client.manager->isBufferValid());
+    QVERIFY(!level->setValue(ProcessValue(QVariant(1.0))));
+}
+
+void LivenessTest::aPublisherOutlivesTheThreadThatMadeIt()
+{
+    std::unique_ptr<BufferSource> source;
+    std::thread([&] {
+        source = std::make_unique<BufferSource>(QJsonArray{leafJson("level", "float64")});
+    }).join();
+    QVERIFY(source->buffer);
+    QVERIFY(BufferClient(source->text()).manager->isBufferValid());
+}
+
+void LivenessTest::aForkedChildLeavesItsParentsBufferAlone()
+{
+    BufferSource source({leafJson("level", "float64")});
+    const pid_t child = fork();
+    if (child == 0) {
+        source.buffer.reset();
+        _exit(0);
+    }
+    int status = -1;
+    QCOMPARE(waitpid(child, &status, 0), child);
+    QCOMPARE(status, 0);
+    QVERIFY(QFile::exists(source.file()));
+    QVERIFY(BufferClient(source.text()).manager->isBufferValid());
+}
+
+void LivenessTest::aForkedChildPublishesByItself()
+{
+    const BufferSource source({leafJson("level", "float64")});
+    const QString module = BufferSource::uniqueModule();
+    const pid_t child = fork();
+    if (child == 0) {
+        const BufferSource own({leafJson("level", "float64")}, module);
+        const bool valid = own.buffer && BufferClient(own.text()).manager->isBufferValid();
+        _exit(valid ? 0 : 1);
+    }
+    int status = -1;
+    QCOMPARE(waitpid(child, &status, 0), child);
+    QCOMPARE(status, 0);
+    const BufferSource next({leafJson("level", "float64")},
+                            module); // takes the child's leftover away
+    QCOMPARE(filesOf(module).size(), 1);
+}
+
+void LivenessTest::aThreadHoldsNoMoreLocksThanTheKernelLooksAt()
+{
+    LivenessKeeper &keeper = LivenessKeeper::instance();
+    constexpr int count = 2 * LivenessKeeper::locksPerThread + 1;
+    std::vector<BufferLock> locks(count);
+    for (BufferLock &lock : locks) {
+        QCOMPARE(initializeSharedLock(lock), 0);
+        QCOMPARE(keeper.hold(&lock.mutex), 0);
+        QVERIFY(isLockOwnerAlive(lockWord(lock)));
+    }
+    QCOMPARE(keeper.threadCount(), 3);
+    for (BufferLock &lock : locks) {
+        QCOMPARE(keeper.release(&lock.mutex), 0);
+        QVERIFY(!isLockOwnerAlive(lockWord(lock)));
+    }
+}
+
+void LivenessTest::aLockThatIsHeldIsNotTakenAgain()
+{
+    BufferLock lock{};
+    QCOMPARE(initializeSharedLock(lock), 0);
+    QCOMPARE(pthread_mutex_lock(&lock.mutex), 0);
+    QCOMPARE(LivenessKeeper::instance().hold(&lock.mutex), EBUSY);
+    QCOMPARE(pthread_mutex_unlock(&lock.mutex), 0);
+}
+
+void LivenessTest::aLockThatIsNotHeldIsNotGivenUp()
+{
+    BufferLock lock{};
+    QCOMPARE(initializeSharedLock(lock), 0);
+    QCOMPARE(LivenessKeeper::instance().release(&lock.mutex), EPERM);
+}
+
+QTEST_GUILESS_MAIN(LivenessTest)
+#include "LivenessTest.moc"
