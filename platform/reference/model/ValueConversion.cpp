@@ -276,5 +276,6 @@ QString printable(const QVariant &value)
         ? QStringLiteral("0x") + QString::fromLatin1(value.toByteArray().left(longest).toHex())
         : value.toString();
     const QString shown = text.size() > longest ? text.left(longest) + QChar(0x2026) : text;
-    return isTextOf(value) ? QLatin1Char('"') + shown + QLatin1Char('"') : shown;
+    return value.userType() == QMetaType::QString ? QLatin1Char('"') + shown + QLatin1Char('"')
+                                                  : shown;
 }
