@@ -14,7 +14,7 @@ struct TypeRow
     quint32 size; // bytes; 0: as much as the leaf's capacity
 };
 
-constexpr TypeRow types[] = {
+const TypeRow types[] = {
     {ValueType::Bool, QLatin1String("bool"), 1},
     {ValueType::Int8, QLatin1String("int8"), 1},
     {ValueType::Int16, QLatin1String("int16"), 2},
