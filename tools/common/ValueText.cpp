@@ -12,6 +12,7 @@
 namespace {
 
 constexpr qlonglong safeInteger = 9007199254740991; // 2^53 - 1
+constexpr int digitsForPeople = 10;
 constexpr qint64 nanosecondsPerMillisecond = 1000000;
 
 QString floatText(float number)
@@ -55,6 +56,17 @@ QString valueToText(const QVariant &value)
     default:
         return value.toString();
     }
+}
+
+QString valueToShortText(const QVariant &value)
+{
+    const QString exact = valueToText(value);
+    if (static_cast<QMetaType::Type>(value.type()) != QMetaType::Double
+        || !std::isfinite(value.toDouble())) {
+        return exact;
+    }
+    const QString rounded = QString::number(value.toDouble(), 'g', digitsForPeople);
+    return rounded.size() < exact.size() ? rounded : exact;
 }
 
 QJsonValue valueToJson(const QVariant &value)

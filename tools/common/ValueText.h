@@ -11,6 +11,9 @@
 /// as they are, bytes as 0x and hexadecimal digits. Empty for an invalid value.
 QString valueToText(const QVariant &value);
 
+/// The same for people: a float64 rounded to ten significant digits.
+QString valueToShortText(const QVariant &value);
+
 /// JSON of a value: booleans, numbers, strings; bytes as a string as above. Integers beyond
 /// ±9007199254740991, which many readers round, and numbers that JSON lacks (NaN, Infinity,
 /// -Infinity) are strings. null for an invalid value.

@@ -2,6 +2,7 @@
 // The table of subcommands and what they share.
 #include "Command.h"
 
+#include "MessageLog.h"
 #include "SystemStatusManagerDBusConnector.h"
 
 #include <algorithm>
@@ -37,7 +38,10 @@ bool busIsReachable(const Console &console)
     if (!SystemStatusManagerDBusConnector::createAndConnect().isNull()) {
         return true;
     }
-    console.err << "selector: the bus is out of reach (PROCESSDATA_BUS chooses which one)\n";
+    const QStringList warnings = MessageLog::takeWarnings();
+    const QString reason
+        = warnings.isEmpty() ? QStringLiteral("The bus is out of reach") : warnings.constFirst();
+    console.err << "selector: " << printable(reason) << " (PROCESSDATA_BUS chooses the bus)\n";
     console.err.flush();
     return false;
 }

@@ -134,7 +134,7 @@ Entry readEntry(const ReadResult &result)
         entry.json.insert(QStringLiteral("time"), timeToIsoText(timestamp));
         entry.json.insert(QStringLiteral("timestampNs"), QString::number(timestamp));
     }
-    entry.rows.append({result.url, valueToText(value), unit, error,
+    entry.rows.append({result.url, Cell(valueToShortText(value), valueToText(value)), unit, error,
                        Cell(timeToText(timestamp), timeToIsoText(timestamp)), entry.reason});
     return entry;
 }

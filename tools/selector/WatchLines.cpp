@@ -118,7 +118,7 @@ QString WatchLines::value(int index, const ReadResult &result, qint64 now) const
     const Cell time = hasTime ? cells.at(4) : Cell(timeToText(now), timeToIsoText(now));
     if (style.format == Format::Csv) {
         return renderCsvLine({QStringLiteral("value"), time.machineText, cells.at(0).text,
-                              cells.at(1).text, cells.at(2).text, cells.at(3).text,
+                              cells.at(1).machineText, cells.at(2).text, cells.at(3).text,
                               cells.at(5).text, QString::number(index)})
             + QLatin1Char('\n');
     }

@@ -41,8 +41,24 @@ bool SimulatedSource::start(QString &error)
                                                       << path << valueToText(value.getValue());
                      });
     takeMotions(std::move(current.movingLeaves));
-    step();
+    publishFirstValues();
     return true;
+}
+
+// A follower has no value before the leaf that it follows was published, perhaps a follower itself.
+void SimulatedSource::publishFirstValues()
+{
+    const auto waiting = [this] {
+        return std::count_if(tracks.begin(), tracks.end(),
+                             [](const Track &track) { return !track.last.isValid(); });
+    };
+    auto before = waiting();
+    for (bool progress = true; progress && before > 0;) {
+        step();
+        const auto after = waiting();
+        progress = after < before;
+        before = after;
+    }
 }
 
 void SimulatedSource::takeMotions(std::vector<MovingLeaf> leaves)

@@ -47,6 +47,7 @@ private:
 
     explicit SimulatedSource(const QString &fileName);
     bool start(QString &error);
+    void publishFirstValues();
     bool apply(const DescriptionFile &file, QString &error);
     void takeMotions(std::vector<MovingLeaf> leaves);
     void publishOneByOne(const std::vector<Track *> &moved);
