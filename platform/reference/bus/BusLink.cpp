@@ -8,6 +8,10 @@
 #include <QDBusError>
 #include <QMutexLocker>
 
+#include <dlfcn.h>
+
+#include <limits>
+
 namespace {
 
 // Milliseconds. The first attempt is early, because a bus daemon restarts in a blink; the last
@@ -19,6 +23,21 @@ QString uniqueConnectionName()
 {
     static QAtomicInt count;
     return QStringLiteral("processdata-%1").arg(count.fetchAndAddRelaxed(1));
+}
+
+// libdbus stops reading while 64 MiB of received messages are alive, and goes on in the thread that
+// frees them. QtDBus 5.15 cannot follow it there: with one large description the connection would
+// be deaf for good. So the limit is lifted; what one message may hold is still limited by the bus
+// daemon. QtDBus has libdbus loaded but offers no call for this.
+void liftReceiveLimit(const QDBusConnection &connection)
+{
+    using SetLimit = void (*)(void *, long); // NOLINT(google-runtime-int): libdbus declares it so
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): dlsym offers nothing else
+    const auto setLimit = reinterpret_cast<SetLimit>(
+        ::dlsym(RTLD_DEFAULT, "dbus_connection_set_max_received_size"));
+    if (setLimit != nullptr && connection.internalPointer() != nullptr) {
+        setLimit(connection.internalPointer(), std::numeric_limits<int>::max());
+    }
 }
 
 QDBusConnection noConnection()
@@ -77,6 +96,7 @@ bool BusLink::connectNow(QString &error)
 {
     const QString name = uniqueConnectionName();
     QDBusConnection fresh = choice.connectTo(name);
+    liftReceiveLimit(fresh);
     // libdbus makes this signal itself when the socket closes; it never crosses the bus.
     const bool watched = fresh.isConnected()
         && fresh.connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),

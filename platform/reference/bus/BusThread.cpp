@@ -11,10 +11,14 @@ BusThread::BusThread(const QString &name)
     const QDBusConnection touched(name);
     worker.setObjectName(name);
     context.moveToThread(&worker);
-    worker.start();
 }
 
 BusThread::~BusThread()
+{
+    stop();
+}
+
+void BusThread::stop()
 {
     worker.quit();
     worker.wait();

@@ -11,30 +11,36 @@
 /// Lets bus objects follow the bus whatever the client's or publisher's threads do: a thread that
 /// waits in a blocking fetch still learns that the service went away, and a busy publisher still
 /// answers.
+///
+/// Runs only while there is a QCoreApplication: without one Qt delivers no events to threads.
 class BusThread
 {
 public:
     explicit BusThread(const QString &name);
-
-    /// Ends the thread. Objects that live in it must be shut down before.
     ~BusThread();
     BusThread(const BusThread &) = delete;
     BusThread &operator=(const BusThread &) = delete;
 
-    QThread *thread() { return &worker; }
+    bool isRunning() const { return worker.isRunning(); }
+    void start() { worker.start(); }
 
-    /// Runs a function in the thread and waits for it. Must not be called from within the thread,
-    /// nor under a lock that the function takes.
+    /// Waits for the end of what the thread is doing. Its objects must have been shut down before.
+    void stop();
+
+    /// Makes an object live in the thread.
+    void adopt(QObject *object) { object->moveToThread(&worker); }
+
+    /// Runs a function in the thread and waits for it; once the thread has been stopped, in the
+    /// calling one. Must not be called from within the thread, nor under a lock that the function
+    /// takes.
     template <typename Function> void runAndWait(Function &&function)
     {
-        QMetaObject::invokeMethod(&context, std::forward<Function>(function),
-                                  Qt::BlockingQueuedConnection);
-    }
-
-    /// Runs a function in the thread, after all that was asked for earlier.
-    template <typename Function> void run(Function &&function)
-    {
-        QMetaObject::invokeMethod(&context, std::forward<Function>(function), Qt::QueuedConnection);
+        if (isRunning()) {
+            QMetaObject::invokeMethod(&context, std::forward<Function>(function),
+                                      Qt::BlockingQueuedConnection);
+        } else {
+            std::forward<Function>(function)();
+        }
     }
 
 private:

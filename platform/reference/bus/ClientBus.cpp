@@ -2,10 +2,12 @@
 // The one connection that all clients of a process share, and what they know of their services.
 #include "ClientBus.h"
 
+#include "BusErrors.h"
 #include "BusLog.h"
 #include "BusNames.h"
 #include "BusThread.h"
 
+#include <QCoreApplication>
 #include <QDBusError>
 #include <QDBusPendingCall>
 #include <QDBusPendingCallWatcher>
@@ -16,6 +18,7 @@
 #include <QTimer>
 
 #include <limits>
+#include <utility>
 
 namespace {
 
@@ -25,10 +28,33 @@ constexpr int noTimeLimit = std::numeric_limits<int>::max();
 // A probe whose answer the bus daemon gave up on is sent again after this time. Milliseconds.
 constexpr int probeRetryDelay = 1000;
 
-// All client connections of the process. At its end the bus thread is stopped before they go.
+// All client connections of the process. They end with its QCoreApplication and begin again with
+// the next.
 class ClientBuses
 {
 public:
+    static ClientBuses &all()
+    {
+        static ClientBuses buses;
+        return buses;
+    }
+
+    QSharedPointer<ClientBus> find(const BusChoice &choice)
+    {
+        const QMutexLocker lock(&mutex);
+        if (!thread.isRunning()) {
+            thread.start();
+            qAddPostRoutine(&ClientBuses::endOfApplication);
+        }
+        QSharedPointer<ClientBus> &bus = buses[choice.key()];
+        if (bus.isNull()) {
+            bus.reset(new ClientBus(choice));
+            thread.adopt(bus.data());
+        }
+        return bus;
+    }
+
+private:
     ClientBuses()
         : thread(QStringLiteral("processdata-client"))
     {
@@ -36,42 +62,39 @@ public:
 
     ~ClientBuses()
     {
+        qRemovePostRoutine(&ClientBuses::endOfApplication);
+        stop(); // the process ends without the end of its QCoreApplication
+    }
+
+    static void endOfApplication() { all().stop(); }
+
+    void stop()
+    {
+        const QMutexLocker lock(&mutex);
         thread.runAndWait([this] {
             for (const QSharedPointer<ClientBus> &bus : std::as_const(buses)) {
                 bus->shutDown();
             }
         });
+        thread.stop();
     }
 
-    QSharedPointer<ClientBus> find(const BusChoice &choice)
-    {
-        const QMutexLocker lock(&mutex);
-        QSharedPointer<ClientBus> &bus = buses[choice.key()];
-        if (bus.isNull()) {
-            bus.reset(new ClientBus(choice));
-            bus->moveToThread(thread.thread());
-        }
-        return bus;
-    }
-
-private:
     QMutex mutex;
     QHash<QString, QSharedPointer<ClientBus>> buses;
-    BusThread thread; // destroyed, and so stopped, before the buses
+    BusThread thread; // destroyed before the buses
 };
-
-bool isTimeout(const QDBusMessage &answer)
-{
-    const QDBusError::ErrorType type = QDBusError(answer).type();
-    return type == QDBusError::NoReply || type == QDBusError::Timeout
-        || type == QDBusError::TimedOut;
-}
 }
 
 QSharedPointer<ClientBus> ClientBus::instance(QString &error)
 {
-    static ClientBuses buses;
-    QSharedPointer<ClientBus> bus = buses.find(BusChoice::fromEnvironment());
+    QSharedPointer<ClientBus> bus;
+    const BusChoice choice = BusChoice::fromEnvironment();
+    if (QCoreApplication::instance() == nullptr) {
+        error = QStringLiteral("Cannot connect to %1: there is no QCoreApplication")
+                    .arg(choice.label());
+        return bus;
+    }
+    bus = ClientBuses::all().find(choice);
     if (!bus->waitUntilConnected(error)) {
         bus.reset();
     }
@@ -90,6 +113,7 @@ ClientBus::~ClientBus() = default;
 void ClientBus::shutDown()
 {
     link.close();
+    qDeleteAll(findChildren<QTimer *>(QString(), Qt::FindDirectChildrenOnly));
     const QMutexLocker lock(&mutex);
     table.busLost();
     changed.wakeAll();
@@ -222,8 +246,9 @@ bool ClientBus::noteTimeout(const QDBusMessage &call, const QDBusMessage &answer
                             qint64 milliseconds, int limit)
 {
     // The same error comes at once when the service dies with the call: that is no hanging.
-    constexpr qint64 tolerance = 20;
-    if (!isTimeout(answer) || milliseconds + tolerance < limit) {
+    // QtDBus measures with coarse timers, which may be 5 % early.
+    constexpr int toleranceDivisor = 10;
+    if (!BusErrors::isTimeout(answer) || milliseconds < limit - limit / toleranceDivisor) {
         return false;
     }
     const QString service = call.service();
@@ -260,10 +285,15 @@ void ClientBus::sendProbe(const QString &service, const QString &path, quint64 p
 void ClientBus::handleProbe(const QString &service, const QString &path, quint64 probe,
                             const QDBusMessage &answer)
 {
-    if (isTimeout(answer)) {
+    if (!link.isConnected()) {
+        return; // the loss of the bus has ended all probes
+    }
+    if (BusErrors::isTimeout(answer)) {
         // Either the bus daemon gave up or the service died; then its owner changes, and the next
         // probe finds itself outdated.
-        QTimer::singleShot(probeRetryDelay, this, [this, service, path, probe] {
+        auto *timer = new QTimer(this);
+        QObject::connect(timer, &QTimer::timeout, this, [this, timer, service, path, probe] {
+            timer->deleteLater();
             bool wanted = false;
             {
                 const QMutexLocker lock(&mutex);
@@ -273,10 +303,12 @@ void ClientBus::handleProbe(const QString &service, const QString &path, quint64
                 sendProbe(service, path, probe);
             }
         });
+        timer->setSingleShot(true);
+        timer->start(probeRetryDelay);
         return;
     }
-    const QDBusError::ErrorType type = QDBusError(answer).type();
-    const bool answered = type != QDBusError::ServiceUnknown && type != QDBusError::Disconnected;
+    const bool answered
+        = !BusErrors::isServiceMissing(answer) && !BusErrors::isDisconnected(answer);
     const QMutexLocker lock(&mutex);
     table.probeEnded(service, probe, answered);
 }
@@ -295,7 +327,7 @@ void ClientBus::askOwner(const QString &service)
     QObject::connect(watcher, &QDBusPendingCallWatcher::finished, this,
                      [this, service, copy, watcher] {
                          watcher->deleteLater();
-                         if (QDBusError(watcher->reply()).type() == QDBusError::Disconnected) {
+                         if (BusErrors::isDisconnected(watcher->reply())) {
                              return; // asked again when the bus is back
                          }
                          const QString owner = watcher->reply().arguments().value(0).toString();

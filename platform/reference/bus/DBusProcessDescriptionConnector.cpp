@@ -46,7 +46,10 @@ DBusReply DBusProcessDescriptionConnector::getProcessDataDescription(const QStri
     state.memory->noteMissed(instanceName);
     bool missed = false;
     const QDBusMessage answer = state.bus->call(call, missed);
-    if (!missed) {
+    if (missed) {
+        state.memory->noteMissed(
+            instanceName); // again: it may have been forgotten with an earlier owner
+    } else {
         state.memory->forgetMissed(instanceName);
     }
     const DescriptionReply judged = judgeDescriptionReply(call, answer);
@@ -79,18 +82,21 @@ DBusProcessDescriptionConnectorPrivate::of(const DBusProcessDescriptionConnector
     return static_cast<const DBusProcessDescriptionConnectorPrivate &>(*q.d);
 }
 
+// What an earlier owner owes is settled by what this one says next. Forgotten here, not when the
+// connector's thread comes to hear of it: by then the new owner may hang in turn.
+void DBusProcessDescriptionConnectorPrivate::servicePresent(Presence presence)
+{
+    if (presence != Presence::Found) {
+        memory->takeMissed();
+    }
+    DBusConnectorBasePrivate::servicePresent(presence);
+}
+
 void DBusProcessDescriptionConnectorPrivate::handlePresence(Presence presence)
 {
-    switch (presence) {
-    case Presence::Found:
-        break; // the first fetch is still to come
-    case Presence::Appeared:
-        memory->takeMissed(); // the service announces all that it has
-        break;
-    case Presence::FoundAgain:
-        memory->takeMissed();
+    // Found: the first fetch is still to come. Appeared: the service announces all that it has.
+    if (presence == Presence::FoundAgain) {
         announceAll();
-        break;
     }
 }
 

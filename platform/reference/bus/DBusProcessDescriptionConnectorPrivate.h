@@ -19,6 +19,8 @@ public:
     static const DBusProcessDescriptionConnectorPrivate &
     of(const DBusProcessDescriptionConnector &q);
 
+    void servicePresent(Presence presence) override;
+
     const QSharedPointer<FetchMemory> memory;
     DBusProcessDescriptionConnector *q = nullptr;
 

@@ -2,6 +2,7 @@
 // A blocking question to a service, as tools ask it.
 #include "ServiceQuery.h"
 
+#include "BusErrors.h"
 #include "ClientBus.h"
 
 #include <QDBusError>
@@ -16,18 +17,16 @@ BusQueryResult queryService(const QDBusMessage &call, const QString &signature,
     bool missed = false;
     const QDBusMessage received = bus->call(call, missed);
     if (received.type() != QDBusMessage::ReplyMessage) {
-        const QDBusError error(received);
-        switch (error.type()) {
-        case QDBusError::Disconnected:
+        if (BusErrors::isDisconnected(received)) {
             errorMessage = QStringLiteral("Lost the connection to %1").arg(bus->bus().label());
             return BusQueryResult::BusNotReachable;
-        case QDBusError::ServiceUnknown:
+        }
+        if (BusErrors::isServiceMissing(received)) {
             errorMessage
                 = QStringLiteral("No service %1 on %2").arg(call.service(), bus->bus().label());
             return BusQueryResult::ServiceMissing;
-        default:
-            break;
         }
+        const QDBusError error(received);
         errorMessage = QStringLiteral("%1 %2: %3 (%4)")
                            .arg(call.service(), call.path(), error.message(), error.name());
         return BusQueryResult::ServiceFailed;

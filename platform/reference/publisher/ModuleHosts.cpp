@@ -5,7 +5,10 @@
 #include "BusSettings.h"
 #include "ModuleHost.h"
 
+#include <QCoreApplication>
 #include <QMutexLocker>
+
+#include <utility>
 
 ModuleHosts &ModuleHosts::instance()
 {
@@ -20,23 +23,50 @@ ModuleHosts::ModuleHosts()
 
 ModuleHosts::~ModuleHosts()
 {
+    qRemovePostRoutine(&ModuleHosts::endOfApplication);
+    stop(); // the process ends without the end of its QCoreApplication
     for (const Entry &entry : std::as_const(entries)) {
         end(entry.host); // publishers that nobody destroyed
     }
+}
+
+void ModuleHosts::endOfApplication()
+{
+    instance().stop();
+}
+
+void ModuleHosts::stop()
+{
+    const QMutexLocker lock(&mutex);
+    thread.runAndWait([this] {
+        for (const Entry &entry : std::as_const(entries)) {
+            entry.host->stop();
+        }
+    });
+    thread.stop();
 }
 
 ModuleHost *ModuleHosts::acquire(const QString &moduleName, QString &error)
 {
     const BusChoice choice = BusChoice::fromEnvironment();
     const QString key = moduleName + QChar::Null + choice.key();
+    if (QCoreApplication::instance() == nullptr) {
+        error = QStringLiteral("Cannot connect to %1: there is no QCoreApplication")
+                    .arg(choice.label());
+        return nullptr;
+    }
     const QMutexLocker lock(&mutex);
+    if (!thread.isRunning()) {
+        thread.start();
+        qAddPostRoutine(&ModuleHosts::endOfApplication);
+    }
     const auto found = entries.find(key);
     if (found != entries.end()) {
         ++found->users;
         return found->host;
     }
     auto *const host = new ModuleHost(choice, moduleName);
-    host->moveToThread(thread.thread());
+    thread.adopt(host);
     bool started = false;
     thread.runAndWait([&] { started = host->start(error); });
     if (!started) {

@@ -13,6 +13,9 @@
 
 class ModuleHost;
 
+/// Their thread ends with the process's QCoreApplication: publishers that outlive it serve no
+/// longer.
+///
 /// Threads: any but the hosts'.
 class ModuleHosts
 {
@@ -38,6 +41,8 @@ private:
 
     ModuleHosts();
     ~ModuleHosts();
+    static void endOfApplication();
+    void stop();
     void end(ModuleHost *host);
 
     // Held while a host starts or ends, so that nobody asks for a name that is just being given

@@ -2,12 +2,12 @@
 // Keeps a module registered at the system information manager.
 #include "ProviderRegistration.h"
 
+#include "BusErrors.h"
 #include "BusNames.h"
 #include "BusSettings.h"
 #include "ConfigurationAndProcessDataDefinitions.h"
 #include "PublisherLog.h"
 
-#include <QDBusError>
 #include <QDBusPendingCall>
 #include <QDBusPendingCallWatcher>
 #include <QJsonArray>
@@ -91,13 +91,13 @@ void ProviderRegistration::sendRegistration()
     auto *watcher = new QDBusPendingCallWatcher(copy.asyncCall(call, callTimeLimit()), this);
     QObject::connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher, copy] {
         watcher->deleteLater();
-        const QDBusError error(watcher->reply());
+        const QDBusMessage answer = watcher->reply();
         // A registry that is not there yet is heard of when it comes.
-        if (error.isValid() && error.type() != QDBusError::ServiceUnknown
-            && error.type() != QDBusError::Disconnected) {
+        if (answer.type() == QDBusMessage::ErrorMessage && !BusErrors::isServiceMissing(answer)
+            && !BusErrors::isDisconnected(answer)) {
             qCWarning(publisherLog).noquote()
                 << "Module" << moduleName << "is not registered at"
-                << BusNames::informationManagerService() << "-" << error.message();
+                << BusNames::informationManagerService() << "-" << answer.errorMessage();
         }
     });
 }
