@@ -1,0 +1,49 @@
+# SPDX-License-Identifier: MIT
+# Bash completion for selector: commands, options and the values of options.
+
+_selector()
+{
+    local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
+    local command=${COMP_WORDS[1]} words
+    COMPREPLY=()
+
+    if ((COMP_CWORD == 1)); then
+        mapfile -t COMPREPLY < <(compgen -W "modules browse read write watch properties --help --version" \
+            -- "$current")
+        return
+    fi
+    case $previous in
+    --format)
+        mapfile -t COMPREPLY < <(compgen -W "table json csv" -- "$current")
+        return
+        ;;
+    --type)
+        mapfile -t COMPREPLY < <(compgen -W "AnalogSelector DigitalSelector" -- "$current")
+        return
+        ;;
+    -f | --file)
+        compopt -o filenames
+        mapfile -t COMPREPLY < <(compgen -f -- "$current")
+        return
+        ;;
+    --property)
+        mapfile -t COMPREPLY < <(compgen -W "type unit readOnly minimum maximum description selectorType" \
+            -- "$current")
+        return
+        ;;
+    --interval | --count | --timeout) return ;;
+    esac
+
+    words="--format --timeout --verbose --help"
+    case $command in
+    modules) words+=" --type" ;;
+    read | write) words+=" --file" ;;
+    watch) words+=" --file --interval --count" ;;
+    properties) words+=" --file --property" ;;
+    esac
+    if [[ $current == -* ]]; then
+        mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")
+    fi
+}
+
+complete -F _selector selector

@@ -1,0 +1,124 @@
+// SPDX-License-Identifier: MIT
+// What a command line means, and what is refused.
+#include "CommandLine.h"
+
+#include <QtTest>
+
+class CommandLineTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void everyOptionIsTaken();
+    void defaultsHold();
+    void negativeNumbersAreValues();
+    void wrongUsageIsNamed_data();
+    void wrongUsageIsNamed();
+    void optionsOfOtherCommandsAreUnknown();
+};
+
+void CommandLineTest::everyOptionIsTaken()
+{
+    CommandLine line;
+    QString error;
+
+    QVERIFY2(parseCommandLine({"a", "--format", "csv", "--timeout", "1.5", "-v", "b", "-f", "-",
+                               "--type", "T", "--property", "p", "--property", "q", "--interval",
+                               "50", "--count", "3"},
+                              31, line, error),
+             qPrintable(error));
+
+    QCOMPARE(line.arguments, QStringList({"a", "b"}));
+    QCOMPARE(int(line.format), int(Format::Csv));
+    QCOMPARE(line.timeout, 1500);
+    QVERIFY(line.verbose);
+    QCOMPARE(line.file, QString("-"));
+    QVERIFY(line.hasType);
+    QCOMPARE(line.type, QString("T"));
+    QCOMPARE(line.properties, QStringList({"p", "q"}));
+    QCOMPARE(line.interval, 50);
+    QCOMPARE(line.count, 3);
+}
+
+void CommandLineTest::defaultsHold()
+{
+    CommandLine line;
+    QString error;
+
+    QVERIFY(parseCommandLine({}, 31, line, error));
+
+    QCOMPARE(int(line.format), int(Format::Table));
+    QCOMPARE(line.timeout, 0);
+    QCOMPARE(line.interval, 200);
+    QCOMPARE(line.count, 0);
+    QVERIFY(!line.hasType && !line.verbose && !line.help);
+}
+
+void CommandLineTest::negativeNumbersAreValues()
+{
+    CommandLine line;
+    QString error;
+
+    QVERIFY2(
+        parseCommandLine({"a", "-5", "b", "-.5", "c", "-inf", "--format", "json"}, 0, line, error),
+        qPrintable(error));
+
+    QCOMPARE(line.arguments, QStringList({"a", "-5", "b", "-.5", "c", "-inf"}));
+    QCOMPARE(int(line.format), int(Format::Json));
+}
+
+void CommandLineTest::wrongUsageIsNamed_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("expected");
+
+    QTest::newRow("an unknown format")
+        << QStringList{"--format", "xml"} << "--format must be table, json or csv, not \"xml\"";
+    QTest::newRow("an empty format")
+        << QStringList{"--format="} << "--format must be table, json or csv, not \"\"";
+    QTest::newRow("no time at all")
+        << QStringList{"--timeout", "0"}
+        << "--timeout must be above 0 and at most 86400 seconds, not \"0\"";
+    QTest::newRow("negative time")
+        << QStringList{"--timeout", "-1"}
+        << "--timeout must be above 0 and at most 86400 seconds, not \"-1\"";
+    QTest::newRow("time without number")
+        << QStringList{"--timeout", "soon"}
+        << "--timeout must be above 0 and at most 86400 seconds, not \"soon\"";
+    QTest::newRow("too long a time")
+        << QStringList{"--timeout", "1e9"}
+        << "--timeout must be above 0 and at most 86400 seconds, not \"1e9\"";
+    QTest::newRow("a count of zero")
+        << QStringList{"--count", "0"} << "--count must be 1 to 2147483647, not \"0\"";
+    QTest::newRow("an interval below one")
+        << QStringList{"--interval", "-5"} << "--interval must be 1 to 3600000, not \"-5\"";
+    QTest::newRow("an unknown option") << QStringList{"--fast"} << "Unknown option 'fast'.";
+    QTest::newRow("an option without value")
+        << QStringList{"--count"} << "Missing value after '--count'.";
+}
+
+void CommandLineTest::wrongUsageIsNamed()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, expected);
+    CommandLine line;
+    QString error;
+
+    QVERIFY(!parseCommandLine(arguments, OptionInterval | OptionCount, line, error));
+
+    QCOMPARE(error, expected);
+}
+
+void CommandLineTest::optionsOfOtherCommandsAreUnknown()
+{
+    for (const char *option :
+         {"--file=x", "--type=x", "--property=x", "--interval=1", "--count=1"}) {
+        CommandLine line;
+        QString error;
+        QVERIFY2(!parseCommandLine({option}, 0, line, error), option);
+        QVERIFY2(error.startsWith("Unknown option"), qPrintable(error));
+    }
+}
+
+QTEST_APPLESS_MAIN(CommandLineTest)
+#include "command_line_test.moc"

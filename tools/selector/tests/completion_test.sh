@@ -1,0 +1,36 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
+# Asks the completion as bash would.
+#
+# usage: completion_test.sh COMPLETION-SCRIPT
+set -euo pipefail
+# shellcheck source=/dev/null
+source "$1"
+compopt() { :; } # only there while bash itself completes
+failed=0
+
+# expect "WORDS ON THE LINE" "COMPLETIONS": the last word is the one to complete.
+expect() {
+    IFS=' ' read -r -a COMP_WORDS <<<"$1"
+    [[ $1 != *' ' ]] || COMP_WORDS+=("")
+    COMP_CWORD=$((${#COMP_WORDS[@]} - 1))
+    _selector
+    if [[ ${COMPREPLY[*]} != "$2" ]]; then
+        echo "FAIL: '$1' gives '${COMPREPLY[*]}', not '$2'"
+        failed=1
+    fi
+}
+
+expect "selector " "modules browse read write watch properties --help --version"
+expect "selector w" "write watch"
+expect "selector read --fo" "--format"
+expect "selector read --format " "table json csv"
+expect "selector read --format c" "csv"
+expect "selector modules --type D" "DigitalSelector"
+expect "selector modules --t" "--timeout --type"
+expect "selector browse --file" ""
+expect "selector watch --co" "--count"
+expect "selector watch --count " ""
+expect "selector properties --pr" "--property"
+expect "selector properties --property un" "unit"
+exit "$failed"
