@@ -33,6 +33,9 @@ private Q_SLOTS:
     void aValueComesBackAsItsTypeTellsIt();
     void aValueThatDoesNotFitIsRefusedWithItsReason_data();
     void aValueThatDoesNotFitIsRefusedWithItsReason();
+    void everyWholeNumberNearALimitComesBackExactlyOrNotAtAll_data();
+    void everyWholeNumberNearALimitComesBackExactlyOrNotAtAll();
+    void zeroKeepsItsSign();
     void limitsBelongToTheRange();
     void aValueOutsideTheLimitsIsRefused();
     void nanHasNoPlaceBetweenLimitsButComesBackWithoutThem();
@@ -80,6 +83,9 @@ void ValueCodecTest::aValueComesBackAsItsTypeTellsIt_data()
         std::numeric_limits<qulonglong>::max());
     row("float32 rounds to what it can tell", ValueType::Float32, 0.1, 0.1F);
     row("float32 of a whole number", ValueType::Float32, 16777216, 16777216.0F);
+    row("float32 highest, rounded up", ValueType::Float32, 3.4028235e38,
+        std::numeric_limits<float>::max());
+    row("float32 of text", ValueType::Float32, "16777216", 16777216.0F);
     row("float32 infinite", ValueType::Float32, infinity, std::numeric_limits<float>::infinity());
     row("float64", ValueType::Float64, 0.1, 0.1);
     row("float64 smallest", ValueType::Float64, std::numeric_limits<double>::denorm_min(),
@@ -157,6 +163,12 @@ void ValueCodecTest::aValueThatDoesNotFitIsRefusedWithItsReason_data()
         "value 18446744073709552000 does not convert to uint64: it has more than 64 bits");
     row("text", ValueType::Int32, "12x",
         "value \"12x\" does not convert to int32: it is not a number");
+    row("large text with a fraction part", ValueType::Int64, "9007199254740993.0",
+        "value \"9007199254740993.0\" does not convert to int64: it is too large to be exact unless written in digits alone");
+    row("digits that a double rounds", ValueType::Float64, "9007199254740993",
+        "value \"9007199254740993\" does not convert to float64: it has more digits than the type holds");
+    row("half a step past the highest float", ValueType::Float32, -3.4028235677973366e38,
+        "value -3.4028235677973366e+38 does not convert to float32: it is larger than the type holds");
     row("empty text", ValueType::Float64, "",
         "value \"\" does not convert to float64: it is not a number");
     row("whole number that a float rounds", ValueType::Float32, 16777217,
@@ -187,6 +199,66 @@ void ValueCodecTest::aValueThatDoesNotFitIsRefusedWithItsReason()
         QCOMPARE(error, message);
     }
     QVERIFY(!error.isEmpty());
+}
+
+void ValueCodecTest::everyWholeNumberNearALimitComesBackExactlyOrNotAtAll_data()
+{
+    QTest::addColumn<ValueType>("type");
+    QTest::addColumn<int>("bits"); // whole numbers of so many bits fit, and one power of two more
+    QTest::addColumn<bool>("hasSign");
+    QTest::newRow("int8") << ValueType::Int8 << 7 << true;
+    QTest::newRow("int16") << ValueType::Int16 << 15 << true;
+    QTest::newRow("int32") << ValueType::Int32 << 31 << true;
+    QTest::newRow("int64") << ValueType::Int64 << 63 << true;
+    QTest::newRow("uint8") << ValueType::UInt8 << 8 << false;
+    QTest::newRow("uint16") << ValueType::UInt16 << 16 << false;
+    QTest::newRow("uint32") << ValueType::UInt32 << 32 << false;
+}
+
+void ValueCodecTest::everyWholeNumberNearALimitComesBackExactlyOrNotAtAll()
+{
+    QFETCH(ValueType, type);
+    QFETCH(int, bits);
+    QFETCH(bool, hasSign);
+    const qint64 highest = qint64((Q_UINT64_C(1) << bits) - 1);
+    const qint64 lowest = hasSign ? -highest - 1 : 0;
+    const LeafDescription leaf = leafOf(type);
+
+    for (int power = 0; power < 64; ++power) {
+        for (int step = -2; step <= 2; ++step) {
+            for (const bool negative : {false, true}) {
+                const quint64 magnitude = (Q_UINT64_C(1) << power) + quint64(step);
+                const qint64 number = qint64(negative ? 0 - magnitude : magnitude);
+                for (const QVariant &value :
+                     {QVariant(number), QVariant(QString::number(number))}) {
+                    QByteArray payload;
+                    QString error;
+                    const bool fits = number >= lowest && number <= highest;
+                    QCOMPARE(encodeValue(leaf, value, payload, error), fits);
+                    QCOMPARE(error.isEmpty(), fits);
+                    if (fits) {
+                        QCOMPARE(decodeValue(type, payload.constData(), quint32(payload.size()))
+                                     .toLongLong(),
+                                 number);
+                    }
+                }
+            }
+        }
+    }
+}
+
+void ValueCodecTest::zeroKeepsItsSign()
+{
+    for (const QVariant &zero : {QVariant(-0.0), QVariant("-0"), QVariant("-0.0")}) {
+        QByteArray payload;
+        QString error;
+
+        QVERIFY(encodeValue(leafOf(ValueType::Float64), zero, payload, error));
+
+        QVERIFY(std::signbit(
+            decodeValue(ValueType::Float64, payload.constData(), quint32(payload.size()))
+                .toDouble()));
+    }
 }
 
 void ValueCodecTest::limitsBelongToTheRange()

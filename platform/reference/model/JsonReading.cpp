@@ -69,3 +69,8 @@ bool hasControlCharacter(const QString &text)
     return std::any_of(text.begin(), text.end(),
                        [](QChar c) { return c.category() == QChar::Other_Control; });
 }
+
+bool isNameText(const QString &text)
+{
+    return text.isValidUtf16() && !hasControlCharacter(text);
+}

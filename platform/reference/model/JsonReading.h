@@ -25,4 +25,7 @@ QString jsonTypeName(const QJsonValue &value);
 /// Whether a text holds a character that has no place in a name.
 bool hasControlCharacter(const QString &text);
 
+/// Whether a selector URL could spell the text: valid Unicode without control characters.
+bool isNameText(const QString &text);
+
 #endif

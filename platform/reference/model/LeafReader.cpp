@@ -27,7 +27,7 @@ bool readType(const QJsonObject &element, const QString &place, LeafDescription 
     }
     const auto type = valueTypeFromName(*name);
     if (!type) {
-        error = QStringLiteral("%1: unknown type \"%2\"").arg(place, *name);
+        error = QStringLiteral("%1: unknown type %2").arg(place, printable(*name));
         return false;
     }
     leaf.type = *type;
@@ -38,6 +38,24 @@ bool readType(const QJsonObject &element, const QString &place, LeafDescription 
         = readWholeNumber(element, Keys::capacity, 1, Keys::maximumCapacity, place, error);
     leaf.capacity = static_cast<quint32>(capacity.value_or(0));
     return capacity.has_value();
+}
+
+// JSON's reader rounds whole numbers past 2^63 and its writer those past 2^53: the highest number
+// of a 64-bit type arrives one too large.
+QVariant unroundedMaximum(ValueType type, const QVariant &number)
+{
+    constexpr double past63Bits = 9223372036854775808.0;
+    constexpr double past64Bits = 18446744073709551616.0;
+    if (number.userType() != QMetaType::Double) {
+        return number;
+    }
+    if (type == ValueType::Int64 && number.toDouble() == past63Bits) {
+        return QVariant(std::numeric_limits<qlonglong>::max());
+    }
+    if (type == ValueType::UInt64 && number.toDouble() == past64Bits) {
+        return QVariant(std::numeric_limits<qulonglong>::max());
+    }
+    return number;
 }
 
 bool readLimit(const QJsonObject &element, QLatin1String key, const QString &place,
@@ -57,12 +75,7 @@ bool readLimit(const QJsonObject &element, QLatin1String key, const QString &pla
                     .arg(place, key, jsonTypeName(value));
         return false;
     }
-    QVariant number = value.toVariant();
-    // JSON's reader rounds what lies past 2^63: the type's maximum arrives one too large.
-    constexpr double roundedMaximum = 18446744073709551616.0;
-    if (leaf.type == ValueType::UInt64 && number.toDouble() == roundedMaximum) {
-        number = std::numeric_limits<quint64>::max();
-    }
+    const QVariant number = unroundedMaximum(leaf.type, value.toVariant());
     QString reason;
     const auto converted = convertToType(leaf.type, number, reason);
     if (!converted) {

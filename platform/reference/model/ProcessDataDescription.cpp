@@ -2,16 +2,16 @@
 // Parses and checks process-data descriptions.
 #include "ProcessDataDescription.h"
 
+#include "BufferReader.h"
 #include "DescriptionKeys.h"
 #include "JsonReading.h"
 #include "LeafReader.h"
-#include "SlotLayout.h"
+#include "ValueConversion.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QSet>
 
-#include <algorithm>
 #include <limits>
 
 namespace Keys = DescriptionKeys;
@@ -31,8 +31,9 @@ public:
 
     std::optional<ProcessDataDescription> read(const QJsonObject &document)
     {
-        if (readFormat(document) && readSource(document) && readBuffer(document)
-            && readElements(document, QString(), 1) && checkOverlap()) {
+        if (readFormat(document) && readSource(document) && readBufferKey(document)
+            && readElements(document, QString(), 1)
+            && (form == DescriptionForm::Template || slotsStandApart(description.leaves, error))) {
             return description;
         }
         return std::nullopt;
@@ -43,8 +44,8 @@ private:
     {
         const auto format = readText(document, Keys::format, false, documentPlace, error);
         if (format && *format != Keys::formatVersion1) {
-            error = QStringLiteral("%1: format \"%2\" is not \"%3\"")
-                        .arg(documentPlace, *format, Keys::formatVersion1);
+            error = QStringLiteral("%1: format %2 is not \"%3\"")
+                        .arg(documentPlace, printable(*format), Keys::formatVersion1);
             return false;
         }
         return format.has_value();
@@ -59,12 +60,10 @@ private:
         }
         const bool missing = form == DescriptionForm::Template && !document.contains(key);
         if (!missing
-            && (text->isEmpty() || text->contains(QLatin1Char('_'))
-                || hasControlCharacter(*text))) {
-            error
-                = QStringLiteral(
-                      "%1: \"%2\" is \"%3\", which is empty or holds \"_\" or a control character")
-                      .arg(documentPlace, key, *text);
+            && (text->isEmpty() || text->contains(QLatin1Char('_')) || !isNameText(*text))) {
+            error = QStringLiteral(
+                        "%1: \"%2\" is %3, which is empty or holds \"_\" or a control character")
+                        .arg(documentPlace, key, printable(*text));
             return false;
         }
         name = *text;
@@ -82,7 +81,7 @@ private:
         if (!instance) {
             return false;
         }
-        if (hasControlCharacter(*instance)) {
+        if (!isNameText(*instance)) {
             error = QStringLiteral("%1: \"%2\" holds a control character")
                         .arg(documentPlace, Keys::instance);
             return false;
@@ -97,58 +96,18 @@ private:
         return session.has_value();
     }
 
-    bool readBuffer(const QJsonObject &document)
+    bool readBufferKey(const QJsonObject &document)
     {
-        const QJsonValue value = document.value(Keys::buffer);
-        if (form == DescriptionForm::Template) {
-            if (!value.isUndefined()) {
-                error = QStringLiteral("%1: \"%2\" is the publisher's to add")
-                            .arg(documentPlace, Keys::buffer);
-            }
-            return value.isUndefined();
+        if (form == DescriptionForm::Published) {
+            description.buffer = readBuffer(document, error);
+            return description.buffer.has_value();
         }
-        if (!value.isObject()) {
-            error = QStringLiteral("%1: \"%2\" must be an object, but is %3")
-                        .arg(documentPlace, Keys::buffer, jsonTypeName(value));
+        if (document.contains(Keys::buffer)) {
+            error = QStringLiteral("%1: \"%2\" is the publisher's to add")
+                        .arg(documentPlace, Keys::buffer);
             return false;
         }
-        constexpr quint64 highest = std::numeric_limits<qint64>::max();
-        constexpr quint64 highestUid = std::numeric_limits<quint32>::max();
-        const QJsonObject object = value.toObject();
-        const QString place = QStringLiteral("buffer");
-        const auto name = readText(object, Keys::name, false, place, error);
-        if (!name || !checkBufferName(*name)) {
-            return false;
-        }
-        const auto generation
-            = readWholeNumber(object, Keys::bufferGeneration, 1, highest, place, error);
-        if (!generation) {
-            return false;
-        }
-        const auto size = readWholeNumber(object, Keys::bufferSize, slotLayoutHeaderSize, highest,
-                                          place, error);
-        if (!size) {
-            return false;
-        }
-        const auto ownerUid
-            = readWholeNumber(object, Keys::bufferOwnerUid, 0, highestUid, place, error);
-        if (!ownerUid) {
-            return false;
-        }
-        description.buffer
-            = BufferDescription{*name, *generation, *size, static_cast<quint32>(*ownerUid)};
         return true;
-    }
-
-    bool checkBufferName(const QString &name)
-    {
-        const bool good = name.size() > 1 && name.startsWith(QLatin1Char('/'))
-            && name.lastIndexOf(QLatin1Char('/')) == 0 && !hasControlCharacter(name)
-            && name.toUtf8().size() <= Keys::maximumBufferNameLength;
-        if (!good) {
-            error = QStringLiteral("buffer: \"%1\" is no name of a shared-memory object").arg(name);
-        }
-        return good;
     }
 
     bool readElements(const QJsonObject &parent, const QString &path, int level)
@@ -187,10 +146,13 @@ private:
         if (!name) {
             return false;
         }
-        if (name->isEmpty() || name->contains(QLatin1Char('/')) || hasControlCharacter(*name)) {
+        if (name->isEmpty() || name->contains(QLatin1Char('/')) || !isNameText(*name)) {
             error = QStringLiteral(
-                        "%1: element name \"%2\" is empty or holds \"/\" or a control character")
-                        .arg(parentPlace, *name);
+                        "%1: element name %2 is empty or holds \"/\" or a control character")
+                        .arg(parentPlace, printable(*name));
+            return false;
+        }
+        if (!countPath(parentPath.size() + 1 + name->size(), parentPlace, *name)) {
             return false;
         }
         const QString path = parentPath.isEmpty() ? *name : parentPath + QLatin1Char('/') + *name;
@@ -209,6 +171,26 @@ private:
         return isGroup ? readElements(element, path, level + 1) : appendLeaf(element, path);
     }
 
+    // Paths repeat the names of their groups: without these limits a small text could ask for more
+    // memory than there is.
+    bool countPath(int length, const QString &parentPlace, const QString &name)
+    {
+        if (length > Keys::maximumPathLength) {
+            error = QStringLiteral("%1: element %2 has a path of more than %3 characters")
+                        .arg(parentPlace, printable(name))
+                        .arg(Keys::maximumPathLength);
+            return false;
+        }
+        pathText += length;
+        if (pathText > Keys::maximumPathText) {
+            error = QStringLiteral("%1: all paths together have more than %2 characters")
+                        .arg(documentPlace)
+                        .arg(Keys::maximumPathText);
+            return false;
+        }
+        return true;
+    }
+
     bool appendLeaf(const QJsonObject &element, const QString &path)
     {
         if (description.leaves.size() == Keys::maximumLeaves) {
@@ -225,39 +207,11 @@ private:
         return leaf.has_value();
     }
 
-    bool checkOverlap()
-    {
-        if (form == DescriptionForm::Template) {
-            return true;
-        }
-        QVector<const LeafDescription *> byOffset;
-        byOffset.reserve(description.leaves.size());
-        for (const LeafDescription &leaf : qAsConst(description.leaves)) {
-            byOffset.append(&leaf);
-        }
-        std::sort(byOffset.begin(), byOffset.end(),
-                  [](const LeafDescription *left, const LeafDescription *right) {
-                      return left->offset < right->offset;
-                  });
-        for (int i = 1; i < byOffset.size(); ++i) {
-            const LeafDescription &before = *byOffset.at(i - 1);
-            const LeafDescription &leaf = *byOffset.at(i);
-            if (leaf.offset - before.offset < slotSize(before.type, before.capacity)) {
-                error = QStringLiteral(
-                            "leaf \"%1\": its slot at offset %2 overlaps that of leaf \"%3\"")
-                            .arg(leaf.path)
-                            .arg(leaf.offset)
-                            .arg(before.path);
-                return false;
-            }
-        }
-        return true;
-    }
-
     const DescriptionForm form;
     QString &error;
     ProcessDataDescription description;
     QSet<QString> paths;
+    qint64 pathText = 0; // characters in all paths
 };
 
 } // namespace

@@ -13,8 +13,8 @@ public:
 
     /// What clients are told of the node: nodes that are equal for a client give equal objects.
     ///
-    /// All keys of the description except "offset", which is no property of the value, and
-    /// "session", so that clients learn of a publisher's restart.
+    /// All keys of the leaf's description but "offset", which is no property of the value; added to
+    /// them "session", so that clients learn of a publisher's restart.
     virtual QJsonObject renderedProperties() const = 0;
 };
 

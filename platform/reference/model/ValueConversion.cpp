@@ -42,7 +42,8 @@ std::optional<Whole> wholeFromDouble(double number, QString &reason)
                       : Whole{false, 0, static_cast<quint64>(number)};
 }
 
-std::optional<Whole> wholeFromText(const QString &text, QString &reason)
+// Digits alone, as 64 bits hold them.
+std::optional<Whole> wholeFromDigits(const QString &text)
 {
     bool ok = false;
     const qint64 number = text.toLongLong(&ok);
@@ -50,15 +51,26 @@ std::optional<Whole> wholeFromText(const QString &text, QString &reason)
         return wholeFrom(number);
     }
     const quint64 high = text.toULongLong(&ok);
-    if (ok) {
-        return Whole{false, 0, high};
+    return ok ? std::make_optional(Whole{false, 0, high}) : std::nullopt;
+}
+
+std::optional<Whole> wholeFromText(const QString &text, QString &reason)
+{
+    if (const auto whole = wholeFromDigits(text)) {
+        return whole;
     }
+    constexpr double firstInexact = 9007199254740992.0; // 2^53: the next number rounds to it, too
+    bool ok = false;
     const double real = text.toDouble(&ok);
-    if (ok) {
-        return wholeFromDouble(real, reason);
+    if (!ok) {
+        reason = QStringLiteral("is not a number");
+        return std::nullopt;
     }
-    reason = QStringLiteral("is not a number");
-    return std::nullopt;
+    if (std::isfinite(real) && std::fabs(real) >= firstInexact) {
+        reason = QStringLiteral("is too large to be exact unless written in digits alone");
+        return std::nullopt;
+    }
+    return wholeFromDouble(real, reason);
 }
 
 bool isTextOf(const QVariant &value)
@@ -155,20 +167,44 @@ std::optional<QVariant> toBool(const QVariant &value, QString &reason)
     return std::nullopt;
 }
 
+// The nearest number of the type. Out of a float's range the language leaves a cast undefined.
+template <typename Real> Real nearest(double real)
+{
+    if constexpr (sizeof(Real) < sizeof(double)) {
+        constexpr double pastRounding = 3.4028235677973366e38; // halfway from FLT_MAX to 2^128
+        using Limits = std::numeric_limits<Real>;
+        const double magnitude = std::fabs(real);
+        if (magnitude > static_cast<double>(Limits::max())) {
+            return std::copysign(magnitude < pastRounding ? Limits::max() : Limits::infinity(),
+                                 static_cast<Real>(std::copysign(1.0, real)));
+        }
+    }
+    return static_cast<Real>(real);
+}
+
+template <typename Real> std::optional<QVariant> wholeToReal(const Whole &whole, QString &reason)
+{
+    const Real real = whole.negative ? static_cast<Real>(whole.low) : static_cast<Real>(whole.high);
+    QString ignored;
+    const std::optional<Whole> back = wholeFromDouble(static_cast<double>(real), ignored);
+    if (!back || back->low != whole.low || back->high != whole.high) {
+        reason = QStringLiteral("has more digits than the type holds");
+        return std::nullopt;
+    }
+    return QVariant(real);
+}
+
 template <typename Real> std::optional<QVariant> toReal(const QVariant &value, QString &reason)
 {
     const Kind kind = kindOf(value);
     if (kind == Kind::Bool || kind == Kind::Signed || kind == Kind::Unsigned) {
-        const std::optional<Whole> whole = wholeFromVariant(value, reason);
-        const Real real
-            = whole->negative ? static_cast<Real>(whole->low) : static_cast<Real>(whole->high);
-        QString ignored;
-        const std::optional<Whole> back = wholeFromDouble(static_cast<double>(real), ignored);
-        if (!back || back->low != whole->low || back->high != whole->high) {
-            reason = QStringLiteral("has more digits than the type holds");
-            return std::nullopt;
+        return wholeToReal<Real>(*wholeFromVariant(value, reason), reason);
+    }
+    if (kind == Kind::Text) {
+        const auto whole = wholeFromDigits(value.toString());
+        if (whole && (whole->negative || whole->high != 0)) { // "-0" keeps its sign below
+            return wholeToReal<Real>(*whole, reason);
         }
-        return QVariant(real);
     }
     bool ok = kind == Kind::Real || kind == Kind::Text;
     const double real = ok ? value.toDouble(&ok) : 0;
@@ -176,12 +212,11 @@ template <typename Real> std::optional<QVariant> toReal(const QVariant &value, Q
         reason = kind == Kind::Text ? QStringLiteral("is not a number") : wrongKind(value);
         return std::nullopt;
     }
-    if (std::isfinite(real)
-        && std::fabs(real) > static_cast<double>(std::numeric_limits<Real>::max())) {
+    if (std::isfinite(real) && !std::isfinite(nearest<Real>(real))) {
         reason = QStringLiteral("is larger than the type holds");
         return std::nullopt;
     }
-    return QVariant(static_cast<Real>(real));
+    return QVariant(nearest<Real>(real));
 }
 
 std::optional<QVariant> toText(const QVariant &value, QString &reason)
