@@ -4,10 +4,42 @@
 #
 # usage: installed_package_test.sh SOURCE-DIR BUILD-DIR PUBLISHER [COMPILE-FLAG…]
 set -euo pipefail
-# shellcheck source=tests/integration/package/common.bash
-source "$(dirname "${BASH_SOURCE[0]}")/common.bash"
-publisher=$3
+source_dir=$1 build_dir=$2 publisher=$3
 flags=("${@:4}")
+work=$(mktemp -d "${TMPDIR:-/tmp}/package-test.XXXXXX")
+trap 'rm -rf "$work"' EXIT
+
+# check WHAT COMMAND…: the output of the check before is in $work/previous.
+check() {
+    local what=$1
+    shift
+    [[ ! -e $work/log ]] || mv "$work/log" "$work/previous"
+    if ! "$@" >"$work/log" 2>&1; then
+        printf 'FAILED: %s\n  %s\n' "$what" "$*"
+        cat "$work/log"
+        exit 1
+    fi
+    printf 'ok: %s\n' "$what"
+}
+
+absent() {
+    ! grep "$@"
+}
+
+# Shared objects that a file needs, one a line.
+needed() {
+    readelf -d "$1" | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p'
+}
+
+# expect_needed FILE ALLOWED: each needed object matches the extended regular expression.
+expect_needed() {
+    local others
+    others=$(needed "$1" | grep -vE "^($2)\$" || true)
+    if [[ -n $others ]]; then
+        printf '%s also needs: %s\n' "$1" "$others"
+        return 1
+    fi
+}
 
 prefix=$work/prefix
 check "the build installs" cmake --install "$build_dir" --prefix "$prefix"
@@ -31,11 +63,12 @@ example=$source_dir/examples/read-once
 check "a client configures by CMake" cmake -G Ninja -S "$example" -B "$work/client" \
     -DCMAKE_PREFIX_PATH="$prefix" -DCMAKE_CXX_FLAGS="${flags[*]}"
 check "a client builds by CMake" cmake --build "$work/client"
-read -ra pkg_flags < <(pkg-config --cflags --libs selectorhandler)
+read -ra compile_flags < <(pkg-config --cflags selectorhandler)
+read -ra link_flags < <(pkg-config --libs selectorhandler)
 check "a client builds by pkg-config" "${CXX:-c++}" -std=c++17 -fPIC "${flags[@]}" \
-    "$example/main.cpp" -o "$work/by-pkg-config" "${pkg_flags[@]}"
+    "$example/main.cpp" -o "$work/by-pkg-config" "${compile_flags[@]}" "${link_flags[@]}"
 check "every installed header compiles" "${CXX:-c++}" -std=c++17 -fPIC -fsyntax-only \
-    -DQT_NO_KEYWORDS -Wall -Wextra -Werror "$work/all_headers.cpp" "${pkg_flags[@]}"
+    -DQT_NO_KEYWORDS -Wall -Wextra -Werror "$work/all_headers.cpp" "${compile_flags[@]}"
 
 # The bus daemon ends with its child; each test has its own.
 module=Package$$
@@ -50,9 +83,9 @@ answer() {
     [[ \$line == "\$1" ]] || { echo "publisher: \$line"; exit 1; }
 }
 answer ready
-echo '{"do":"create","module":"$module","object":"Controller","instance":"1","description":{
-"format":"process-data-description/1","elements":[{"name":"speed","type":"float64","unit":"1/min"}]}}' |
-    tr -d '\n' >&"\${publisher[1]}"
+printf '%s' '{"do":"create","module":"$module","object":"Controller","instance":"1","description":{' \
+    '"format":"process-data-description/1","elements":[' \
+    '{"name":"speed","type":"float64","unit":"1/min"}]}}' >&"\${publisher[1]}"
 echo >&"\${publisher[1]}"
 answer ok
 echo '{"do":"publish","path":"speed","value":1450.5}' >&"\${publisher[1]}"
