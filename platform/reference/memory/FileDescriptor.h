@@ -6,7 +6,6 @@
 #include <QString>
 
 #include <cerrno>
-#include <cstring>
 #include <unistd.h>
 
 /// Closes a descriptor at the end of its scope.
@@ -46,7 +45,7 @@ template <typename Call> auto repeatOnSignal(Call call)
 /// errno's text.
 inline QString errorText(int error)
 {
-    return QString::fromLocal8Bit(std::strerror(error));
+    return qt_error_string(error); // reentrant, unlike strerror
 }
 
 #endif

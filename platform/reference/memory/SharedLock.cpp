@@ -60,7 +60,6 @@ bool isSharedLock(const BufferLock &lock)
 
 WritersLockGuard::WritersLockGuard(BufferLock &lock)
     : lock(lock)
-    , lastError(EINVAL)
 {
     if (!isSharedLock(lock)) {
         return;

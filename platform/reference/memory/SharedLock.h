@@ -5,6 +5,8 @@
 
 #include "BufferLayout.h"
 
+#include <cerrno>
+
 /// Prepares a lock in memory that several processes will map.
 ///
 /// @returns 0 or an errno value
@@ -33,7 +35,7 @@ public:
 
 private:
     BufferLock &lock;
-    int lastError;
+    int lastError = EINVAL;
 };
 
 #endif
