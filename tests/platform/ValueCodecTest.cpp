@@ -41,7 +41,7 @@ private Q_SLOTS:
     void nanHasNoPlaceBetweenLimitsButComesBackWithoutThem();
     void largeUnsignedLimitsAreExact();
     void capacityCountsBytes();
-    void aPayloadOfWrongLengthIsNoNumber();
+    void aPayloadOfWrongLengthIsNoValue();
     void typeNamesAreTheOnesOfDescriptions();
 };
 
@@ -324,7 +324,7 @@ void ValueCodecTest::capacityCountsBytes()
     QVERIFY(!encodeValue(leafOf(ValueType::Bytes, 2), QByteArray("abc"), payload, error));
 }
 
-void ValueCodecTest::aPayloadOfWrongLengthIsNoNumber()
+void ValueCodecTest::aPayloadOfWrongLengthIsNoValue()
 {
     const char bytes[16] = {};
     const auto numbers
@@ -337,6 +337,9 @@ void ValueCodecTest::aPayloadOfWrongLengthIsNoNumber()
         QVERIFY(decodeValue(type, bytes, size).isValid());
         QVERIFY(!decodeValue(type, bytes, size - 1).isValid());
         QVERIFY(!decodeValue(type, bytes, size + 1).isValid());
+    }
+    for (const ValueType type : {ValueType::String, ValueType::Bytes}) {
+        QVERIFY(!decodeValue(type, bytes, 0xffffffff).isValid());
     }
 }
 

@@ -6,6 +6,7 @@
 
 #include <cmath>
 #include <cstring>
+#include <limits>
 
 namespace {
 
@@ -23,6 +24,12 @@ QVariant numberIn(const char *payload, quint32 length)
     Number number;
     std::memcpy(&number, payload, sizeof(number));
     return QVariant::fromValue(static_cast<Stored>(number));
+}
+
+// Qt takes a negative length as "up to the next zero".
+bool isTextLength(quint32 length)
+{
+    return length <= static_cast<quint32>(std::numeric_limits<int>::max());
 }
 
 QByteArray payloadOf(ValueType type, const QVariant &value)
@@ -132,9 +139,10 @@ QVariant decodeValue(ValueType type, const char *payload, quint32 length)
     case ValueType::Float64:
         return numberIn<double>(payload, length);
     case ValueType::String:
-        return QString::fromUtf8(payload, static_cast<int>(length));
+        return isTextLength(length) ? QString::fromUtf8(payload, static_cast<int>(length))
+                                    : QVariant();
     case ValueType::Bytes:
-        return QByteArray(payload, static_cast<int>(length));
+        return isTextLength(length) ? QByteArray(payload, static_cast<int>(length)) : QVariant();
     }
     Q_UNREACHABLE();
 }

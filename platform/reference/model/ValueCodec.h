@@ -10,11 +10,10 @@
 
 /// Converts a value to a leaf's payload.
 ///
-/// @param value    must convert to the leaf's type without loss and lie within its minimum and
-/// maximum
-/// @param payload  receives the bytes in the machine's order, exactly as long as the value (a
-/// string: UTF-8
-///                 without a terminator); left alone on failure
+/// @param value    must convert to the leaf's type without loss (convertToType tells how) and lie
+///                 within its minimum and maximum
+/// @param payload  receives the bytes in the machine's order, exactly as long as the value: text as
+///                 UTF-8 without a terminator; left alone on failure
 /// @param error    receives one sentence that names the value and the reason; left alone on success
 /// @returns whether it could be converted
 bool encodeValue(const LeafDescription &leaf, const QVariant &value, QByteArray &payload,
@@ -24,7 +23,8 @@ bool encodeValue(const LeafDescription &leaf, const QVariant &value, QByteArray 
 /// qulonglong, float, double, QString or QByteArray.
 ///
 /// @param length  bytes that are valid; of a number its full size
-/// Never reads past @p length; an invalid QVariant when a number's length is wrong.
+/// Never reads past @p length; an invalid QVariant when a number's length is
+/// wrong or a text's past 2 GiB.
 QVariant decodeValue(ValueType type, const char *payload, quint32 length);
 
 #endif
