@@ -10,11 +10,15 @@ bool ServiceTable::addListener(const QString &service, const QString &path,
                                ServiceListener *listener)
 {
     listenersByPath.insert(path, Listening{service, listener});
-    const bool isNew = !entries.contains(service);
-    if (isNew) {
+    const auto entry = entries.constFind(service);
+    if (entry == entries.constEnd()) {
         entries.insert(service, Entry());
+        return true;
     }
-    return isNew;
+    if (!entry->owner.isEmpty()) {
+        listener->servicePresent(ServiceListener::Presence::Found);
+    }
+    return false;
 }
 
 void ServiceTable::removeListener(const QString &path, ServiceListener *listener)

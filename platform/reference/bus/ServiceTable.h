@@ -18,6 +18,8 @@
 class ServiceTable
 {
 public:
+    /// Tells the listener at once when the service is known to be present.
+    ///
     /// @returns whether the service is new, so that its owner must be asked for
     bool addListener(const QString &service, const QString &path, ServiceListener *listener);
     void removeListener(const QString &path, ServiceListener *listener);

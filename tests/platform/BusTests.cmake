@@ -1,0 +1,21 @@
+# SPDX-License-Identifier: MIT
+
+# Clients and publishers on private buses. The helper is a service in a process of its own.
+add_executable(bus-service-helper BusServiceHelper.cpp)
+target_link_libraries(bus-service-helper PRIVATE Qt5::DBus)
+target_compile_options(bus-service-helper PRIVATE -Wall -Wextra -Wpedantic)
+
+function(add_bus_test name)
+    add_platform_test(${name} ${ARGN})
+    target_compile_definitions(platform_test_${name} PRIVATE
+        BUS_SERVICE_HELPER="$<TARGET_FILE:bus-service-helper>")
+    add_dependencies(platform_test_${name} bus-service-helper)
+endfunction()
+
+add_bus_test(bus-names BusNamesTest.cpp)
+add_bus_test(bus-service-table BusServiceTableTest.cpp)
+add_bus_test(connector-announcement ConnectorAnnouncementTest.cpp)
+add_bus_test(connector-fetch ConnectorFetchTest.cpp)
+add_bus_test(connector-pending-reply ConnectorPendingReplyTest.cpp)
+add_bus_test(connector-restart ConnectorRestartTest.cpp)
+add_bus_test(connector-status ConnectorStatusTest.cpp)
