@@ -20,15 +20,17 @@ Finding explainMissingDescription(const QString &module, const QString &object,
 {
     QStringList names;
     QString error;
+    const Finding silent{Finding::ServiceFailed,
+                         QStringLiteral("the service of module %1 gives no answer").arg(module)};
     if (fetchObjects(module, names, error) != BusQueryResult::Ok) {
-        return {Finding::ServiceFailed, error};
+        return silent;
     }
     if (!names.contains(object)) {
         return {Finding::NoSuchInstance,
                 QStringLiteral("module %1 has no object \"%2\"").arg(module, object)};
     }
     if (fetchInstances(module, object, names, error) != BusQueryResult::Ok) {
-        return {Finding::ServiceFailed, error};
+        return silent;
     }
     if (!names.contains(instance)) {
         return {
