@@ -57,7 +57,8 @@ QSharedPointer<ConfigurationAndProcessDataBase> ProcessDataManager::createProces
         return {};
     }
     sharedMemory.d->source = platform->describedBy(description);
-    if (sharedMemory.d->source.isNull() || !sharedMemory.d->source->hasRoot) {
+    attached = !sharedMemory.d->source.isNull();
+    if (!attached || !sharedMemory.d->source->hasRoot) {
         return {};
     }
     return QSharedPointer<ScriptedRootNode>::create(sharedMemory.d->source,
@@ -68,5 +69,5 @@ bool ProcessDataManager::isBufferValid() const
 {
     CallRecord::instance().called(className, sharedMemory.d->number,
                                   QStringLiteral("isBufferValid"));
-    return !sharedMemory.d->source.isNull() && sharedMemory.d->source->bufferValid;
+    return attached && sharedMemory.d->source->bufferValid;
 }
