@@ -9,6 +9,7 @@
 // flush                           answers what was kept silent
 // signal PATH INTERFACE MEMBER [ARGUMENT [COUNT]]
 // ready true|false                the property that Get answers
+// unready                         announces that it is false
 // count                           answers the number of fetches
 #include <QCoreApplication>
 #include <QDBusConnection>
@@ -64,6 +65,14 @@ public:
         }
         if (verb == "signal") {
             return sendSignals(words);
+        }
+        if (verb == "unready") {
+            QDBusMessage message = QDBusMessage::createSignal("/com/orvalis/SystemStatusManager",
+                                                              "org.freedesktop.DBus.Properties",
+                                                              "PropertiesChanged");
+            message << "com.orvalis.SystemStatusManager1" << QVariantMap{{"Ready", false}}
+                    << QStringList();
+            return connection.send(message) ? "ok" : "failed";
         }
         if (verb == "count") {
             return QString::number(fetches);

@@ -9,8 +9,9 @@ namespace {
 class Recorder : public ServiceListener
 {
 public:
-    void servicePresent(Presence presence) override
+    void servicePresent(Presence presence, const QString &owner) override
     {
+        lastOwner = owner;
         static const QStringList names{"found", "appeared", "found again"};
         heard += names.at(static_cast<int>(presence));
     }
@@ -21,6 +22,7 @@ public:
     }
 
     QStringList heard;
+    QString lastOwner;
 };
 
 const QString service("com.orvalis.ProcessData.Pump");
@@ -133,6 +135,7 @@ void BusServiceTableTest::afterTheBusWasLostAServiceIsFoundAgainOrAppears()
     table.ownerChanged(service, ":1.3");
 
     QCOMPARE(listener.heard, (QStringList{"found again", "appeared"}));
+    QCOMPARE(listener.lastOwner, QString(":1.3"));
 }
 
 void BusServiceTableTest::signalsReachEachListenerOfThePathOnce()

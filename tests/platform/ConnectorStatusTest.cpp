@@ -88,8 +88,8 @@ void ConnectorStatusTest::oneStartUpIsNeverToldTwice()
 
         manager.finishStartUp(); // while the connector asks whether it is over already
         QTRY_COMPARE(ready.size(), 1);
-
         manager.order({"ready", "false"});
+        manager.order({"unready"});
         manager.finishStartUp(); // another one
         QTRY_VERIFY(ready.size() > 1);
         QCOMPARE(ready.size(), 2);

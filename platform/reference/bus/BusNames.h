@@ -42,6 +42,7 @@ const QString &statusManagerService();
 const QString &statusManagerPath();
 const QString &statusManagerInterface();
 const QString &startupReadySignal();
+const QString &readyProperty();
 
 const QString &informationManagerService();
 const QString &informationManagerPath();
@@ -51,6 +52,7 @@ const QString &daemonService();
 const QString &daemonPath();
 const QString &daemonInterface();
 const QString &propertiesInterface();
+const QString &propertiesChangedSignal();
 
 /// Error of a fetch for an instance that the service does not have.
 const QString &unknownInstanceError();

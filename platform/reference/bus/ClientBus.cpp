@@ -8,6 +8,7 @@
 #include "BusThread.h"
 
 #include <QCoreApplication>
+#include <QDBusArgument>
 #include <QDBusError>
 #include <QDBusPendingCall>
 #include <QDBusPendingCallWatcher>
@@ -178,7 +179,10 @@ bool ClientBus::subscribe(QString &error)
                               SLOT(handleSignal(QDBusMessage)))
         && connection.connect(any, any, BusNames::statusManagerInterface(),
                               BusNames::startupReadySignal(), this,
-                              SLOT(handleSignal(QDBusMessage)));
+                              SLOT(handleSignal(QDBusMessage)))
+        && connection.connect(any, BusNames::statusManagerPath(), BusNames::propertiesInterface(),
+                              BusNames::propertiesChangedSignal(), this,
+                              SLOT(handleProperties(QDBusMessage)));
     if (!done) {
         error = QStringLiteral("the bus connection refuses subscriptions");
     }
@@ -360,6 +364,22 @@ void ClientBus::handleSignal(const QDBusMessage &message)
     const QString argument = hasArgument ? message.arguments().at(0).toString() : QString();
     const QMutexLocker lock(&mutex);
     table.signalReceived(message.service(), message.path(), message.member(), argument);
+}
+
+// Of all properties only one is of interest: the status manager's Ready. A change to true is told
+// by a signal of its own.
+void ClientBus::handleProperties(const QDBusMessage &message)
+{
+    if (message.signature() != QLatin1String("sa{sv}as")
+        || message.arguments().at(0).toString() != BusNames::statusManagerInterface()) {
+        return;
+    }
+    const auto properties = qdbus_cast<QVariantMap>(message.arguments().at(1));
+    const QVariant ready = properties.value(BusNames::readyProperty());
+    if (ready.type() == QVariant::Bool && !ready.toBool()) {
+        const QMutexLocker lock(&mutex);
+        table.signalReceived(message.service(), message.path(), message.member(), QString());
+    }
 }
 
 void ClientBus::handleLost()

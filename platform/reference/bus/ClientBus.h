@@ -65,6 +65,7 @@ public:
 private Q_SLOTS:
     void handleOwnerChanged(const QDBusMessage &message);
     void handleSignal(const QDBusMessage &message);
+    void handleProperties(const QDBusMessage &message);
     void handleLost();
     void handleRestored();
 

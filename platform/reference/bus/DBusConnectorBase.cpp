@@ -57,10 +57,11 @@ void DBusConnectorBasePrivate::stop()
     bus->removeListener(path, this);
 }
 
-void DBusConnectorBasePrivate::servicePresent(Presence presence)
+void DBusConnectorBasePrivate::servicePresent(Presence presence, const QString &owner)
 {
     Event event;
     event.presence = presence;
+    event.argument = owner;
     enqueue(event);
 }
 
@@ -128,7 +129,7 @@ void DBusConnectorBasePrivate::handle(const Event &event)
 {
     switch (event.kind) {
     case Event::Kind::Present:
-        handlePresence(event.presence);
+        handlePresence(event.presence, event.argument);
         break;
     case Event::Kind::AnswersAgain:
         handleAnswersAgain();

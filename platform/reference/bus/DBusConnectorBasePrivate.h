@@ -26,7 +26,7 @@ public:
     void start(QObject *owner);
     void stop();
 
-    void servicePresent(Presence presence) override;
+    void servicePresent(Presence presence, const QString &owner) override;
     void serviceAnswersAgain() override;
     void signalReceived(const QString &member, const QString &argument) override;
 
@@ -36,7 +36,7 @@ public:
 
 protected:
     // In the connector's thread, one at a time. The connector may be gone when they return.
-    virtual void handlePresence(Presence presence) = 0;
+    virtual void handlePresence(Presence presence, const QString &owner) = 0;
     virtual void handleAnswersAgain() = 0;
     virtual void handleSignal(const QString &member, const QString &argument) = 0;
 
@@ -48,7 +48,7 @@ private:
         Kind kind = Kind::Present;
         Presence presence = Presence::Found;
         QString member;
-        QString argument;
+        QString argument; // or the service's owner
     };
 
     bool isQueuedAlready(const Event &signal) const;

@@ -84,16 +84,17 @@ DBusProcessDescriptionConnectorPrivate::of(const DBusProcessDescriptionConnector
 
 // What an earlier owner owes is settled by what this one says next. Forgotten here, not when the
 // connector's thread comes to hear of it: by then the new owner may hang in turn.
-void DBusProcessDescriptionConnectorPrivate::servicePresent(Presence presence)
+void DBusProcessDescriptionConnectorPrivate::servicePresent(Presence presence, const QString &owner)
 {
     if (presence != Presence::Found) {
         memory->takeMissed();
     }
-    DBusConnectorBasePrivate::servicePresent(presence);
+    DBusConnectorBasePrivate::servicePresent(presence, owner);
 }
 
-void DBusProcessDescriptionConnectorPrivate::handlePresence(Presence presence)
+void DBusProcessDescriptionConnectorPrivate::handlePresence(Presence presence, const QString &owner)
 {
+    Q_UNUSED(owner)
     // Found: the first fetch is still to come. Appeared: the service announces all that it has.
     if (presence == Presence::FoundAgain) {
         announceAll();

@@ -19,13 +19,13 @@ public:
     static const DBusProcessDescriptionConnectorPrivate &
     of(const DBusProcessDescriptionConnector &q);
 
-    void servicePresent(Presence presence) override;
+    void servicePresent(Presence presence, const QString &owner) override;
 
     const QSharedPointer<FetchMemory> memory;
     DBusProcessDescriptionConnector *q = nullptr;
 
 protected:
-    void handlePresence(Presence presence) override;
+    void handlePresence(Presence presence, const QString &owner) override;
     void handleAnswersAgain() override;
     void handleSignal(const QString &member, const QString &argument) override;
 

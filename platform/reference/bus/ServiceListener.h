@@ -22,7 +22,8 @@ public:
     ServiceListener(const ServiceListener &) = delete;
     ServiceListener &operator=(const ServiceListener &) = delete;
 
-    virtual void servicePresent(Presence presence) = 0;
+    /// @param owner  unique bus name of whoever owns the service now
+    virtual void servicePresent(Presence presence, const QString &owner) = 0;
 
     /// A service that was remembered as hung has answered again.
     virtual void serviceAnswersAgain() = 0;

@@ -16,7 +16,7 @@ bool ServiceTable::addListener(const QString &service, const QString &path,
         return true;
     }
     if (!entry->owner.isEmpty()) {
-        listener->servicePresent(ServiceListener::Presence::Found);
+        listener->servicePresent(ServiceListener::Presence::Found, entry->owner);
     }
     return false;
 }
@@ -78,7 +78,7 @@ void ServiceTable::becomeKnown(const QString &service, Entry &entry, const QStri
         return;
     }
     forEachListener(service,
-                    [presence](ServiceListener *listener) { listener->servicePresent(presence); });
+                    [&](ServiceListener *listener) { listener->servicePresent(presence, owner); });
     for (const Signal &signal : held) {
         if (signal.sender == owner) {
             deliver(service, signal);

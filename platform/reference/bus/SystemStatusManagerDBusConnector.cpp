@@ -24,9 +24,12 @@ public:
 
 protected:
     // Whether it is the manager that restarted or the bus: a system that was ready stays so.
-    void handlePresence(Presence presence) override
+    void handlePresence(Presence presence, const QString &owner) override
     {
         Q_UNUSED(presence)
+        if (owner != foundReady) {
+            foundReady.clear();
+        }
         if (!reported) {
             askWhetherReady();
         }
@@ -34,12 +37,17 @@ protected:
 
     void handleAnswersAgain() override { }
 
-    // The answer to a question that was asked before the signal comes before it, for both are sent
-    // by the manager. So a signal after the report is always another start-up.
     void handleSignal(const QString &member, const QString &argument) override
     {
-        if (member == BusNames::startupReadySignal() && argument.isNull()) {
-            report();
+        Q_UNUSED(argument)
+        if (member == BusNames::propertiesChangedSignal()) {
+            foundReady.clear(); // not ready any more: whatever comes is another start-up
+        } else if (member == BusNames::startupReadySignal()) {
+            if (foundReady.isEmpty()) {
+                report();
+                return;
+            }
+            foundReady.clear();
         }
     }
 
@@ -48,7 +56,7 @@ private:
     {
         QDBusMessage call = QDBusMessage::createMethodCall(
             service, path, BusNames::propertiesInterface(), QStringLiteral("Get"));
-        call.setArguments({BusNames::statusManagerInterface(), QStringLiteral("Ready")});
+        call.setArguments({BusNames::statusManagerInterface(), BusNames::readyProperty()});
         call.setAutoStartService(false);
         const QDBusConnection connection = bus->connection();
         if (!connection.isConnected()) {
@@ -65,6 +73,7 @@ private:
                     = watcher->reply().arguments().value(0).value<QDBusVariant>().variant();
                 if (!reported && !watcher->isError() && ready.type() == QVariant::Bool
                     && ready.toBool()) {
+                    foundReady = watcher->reply().service();
                     report();
                 }
             });
@@ -77,6 +86,9 @@ private:
     }
 
     bool reported = false;
+    // Owner of the manager's name that said so when it was asked. The signal of that start-up may
+    // still be on its way then: answers and signals reach this thread on different ways.
+    QString foundReady;
 };
 
 QSharedPointer<SystemStatusManagerDBusConnector>

@@ -5,6 +5,7 @@
 #include "BusNames.h"
 
 #include <QDBusConnection>
+#include <QDBusError>
 #include <QDBusMessage>
 
 #include <utility>
@@ -56,8 +57,8 @@ QString ProcessDescriptionObject::introspect(const QString &path) const
 bool ProcessDescriptionObject::handleMessage(const QDBusMessage &message,
                                              const QDBusConnection &connection)
 {
-    if (!message.interface().isEmpty()
-        && message.interface() != BusNames::processDescriptionInterface()) {
+    const bool isOurs = message.interface() == BusNames::processDescriptionInterface();
+    if (!isOurs && !message.interface().isEmpty()) {
         return false; // QtDBus answers the standard interfaces, and refuses the others
     }
     if (message.member() == QLatin1String("GetProcessDataDescription")) {
@@ -66,7 +67,9 @@ bool ProcessDescriptionObject::handleMessage(const QDBusMessage &message,
     if (message.member() == QLatin1String("ListInstances")) {
         return connection.send(message.createReply(QVariant(instances())));
     }
-    return false;
+    return isOurs
+        && connection.send(message.createErrorReply(
+            QDBusError::UnknownMethod, QStringLiteral("No method %1").arg(message.member())));
 }
 
 QDBusMessage ProcessDescriptionObject::answerFetch(const QDBusMessage &message) const

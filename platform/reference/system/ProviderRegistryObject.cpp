@@ -48,11 +48,14 @@ QString ProviderRegistryObject::introspect(const QString &path) const
 bool ProviderRegistryObject::handleMessage(const QDBusMessage &message,
                                            const QDBusConnection &connection)
 {
-    const bool isOurs = message.interface().isEmpty()
-        || message.interface() == BusNames::informationManagerInterface();
+    const bool isOurs = message.interface() == BusNames::informationManagerInterface();
     const bool isKnown = message.member() == registerMember || message.member() == unregisterMember
         || message.member() == listMember;
-    if (!isOurs || !isKnown) {
+    if (!isKnown && isOurs) {
+        return connection.send(message.createErrorReply(
+            QDBusError::UnknownMethod, QStringLiteral("No method %1").arg(message.member())));
+    }
+    if (!isOurs && !(isKnown && message.interface().isEmpty())) {
         return false; // QtDBus answers the standard interfaces, and refuses the others
     }
     return connection.send(answer(message));

@@ -31,7 +31,7 @@ bool SystemStatusObject::handleMessage(const QDBusMessage &message,
 
 QDBusMessage SystemStatusObject::answerProperties(const QDBusMessage &message) const
 {
-    const QString property = QStringLiteral("Ready");
+    const QString &property = BusNames::readyProperty();
     const QVariantList arguments = message.arguments();
     const bool isOurs = arguments.value(0).toString() == BusNames::statusManagerInterface();
     if (message.member() == QLatin1String("Get") && message.signature() == QLatin1String("ss")

@@ -52,9 +52,9 @@ void SystemStatusService::setReady(bool ready)
     }
     d->object.ready = ready;
     d->endpoint.sendSignal(BusNames::statusManagerPath(), BusNames::propertiesInterface(),
-                           QStringLiteral("PropertiesChanged"),
+                           BusNames::propertiesChangedSignal(),
                            {BusNames::statusManagerInterface(),
-                            QVariantMap{{QStringLiteral("Ready"), ready}}, QStringList()});
+                            QVariantMap{{BusNames::readyProperty(), ready}}, QStringList()});
     if (ready) {
         d->endpoint.sendSignal(BusNames::statusManagerPath(), BusNames::statusManagerInterface(),
                                BusNames::startupReadySignal());
