@@ -77,6 +77,7 @@ cat >"$work/serve" <<SERVE
 set -euo pipefail
 export PROCESSDATA_BUS=\$DBUS_SESSION_BUS_ADDRESS
 coproc publisher { "$publisher"; }
+publisher_process=\$publisher_PID # bash forgets it when the process ends
 answer() {
     local line
     read -r -t 20 line <&"\${publisher[0]}"
@@ -92,7 +93,7 @@ echo '{"do":"publish","path":"speed","value":1450.5}' >&"\${publisher[1]}"
 answer ok
 "\$1" processdata://$module/Controller/1/speed
 exec {publisher[1]}>&-
-wait "\$publisher_PID"
+wait "\$publisher_process"
 SERVE
 for client in "$work/client/read-once" "$work/by-pkg-config"; do
     check "${client##*/} runs" dbus-run-session -- bash "$work/serve" "$client"
