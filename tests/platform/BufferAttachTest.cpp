@@ -108,12 +108,15 @@ void BufferAttachTest::aBufferThatDiffersFromItsDescriptionIsRefused_data()
         return mkfifo(path, 0666) == 0;
     }) << "it is no regular file";
     QTest::newRow("a socket") << replacesFile(makeSocket) << "No such device or address";
-    QTest::newRow("another owner") << Change([](BufferSource &source) {
-        replaceByCopy(source, [](QByteArray &) {});
-        QCOMPARE(chown(source.file().toUtf8(), 12345, gid_t(-1)), 0);
-    }) << "its owner's user id is 12345, expected 0";
+    const QString owner = "its owner's user id is %1, expected %2";
+    if (geteuid() == 0) {
+        QTest::newRow("another owner") << Change([](BufferSource &source) {
+            replaceByCopy(source, [](QByteArray &) {});
+            QCOMPARE(chown(source.file().toUtf8(), 12345, gid_t(-1)), 0);
+        }) << owner.arg(12345).arg(0);
+    }
     QTest::newRow("an owner that is not described")
-        << describes("ownerUid", 990) << "its owner's user id is 0, expected 990";
+        << describes("ownerUid", 990) << owner.arg(geteuid()).arg(990);
     QTest::newRow("a smaller file") << resizes(-64) << "its file size is 256, expected 320";
     QTest::newRow("a larger file") << resizes(64) << "its file size is 384, expected 320";
     QTest::newRow("an empty file") << resizes(-320) << "its file size is 0, expected 320";
@@ -198,6 +201,7 @@ void BufferAttachTest::anUnchangedBufferIsAttachedSilently()
 
 void BufferAttachTest::aUserWithoutAccessIsToldWhichGroupHasIt()
 {
+    REQUIRE_ROOT();
     BufferSource source({leafJson("setpoint", "float64")});
     QCOMPARE(chown(source.file().toUtf8(), uid_t(-1), 4321), 0);
     BufferChild reader({"use-as", "12345", "12345"}, QProcess::SeparateChannels);
@@ -214,6 +218,7 @@ void BufferAttachTest::aUserWithoutAccessIsToldWhichGroupHasIt()
 
 void BufferAttachTest::aUserWithReadAccessReadsAndIsRefusedWriting()
 {
+    REQUIRE_ROOT();
     BufferSource source({leafJson("setpoint", "float64")});
     QVERIFY(source.publish(0, ProcessValue(QVariant(1.0))));
     QCOMPARE(chmod(source.file().toUtf8(), 0644), 0);
@@ -231,6 +236,7 @@ void BufferAttachTest::aUserWithReadAccessReadsAndIsRefusedWriting()
 
 void BufferAttachTest::aMemberOfTheGroupReadsAndWrites()
 {
+    REQUIRE_ROOT();
     BufferSource source({leafJson("setpoint", "float64")});
     QVERIFY(source.publish(0, ProcessValue(QVariant(1.0))));
     QCOMPARE(chown(source.file().toUtf8(), uid_t(-1), 4321), 0);

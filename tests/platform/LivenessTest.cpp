@@ -21,6 +21,7 @@ private Q_SLOTS:
     void aStoppedPublisherIsAlive();
     void aDeadPublishersBufferIsAttachedForItsLastValues();
     void retirementIsSeenByTheNextRead();
+    void aRetiredBufferIsNotLiveAlthoughItsPublisherIs();
     void aPublisherOutlivesTheThreadThatMadeIt();
     void aForkedChildLeavesItsParentsBufferAlone();
     void aForkedChildPublishesByItself();
@@ -120,8 +121,13 @@ void LivenessTest::retirementIsSeenByTheNextRead()
     const auto level = client.leaf(source.url("level"));
     QCOMPARE(readLeaf(level).getErrorType(), ProcessDataDefinitions::DeviceFault);
 
+    QFile file(source.file());
+    QVERIFY(file.open(QIODevice::ReadOnly));
+
     source.buffer.reset();
 
+    QVERIFY(file.seek(offsetof(BufferHeader, state)));
+    QCOMPARE(file.read(1), QByteArray(1, char(BufferRetired)));
     QCOMPARE(readLeaf(level).getErrorType(), ProcessDataDefinitions::SourceLost);
     QCOMPARE(readLeaf(level).getValue(), QVariant(2.5));
     QCOMPARE(readLeaf(level).getTimestamp(), qint64(7));
@@ -129,6 +135,22 @@ void LivenessTest::retirementIsSeenByTheNextRead()
              ProcessDataDefinitions::SourceLost);
     QVERIFY(!client.manager->isBufferValid());
     QVERIFY(!level->setValue(ProcessValue(QVariant(1.0))));
+}
+
+void LivenessTest::aRetiredBufferIsNotLiveAlthoughItsPublisherIs()
+{
+    BufferSource source({leafJson("level", "float64")});
+    const BufferClient client(source.text());
+    QFile file(source.file());
+    QVERIFY(file.open(QIODevice::ReadWrite));
+    QVERIFY(file.seek(offsetof(BufferHeader, state)));
+    const char retired = char(BufferRetired);
+    QCOMPARE(file.write(&retired, 1), qint64(1));
+    file.close();
+
+    QVERIFY(!client.manager->isBufferValid());
+    QCOMPARE(readLeaf(client.leaf(source.url("level"))).getErrorType(),
+             ProcessDataDefinitions::SourceLost);
 }
 
 void LivenessTest::aPublisherOutlivesTheThreadThatMadeIt()
