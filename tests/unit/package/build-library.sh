@@ -16,7 +16,7 @@ fail() {
 
 rm -rf "$work"
 mkdir -p "$work"
-common="-G Ninja -DCMAKE_CXX_COMPILER=$cxx -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_COMPILER_LAUNCHER=$launcher"
+common="-G Ninja -DCMAKE_CXX_COMPILER=$cxx -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS_DEBUG=-O0 -DCMAKE_CXX_COMPILER_LAUNCHER=$launcher"
 
 # shellcheck disable=SC2086 # the options are words without blanks
 cmake $common -S "$source_dir/tests/unit/package" -B "$work/platform" \
