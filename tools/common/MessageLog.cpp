@@ -51,7 +51,7 @@ void handleMessage(QtMsgType type, const QMessageLogContext &context, const QStr
     if (own || type == QtFatalMsg || log.level == MessageLog::AllMessages) {
         const QString line = QStringLiteral("%1: %2%3\n")
                                  .arg(log.program, message, own ? QString() : place(context));
-        std::fputs(line.toLocal8Bit().constData(), stderr);
+        static_cast<void>(std::fputs(line.toLocal8Bit().constData(), stderr));
     }
 }
 

@@ -142,6 +142,7 @@ void SimulatedSource::reload()
         return;
     }
     takeMotions(std::move(file.movingLeaves));
+    publishFirstValues(); // before the event loop answers the clients that were told
     current = std::move(file);
     current.movingLeaves.clear();
 }

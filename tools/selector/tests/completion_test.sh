@@ -6,7 +6,8 @@
 set -euo pipefail
 # shellcheck source=/dev/null
 source "$1"
-compopt() { :; } # only there while bash itself completes
+# shellcheck disable=SC2317 # called by the completion; bash has its own only while it completes
+compopt() { :; }
 failed=0
 
 # expect "WORDS ON THE LINE" "COMPLETIONS": the last word is the one to complete.
