@@ -51,8 +51,8 @@ UnixSignals::~UnixSignals()
     if (!notifier) {
         return;
     }
-    std::signal(SIGINT, SIG_DFL);
-    std::signal(SIGTERM, SIG_DFL);
+    static_cast<void>(std::signal(SIGINT, SIG_DFL));
+    static_cast<void>(std::signal(SIGTERM, SIG_DFL));
     notifier.reset();
     ::close(readEnd);
     ::close(writeEnd);

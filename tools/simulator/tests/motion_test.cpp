@@ -93,7 +93,7 @@ void MotionTest::motionsFollowTheirShape()
     QVERIFY2(motion, qPrintable(error));
 
     for (int i = 0; i < expected.size(); ++i) {
-        const QVariant value = motion->next(i * 250, {});
+        const QVariant value = motion->next(qint64(i) * 250, {});
         QCOMPARE(value.userType(), expected.at(i).userType());
         QVERIFY2(value == expected.at(i)
                      || std::abs(value.toDouble() - expected.at(i).toDouble()) < 1e-9,
@@ -114,8 +114,8 @@ void MotionTest::aRandomWalkStaysInItsRangeAndRepeats()
     double lowest = 1;
     double highest = 1;
     for (int i = 0; i < 1000; ++i) {
-        const double value = first->next(i * 10, {}).toDouble();
-        QCOMPARE(second->next(i * 10, {}).toDouble(), value);
+        const double value = first->next(qint64(i) * 10, {}).toDouble();
+        QCOMPARE(second->next(qint64(i) * 10, {}).toDouble(), value);
         lowest = std::min(lowest, value);
         highest = std::max(highest, value);
     }
