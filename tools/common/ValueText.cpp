@@ -18,7 +18,7 @@ constexpr qint64 nanosecondsPerMillisecond = 1000000;
 QString floatText(float number)
 {
     for (int digits = 6; digits < 9; ++digits) {
-        const QString text = QString::number(static_cast<double>(number), 'g', digits);
+        QString text = QString::number(static_cast<double>(number), 'g', digits);
         if (text.toFloat() == number) {
             return text;
         }
@@ -60,7 +60,7 @@ QString valueToText(const QVariant &value)
 
 QString valueToShortText(const QVariant &value)
 {
-    const QString exact = valueToText(value);
+    QString exact = valueToText(value);
     if (static_cast<QMetaType::Type>(value.type()) != QMetaType::Double
         || !std::isfinite(value.toDouble())) {
         return exact;

@@ -20,8 +20,8 @@ Finding explainMissingDescription(const QString &module, const QString &object,
 {
     QStringList names;
     QString error;
-    const Finding silent{Finding::ServiceFailed,
-                         QStringLiteral("the service of module %1 gives no answer").arg(module)};
+    Finding silent{Finding::ServiceFailed,
+                   QStringLiteral("the service of module %1 gives no answer").arg(module)};
     if (fetchObjects(module, names, error) != BusQueryResult::Ok) {
         return silent;
     }
@@ -95,7 +95,7 @@ Finding Diagnosis::explainSource(const QString &module, const QString &object,
 Finding Diagnosis::explain(const QString &url)
 {
     const SelectorUrlHandler parsed(url);
-    const Finding text = explainText(parsed);
+    Finding text = explainText(parsed);
     if (text.code != Finding::None) {
         return text;
     }

@@ -79,7 +79,7 @@ QVariant RandomWalkMotion::next(qint64 elapsed, const ValueReader &read)
     // The standard's distributions differ between libraries; this one is the same everywhere.
     constexpr double half = 2147483648.0;
     for (qint64 i = 0; i < steps; ++i) {
-        const double step = (generator() / half - 1) * walk.step;
+        const double step = (static_cast<double>(generator()) / half - 1) * walk.step;
         const bool outside
             = current + step < walk.range.lowest || current + step > walk.range.highest;
         current = qBound(walk.range.lowest, outside ? current - step : current + step,

@@ -17,8 +17,8 @@ namespace {
 
 void print(FILE *stream, const QString &text)
 {
-    std::fputs(text.toLocal8Bit().constData(), stream);
-    std::fflush(stream);
+    static_cast<void>(std::fputs(text.toLocal8Bit().constData(), stream));
+    static_cast<void>(std::fflush(stream));
 }
 
 int run(const SimulatorOptions &options)
