@@ -103,7 +103,7 @@ SelectorSharedMemoryHandler::getProcessDataLeaf(const QString &url) const
     if (rootElement.isNull()) {
         return {};
     }
-    const auto leaf = rootElement->getLeafProcessDataValue(url);
+    auto leaf = rootElement->getLeafProcessDataValue(url);
     if (leaf.isNull()) {
         qWarning() << "Url isn't valid:" << url
                    << SourceFields{moduleName, objectName, instanceName};

@@ -89,7 +89,7 @@ std::optional<QString> BusNames::unescape(const QString &escaped)
 
 QString BusNames::serviceOfModule(const QString &moduleName)
 {
-    const QString name = servicePrefix() + escape(moduleName, Element::ServiceName);
+    QString name = servicePrefix() + escape(moduleName, Element::ServiceName);
     if (name.size() <= maximumNameLength) {
         return name;
     }

@@ -39,11 +39,12 @@ DBusPendingReplyPrivate::send(const QSharedPointer<ClientBus> &bus, const QDBusM
     return reply;
 }
 
-DBusPendingReplyPrivate::DBusPendingReplyPrivate(QSharedPointer<ClientBus> bus, QDBusMessage call,
+DBusPendingReplyPrivate::DBusPendingReplyPrivate(QSharedPointer<ClientBus> bus,
+                                                 const QDBusMessage &call,
                                                  QSharedPointer<FetchMemory> memory)
     : bus(std::move(bus))
     , connection(this->bus->connection())
-    , call(std::move(call))
+    , call(call)
     , memory(std::move(memory))
     , timeLimit(callTimeLimit())
 {

@@ -28,7 +28,7 @@ public:
                                                  const QSharedPointer<FetchMemory> &memory,
                                                  QThread *thread);
 
-    DBusPendingReplyPrivate(QSharedPointer<ClientBus> bus, QDBusMessage call,
+    DBusPendingReplyPrivate(QSharedPointer<ClientBus> bus, const QDBusMessage &call,
                             QSharedPointer<FetchMemory> memory);
     ~DBusPendingReplyPrivate();
 

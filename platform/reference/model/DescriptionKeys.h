@@ -34,7 +34,7 @@ constexpr int maximumTextSize = 64 * 1024 * 1024; // bytes
 constexpr int maximumLeaves = 1'000'000;
 constexpr int maximumLevels = 64;
 constexpr int maximumPathLength = 4096; // characters; no selector URL could name more
-constexpr qint64 maximumPathText = 128 * 1024 * 1024; // characters of all paths together
+constexpr qint64 maximumPathText = Q_INT64_C(128) * 1024 * 1024; // characters of all paths together
 constexpr quint32 maximumCapacity = 16 * 1024 * 1024; // bytes of one string or bytes leaf
 constexpr int maximumBufferNameLength = 255; // bytes, what file systems allow
 
