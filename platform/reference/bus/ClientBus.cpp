@@ -298,14 +298,7 @@ void ClientBus::handleProbe(const QString &service, const QString &path, quint64
         auto *timer = new QTimer(this);
         QObject::connect(timer, &QTimer::timeout, this, [this, timer, service, path, probe] {
             timer->deleteLater();
-            bool wanted = false;
-            {
-                const QMutexLocker lock(&mutex);
-                wanted = table.isUnderWay(service, probe);
-            }
-            if (wanted) {
-                sendProbe(service, path, probe);
-            }
+            repeatProbe(service, path, probe);
         });
         timer->setSingleShot(true);
         timer->start(probeRetryDelay);
@@ -315,6 +308,18 @@ void ClientBus::handleProbe(const QString &service, const QString &path, quint64
         = !BusErrors::isServiceMissing(answer) && !BusErrors::isDisconnected(answer);
     const QMutexLocker lock(&mutex);
     table.probeEnded(service, probe, answered);
+}
+
+void ClientBus::repeatProbe(const QString &service, const QString &path, quint64 probe)
+{
+    bool wanted = false;
+    {
+        const QMutexLocker lock(&mutex);
+        wanted = table.isUnderWay(service, probe);
+    }
+    if (wanted) {
+        sendProbe(service, path, probe);
+    }
 }
 
 void ClientBus::askOwner(const QString &service)
@@ -331,15 +336,20 @@ void ClientBus::askOwner(const QString &service)
     QObject::connect(watcher, &QDBusPendingCallWatcher::finished, this,
                      [this, service, copy, watcher] {
                          watcher->deleteLater();
-                         if (BusErrors::isDisconnected(watcher->reply())) {
-                             return; // asked again when the bus is back
-                         }
-                         const QString owner = watcher->reply().arguments().value(0).toString();
-                         const QMutexLocker lock(&mutex);
-                         daemonSilent = false;
-                         table.ownerAnswered(service, watcher->isError() ? QString() : owner);
-                         changed.wakeAll();
+                         handleOwner(service, watcher->reply());
                      });
+}
+
+void ClientBus::handleOwner(const QString &service, const QDBusMessage &answer)
+{
+    if (BusErrors::isDisconnected(answer)) {
+        return; // asked again when the bus is back
+    }
+    const bool owned = answer.type() == QDBusMessage::ReplyMessage;
+    const QMutexLocker lock(&mutex);
+    daemonSilent = false;
+    table.ownerAnswered(service, owned ? answer.arguments().value(0).toString() : QString());
+    changed.wakeAll();
 }
 
 void ClientBus::handleOwnerChanged(const QDBusMessage &message)

@@ -75,9 +75,11 @@ private:
     bool setUp(QString &error);
     bool subscribe(QString &error);
     void askOwner(const QString &service);
+    void handleOwner(const QString &service, const QDBusMessage &answer);
     void sendProbe(const QString &service, const QString &path, quint64 probe);
     void handleProbe(const QString &service, const QString &path, quint64 probe,
                      const QDBusMessage &answer);
+    void repeatProbe(const QString &service, const QString &path, quint64 probe);
 
     BusLink link;
     mutable QMutex mutex; // guards all below; never held while something waits for the bus thread
