@@ -2,6 +2,7 @@
 // The one connection that all clients of a process share, and what they know of their services.
 #include "ClientBus.h"
 
+#include "BusCall.h"
 #include "BusErrors.h"
 #include "BusLog.h"
 #include "BusNames.h"
@@ -10,21 +11,15 @@
 #include <QCoreApplication>
 #include <QDBusArgument>
 #include <QDBusError>
-#include <QDBusPendingCall>
-#include <QDBusPendingCallWatcher>
 #include <QDeadlineTimer>
 #include <QElapsedTimer>
 #include <QHash>
 #include <QMutexLocker>
 #include <QTimer>
 
-#include <limits>
 #include <utility>
 
 namespace {
-
-// libdbus takes this number as "no time limit".
-constexpr int noTimeLimit = std::numeric_limits<int>::max();
 
 // A probe whose answer the bus daemon gave up on is sent again after this time. Milliseconds.
 constexpr int probeRetryDelay = 1000;
@@ -238,10 +233,9 @@ QDBusMessage ClientBus::call(const QDBusMessage &call, bool &missed)
     }
     QDBusMessage request = call;
     request.setAutoStartService(false);
-    const QDBusConnection copy = link.connection();
     QElapsedTimer timer;
     timer.start();
-    const QDBusMessage answer = copy.call(request, QDBus::Block, limit);
+    const QDBusMessage answer = BusCall::wait(link.connection(), request, limit);
     missed = noteTimeout(call, answer, timer.elapsed(), limit);
     return answer;
 }
@@ -274,16 +268,11 @@ void ClientBus::sendProbe(const QString &service, const QString &path, quint64 p
     QDBusMessage message = QDBusMessage::createMethodCall(
         service, path, BusNames::processDescriptionInterface(), QStringLiteral("ListInstances"));
     message.setAutoStartService(false);
-    const QDBusConnection copy = link.connection();
-    if (!copy.isConnected()) {
-        return; // the loss of the bus ends all probes
-    }
-    auto *watcher = new QDBusPendingCallWatcher(copy.asyncCall(message, noTimeLimit), this);
-    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, this,
-                     [this, service, path, probe, copy, watcher] {
-                         watcher->deleteLater();
-                         handleProbe(service, path, probe, watcher->reply());
-                     });
+    // Without a connection there is none to wait for: the loss of the bus ends all probes.
+    BusCall::send(link.connection(), message, noTimeLimit(), this,
+                  [this, service, path, probe](const QDBusMessage &answer) {
+                      handleProbe(service, path, probe, answer);
+                  });
 }
 
 void ClientBus::handleProbe(const QString &service, const QString &path, quint64 probe,
@@ -328,28 +317,19 @@ void ClientBus::askOwner(const QString &service)
         BusNames::daemonService(), BusNames::daemonPath(), BusNames::daemonInterface(),
         QStringLiteral("GetNameOwner"));
     question << service;
-    const QDBusConnection copy = link.connection();
-    if (!copy.isConnected()) {
-        return; // asked when the bus is back
-    }
-    auto *watcher = new QDBusPendingCallWatcher(copy.asyncCall(question, noTimeLimit), this);
-    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, this,
-                     [this, service, copy, watcher] {
-                         watcher->deleteLater();
-                         handleOwner(service, watcher->reply());
-                     });
-}
-
-void ClientBus::handleOwner(const QString &service, const QDBusMessage &answer)
-{
-    if (BusErrors::isDisconnected(answer)) {
-        return; // asked again when the bus is back
-    }
-    const bool owned = answer.type() == QDBusMessage::ReplyMessage;
-    const QMutexLocker lock(&mutex);
-    daemonSilent = false;
-    table.ownerAnswered(service, owned ? answer.arguments().value(0).toString() : QString());
-    changed.wakeAll();
+    // Without a connection the question is asked when the bus is back.
+    BusCall::send(link.connection(), question, noTimeLimit(), this,
+                  [this, service](const QDBusMessage &answer) {
+                      if (BusErrors::isDisconnected(answer)) {
+                          return;
+                      }
+                      const bool isOwned = answer.type() == QDBusMessage::ReplyMessage;
+                      const QString owner = answer.arguments().value(0).toString();
+                      const QMutexLocker lock(&mutex);
+                      daemonSilent = false;
+                      table.ownerAnswered(service, isOwned ? owner : QString());
+                      changed.wakeAll();
+                  });
 }
 
 void ClientBus::handleOwnerChanged(const QDBusMessage &message)

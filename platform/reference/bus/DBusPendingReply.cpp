@@ -2,11 +2,9 @@
 // An asynchronous fetch of a description and its end.
 #include "DBusPendingReply.h"
 
+#include "BusCall.h"
 #include "DBusPendingReplyPrivate.h"
 #include "DescriptionReply.h"
-
-#include <QDBusPendingCall>
-#include <QDBusPendingCallWatcher>
 
 #include <utility>
 
@@ -58,7 +56,7 @@ DBusPendingReplyPrivate::~DBusPendingReplyPrivate()
 void DBusPendingReplyPrivate::start(QThread *thread)
 {
     elapsed.start();
-    watcher = new QDBusPendingCallWatcher(connection.asyncCall(call, timeLimit));
+    watcher = new BusCall(connection, call, timeLimit);
     QObject::connect(watcher, &QDBusPendingCallWatcher::finished, q, [this] { finish(); });
     q->moveToThread(thread);
     watcher->moveToThread(thread);

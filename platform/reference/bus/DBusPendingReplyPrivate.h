@@ -13,7 +13,7 @@
 #include <QSharedPointer>
 #include <QVariant>
 
-class QDBusPendingCallWatcher;
+class BusCall;
 class QThread;
 
 class DBusPendingReplyPrivate
@@ -39,13 +39,13 @@ private:
     void finish();
 
     const QSharedPointer<ClientBus> bus;
-    const QDBusConnection connection; // must outlive the call under way on it
+    const QDBusConnection connection;
     const QDBusMessage call;
     const QSharedPointer<FetchMemory> memory;
     const int timeLimit;
     QElapsedTimer elapsed;
     DBusPendingReply *q = nullptr;
-    QDBusPendingCallWatcher *watcher = nullptr;
+    BusCall *watcher = nullptr;
     QVariant reply;
 };
 

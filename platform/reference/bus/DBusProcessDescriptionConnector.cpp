@@ -2,13 +2,12 @@
 // Client of the process-description service of one object of one module.
 #include "DBusProcessDescriptionConnector.h"
 
+#include "BusCall.h"
 #include "BusNames.h"
 #include "DBusPendingReplyPrivate.h"
 #include "DBusProcessDescriptionConnectorPrivate.h"
 #include "DescriptionReply.h"
 
-#include <QDBusPendingCall>
-#include <QDBusPendingCallWatcher>
 #include <QPointer>
 
 #include <utility>
@@ -122,14 +121,8 @@ void DBusProcessDescriptionConnectorPrivate::announceAll()
     QDBusMessage call = QDBusMessage::createMethodCall(
         service, path, BusNames::processDescriptionInterface(), QStringLiteral("ListInstances"));
     call.setAutoStartService(false);
-    const QDBusConnection connection = bus->connection();
-    if (!connection.isConnected()) {
-        return; // found again once more when the bus is back
-    }
-    auto *watcher = new QDBusPendingCallWatcher(connection.asyncCall(call, callTimeLimit()), q);
-    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, q, [this, watcher, connection] {
-        watcher->deleteLater();
-        const QDBusMessage answer = watcher->reply();
+    // Without a connection the service is found once more when the bus is back.
+    BusCall::send(bus->connection(), call, callTimeLimit(), q, [this](const QDBusMessage &answer) {
         const bool isList = answer.type() == QDBusMessage::ReplyMessage
             && answer.signature() == QLatin1String("as");
         announce(isList ? answer.arguments().at(0).toStringList() : memory->allAsked());

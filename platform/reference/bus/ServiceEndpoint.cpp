@@ -2,6 +2,7 @@
 // The serving side of the bus: a connection of its own, a name, and the objects behind it.
 #include "ServiceEndpoint.h"
 
+#include "BusCall.h"
 #include "BusLog.h"
 #include "BusNames.h"
 
@@ -78,8 +79,7 @@ void ServiceEndpoint::stop()
     if (available && link.isConnected()) {
         QDBusMessage call = daemonCall(QStringLiteral("ReleaseName"));
         call << serviceName;
-        const QDBusConnection connection = link.connection();
-        connection.call(call, QDBus::Block, callTimeLimit());
+        BusCall::wait(link.connection(), call, callTimeLimit());
     }
     available = false;
     link.close();
@@ -94,7 +94,7 @@ bool ServiceEndpoint::takeName(QString &error)
     }
     QDBusMessage call = daemonCall(QStringLiteral("RequestName"));
     call << serviceName << doNotQueue;
-    const QDBusMessage answer = connection.call(call, QDBus::Block, callTimeLimit());
+    const QDBusMessage answer = BusCall::wait(connection, call, callTimeLimit());
     if (answer.type() != QDBusMessage::ReplyMessage) {
         const QDBusError reason(answer);
         error = QStringLiteral("Cannot own %1 on %2: %3 (%4)")

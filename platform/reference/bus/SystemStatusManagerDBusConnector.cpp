@@ -2,14 +2,11 @@
 // Client of the system status manager.
 #include "SystemStatusManagerDBusConnector.h"
 
+#include "BusCall.h"
 #include "BusNames.h"
 #include "DBusConnectorBasePrivate.h"
 
-#include <QDBusPendingCall>
-#include <QDBusPendingCallWatcher>
 #include <QDBusVariant>
-
-#include <limits>
 
 class SystemStatusManagerDBusConnectorPrivate : public DBusConnectorBasePrivate
 {
@@ -58,22 +55,14 @@ private:
             service, path, BusNames::propertiesInterface(), QStringLiteral("Get"));
         call.setArguments({BusNames::statusManagerInterface(), BusNames::readyProperty()});
         call.setAutoStartService(false);
-        const QDBusConnection connection = bus->connection();
-        if (!connection.isConnected()) {
-            return; // asked when the bus is back
-        }
         // Nobody waits for it, and a manager that hangs shall be heard when it is back: no time
-        // limit.
-        constexpr int noTimeLimit = std::numeric_limits<int>::max();
-        auto *watcher = new QDBusPendingCallWatcher(connection.asyncCall(call, noTimeLimit), q);
-        QObject::connect(
-            watcher, &QDBusPendingCallWatcher::finished, q, [this, watcher, connection] {
-                watcher->deleteLater();
-                const QVariant ready
-                    = watcher->reply().arguments().value(0).value<QDBusVariant>().variant();
-                if (!reported && !watcher->isError() && ready.type() == QVariant::Bool
-                    && ready.toBool()) {
-                    foundReady = watcher->reply().service();
+        // limit. Without a connection it is asked when the bus is back.
+        BusCall::send(
+            bus->connection(), call, noTimeLimit(), q, [this](const QDBusMessage &answer) {
+                const QVariant ready = answer.arguments().value(0).value<QDBusVariant>().variant();
+                if (!reported && answer.type() == QDBusMessage::ReplyMessage
+                    && ready.type() == QVariant::Bool && ready.toBool()) {
+                    foundReady = answer.service();
                     report();
                 }
             });

@@ -2,14 +2,13 @@
 // Keeps a module registered at the system information manager.
 #include "ProviderRegistration.h"
 
+#include "BusCall.h"
 #include "BusErrors.h"
 #include "BusNames.h"
 #include "BusSettings.h"
 #include "ConfigurationAndProcessDataDefinitions.h"
 #include "PublisherLog.h"
 
-#include <QDBusPendingCall>
-#include <QDBusPendingCallWatcher>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -87,11 +86,7 @@ void ProviderRegistration::sendRegistration()
     }
     QDBusMessage call = registryCall(QStringLiteral("RegisterProvider"));
     call << moduleName << additionalData();
-    const QDBusConnection copy = connection;
-    auto *watcher = new QDBusPendingCallWatcher(copy.asyncCall(call, callTimeLimit()), this);
-    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher, copy] {
-        watcher->deleteLater();
-        const QDBusMessage answer = watcher->reply();
+    BusCall::send(connection, call, callTimeLimit(), this, [this](const QDBusMessage &answer) {
         // A registry that is not there yet is heard of when it comes.
         if (answer.type() == QDBusMessage::ErrorMessage && !BusErrors::isServiceMissing(answer)
             && !BusErrors::isDisconnected(answer)) {
