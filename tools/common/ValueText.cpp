@@ -52,7 +52,7 @@ QString valueToText(const QVariant &value)
     case QMetaType::Double:
         return numberText(value);
     case QMetaType::QByteArray:
-        return QLatin1String("0x") + QString::fromLatin1(value.toByteArray().toHex());
+        return QStringLiteral("0x") + QString::fromLatin1(value.toByteArray().toHex());
     default:
         return value.toString();
     }

@@ -14,6 +14,8 @@
 
 #include <QJsonDocument>
 
+#include <utility>
+
 namespace {
 
 Entry failure(const QString &subject, const QString &reason, Finding::Code code, int columns)
@@ -45,7 +47,8 @@ int browseSystem(const Console &console)
                   {{QStringLiteral("module")}, {QStringLiteral("note")}},
                   {}};
     const QVector<Entry> modules = moduleEntries(list);
-    for (Entry entry : modules) {
+    for (const Entry &module : modules) {
+        Entry entry = module;
         entry.json.remove(QStringLiteral("selectorTypeList"));
         entry.rows = {{entry.rows.constFirst().constFirst(), entry.reason}};
         report.entries.append(entry);
@@ -66,7 +69,7 @@ void addInstances(const QString &module, const QString &object, Report &report)
                                       report.columns.size()));
         return;
     }
-    for (const QString &instance : instances) {
+    for (const QString &instance : std::as_const(instances)) {
         Entry entry;
         entry.subject = QStringLiteral("%1/%2/%3").arg(module, object, instance);
         entry.json = {{QStringLiteral("module"), module},
@@ -120,7 +123,8 @@ int browseLeaves(const BrowsePlace &place, const Console &console)
         return printReport(report, console);
     }
     const QJsonObject document = QJsonDocument::fromJson(description.toString().toUtf8()).object();
-    for (const DescribedLeaf &leaf : leavesBelow(document, place.group)) {
+    const QVector<DescribedLeaf> leaves = leavesBelow(document, place.group);
+    for (const DescribedLeaf &leaf : leaves) {
         report.entries.append(
             leafEntry(selectorUrl(place.module, place.object, place.instance, leaf.path), leaf.path,
                       leaf.properties));

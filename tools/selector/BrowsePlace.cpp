@@ -21,7 +21,7 @@ constexpr int firstGroup = 3;
 bool parseBrowsePlace(const QString &text, BrowsePlace &place, QString &error)
 {
     const QString scheme = ConfigurationAndProcessDataDefinitions::getSelectorUrlSchemeProcessData()
-        + QLatin1String("://");
+        + QStringLiteral("://");
     const QString bare = text.startsWith(scheme) ? text.mid(scheme.size()) : text;
     QStringList parts = bare.split(QLatin1Char('/'));
     // A slash at the end of a module or a group is a habit; behind an object it names the instance

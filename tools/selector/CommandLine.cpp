@@ -54,7 +54,8 @@ public:
         line.hasType = isSet(type);
         line.type = value(type);
         line.file = value(file);
-        for (const QString &argument : parser.positionalArguments()) {
+        const QStringList positional = parser.positionalArguments();
+        for (const QString &argument : positional) {
             line.arguments.append(unmarked(argument));
         }
         if (isSet(property)) {

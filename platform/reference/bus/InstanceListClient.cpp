@@ -46,7 +46,8 @@ BusQueryResult fetchObjects(const QString &moduleName, QStringList &objects, QSt
         return result;
     }
     QStringList names;
-    for (const QString &node : childNodes(answer.arguments().at(0).toString())) {
+    const QStringList nodes = childNodes(answer.arguments().at(0).toString());
+    for (const QString &node : nodes) {
         if (const std::optional<QString> name = BusNames::unescape(node)) {
             names += *name;
         }

@@ -71,7 +71,8 @@ void removeFile(const QByteArray &path)
 quint64 removeLeftovers(const QByteArray &prefix)
 {
     quint64 highest = 0;
-    for (const Candidate &candidate : candidates(prefix)) {
+    const QVector<Candidate> found = candidates(prefix);
+    for (const Candidate &candidate : found) {
         const FileDescriptor descriptor(repeatOnSignal([&] {
             return open(candidate.path.constData(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK);
         }));

@@ -10,6 +10,8 @@
 #include "SlotValue.h"
 #include "ValueCodec.h"
 
+#include <utility>
+
 namespace {
 
 struct PreparedWrite
@@ -163,7 +165,7 @@ bool PublishedBuffer::carryOver(int leaf, const PublishedBuffer &from, int fromL
 QVector<int> PublishedBuffer::takeClientWrites()
 {
     QVector<int> written;
-    for (const int leaf : d->writableLeaves) {
+    for (const int leaf : std::as_const(d->writableLeaves)) {
         quint32 &seen = d->seenSequences[size_t(leaf)];
         const quint32 sequence = slotSequence(d->slot(leaf), __ATOMIC_ACQUIRE);
         if (sequence != seen || d->clientWrote[size_t(leaf)]) {

@@ -90,7 +90,7 @@ ProcessValue ProcessDataPublisher::value(const QString &path) const
 QStringList ProcessDataPublisher::paths() const
 {
     QStringList result;
-    for (const LeafDescription &leaf : d->description.parsed().leaves) {
+    for (const LeafDescription &leaf : std::as_const(d->description).parsed().leaves) {
         result += leaf.path;
     }
     return result;

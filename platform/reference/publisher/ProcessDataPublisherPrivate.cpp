@@ -158,7 +158,8 @@ void ProcessDataPublisherPrivate::reportClientWrites(ProcessDataPublisher *q)
 ProcessDataPublisherPrivate::ClientWrites ProcessDataPublisherPrivate::takeClientWrites()
 {
     QVector<int> leaves = buffer->takeClientWrites();
-    for (const int leaf : std::exchange(pendingWrites, QVector<int>())) {
+    const QVector<int> written = std::exchange(pendingWrites, QVector<int>());
+    for (const int leaf : written) {
         if (!leaves.contains(leaf)) {
             leaves += leaf;
         }
