@@ -122,6 +122,10 @@ void DescriptionTest::aBrokenRuleIsNamedWithItsPlace_data()
         "buffer: \"/../x\" is no name of a shared-memory object");
     row("buffer name of a slash", withBuffer("name", "/"),
         "buffer: \"/\" is no name of a shared-memory object");
+    row("buffer name too long", withBuffer("name", "/" + QString(255, 'n')),
+        "buffer: \"/nnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnn\u2026\" is no name of a shared-memory object");
+    row("buffer name with a control character", withBuffer("name", "/a\n"),
+        "buffer: \"/a\n\" is no name of a shared-memory object");
     row("generation zero", withBuffer("generation", 0),
         "buffer: \"generation\" must be a whole number from 1 to 9223372036854775807, but is 0");
     row("generation with a fraction", withBuffer("generation", 1.5),
@@ -167,6 +171,8 @@ void DescriptionTest::aBrokenRuleIsNamedWithItsPlace_data()
         "leaf \"a\": \"readOnly\" must be a boolean, but is a string");
     row("unit of wrong type", withLeaf("unit", 1),
         "leaf \"a\": \"unit\" must be a string, but is a number");
+    row("description of wrong type", withLeaf("description", QJsonArray()),
+        "leaf \"a\": \"description\" must be a string, but is an array");
     row("selector type of wrong type", withLeaf("selectorType", 1),
         "leaf \"a\": \"selectorType\" must be a string, but is a number");
     row("simulate of wrong type", withLeaf("simulate", true),
@@ -196,6 +202,9 @@ void DescriptionTest::aBrokenRuleIsNamedWithItsPlace_data()
         "leaf \"b\": its slot at offset 192 overlaps that of leaf \"a\"");
     row("slots that overlap",
         document({with(leaf("a", 192, "string"), "capacity", 20), leaf("b", 256)}),
+        "leaf \"b\": its slot at offset 256 overlaps that of leaf \"a\"");
+    row("slots that overlap, the later one first",
+        document({leaf("b", 256), with(leaf("a", 192, "string"), "capacity", 20)}),
         "leaf \"b\": its slot at offset 256 overlaps that of leaf \"a\"");
 }
 

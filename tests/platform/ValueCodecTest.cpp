@@ -161,6 +161,10 @@ void ValueCodecTest::aValueThatDoesNotFitIsRefusedWithItsReason_data()
         "value inf does not convert to uint64: it is not finite");
     row("past 64 bits", ValueType::UInt64, 18446744073709551616.0,
         "value 18446744073709552000 does not convert to uint64: it has more than 64 bits");
+    row("past 64 bits, negative", ValueType::Int64, -9223372036854777856.0,
+        "value -9223372036854778000 does not convert to int64: it has more than 64 bits");
+    row("negative number that a float rounds", ValueType::Float32, -16777217,
+        "value -16777217 does not convert to float32: it has more digits than the type holds");
     row("text", ValueType::Int32, "12x",
         "value \"12x\" does not convert to int32: it is not a number");
     row("large text with a fraction part", ValueType::Int64, "9007199254740993.0",
