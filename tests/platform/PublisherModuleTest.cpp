@@ -154,7 +154,8 @@ void PublisherModuleTest::whatIsMissingIsToldApart()
 {
     QStringList names{"untouched"};
     QString error;
-    QVERIFY(fetchObjects(module, names, error) == BusQueryResult::ServiceMissing);
+    // The first answer may still come from the connection to the bus of the test before.
+    QTRY_VERIFY(fetchObjects(module, names, error) == BusQueryResult::ServiceMissing);
     QVERIFY2(error.startsWith("No service com.orvalis.ProcessData." + module), qPrintable(error));
     const auto publisher = publish("Zone", "1");
     QVERIFY(fetchInstances(module, "Other", names, error) == BusQueryResult::ServiceFailed);

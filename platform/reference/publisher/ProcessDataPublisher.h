@@ -24,8 +24,11 @@ class ProcessDataPublisherPrivate;
 /// announces the instance. Destruction retires the buffer, removes its name and takes everything
 /// back. Publishers of one process that share a module share its D-Bus service name.
 ///
-/// Threads: create, use and destroy it in one thread that runs an event loop; that loop answers
-/// clients' fetches.
+/// Survives a restart of the bus daemon: the buffer goes on, and all is served and announced again.
+///
+/// Threads: create, use and destroy it in one thread; its event loop looks for client writes and
+/// delivers the signals. A thread of the platform answers clients' fetches, so that a busy
+/// publisher keeps nobody waiting and a client in the publisher's own thread can wait for it.
 class PROCESSDATAPLATFORM_EXPORT ProcessDataPublisher : public QObject
 {
     Q_OBJECT

@@ -1,0 +1,110 @@
+// SPDX-License-Identifier: MIT
+// Blocking calls of clients, and services that do not answer them.
+#include "BusCall.h"
+#include "BusErrors.h"
+#include "BusNames.h"
+#include "ClientBus.h"
+
+#include <QDBusError>
+#include <QElapsedTimer>
+#include <QMutexLocker>
+#include <QTimer>
+
+namespace {
+
+// A probe whose answer the bus daemon gave up on is sent again after this time. Milliseconds.
+constexpr int probeRetryDelay = 1000;
+}
+
+QDBusMessage ClientBus::call(const QDBusMessage &call, bool &missed)
+{
+    const int limit = callTimeLimit();
+    {
+        const QMutexLocker lock(&mutex);
+        missed = table.isHung(call.service());
+    }
+    if (missed) {
+        return call.createErrorReply(
+            QDBusError::NoReply,
+            QStringLiteral("the service did not answer an earlier call in time and has been silent "
+                           "since"));
+    }
+    QDBusMessage request = call;
+    request.setAutoStartService(false);
+    QElapsedTimer timer;
+    timer.start();
+    const QDBusMessage answer = BusCall::wait(link.connection(), request, limit);
+    missed = noteTimeout(call, answer, timer.elapsed(), limit);
+    return answer;
+}
+
+bool ClientBus::noteTimeout(const QDBusMessage &call, const QDBusMessage &answer,
+                            qint64 milliseconds, int limit)
+{
+    // The same error comes at once when the service dies with the call: that is no hanging.
+    // QtDBus measures with coarse timers, which may be 5 % early.
+    constexpr int toleranceDivisor = 10;
+    if (!BusErrors::isTimeout(answer) || milliseconds < limit - limit / toleranceDivisor) {
+        return false;
+    }
+    const QString service = call.service();
+    const QString path = call.path();
+    const QMutexLocker lock(&mutex);
+    const quint64 probe = table.setHung(service);
+    if (probe != 0) {
+        QMetaObject::invokeMethod(
+            this, [this, service, path, probe] { sendProbe(service, path, probe); },
+            Qt::QueuedConnection);
+    }
+    return true;
+}
+
+// Asks the object itself, not org.freedesktop.DBus.Peer: bus libraries answer that one in a thread
+// of their own even while the thread that serves objects hangs.
+void ClientBus::sendProbe(const QString &service, const QString &path, quint64 probe)
+{
+    QDBusMessage message = QDBusMessage::createMethodCall(
+        service, path, BusNames::processDescriptionInterface(), QStringLiteral("ListInstances"));
+    message.setAutoStartService(false);
+    // Without a connection there is none to wait for: the loss of the bus ends all probes.
+    BusCall::send(link.connection(), message, noTimeLimit(), this,
+                  [this, service, path, probe](const QDBusMessage &answer) {
+                      handleProbe(service, path, probe, answer);
+                  });
+}
+
+void ClientBus::handleProbe(const QString &service, const QString &path, quint64 probe,
+                            const QDBusMessage &answer)
+{
+    if (!link.isConnected()) {
+        return; // the loss of the bus has ended all probes
+    }
+    if (BusErrors::isTimeout(answer)) {
+        // Either the bus daemon gave up or the service died; then its owner changes, and the next
+        // probe finds itself outdated.
+        auto *timer = new QTimer(this);
+        QObject::connect(timer, &QTimer::timeout, this, [this, timer, service, path, probe] {
+            timer->deleteLater();
+            repeatProbe(service, path, probe);
+        });
+        timer->setSingleShot(true);
+        timer->start(probeRetryDelay);
+        return;
+    }
+    const bool answered
+        = !BusErrors::isServiceMissing(answer) && !BusErrors::isDisconnected(answer);
+    const QMutexLocker lock(&mutex);
+    table.probeEnded(service, probe, answered);
+}
+
+void ClientBus::repeatProbe(const QString &service, const QString &path, quint64 probe)
+{
+    bool wanted = false;
+    {
+        const QMutexLocker lock(&mutex);
+        wanted = table.isUnderWay(service, probe);
+    }
+    if (wanted) {
+        sendProbe(service, path, probe);
+    }
+}

@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: MIT
+// All client connections of the process, and the thread that they share.
+#include "BusThread.h"
+#include "ClientBus.h"
+
+#include <QCoreApplication>
+#include <QHash>
+#include <QMutexLocker>
+
+#include <utility>
+
+namespace {
+
+// All client connections of the process. They end with its QCoreApplication and begin again with
+// the next.
+class ClientBuses
+{
+public:
+    static ClientBuses &all()
+    {
+        static ClientBuses buses;
+        return buses;
+    }
+
+    QSharedPointer<ClientBus> find(const BusChoice &choice)
+    {
+        const QMutexLocker lock(&mutex);
+        if (!thread.isRunning()) {
+            thread.start();
+            qAddPostRoutine(&ClientBuses::endOfApplication);
+        }
+        QSharedPointer<ClientBus> &bus = buses[choice.key()];
+        if (bus.isNull()) {
+            bus.reset(new ClientBus(choice));
+            thread.adopt(bus.data());
+        }
+        return bus;
+    }
+
+private:
+    ClientBuses()
+        : thread(QStringLiteral("processdata-client"))
+    {
+    }
+
+    ~ClientBuses()
+    {
+        qRemovePostRoutine(&ClientBuses::endOfApplication);
+        stop(); // the process ends without the end of its QCoreApplication
+    }
+
+    static void endOfApplication() { all().stop(); }
+
+    void stop()
+    {
+        const QMutexLocker lock(&mutex);
+        thread.runAndWait([this] {
+            for (const QSharedPointer<ClientBus> &bus : std::as_const(buses)) {
+                bus->shutDown();
+            }
+        });
+        thread.stop();
+    }
+
+    QMutex mutex;
+    QHash<QString, QSharedPointer<ClientBus>> buses;
+    BusThread thread; // destroyed before the buses
+};
+}
+
+QSharedPointer<ClientBus> ClientBus::instance(QString &error)
+{
+    QSharedPointer<ClientBus> bus;
+    const BusChoice choice = BusChoice::fromEnvironment();
+    if (QCoreApplication::instance() == nullptr) {
+        error = QStringLiteral("Cannot connect to %1: there is no QCoreApplication")
+                    .arg(choice.label());
+        return bus;
+    }
+    bus = ClientBuses::all().find(choice);
+    if (!bus->waitUntilConnected(error)) {
+        bus.reset();
+    }
+    return bus;
+}
