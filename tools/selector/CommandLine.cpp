@@ -41,6 +41,10 @@ public:
         add(options, OptionProperty, property);
         add(options, OptionInterval, interval);
         add(options, OptionCount, count);
+        add(options, OptionUntil, until);
+        add(options, OptionTimestamps, timestamps);
+        add(options, OptionChangesOnly, changesOnly);
+        add(options, OptionPlot, plot);
     }
 
     bool parse(const QStringList &arguments, CommandLine &line, QString &error)
@@ -52,6 +56,11 @@ public:
         line.help = isSet(help);
         line.verbose = isSet(verbose);
         line.hasType = isSet(type);
+        line.hasUntil = isSet(until);
+        line.until = value(until);
+        line.timestamps = isSet(timestamps);
+        line.changesOnly = isSet(changesOnly);
+        line.plot = isSet(plot);
         line.type = value(type);
         line.file = value(file);
         const QStringList positional = parser.positionalArguments();
@@ -149,6 +158,10 @@ private:
                                       QStringLiteral("NAME")};
     const QCommandLineOption interval{QStringLiteral("interval"), QString(), QStringLiteral("MS")};
     const QCommandLineOption count{QStringLiteral("count"), QString(), QStringLiteral("N")};
+    const QCommandLineOption until{QStringLiteral("until"), QString(), QStringLiteral("EXPR")};
+    const QCommandLineOption timestamps{QStringLiteral("timestamps")};
+    const QCommandLineOption changesOnly{QStringLiteral("changes-only")};
+    const QCommandLineOption plot{QStringLiteral("plot")};
     const QStringList alwaysKnown{QStringLiteral("format"), QStringLiteral("timeout"),
                                   QStringLiteral("verbose"), QStringLiteral("help")};
     QStringList known;

@@ -15,6 +15,10 @@ enum CommandOption {
     OptionProperty = 4, ///< --property
     OptionInterval = 8, ///< --interval
     OptionCount = 16, ///< --count
+    OptionUntil = 32, ///< --until
+    OptionTimestamps = 64, ///< --timestamps
+    OptionChangesOnly = 128, ///< --changes-only
+    OptionPlot = 256, ///< --plot
 };
 
 /// What the user asked for.
@@ -28,7 +32,12 @@ struct CommandLine
     int interval = 200; ///< milliseconds
     int count = 0; ///< 0: no end
     int timeout = 0; ///< milliseconds; 0: not given
+    QString until;
+    bool hasUntil = false;
     bool hasType = false;
+    bool timestamps = false;
+    bool changesOnly = false;
+    bool plot = false;
     bool verbose = false;
     bool help = false;
 };

@@ -39,13 +39,6 @@ QString whatName(SelectorChange::What what)
     return QStringLiteral("changed");
 }
 
-QString jsonLine(QJsonObject object)
-{
-    object.insert(QStringLiteral("schema"), QStringLiteral("selector.watch/1"));
-    return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact))
-        + QLatin1Char('\n');
-}
-
 } // namespace
 
 SelectorChange compareProperties(int index, const QString &url, const QJsonObject &before,
@@ -77,8 +70,9 @@ SelectorChange compareProperties(int index, const QString &url, const QJsonObjec
     return change;
 }
 
-WatchLines::WatchLines(const QVector<QString> &urls, const Style &style)
+WatchLines::WatchLines(const QVector<QString> &urls, const Style &style, bool timestamps)
     : style(style)
+    , timestamps(timestamps)
     , columns{{QStringLiteral("time")}, {QStringLiteral("url")},   {QStringLiteral("value"), true},
               {QStringLiteral("unit")}, {QStringLiteral("error")}, {QStringLiteral("note")}}
 {
@@ -87,6 +81,28 @@ WatchLines::WatchLines(const QVector<QString> &urls, const Style &style)
         urlWidth = std::max(urlWidth, printable(url).size());
     }
     widths = {timeWidth, urlWidth, valueWidth, unitWidth, errorWidth, 0};
+    if (timestamps) {
+        columns.prepend({QStringLiteral("seen")});
+        widths.prepend(timeWidth);
+    }
+}
+
+QString WatchLines::jsonLine(QJsonObject object, qint64 now) const
+{
+    object.insert(QStringLiteral("schema"), QStringLiteral("selector.watch/1"));
+    if (timestamps) {
+        object.insert(QStringLiteral("seen"), timeToIsoText(now));
+    }
+    return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact))
+        + QLatin1Char('\n');
+}
+
+QString WatchLines::csvLine(QStringList fields, qint64 now) const
+{
+    if (timestamps) {
+        fields.prepend(timeToIsoText(now));
+    }
+    return renderCsvLine(fields) + QLatin1Char('\n');
 }
 
 QString WatchLines::header() const
@@ -95,7 +111,8 @@ QString WatchLines::header() const
     case Format::Json:
         return {};
     case Format::Csv:
-        return QStringLiteral("event,time,url,value,unit,error,note,indices\n");
+        return (timestamps ? QStringLiteral("seen,") : QString())
+            + QStringLiteral("event,time,url,value,unit,error,note,indices\n");
     case Format::Table:
         break;
     }
@@ -113,16 +130,19 @@ QString WatchLines::value(int index, const ReadResult &result, qint64 now) const
         if (!hasTime) {
             entry.json.insert(QStringLiteral("time"), timeToIsoText(now));
         }
-        return jsonLine(entry.json);
+        return jsonLine(entry.json, now);
     }
     const Cell time = hasTime ? cells.at(4) : Cell(timeToText(now), timeToIsoText(now));
     if (style.format == Format::Csv) {
-        return renderCsvLine({QStringLiteral("value"), time.machineText, cells.at(0).text,
-                              cells.at(1).machineText, cells.at(2).text, cells.at(3).text,
-                              cells.at(5).text, QString::number(index)})
-            + QLatin1Char('\n');
+        return csvLine({QStringLiteral("value"), time.machineText, cells.at(0).text,
+                        cells.at(1).machineText, cells.at(2).text, cells.at(3).text,
+                        cells.at(5).text, QString::number(index)},
+                       now);
     }
-    const Row row{time, cells.at(0), cells.at(1), cells.at(2), cells.at(3), cells.at(5)};
+    Row row{time, cells.at(0), cells.at(1), cells.at(2), cells.at(3), cells.at(5)};
+    if (timestamps) {
+        row.prepend(Cell(timeToText(now)));
+    }
     return renderTableLine(columns, widths, row, entry.state, style.colour) + QLatin1Char('\n');
 }
 
@@ -147,13 +167,14 @@ QString WatchLines::signal(const QString &signal, const QVector<SelectorChange> 
         return jsonLine({{QStringLiteral("event"), signal},
                          {QStringLiteral("time"), timeToIsoText(now)},
                          {QStringLiteral("indices"), indices},
-                         {QStringLiteral("changes"), details}});
+                         {QStringLiteral("changes"), details}},
+                        now);
     }
     const QString note = texts.join(QStringLiteral("; "));
     if (style.format == Format::Csv) {
-        return renderCsvLine({signal, timeToIsoText(now), QString(), QString(), QString(),
-                              QString(), note, numbers.join(QLatin1Char(' '))})
-            + QLatin1Char('\n');
+        return csvLine({signal, timeToIsoText(now), QString(), QString(), QString(), QString(),
+                        note, numbers.join(QLatin1Char(' '))},
+                       now);
     }
     return printable(QStringLiteral("%1  %2 [%3]: %4")
                          .arg(timeToText(now), signal, numbers.join(QLatin1String(", ")), note))

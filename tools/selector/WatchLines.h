@@ -36,20 +36,25 @@ SelectorChange compareProperties(int index, const QString &url, const QJsonObjec
 class WatchLines
 {
 public:
-    /// @param urls  the selectors, which decide how wide a table is
-    WatchLines(const QVector<QString> &urls, const Style &style);
+    /// @param urls        the selectors, which decide how wide a table is
+    /// @param timestamps  whether each line says when it was printed, in a first column "seen"
+    WatchLines(const QVector<QString> &urls, const Style &style, bool timestamps = false);
 
     /// What stands above the first line; empty for JSON.
     QString header() const;
 
-    /// @param now  nanoseconds since the epoch, for a selector without a time of its own
+    /// @param now  nanoseconds since the epoch: when it is printed
     QString value(int index, const ReadResult &result, qint64 now) const;
 
     /// @param signal  name of the library's signal
     QString signal(const QString &signal, const QVector<SelectorChange> &changes, qint64 now) const;
 
 private:
+    QString jsonLine(QJsonObject object, qint64 now) const;
+    QString csvLine(QStringList fields, qint64 now) const;
+
     const Style style;
+    const bool timestamps;
     QVector<Column> columns;
     QVector<int> widths;
 };

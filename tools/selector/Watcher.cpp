@@ -3,6 +3,7 @@
 #include "Watcher.h"
 
 #include "Diagnosis.h"
+#include "ValueText.h"
 
 #include <QDateTime>
 #include <QJsonDocument>
@@ -20,12 +21,19 @@ qint64 now()
 
 } // namespace
 
-Watcher::Watcher(const QVector<QString> &urls, const CommandLine &line, const Console &console)
+Watcher::Watcher(const QVector<WatchTarget> &targets, const CommandLine &line,
+                 const std::optional<UntilExpression> &until, const Console &console)
     : handler(nullptr)
-    , lines(urls, console.style)
+    , lines(urlsOf(targets), console.style, line.timestamps)
     , console(console)
+    , until(until)
+    , changesOnly(line.changesOnly)
     , wantedLines(line.count)
 {
+    const QVector<QString> urls = urlsOf(targets);
+    if (line.plot) {
+        screen = std::make_unique<PlotScreen>(targets, console, PlotAbilities::ofStandardOutput());
+    }
     connect(&handler,
             qOverload<QVector<int>>(&SelectorHandlerProcessValue::processDataDescriptionChanged),
             this, [this](const QVector<int> &indices) {
@@ -50,8 +58,10 @@ Watcher::Watcher(const QVector<QString> &urls, const CommandLine &line, const Co
 
 void Watcher::start()
 {
-    console.out << lines.header();
-    console.out.flush();
+    if (!screen) {
+        console.out << lines.header();
+        console.out.flush();
+    }
     timer.start();
     poll();
 }
@@ -66,6 +76,57 @@ void Watcher::poll()
     const QVector<ProcessValue> values = handler.getValues();
     for (int i = 0; i < values.size() && (wantedLines == 0 || printed < wantedLines); ++i) {
         read(i, values.at(i));
+    }
+    if (screen) {
+        plot();
+    }
+    checkCondition();
+}
+
+void Watcher::plot()
+{
+    for (int i = 0; i < selectors.size(); ++i) {
+        const Selector &selector = selectors.at(i);
+        bool isNumber = false;
+        double sample = selector.value.toDouble(&isNumber);
+        // A text that reads like a number is still none.
+        isNumber = isNumber && selector.value.userType() != QMetaType::QString
+            && selector.value.userType() != QMetaType::QByteArray
+            && selector.errorType == ProcessDataDefinitions::NoError;
+        sample = isNumber ? sample : qQNaN();
+        const QString unit = selector.properties.value(QLatin1String("unit")).toString();
+        const QString value = selector.good
+            ? valueToShortText(selector.value) + QLatin1Char(' ') + unit
+            : selector.reason;
+        screen->panel(i).add(sample, value.trimmed());
+    }
+    screen->draw();
+    countLine();
+}
+
+void Watcher::finish()
+{
+    timer.stop();
+    if (screen) {
+        screen->finish();
+    }
+}
+
+void Watcher::checkCondition()
+{
+    if (!until || met) {
+        return;
+    }
+    QVector<WatchedValue> values;
+    values.reserve(selectors.size());
+    for (const Selector &selector : qAsConst(selectors)) {
+        const bool good = selector.errorType == ProcessDataDefinitions::NoError;
+        values.append({good ? selector.value : QVariant(), selector.changed});
+    }
+    if (until->evaluate(values) == UntilExpression::True) {
+        met = true;
+        timer.stop();
+        Q_EMIT finished();
     }
 }
 
@@ -84,6 +145,8 @@ void Watcher::read(int index, const ProcessValue &value)
     if (same) {
         return;
     }
+    const bool first = !selector.seen;
+    selector.changed = !first;
     selector.seen = true;
     selector.value = value.getValue();
     selector.errorType = value.getErrorType();
@@ -91,8 +154,11 @@ void Watcher::read(int index, const ProcessValue &value)
     const ReadResult result{selector.url, value, selector.properties, finding};
     const Entry entry = readEntry(result);
     selector.good = entry.state == Entry::Good || entry.state == Entry::Skipped;
-    print(lines.value(index, result, now()));
-    if (!selector.good) {
+    selector.reason = entry.reason;
+    if (!screen && !(first && changesOnly)) {
+        print(lines.value(index, result, now()));
+    }
+    if (!selector.good && !(screen && console.silentReasons)) {
         printReason(entry.subject, entry.reason, console);
     }
 }
@@ -109,20 +175,28 @@ void Watcher::announce(const QString &signal, const QVector<int> &indices)
         changes.append(compareProperties(index, selector.url, selector.properties, properties));
         selector.properties = properties;
         selector.examine = true;
+        selector.changed = true;
     }
-    print(lines.signal(signal, changes, now()));
-    if (wantedLines == 0 || printed < wantedLines) {
+    if (!screen) {
+        print(lines.signal(signal, changes, now()));
+    }
+    if (!met && !screen && (wantedLines == 0 || printed < wantedLines)) {
         poll();
     }
 }
 
 void Watcher::print(const QString &text)
 {
-    if (isComplete() && wantedLines != 0) {
+    if (met || (isComplete() && wantedLines != 0)) {
         return;
     }
     console.out << text;
     console.out.flush();
+    countLine();
+}
+
+void Watcher::countLine()
+{
     ++printed;
     if (wantedLines != 0 && isComplete()) {
         timer.stop();

@@ -5,14 +5,20 @@
 
 #include "CommandLine.h"
 #include "Console.h"
+#include "PlotScreen.h"
 #include "SelectorHandlerProcessValue.h"
+#include "UntilExpression.h"
 #include "WatchLines.h"
 
 #include <QObject>
 #include <QTimer>
 
+#include <memory>
+#include <optional>
+
 /// Reads all selectors regularly and prints those whose value, error type or reason differs from
-/// the line before; prints both change signals of the library as they come.
+/// the line before; prints both change signals of the library as they come. With --plot draws
+/// charts instead of lines, and each look counts as a line.
 ///
 /// Threads: the main thread, with a running event loop.
 class Watcher : public QObject
@@ -20,7 +26,9 @@ class Watcher : public QObject
     Q_OBJECT
 
 public:
-    Watcher(const QVector<QString> &urls, const CommandLine &line, const Console &console);
+    /// @param until  the condition that ends the watch; nothing: none does
+    Watcher(const QVector<WatchTarget> &targets, const CommandLine &line,
+            const std::optional<UntilExpression> &until, const Console &console);
 
     /// Whether the latest line of each selector was good.
     bool allGood() const;
@@ -28,7 +36,13 @@ public:
     /// Whether as many lines as wanted were printed; true when none were asked for.
     bool isComplete() const;
 
+    /// Whether the condition held.
+    bool isMet() const { return met; }
+
     int lineCount() const { return printed; }
+
+    /// Prints what was kept for the end.
+    void finish();
 
 public Q_SLOTS:
     /// Prints the header and all selectors for the first time.
@@ -45,15 +59,20 @@ private:
         QVariant value;
         ProcessDataDefinitions::ErrorTypes errorType = ProcessDataDefinitions::NoError;
         Finding finding;
+        bool changed = false; ///< at least once since it was printed first
         bool seen = false; ///< whether it was printed at least once
         bool examine = true; ///< whether its finding may be another one than before
         bool good = false;
+        QString reason; ///< why it is not good
     };
 
     void poll();
     void read(int index, const ProcessValue &value);
     void announce(const QString &signal, const QVector<int> &indices);
     void print(const QString &text);
+    void countLine();
+    void checkCondition();
+    void plot();
     QJsonObject currentProperties(int index);
 
     SelectorHandlerProcessValue handler;
@@ -61,8 +80,12 @@ private:
     const WatchLines lines;
     const Console console;
     QTimer timer;
+    const std::optional<UntilExpression> until;
+    std::unique_ptr<PlotScreen> screen; ///< null: lines are printed
+    const bool changesOnly;
     const int wantedLines;
     int printed = 0;
+    bool met = false;
 };
 
 #endif

@@ -31,14 +31,14 @@ _selector()
             -- "$current")
         return
         ;;
-    --interval | --count | --timeout) return ;;
+    --interval | --count | --timeout | --until) return ;;
     esac
 
     words="--format --timeout --verbose --help"
     case $command in
     modules) words+=" --type" ;;
     read | write) words+=" --file" ;;
-    watch) words+=" --file --interval --count" ;;
+    watch) words+=" --file --interval --count --until --timestamps --changes-only --plot" ;;
     properties) words+=" --file --property" ;;
     esac
     if [[ $current == -* ]]; then

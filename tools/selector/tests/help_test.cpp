@@ -14,7 +14,11 @@ QStringList optionsOf(const Command &command)
                                      {OptionType, "--type"},
                                      {OptionProperty, "--property"},
                                      {OptionInterval, "--interval"},
-                                     {OptionCount, "--count"}};
+                                     {OptionCount, "--count"},
+                                     {OptionUntil, "--until"},
+                                     {OptionTimestamps, "--timestamps"},
+                                     {OptionChangesOnly, "--changes-only"},
+                                     {OptionPlot, "--plot"}};
     for (auto option = special.begin(); option != special.end(); ++option) {
         if ((command.options & option.key()) != 0) {
             options.append(option.value());

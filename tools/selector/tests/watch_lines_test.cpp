@@ -42,6 +42,7 @@ private Q_SLOTS:
     void tablesHaveFixedColumns();
     void csvHasOneFormForAllEvents();
     void jsonIsOneObjectALine();
+    void timestampsStandInFrontOfEachLine();
     void whatHappenedIsTold_data();
     void whatHappenedIsTold();
 };
@@ -114,6 +115,27 @@ void WatchLinesTest::jsonIsOneObjectALine()
             R"("event":"processDataDescriptionChanged","indices":[0,1],"schema":"selector.watch/1",)"
             R"("time":"2026-01-01T14:00:00.123+02:00"})"
             "\n"));
+}
+
+void WatchLinesTest::timestampsStandInFrontOfEachLine()
+{
+    const qint64 second = 1000000000;
+    const WatchLines table(urls, {Format::Table, false, false}, true);
+    QVERIFY(table.header().startsWith("SEEN                     TIME                     URL"));
+    QVERIFY(table.value(0, good(), noon + second)
+                .startsWith("2026-01-01 14:00:01.123  2026-01-01 14:00:00.123  processdata:"));
+
+    const WatchLines csv(urls, {Format::Csv, false, false}, true);
+    QCOMPARE(csv.header(), QString("seen,event,time,url,value,unit,error,note,indices\n"));
+    QCOMPARE(csv.value(0, good(), noon + second),
+             QString("2026-01-01T14:00:01.123+02:00,value,2026-01-01T14:00:00.123+02:00,"
+                     "processdata://M/O/1/a,5,V,NoError,,0\n"));
+
+    const WatchLines json(urls, {Format::Json, false, false}, true);
+    QVERIFY(json.value(0, good(), noon + second)
+                .contains("\"seen\":\"2026-01-01T14:00:01.123+02:00\""));
+    QVERIFY(json.signal("propertyChanged", {}, noon + second)
+                .contains("\"seen\":\"2026-01-01T14:00:01.123+02:00\""));
 }
 
 void WatchLinesTest::whatHappenedIsTold_data()

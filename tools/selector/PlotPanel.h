@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: MIT
+// The chart of one selector.
+#ifndef PLOTPANEL_H
+#define PLOTPANEL_H
+
+#include <QString>
+#include <QStringList>
+#include <QVector>
+
+/// Keeps the latest samples and draws them as a line, the newest at the right.
+class PlotPanel
+{
+public:
+    explicit PlotPanel(const QString &name);
+
+    /// @param sample  NaN: none at this time, which leaves a gap
+    /// @param note    the value with its unit, or why there is none
+    void add(double sample, const QString &note);
+
+    /// @param width   columns in all
+    /// @param height  lines in all, at least 3: the title and the line
+    /// @param dots    whether the terminal has Braille patterns, eight dots a cell; otherwise plain
+    ///                ASCII
+    QStringList render(int width, int height, bool dots) const;
+
+private:
+    const QString name;
+    QString note;
+    QVector<double> samples;
+};
+
+#endif
