@@ -79,8 +79,8 @@ void PlotPanelTest::extremesAndControlCharactersDoNoHarm()
     QCOMPARE(lines.mid(1), (QStringList{"  1.7e+308 | *", " -1.7e+308 |*"}));
 
     PlotPanel evil("a\x1b[2J");
-    evil.add(1, "x\n");
-    QCOMPARE(evil.render(40, 3, false).first(), QString("a\\x1b[2J  x\\n"));
+    evil.add(1, "x\ny");
+    QCOMPARE(evil.render(40, 3, false).first(), QString("a\\x1b[2J  x\\ny"));
 
     PlotPanel longRun("many");
     for (int i = 0; i < 10000; ++i) {
