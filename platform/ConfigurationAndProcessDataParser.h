@@ -18,6 +18,7 @@ class PROCESSDATAPLATFORM_EXPORT ConfigurationAndProcessDataParser
 {
 public:
     ConfigurationAndProcessDataParser();
+    // NOLINTNEXTLINE(performance-trivially-destructible): each platform brings its own body
     ~ConfigurationAndProcessDataParser();
     ConfigurationAndProcessDataParser(const ConfigurationAndProcessDataParser &) = delete;
     ConfigurationAndProcessDataParser &operator=(const ConfigurationAndProcessDataParser &)

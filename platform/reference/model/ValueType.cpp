@@ -9,25 +9,25 @@ namespace {
 
 struct TypeRow
 {
-    ValueType type;
     QLatin1String name;
+    ValueType type;
     quint32 size; // bytes; 0: as much as the leaf's capacity
 };
 
 const TypeRow types[] = {
-    {ValueType::Bool, QLatin1String("bool"), 1},
-    {ValueType::Int8, QLatin1String("int8"), 1},
-    {ValueType::Int16, QLatin1String("int16"), 2},
-    {ValueType::Int32, QLatin1String("int32"), 4},
-    {ValueType::Int64, QLatin1String("int64"), 8},
-    {ValueType::UInt8, QLatin1String("uint8"), 1},
-    {ValueType::UInt16, QLatin1String("uint16"), 2},
-    {ValueType::UInt32, QLatin1String("uint32"), 4},
-    {ValueType::UInt64, QLatin1String("uint64"), 8},
-    {ValueType::Float32, QLatin1String("float32"), 4},
-    {ValueType::Float64, QLatin1String("float64"), 8},
-    {ValueType::String, QLatin1String("string"), 0},
-    {ValueType::Bytes, QLatin1String("bytes"), 0},
+    {QLatin1String("bool"), ValueType::Bool, 1},
+    {QLatin1String("int8"), ValueType::Int8, 1},
+    {QLatin1String("int16"), ValueType::Int16, 2},
+    {QLatin1String("int32"), ValueType::Int32, 4},
+    {QLatin1String("int64"), ValueType::Int64, 8},
+    {QLatin1String("uint8"), ValueType::UInt8, 1},
+    {QLatin1String("uint16"), ValueType::UInt16, 2},
+    {QLatin1String("uint32"), ValueType::UInt32, 4},
+    {QLatin1String("uint64"), ValueType::UInt64, 8},
+    {QLatin1String("float32"), ValueType::Float32, 4},
+    {QLatin1String("float64"), ValueType::Float64, 8},
+    {QLatin1String("string"), ValueType::String, 0},
+    {QLatin1String("bytes"), ValueType::Bytes, 0},
 };
 
 const TypeRow &rowOf(ValueType type)
