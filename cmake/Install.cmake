@@ -58,6 +58,8 @@ if(SELECTORHANDLER_PLATFORM STREQUAL "reference")
         HEADERS ${contract_headers}
             ${reference_dir}/bus/BusQueryResult.h
             ${reference_dir}/bus/InstanceListClient.h
+            ${reference_dir}/bus/ServiceOwnerClient.h
+            ${reference_dir}/memory/BufferInspection.h
             ${reference_dir}/bus/ProviderListClient.h
             ${reference_dir}/publisher/ProcessDataPublisher.h
             ${reference_dir}/system/ProviderRegistryService.h

@@ -21,6 +21,7 @@ private Q_SLOTS:
     void whatEscapingNeverWritesIsNotUnescaped_data();
     void whatEscapingNeverWritesIsNotUnescaped();
     void aServiceNameNeverExceedsWhatTheBusAllows();
+    void aModuleIsToldFromItsServiceUnlessItsNameWasCut();
     void theTimeLimitComesFromTheEnvironment_data();
     void theTimeLimitComesFromTheEnvironment();
     void aBadTimeLimitWarnsOnceAndCountsAsTheDefault();
@@ -131,6 +132,19 @@ void BusNamesTest::aServiceNameNeverExceedsWhatTheBusAllows()
     QCOMPARE(BusNames::serviceOfModule(fits + "m").size(), 255);
     QCOMPARE(BusNames::serviceOfModule(long1).size(), 255);
     QVERIFY(BusNames::serviceOfModule(long1) != BusNames::serviceOfModule(long2));
+}
+
+void BusNamesTest::aModuleIsToldFromItsServiceUnlessItsNameWasCut()
+{
+    for (const char *module : {"Pump2b", "42", "a-b", ""}) {
+        const auto back = BusNames::moduleOfService(BusNames::serviceOfModule(module));
+        QVERIFY2(back.has_value() && *back == module, module);
+    }
+    QVERIFY(!BusNames::moduleOfService(BusNames::serviceOfModule(QString(300, 'm'))));
+    for (const char *service : {"com.orvalis.ProcessData", "com.orvalis.Other.Pump", ":1.7",
+                                "com.orvalis.ProcessData.42", "com.orvalis.ProcessData.a.b"}) {
+        QVERIFY2(!BusNames::moduleOfService(service), service);
+    }
 }
 
 void BusNamesTest::theTimeLimitComesFromTheEnvironment_data()

@@ -18,6 +18,11 @@ bool BusErrors::isServiceMissing(const QDBusMessage &answer)
         || answer.errorName() == QLatin1String("org.freedesktop.DBus.Error.NameHasNoOwner");
 }
 
+bool BusErrors::isDenied(const QDBusMessage &answer)
+{
+    return QDBusError(answer).type() == QDBusError::AccessDenied;
+}
+
 bool BusErrors::isDisconnected(const QDBusMessage &answer)
 {
     return QDBusError(answer).type() == QDBusError::Disconnected;

@@ -14,6 +14,9 @@ bool isTimeout(const QDBusMessage &answer);
 /// Nobody owns the service's name.
 bool isServiceMissing(const QDBusMessage &answer);
 
+/// The bus or the service does not permit the call.
+bool isDenied(const QDBusMessage &answer);
+
 /// The connection to the bus was lost.
 bool isDisconnected(const QDBusMessage &answer);
 }

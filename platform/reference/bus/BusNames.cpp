@@ -99,6 +99,15 @@ QString BusNames::serviceOfModule(const QString &moduleName)
     return name.left(maximumNameLength - ending.size()) + ending;
 }
 
+std::optional<QString> BusNames::moduleOfService(const QString &service)
+{
+    if (!service.startsWith(servicePrefix())) {
+        return std::nullopt;
+    }
+    std::optional<QString> module = unescape(service.mid(servicePrefix().size()));
+    return module && serviceOfModule(*module) == service ? module : std::nullopt;
+}
+
 QString BusNames::pathOfObject(const QString &objectName)
 {
     return pathOfAllObjects() + QLatin1Char('/') + escape(objectName, Element::ObjectPath);

@@ -30,6 +30,9 @@ std::optional<QString> unescape(const QString &escaped);
 /// cut and ends in "__" and a hash of the module.
 QString serviceOfModule(const QString &moduleName);
 
+/// Undoes serviceOfModule(); nothing for any other name, and for one that was cut.
+std::optional<QString> moduleOfService(const QString &service);
+
 /// Path of an object of a module.
 QString pathOfObject(const QString &objectName);
 

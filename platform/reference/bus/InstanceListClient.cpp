@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Asks a module's service for its objects and their instances.
+// Asks a module's service for its objects, their instances and descriptions.
 #include "InstanceListClient.h"
 
 #include "BusNames.h"
@@ -68,6 +68,22 @@ BusQueryResult fetchInstances(const QString &moduleName, const QString &objectNa
     if (result == BusQueryResult::Ok) {
         instances = answer.arguments().at(0).toStringList();
         instances.sort();
+    }
+    return result;
+}
+
+BusQueryResult fetchDescription(const QString &moduleName, const QString &objectName,
+                                const QString &instance, QString &description,
+                                QString &errorMessage)
+{
+    QDBusMessage call = QDBusMessage::createMethodCall(
+        BusNames::serviceOfModule(moduleName), BusNames::pathOfObject(objectName),
+        BusNames::processDescriptionInterface(), QStringLiteral("GetProcessDataDescription"));
+    call << instance << QString();
+    QDBusMessage answer;
+    const BusQueryResult result = queryService(call, QStringLiteral("s"), answer, errorMessage);
+    if (result == BusQueryResult::Ok) {
+        description = answer.arguments().at(0).toString();
     }
     return result;
 }

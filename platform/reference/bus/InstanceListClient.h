@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Asks a module's service for its objects and their instances.
+// Asks a module's service for its objects, their instances and descriptions.
 #ifndef INSTANCELISTCLIENT_H
 #define INSTANCELISTCLIENT_H
 
@@ -23,5 +23,12 @@ PROCESSDATAPLATFORM_EXPORT BusQueryResult fetchInstances(const QString &moduleNa
                                                          const QString &objectName,
                                                          QStringList &instances,
                                                          QString &errorMessage);
+
+/// Fetches an instance's description as the service sends it; otherwise like fetchObjects.
+PROCESSDATAPLATFORM_EXPORT BusQueryResult fetchDescription(const QString &moduleName,
+                                                           const QString &objectName,
+                                                           const QString &instance,
+                                                           QString &description,
+                                                           QString &errorMessage);
 
 #endif

@@ -29,7 +29,11 @@ BusQueryResult queryService(const QDBusMessage &call, const QString &signature,
         const QDBusError error(received);
         errorMessage = QStringLiteral("%1 %2: %3 (%4)")
                            .arg(call.service(), call.path(), error.message(), error.name());
-        return BusQueryResult::ServiceFailed;
+        if (BusErrors::isTimeout(received)) {
+            return BusQueryResult::TimedOut;
+        }
+        return BusErrors::isDenied(received) ? BusQueryResult::Denied
+                                             : BusQueryResult::ServiceFailed;
     }
     if (received.signature() != signature) {
         errorMessage = QStringLiteral("%1 %2: the answer's type is \"%3\", not \"%4\"")

@@ -68,14 +68,17 @@ QString differs(const char *what, quint64 found, quint64 expected)
         .arg(expected);
 }
 
-QString checkFile(const struct stat &status, const BufferDescription &expected)
+QString checkFile(const struct stat &status, const BufferDescription &expected, AttachStep &step)
 {
+    step = AttachStep::File;
     if (!S_ISREG(status.st_mode)) {
         return QStringLiteral("it is no regular file");
     }
+    step = AttachStep::Permission;
     if (status.st_uid != expected.ownerUid) {
         return differs("owner's user id", status.st_uid, expected.ownerUid);
     }
+    step = AttachStep::Layout;
     if (quint64(status.st_size) != expected.size) {
         return differs("file size", quint64(status.st_size), expected.size);
     }
@@ -165,8 +168,9 @@ QSharedPointer<SharedMemoryPrivate> mapBuffer(const OpenBuffer &buffer, size_t s
 }
 
 QSharedPointer<SharedMemoryPrivate> attachBuffer(const ProcessDataDescription &description,
-                                                 QString &error)
+                                                 QString &error, AttachStep &step)
 {
+    step = AttachStep::File;
     const QByteArray path = sharedMemoryPath(description.buffer->name);
     if (path.isEmpty()) {
         error = QStringLiteral("its name is not that of a shared-memory object");
@@ -174,6 +178,7 @@ QSharedPointer<SharedMemoryPrivate> attachBuffer(const ProcessDataDescription &d
     }
     const OpenBuffer buffer = openBuffer(path);
     if (buffer.descriptor == -1) {
+        step = errno == EACCES || errno == EPERM ? AttachStep::Permission : AttachStep::File;
         error = openingFailed(path, errno);
         return {};
     }
@@ -185,7 +190,7 @@ QSharedPointer<SharedMemoryPrivate> attachBuffer(const ProcessDataDescription &d
         error = errorText(errno);
         return {};
     }
-    QString reason = checkFile(status, *description.buffer);
+    QString reason = checkFile(status, *description.buffer, step);
     if (reason.isEmpty()) {
         reason = checkContent(buffer.descriptor, description);
     }
@@ -193,5 +198,14 @@ QSharedPointer<SharedMemoryPrivate> attachBuffer(const ProcessDataDescription &d
         error = reason;
         return {};
     }
-    return mapBuffer(buffer, size_t(description.buffer->size), error);
+    auto mapping = mapBuffer(buffer, size_t(description.buffer->size), error);
+    step = mapping.isNull() ? AttachStep::Layout : AttachStep::Mapped;
+    return mapping;
+}
+
+QSharedPointer<SharedMemoryPrivate> attachBuffer(const ProcessDataDescription &description,
+                                                 QString &error)
+{
+    AttachStep step = AttachStep::File;
+    return attachBuffer(description, error, step);
 }

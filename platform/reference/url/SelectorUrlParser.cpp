@@ -75,20 +75,22 @@ bool decodePart(const QStringRef &part, QString &decoded)
     return state.invalidChars == 0 && state.remainingChars == 0 && !hasControlCharacter(decoded);
 }
 
-// Keys join module, object and instance with "_": a "_" in the first two would let two sources
-// share one.
-bool isSourceName(const QString &name)
+QString undecodable(const QStringRef &part)
 {
-    return !name.isEmpty() && !name.contains(QLatin1Char('_'));
+    return QStringLiteral("\"%1\" holds a control character or is not percent-encoded UTF-8")
+        .arg(part.toString());
 }
 
-bool decodePath(const QVector<QStringRef> &segments, int first, QString &path)
+QString decodePath(const QVector<QStringRef> &segments, int first, QString &path)
 {
     bool addressable = true;
     for (int i = first; i < segments.size(); ++i) {
         QString name;
-        if (segments.at(i).isEmpty() || !decodePart(segments.at(i), name)) {
-            return false;
+        if (segments.at(i).isEmpty()) {
+            return QStringLiteral("a group or the leaf has no name (\"//\" or \"/\" at the end)");
+        }
+        if (!decodePart(segments.at(i), name)) {
+            return undecodable(segments.at(i));
         }
         addressable = addressable && !name.contains(QLatin1Char('/'));
         if (i > first) {
@@ -99,24 +101,67 @@ bool decodePath(const QVector<QStringRef> &segments, int first, QString &path)
     if (!addressable) {
         path = QString();
     }
-    return true;
+    return QString();
 }
 
-bool parseParts(const QStringRef &text, SelectorUrlParts &parts)
+// Keys join module, object and instance with "_": a "_" in the first two would let two sources
+// share one.
+QString checkSourceName(const char *what, const QString &name)
+{
+    if (name.isEmpty()) {
+        return QStringLiteral("the %1 is empty").arg(QLatin1String(what));
+    }
+    return name.contains(QLatin1Char('_'))
+        ? QStringLiteral("the %1 \"%2\" contains \"_\"").arg(QLatin1String(what), name)
+        : QString();
+}
+
+QString parseParts(const QStringRef &text, SelectorUrlParts &parts)
 {
     const QLatin1String separator("://");
     const int schemeEnd = text.indexOf(separator);
     if (schemeEnd < 0 || !isScheme(text.left(schemeEnd))) {
-        return false;
+        return QStringLiteral("it does not begin with a scheme and \"://\"");
     }
     parts.scheme = text.left(schemeEnd).toString();
     const QVector<QStringRef> segments
         = text.mid(schemeEnd + separator.size()).split(QLatin1Char('/'));
     constexpr int firstOfPath = 3;
-    return segments.size() > firstOfPath && decodePart(segments.at(0), parts.moduleName)
-        && decodePart(segments.at(1), parts.objectName)
-        && decodePart(segments.at(2), parts.instance) && isSourceName(parts.moduleName)
-        && isSourceName(parts.objectName) && decodePath(segments, firstOfPath, parts.path);
+    if (segments.size() <= firstOfPath) {
+        return QStringLiteral("it has %1 of at least 4 parts (MODULE/OBJECT/INSTANCE/LEAF)")
+            .arg(segments.size());
+    }
+    QString *const names[] = {&parts.moduleName, &parts.objectName, &parts.instance};
+    for (int i = 0; i < firstOfPath; ++i) {
+        if (!decodePart(segments.at(i), *names[i])) {
+            return undecodable(segments.at(i));
+        }
+    }
+    QString problem = decodePath(segments, firstOfPath, parts.path);
+    if (!problem.isEmpty()) {
+        return problem;
+    }
+    problem = checkSourceName("module", parts.moduleName);
+    if (problem.isEmpty()) {
+        problem = checkSourceName("object", parts.objectName);
+    }
+    parts.sourceNameRefused = !problem.isEmpty();
+    return problem;
+}
+
+// What holds for the text as a whole.
+QString checkText(const QString &text)
+{
+    if (text.contains(QLatin1Char('#'))) {
+        return QStringLiteral("it has a fragment (\"#\")");
+    }
+    if (!text.isValidUtf16()) {
+        return QStringLiteral("it is no valid Unicode");
+    }
+    const int size = text.toUtf8().size();
+    return size > selectorUrlMaximumLength
+        ? QStringLiteral("it has %1 bytes, more than %2").arg(size).arg(selectorUrlMaximumLength)
+        : QString();
 }
 
 } // namespace
@@ -127,11 +172,18 @@ SelectorUrlParts parseSelectorUrl(const QString &text)
     const bool deactivated = query >= 0 && text.midRef(query) == QLatin1String("?deactivated");
 
     SelectorUrlParts parts;
-    parts.valid = (query < 0 || deactivated) && !text.contains(QLatin1Char('#'))
-        && text.isValidUtf16() && text.toUtf8().size() <= selectorUrlMaximumLength
-        && parseParts(text.leftRef(query), parts);
+    QString problem = query < 0 || deactivated
+        ? checkText(text)
+        : QStringLiteral("it has a query other than \"?deactivated\"");
+    if (problem.isEmpty()) {
+        problem = parseParts(text.leftRef(query), parts);
+    }
+    parts.valid = problem.isEmpty();
     if (!parts.valid) {
+        const bool sourceNameRefused = parts.sourceNameRefused;
         parts = SelectorUrlParts();
+        parts.problem = problem;
+        parts.sourceNameRefused = sourceNameRefused;
     }
     parts.deactivated = deactivated;
     return parts;

@@ -3,6 +3,8 @@
 #ifndef SELECTORURLPARSER_H
 #define SELECTORURLPARSER_H
 
+#include "ProcessDataPlatformExport.h"
+
 #include <QString>
 
 /// What a selector URL says. Parts are decoded, and empty when the URL is invalid.
@@ -14,8 +16,10 @@ struct SelectorUrlParts
     QString instance;
     QString path; ///< names from the top joined by "/"; null when a name itself holds "/": no leaf
                   ///< has it
+    QString problem; ///< of an invalid URL: the rule that it breaks, for people
     bool valid = false;
     bool deactivated = false; ///< told also of an invalid URL
+    bool sourceNameRefused = false; ///< the text is well formed, but module or object is no name
 };
 
 /// Longest URL, in bytes of UTF-8.
@@ -26,6 +30,6 @@ constexpr int selectorUrlMaximumLength = 4096;
 ///
 /// Not QUrl: it lower-cases the first part, takes "127" for an address and joins a%2Fb with a/b.
 /// Threads: any.
-SelectorUrlParts parseSelectorUrl(const QString &text);
+PROCESSDATAPLATFORM_EXPORT SelectorUrlParts parseSelectorUrl(const QString &text);
 
 #endif

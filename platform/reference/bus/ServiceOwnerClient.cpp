@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: MIT
+// Asks the bus who is there: services of modules, the system's services, and who runs them.
+#include "ServiceOwnerClient.h"
+
+#include "BusNames.h"
+#include "ServiceQuery.h"
+
+namespace {
+
+BusQueryResult askDaemon(const char *member, const QVariantList &arguments,
+                         const QString &signature, QVariant &value, QString &errorMessage)
+{
+    QDBusMessage call
+        = QDBusMessage::createMethodCall(BusNames::daemonService(), BusNames::daemonPath(),
+                                         BusNames::daemonInterface(), QLatin1String(member));
+    call.setArguments(arguments);
+    QDBusMessage answer;
+    const BusQueryResult result = queryService(call, signature, answer, errorMessage);
+    if (result == BusQueryResult::Ok) {
+        value = answer.arguments().at(0);
+    }
+    return result;
+}
+}
+
+BusQueryResult fetchServiceOwner(const QString &moduleName, ServiceOwner &owner,
+                                 QString &errorMessage)
+{
+    owner.service = BusNames::serviceOfModule(moduleName);
+    QVariant value;
+    const BusQueryResult result
+        = askDaemon("GetNameOwner", {owner.service}, QStringLiteral("s"), value, errorMessage);
+    if (result == BusQueryResult::ServiceMissing) {
+        errorMessage = QStringLiteral("Nobody owns %1").arg(owner.service);
+    }
+    if (result != BusQueryResult::Ok) {
+        return result;
+    }
+    owner.connection = value.toString();
+    // A bus that does not tell the process is no reason to fail.
+    QString ignored;
+    const QString number = QStringLiteral("u");
+    if (askDaemon("GetConnectionUnixProcessID", {owner.connection}, number, value, ignored)
+        == BusQueryResult::Ok) {
+        owner.processId = value.toUInt();
+    }
+    if (askDaemon("GetConnectionUnixUser", {owner.connection}, number, value, ignored)
+        == BusQueryResult::Ok) {
+        owner.userId = value.toUInt();
+    }
+    return result;
+}
+
+BusQueryResult fetchServices(ServicesOnBus &services, QString &errorMessage)
+{
+    QVariant value;
+    const BusQueryResult result
+        = askDaemon("ListNames", {}, QStringLiteral("as"), value, errorMessage);
+    if (result != BusQueryResult::Ok) {
+        return result;
+    }
+    ServicesOnBus found;
+    const QStringList names = value.toStringList();
+    for (const QString &name : names) {
+        if (const auto module = BusNames::moduleOfService(name)) {
+            found.modules += *module;
+        }
+    }
+    found.modules.sort();
+    found.statusManager = names.contains(BusNames::statusManagerService());
+    found.informationManager = names.contains(BusNames::informationManagerService());
+    services = found;
+    return result;
+}

@@ -1,0 +1,82 @@
+// SPDX-License-Identifier: MIT
+// Tells people how far a client gets on its way into the buffer that a description names.
+#include "BufferInspection.h"
+
+#include "BufferAttachment.h"
+#include "BufferName.h"
+
+#include <sys/stat.h>
+
+namespace {
+
+constexpr mode_t permissionBits = 07777;
+
+QString permissionText(const QByteArray &path)
+{
+    struct stat status
+    {
+    };
+    if (lstat(path.constData(), &status) == -1) {
+        return QString();
+    }
+    constexpr int octal = 8;
+    return QStringLiteral("owner %1, group %2, mode %3")
+        .arg(status.st_uid)
+        .arg(status.st_gid)
+        .arg(status.st_mode & permissionBits, 4, octal, QLatin1Char('0'));
+}
+
+BufferInspection::Step stepOf(AttachStep step)
+{
+    switch (step) {
+    case AttachStep::File:
+        return BufferInspection::File;
+    case AttachStep::Permission:
+        return BufferInspection::Permission;
+    case AttachStep::Layout:
+        return BufferInspection::Layout;
+    case AttachStep::Mapped:
+        break;
+    }
+    return BufferInspection::Liveness;
+}
+
+QString livenessProblem(const BufferHeader &header)
+{
+    if (bufferState(header) != BufferActive) {
+        return QStringLiteral("its publisher has retired it");
+    }
+    return isLockOwnerAlive(lockWord(header.livenessLock))
+        ? QString()
+        : QStringLiteral("its publisher died without retiring it");
+}
+
+}
+
+BufferInspection inspectBuffer(const QString &description)
+{
+    BufferInspection result;
+    const auto content
+        = parseDescription(description.toUtf8(), DescriptionForm::Published, result.problem);
+    if (!content) {
+        return result;
+    }
+    const QByteArray path = sharedMemoryPath(content->buffer->name);
+    result.path = path.isEmpty() ? content->buffer->name : QString::fromUtf8(path);
+    result.generation = content->buffer->generation;
+    result.size = content->buffer->size;
+    result.leafCount = content->leaves.size();
+    result.permission = permissionText(path);
+    AttachStep step = AttachStep::File;
+    const auto memory = attachBuffer(*content, result.problem, step);
+    result.end = stepOf(step);
+    if (memory.isNull()) {
+        return result;
+    }
+    result.writable = memory->isWritable();
+    result.problem = livenessProblem(memory->header());
+    if (result.problem.isEmpty()) {
+        result.end = BufferInspection::Complete;
+    }
+    return result;
+}
