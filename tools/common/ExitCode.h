@@ -9,8 +9,7 @@ enum ExitCode {
     ExitSomeFailed = 1, ///< the tool ran, but not all that was asked for succeeded
     ExitUsage = 2, ///< the command line is wrong
     ExitNotReachable = 3, ///< the bus or a service that everything depends on is out of reach
-    ExitTimeLimit
-    = 4, ///< the time limit ended it, or a service kept its answer to itself for so long
+    ExitTimeLimit = 4, ///< the time limit ended it, or kept a service from answering
     ExitDenied = 5, ///< permission is missing
     ExitInterrupted = 130, ///< SIGINT ended it
 };

@@ -10,7 +10,8 @@
 const QVector<Command> &commands()
 {
     static const QVector<Command> table{modulesCommand(), browseCommand(), readCommand(),
-                                        writeCommand(),   watchCommand(),  propertiesCommand()};
+                                        writeCommand(),   watchCommand(),  propertiesCommand(),
+                                        explainCommand()};
     return table;
 }
 

@@ -33,6 +33,7 @@ Command readCommand();
 Command writeCommand();
 Command watchCommand();
 Command propertiesCommand();
+Command explainCommand();
 
 /// Options that every command has, for the helps.
 QString commonOptionsHelp();

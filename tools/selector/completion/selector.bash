@@ -8,7 +8,7 @@ _selector()
     COMPREPLY=()
 
     if ((COMP_CWORD == 1)); then
-        mapfile -t COMPREPLY < <(compgen -W "modules browse read write watch properties --help --version" \
+        mapfile -t COMPREPLY < <(compgen -W "modules browse read write watch properties explain --help --version" \
             -- "$current")
         return
     fi
@@ -40,6 +40,7 @@ _selector()
     read | write) words+=" --file" ;;
     watch) words+=" --file --interval --count --until --timestamps --changes-only --plot" ;;
     properties) words+=" --file --property" ;;
+    explain) words+=" --property" ;;
     esac
     if [[ $current == -* ]]; then
         mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")

@@ -22,7 +22,7 @@ expect() {
     fi
 }
 
-expect "selector " "modules browse read write watch properties --help --version"
+expect "selector " "modules browse read write watch properties explain --help --version"
 expect "selector w" "write watch"
 expect "selector read --fo" "--format"
 expect "selector read --format " "table json csv"
@@ -36,4 +36,6 @@ expect "selector watch --until " ""
 expect "selector watch --count " ""
 expect "selector properties --pr" "--property"
 expect "selector properties --property un" "unit"
+expect "selector ex" "explain"
+expect "selector explain --pr" "--property"
 exit "$failed"

@@ -47,7 +47,7 @@ private Q_SLOTS:
 
 void HelpTest::eachCommandExplainsItsOptions()
 {
-    QCOMPARE(commands().size(), 6);
+    QCOMPARE(commands().size(), 7);
     for (const Command &command : commands()) {
         QVERIFY2(command.help.startsWith("Usage: selector " + command.name),
                  qPrintable(command.name));

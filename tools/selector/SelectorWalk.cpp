@@ -1,0 +1,228 @@
+// SPDX-License-Identifier: MIT
+// The order of the steps, and those before a source's memory: text, bus, service.
+#include "SelectorWalk.h"
+
+#include "ConfigurationAndProcessDataDefinitions.h"
+#include "InstanceListClient.h"
+#include "ServiceOwnerClient.h"
+
+namespace {
+
+QString quotedList(const QStringList &names)
+{
+    constexpr int shown = 8;
+    QStringList quoted;
+    for (const QString &name : names.mid(0, shown)) {
+        quoted.append(QLatin1Char('"') + name + QLatin1Char('"'));
+    }
+    if (names.size() > shown) {
+        quoted.append(QStringLiteral("%1 more").arg(names.size() - shown));
+    }
+    return quoted.isEmpty() ? QStringLiteral("none") : quoted.join(QLatin1String(", "));
+}
+
+} // namespace
+
+SelectorWalk::SelectorWalk(const QString &url, const QStringList &properties)
+    : url(url)
+    , wantedProperties(properties)
+    , parts(parseSelectorUrl(url))
+{
+    const auto add = [this](const char *name, const char *key) {
+        way.append({QString::fromLatin1(name), QString::fromLatin1(key), WalkStep::NotReached,
+                    QString(), QString()});
+    };
+    add("text", "text");
+    add("scheme", "scheme");
+    add("module", "module");
+    add("bus", "bus");
+    add("service owner", "serviceOwner");
+    add("object", "object");
+    add("description", "description");
+    add("buffer file", "bufferFile");
+    add("permission", "permission");
+    add("layout", "layout");
+    add("liveness", "liveness");
+    add("leaf", "leaf");
+    add("property", "property");
+    add("value", "value");
+}
+
+void SelectorWalk::walk()
+{
+    static constexpr bool (SelectorWalk::*checks[])()
+        = {&SelectorWalk::checkText,        &SelectorWalk::checkScheme,
+           &SelectorWalk::checkModule,      &SelectorWalk::checkBus,
+           &SelectorWalk::checkOwner,       &SelectorWalk::checkObject,
+           &SelectorWalk::checkDescription, &SelectorWalk::checkBuffer,
+           &SelectorWalk::checkPermission,  &SelectorWalk::checkLayout,
+           &SelectorWalk::checkLiveness,    &SelectorWalk::checkLeaf,
+           &SelectorWalk::checkProperty,    &SelectorWalk::checkValue};
+    for (const auto check : checks) {
+        if (!(this->*check)()) {
+            return;
+        }
+        ++position;
+    }
+}
+
+bool SelectorWalk::ok(const QString &finding)
+{
+    way[position].result = WalkStep::Ok;
+    way[position].finding = finding;
+    return true;
+}
+
+bool SelectorWalk::fail(const QString &finding, const QString &advice, ExitCode exitCode)
+{
+    way[position].result = WalkStep::Failed;
+    way[position].finding = finding;
+    way[position].advice = advice;
+    code = exitCode;
+    return false;
+}
+
+QString SelectorWalk::source() const
+{
+    return QStringLiteral("%1/%2/%3").arg(parts.moduleName, parts.objectName, parts.instance);
+}
+
+bool SelectorWalk::failQuery(BusQueryResult result, const QString &error)
+{
+    switch (result) {
+    case BusQueryResult::TimedOut:
+        return fail(error,
+                    QStringLiteral("the service hangs or is stopped: look at its log and state, "
+                                   "restart it, or allow more with --timeout"),
+                    ExitTimeLimit);
+    case BusQueryResult::Denied:
+        return fail(error,
+                    QStringLiteral("the bus policy does not permit it: run as a user that it "
+                                   "permits, or extend the policy"),
+                    ExitDenied);
+    case BusQueryResult::BusNotReachable:
+        return fail(error, QStringLiteral("the bus went away: try again"), ExitNotReachable);
+    case BusQueryResult::ServiceMissing:
+        return fail(error, QStringLiteral("the service ended meanwhile: try again"));
+    default:
+        return fail(error, QStringLiteral("look at the log of %1").arg(service));
+    }
+}
+
+bool SelectorWalk::checkText()
+{
+    if (!parts.valid && !parts.sourceNameRefused) {
+        return fail(parts.problem,
+                    QStringLiteral("write processdata://MODULE/OBJECT/INSTANCE/GROUP/LEAF, "
+                                   "special characters percent-encoded"));
+    }
+    return ok(parts.deactivated ? QStringLiteral("well formed, deactivated: clients leave it out")
+                                : QStringLiteral("well formed"));
+}
+
+bool SelectorWalk::checkScheme()
+{
+    const QString wanted
+        = ConfigurationAndProcessDataDefinitions::getSelectorUrlSchemeProcessData();
+    const QString scheme = url.section(QStringLiteral("://"), 0, 0);
+    if (scheme != wanted) {
+        return fail(QStringLiteral("the scheme is \"%1\"").arg(scheme),
+                    QStringLiteral("process data has the scheme \"%1\"").arg(wanted));
+    }
+    return ok(scheme);
+}
+
+bool SelectorWalk::checkModule()
+{
+    if (!parts.valid) {
+        return fail(parts.problem,
+                    QStringLiteral("use the name that selector modules lists; module and object "
+                                   "hold no \"_\""));
+    }
+    return ok(parts.moduleName);
+}
+
+bool SelectorWalk::checkBus()
+{
+    ServicesOnBus services;
+    QString error;
+    const BusQueryResult result = fetchServices(services, error);
+    if (result == BusQueryResult::BusNotReachable) {
+        return fail(error,
+                    QStringLiteral("start the bus, or choose the right one with PROCESSDATA_BUS"),
+                    ExitNotReachable);
+    }
+    if (result != BusQueryResult::Ok) {
+        return failQuery(result, error);
+    }
+    const QString choice = qEnvironmentVariable("PROCESSDATA_BUS");
+    return ok(QStringLiteral("%1, %2 modules on it")
+                  .arg(choice.isEmpty() ? QStringLiteral("system") : choice)
+                  .arg(services.modules.size()));
+}
+
+bool SelectorWalk::checkOwner()
+{
+    ServiceOwner owner;
+    QString error;
+    const BusQueryResult result = fetchServiceOwner(parts.moduleName, owner, error);
+    service = owner.service;
+    if (result == BusQueryResult::ServiceMissing) {
+        ServicesOnBus services;
+        QString ignored;
+        fetchServices(services, ignored);
+        return fail(error,
+                    QStringLiteral("start the service of module \"%1\"; running modules: %2")
+                        .arg(parts.moduleName, quotedList(services.modules)));
+    }
+    if (result != BusQueryResult::Ok) {
+        return failQuery(result, error);
+    }
+    return ok(QStringLiteral("%1 is %2, process %3, user %4")
+                  .arg(owner.service, owner.connection)
+                  .arg(owner.processId)
+                  .arg(owner.userId));
+}
+
+bool SelectorWalk::checkObject()
+{
+    QStringList names;
+    QString error;
+    BusQueryResult result = fetchObjects(parts.moduleName, names, error);
+    if (result != BusQueryResult::Ok) {
+        return failQuery(result, error);
+    }
+    if (!names.contains(parts.objectName)) {
+        return fail(QStringLiteral("module %1 has no object \"%2\"")
+                        .arg(parts.moduleName, parts.objectName),
+                    QStringLiteral("its objects: %1").arg(quotedList(names)));
+    }
+    result = fetchInstances(parts.moduleName, parts.objectName, names, error);
+    if (result != BusQueryResult::Ok) {
+        return failQuery(result, error);
+    }
+    if (!names.contains(parts.instance)) {
+        return fail(QStringLiteral("object %1/%2 has no instance \"%3\"")
+                        .arg(parts.moduleName, parts.objectName, parts.instance),
+                    QStringLiteral("its instances: %1").arg(quotedList(names)));
+    }
+    return ok(
+        QStringLiteral("object \"%1\", instance \"%2\"").arg(parts.objectName, parts.instance));
+}
+
+bool SelectorWalk::checkDescription()
+{
+    QString error;
+    const BusQueryResult result
+        = fetchDescription(parts.moduleName, parts.objectName, parts.instance, description, error);
+    if (result != BusQueryResult::Ok) {
+        return failQuery(result, error);
+    }
+    buffer = inspectBuffer(description);
+    if (buffer.end == BufferInspection::Description) {
+        return fail(buffer.problem,
+                    QStringLiteral("the service serves what clients refuse: mend its description"));
+    }
+    return ok(
+        QStringLiteral("%1 leaves, generation %2").arg(buffer.leafCount).arg(buffer.generation));
+}
