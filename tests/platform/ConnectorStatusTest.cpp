@@ -39,6 +39,7 @@ private Q_SLOTS:
     void aSystemThatIsReadyAlreadyIsToldOnceFromTheEventLoop();
     void aStartUpIsToldWhenItEnds();
     void oneStartUpIsNeverToldTwice();
+    void theSignalOfAStartUpThatWasFoundOverIsNotToldAgain();
     void aManagerThatComesReadyIsHeard();
     void aRestartOfTheManagerIsNoStartUp();
     void strangersCannotTellOfAStartUp();
@@ -94,6 +95,22 @@ void ConnectorStatusTest::oneStartUpIsNeverToldTwice()
         QTRY_VERIFY(ready.size() > 1);
         QCOMPARE(ready.size(), 2);
     }
+}
+
+void ConnectorStatusTest::theSignalOfAStartUpThatWasFoundOverIsNotToldAgain()
+{
+    Manager manager;
+    QVERIFY(manager.comeUp(true));
+    const auto connector = SystemStatusManagerDBusConnector::createAndConnect();
+    QSignalSpy ready(connector.data(), &SystemStatusManagerDBusConnector::orvalisStartupReady);
+    QTRY_COMPARE(ready.size(), 1);
+
+    manager.finishStartUp(); // its signal comes after the property
+    manager.order({"unready"});
+    manager.finishStartUp(); // another one
+
+    QTRY_VERIFY(ready.size() > 1);
+    QCOMPARE(ready.size(), 2);
 }
 
 void ConnectorStatusTest::aManagerThatComesReadyIsHeard()
