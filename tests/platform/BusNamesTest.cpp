@@ -71,9 +71,14 @@ void BusNamesTest::aNameIsEscapedByteByByte()
 
 void BusNamesTest::everyTextSurvivesTheWayThereAndBack()
 {
-    for (uint character = 1; character < 0x3000; ++character) {
+    constexpr uint byteOrderMark = 0xfeff;
+    for (uint character = 0; character <= byteOrderMark; ++character) {
+        if (QChar::isSurrogate(character)) {
+            continue; // half a character
+        }
         for (const QString &text :
-             {QString(QChar(character)), QString("a") + QChar(character) + "1"}) {
+             {QString(QChar(character)), QString("a") + QChar(character) + "1",
+              QString("a") + QChar(character)}) {
             for (const auto element :
                  {BusNames::Element::ServiceName, BusNames::Element::ObjectPath}) {
                 const std::optional<QString> back

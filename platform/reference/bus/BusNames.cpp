@@ -4,6 +4,7 @@
 
 #include <QByteArray>
 #include <QCryptographicHash>
+#include <QTextCodec>
 
 namespace {
 
@@ -27,6 +28,14 @@ int hexDigit(char byte)
     }
     constexpr int ten = 10;
     return byte >= 'a' && byte <= 'f' ? byte - 'a' + ten : -1;
+}
+
+// QString::fromUtf8 drops a leading byte order mark, and in Qt 5 ends at the first null byte.
+QString decoded(const QByteArray &utf8)
+{
+    static QTextCodec *const codec = QTextCodec::codecForName("UTF-8");
+    QTextCodec::ConverterState state(QTextCodec::IgnoreHeader);
+    return codec->toUnicode(utf8.constData(), utf8.size(), &state);
 }
 
 const QString &servicePrefix()
@@ -78,7 +87,7 @@ std::optional<QString> BusNames::unescape(const QString &escaped)
         text += static_cast<char>((high << bitsOfDigit) | low);
         i += 2;
     }
-    QString result = QString::fromUtf8(text);
+    const QString result = decoded(text);
     // Only what escape() writes has an original: no needless escapes, no invalid UTF-8.
     if (escape(result, Element::ObjectPath) != escaped
         && escape(result, Element::ServiceName) != escaped) {
