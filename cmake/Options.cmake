@@ -27,7 +27,15 @@ target_compile_definitions(SelectorHandlerOptions INTERFACE
     QT_MESSAGELOGCONTEXT QT_NO_KEYWORDS QT_NO_CAST_FROM_ASCII QT_DEPRECATED_WARNINGS)
 target_link_options(SelectorHandlerOptions INTERFACE -Wl,--no-undefined -Wl,--as-needed)
 
-if(SELECTORHANDLER_SANITIZE)
+if(SELECTORHANDLER_FUZZ)
+    if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+        message(FATAL_ERROR "SELECTORHANDLER_FUZZ takes clang, whose libFuzzer drives the targets; "
+            "CMAKE_CXX_COMPILER is ${CMAKE_CXX_COMPILER}")
+    endif()
+    add_compile_options(-fsanitize=fuzzer-no-link)
+endif()
+
+if(SELECTORHANDLER_SANITIZE OR SELECTORHANDLER_FUZZ)
     # The whole tree, so that no half-instrumented library hides a fault; clang's shared objects leave
     # the runtime's symbols to the executable.
     add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)

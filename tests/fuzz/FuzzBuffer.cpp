@@ -1,0 +1,132 @@
+// SPDX-License-Identifier: MIT
+// A buffer file whose bytes come from a fuzzer's input, and changes to it.
+#include "FuzzBuffer.h"
+
+#include "FuzzInput.h"
+
+#include "BufferName.h"
+#include "Leftovers.h"
+#include "SelectorUrlBuilder.h"
+#include "SharedLock.h"
+
+#include <algorithm>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr quint64 generation = 7;
+constexpr char leavesAndBuffer[] = R"({"format":"process-data-description/1",
+    "module":"%1","object":"Object","instance":"1",
+    "buffer":{"name":"%2","generation":7,"size":704,"ownerUid":%3},
+    "elements":[{"name":"double","type":"float64","offset":192,"minimum":-5,"maximum":5},
+        {"name":"flag","type":"bool","offset":256},
+        {"name":"small","type":"int16","offset":320},
+        {"name":"large","type":"uint64","offset":384},
+        {"name":"text","type":"string","capacity":20,"offset":448},
+        {"name":"bytes","type":"bytes","capacity":37,"offset":576}]})";
+
+}
+
+FuzzBuffer &FuzzBuffer::instance()
+{
+    static FuzzBuffer buffer;
+    return buffer;
+}
+
+FuzzBuffer::FuzzBuffer()
+{
+    const QString module = QString("Fuzz%1").arg(getpid());
+    prefix = bufferNamePrefix(module, "Object", "1");
+    const QString name = '/' + QString::fromUtf8(prefix) + QString::number(generation);
+    path = sharedMemoryPath(name);
+    text = QString(leavesAndBuffer).arg(module, name).arg(geteuid());
+    QString error;
+    const auto result = parseDescription(text.toUtf8(), DescriptionForm::Published, error);
+    if (!result) {
+        std::fprintf(stderr, "%s\n", qPrintable(error));
+    }
+    FUZZ_REQUIRE(result.has_value());
+    parsed = *result;
+    bufferSize = size_t(parsed.buffer->size);
+    for (const LeafDescription &leaf : parsed.leaves) {
+        leafUrls.append(selectorUrl(module, "Object", "1", leaf.path));
+    }
+}
+
+FuzzBuffer::~FuzzBuffer()
+{
+    remove();
+}
+
+size_t FuzzBuffer::fill(const uint8_t *data, size_t size, bool soundHeader, bool shortFile)
+{
+    remove();
+    const int file
+        = open(path.constData(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR);
+    FUZZ_REQUIRE(file != -1 && ftruncate(file, off_t(bufferSize)) == 0);
+    void *mapped = mmap(nullptr, bufferSize, PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
+    FUZZ_REQUIRE(mapped != MAP_FAILED);
+    base = static_cast<char *>(mapped);
+    const size_t used = std::min(size, bufferSize);
+    std::memcpy(base, data, used);
+    if (soundHeader) {
+        BufferHeader input{};
+        std::memcpy(&input, base, sizeof(input));
+        repairHeader(input);
+    }
+    if (shortFile) {
+        FUZZ_REQUIRE(ftruncate(file, off_t(used)) == 0);
+    }
+    close(file);
+    return used;
+}
+
+void FuzzBuffer::repairHeader(const BufferHeader &input)
+{
+    BufferHeader sound{};
+    std::copy(std::begin(bufferMagic), std::end(bufferMagic), sound.magic);
+    sound.layoutVersion = bufferLayoutVersion;
+    sound.headerSize = sizeof(BufferHeader);
+    sound.bufferSize = bufferSize;
+    sound.generation = generation;
+    sound.slotCount = quint32(parsed.leaves.size());
+    sound.abiTag = bufferAbiTag;
+    sound.state = input.state % 2 == 0 ? BufferActive : BufferRetired;
+    FUZZ_REQUIRE(initializeSharedLock(sound.livenessLock) == 0
+                 && initializeSharedLock(sound.writersLock) == 0);
+    std::memcpy(sound.livenessLock.room, input.livenessLock.room, sizeof(quint32));
+    std::memcpy(sound.writersLock.room, input.writersLock.room, sizeof(quint32));
+    std::memcpy(base, &sound, sizeof(sound));
+}
+
+void FuzzBuffer::remove()
+{
+    if (base == nullptr) {
+        return;
+    }
+    munmap(base, bufferSize);
+    base = nullptr;
+    const quint64 highest = removeLeftovers(prefix);
+    FUZZ_REQUIRE(highest == generation);
+    unlink(path.constData());
+}
+
+bool FuzzChanges::applyNext()
+{
+    constexpr size_t headSize = 3;
+    constexpr unsigned bitsOfByte = 8;
+    if (left < headSize) {
+        return false;
+    }
+    const FuzzBuffer &buffer = FuzzBuffer::instance();
+    const size_t position = (data[0] | unsigned(data[1]) << bitsOfByte) % buffer.size();
+    const size_t length = std::min({size_t(data[2]), left - headSize, buffer.size() - position});
+    std::memcpy(buffer.memory() + position, data + headSize, length);
+    data += headSize + length;
+    left -= headSize + length;
+    return true;
+}
