@@ -9,9 +9,9 @@
 
 const QVector<Command> &commands()
 {
-    static const QVector<Command> table{modulesCommand(), browseCommand(), readCommand(),
-                                        writeCommand(),   watchCommand(),  propertiesCommand(),
-                                        explainCommand()};
+    static const QVector<Command> table{
+        modulesCommand(),    browseCommand(),  readCommand(),  writeCommand(),    watchCommand(),
+        propertiesCommand(), explainCommand(), checkCommand(), snapshotCommand(), diffCommand()};
     return table;
 }
 

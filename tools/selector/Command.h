@@ -34,6 +34,9 @@ Command writeCommand();
 Command watchCommand();
 Command propertiesCommand();
 Command explainCommand();
+Command checkCommand();
+Command snapshotCommand();
+Command diffCommand();
 
 /// Options that every command has, for the helps.
 QString commonOptionsHelp();

@@ -45,6 +45,8 @@ public:
         add(options, OptionTimestamps, timestamps);
         add(options, OptionChangesOnly, changesOnly);
         add(options, OptionPlot, plot);
+        add(options, OptionAgainst, against);
+        add(options, OptionOutput, output);
     }
 
     bool parse(const QStringList &arguments, CommandLine &line, QString &error)
@@ -58,6 +60,9 @@ public:
         line.hasType = isSet(type);
         line.hasUntil = isSet(until);
         line.until = value(until);
+        line.hasAgainst = isSet(against);
+        line.against = value(against);
+        line.output = value(output);
         line.timestamps = isSet(timestamps);
         line.changesOnly = isSet(changesOnly);
         line.plot = isSet(plot);
@@ -162,6 +167,10 @@ private:
     const QCommandLineOption timestamps{QStringLiteral("timestamps")};
     const QCommandLineOption changesOnly{QStringLiteral("changes-only")};
     const QCommandLineOption plot{QStringLiteral("plot")};
+    const QCommandLineOption against{QStringLiteral("against"), QString(),
+                                     QStringLiteral("SNAPSHOT")};
+    const QCommandLineOption output{
+        {QStringLiteral("o"), QStringLiteral("output")}, QString(), QStringLiteral("DIRECTORY")};
     const QStringList alwaysKnown{QStringLiteral("format"), QStringLiteral("timeout"),
                                   QStringLiteral("verbose"), QStringLiteral("help")};
     QStringList known;

@@ -19,6 +19,8 @@ enum CommandOption {
     OptionTimestamps = 64, ///< --timestamps
     OptionChangesOnly = 128, ///< --changes-only
     OptionPlot = 256, ///< --plot
+    OptionAgainst = 512, ///< --against
+    OptionOutput = 1024, ///< -o, --output
 };
 
 /// What the user asked for.
@@ -32,7 +34,10 @@ struct CommandLine
     int interval = 200; ///< milliseconds
     int count = 0; ///< 0: no end
     int timeout = 0; ///< milliseconds; 0: not given
+    QString against;
+    QString output;
     QString until;
+    bool hasAgainst = false;
     bool hasUntil = false;
     bool hasType = false;
     bool timestamps = false;

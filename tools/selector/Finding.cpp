@@ -29,6 +29,10 @@ QString Finding::codeName() const
         return QStringLiteral("valueRefused");
     case NoSuchProperty:
         return QStringLiteral("noSuchProperty");
+    case Duplicate:
+        return QStringLiteral("duplicate");
+    case NotWritten:
+        return QStringLiteral("notWritten");
     }
     return {};
 }

@@ -21,6 +21,8 @@ struct Finding
         ReadOnly,
         ValueRefused,
         NoSuchProperty,
+        Duplicate,
+        NotWritten,
     };
 
     Code code = None;

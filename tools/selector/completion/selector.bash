@@ -8,7 +8,7 @@ _selector()
     COMPREPLY=()
 
     if ((COMP_CWORD == 1)); then
-        mapfile -t COMPREPLY < <(compgen -W "modules browse read write watch properties explain --help --version" \
+        mapfile -t COMPREPLY < <(compgen -W "modules browse read write watch properties explain check snapshot diff --help --version" \
             -- "$current")
         return
     fi
@@ -21,7 +21,7 @@ _selector()
         mapfile -t COMPREPLY < <(compgen -W "AnalogSelector DigitalSelector" -- "$current")
         return
         ;;
-    -f | --file)
+    -f | --file | -o | --output | --against)
         compopt -o filenames
         mapfile -t COMPREPLY < <(compgen -f -- "$current")
         return
@@ -41,6 +41,9 @@ _selector()
     watch) words+=" --file --interval --count --until --timestamps --changes-only --plot" ;;
     properties) words+=" --file --property" ;;
     explain) words+=" --property" ;;
+    check) words+=" --against" ;;
+    snapshot) words+=" --output" ;;
+    diff) words+=" --file" ;;
     esac
     if [[ $current == -* ]]; then
         mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")

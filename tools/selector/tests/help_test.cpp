@@ -18,7 +18,9 @@ QStringList optionsOf(const Command &command)
                                      {OptionUntil, "--until"},
                                      {OptionTimestamps, "--timestamps"},
                                      {OptionChangesOnly, "--changes-only"},
-                                     {OptionPlot, "--plot"}};
+                                     {OptionPlot, "--plot"},
+                                     {OptionAgainst, "--against"},
+                                     {OptionOutput, "--output"}};
     for (auto option = special.begin(); option != special.end(); ++option) {
         if ((command.options & option.key()) != 0) {
             options.append(option.value());
@@ -47,7 +49,7 @@ private Q_SLOTS:
 
 void HelpTest::eachCommandExplainsItsOptions()
 {
-    QCOMPARE(commands().size(), 7);
+    QCOMPARE(commands().size(), 10);
     for (const Command &command : commands()) {
         QVERIFY2(command.help.startsWith("Usage: selector " + command.name),
                  qPrintable(command.name));

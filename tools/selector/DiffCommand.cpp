@@ -1,0 +1,144 @@
+// SPDX-License-Identifier: MIT
+// selector diff: what became of leaves between two snapshots.
+#include "Command.h"
+#include "Diagnosis.h"
+#include "Entries.h"
+#include "ExitCode.h"
+#include "LeafDifferences.h"
+#include "SelectorUrlBuilder.h"
+#include "SelectorUrlHandler.h"
+#include "Snapshot.h"
+
+#include <QJsonArray>
+
+namespace {
+
+struct Pair
+{
+    int index = -1; ///< in a list of selectors
+    QString url;
+    QJsonObject before;
+    QJsonObject after;
+};
+
+QVector<Pair> pairsOfList(const QVector<ListLine> &lines, const Snapshot &before,
+                          const Snapshot &after)
+{
+    QVector<Pair> pairs;
+    for (int i = 0; i < lines.size(); ++i) {
+        const SelectorUrlHandler url(lines.at(i).url);
+        if (Diagnosis::explainText(url).code == Finding::None) {
+            pairs.append(
+                {i, lines.at(i).url, before.find(url).properties, after.find(url).properties});
+        }
+    }
+    return pairs;
+}
+
+QVector<Pair> pairsOfAll(const Snapshot &before, const Snapshot &after)
+{
+    QVector<Pair> pairs;
+    const auto collect = [&](const Snapshot &snapshot, bool onlyNew) {
+        for (const SnapshotSource &source : snapshot.sources()) {
+            for (const DescribedLeaf &leaf : source.leaves) {
+                const QString text
+                    = selectorUrl(source.module, source.object, source.instance, leaf.path);
+                const SelectorUrlHandler url(text);
+                const Pair pair{-1, text, before.find(url).properties, after.find(url).properties};
+                if (!onlyNew || pair.before.isEmpty()) {
+                    pairs.append(pair);
+                }
+            }
+        }
+    };
+    collect(before, false);
+    collect(after, true);
+    return pairs;
+}
+
+Entry diffEntry(const Pair &pair, const QVector<LeafDifference> &differences)
+{
+    Entry entry;
+    entry.subject = pair.url;
+    QJsonArray changes;
+    QStringList breaking;
+    const QString index = pair.index < 0 ? QString() : QString::number(pair.index);
+    for (const LeafDifference &difference : differences) {
+        changes.append(QJsonObject{{QStringLiteral("what"), difference.what},
+                                   {QStringLiteral("before"), difference.before},
+                                   {QStringLiteral("after"), difference.after},
+                                   {QStringLiteral("breaks"), difference.breaks}});
+        entry.rows.append({index, pair.url,
+                           difference.breaks ? QStringLiteral("breaks") : QStringLiteral("differs"),
+                           difference.what, difference.before, difference.after});
+        if (difference.breaks) {
+            breaking.append(QStringLiteral("%1 %2 -> %3")
+                                .arg(difference.what, difference.before, difference.after));
+        }
+    }
+    entry.reason = breaking.join(QLatin1String(", "));
+    entry.state = breaking.isEmpty() ? Entry::Good : Entry::Failed;
+    entry.json = {{QStringLiteral("url"), pair.url},
+                  {QStringLiteral("status"), stateName(entry.state)},
+                  {QStringLiteral("changes"), changes}};
+    if (pair.index >= 0) {
+        entry.json.insert(QStringLiteral("index"), pair.index);
+    }
+    return entry;
+}
+
+int run(const CommandLine &line, const Console &console, QString &usage)
+{
+    if (line.arguments.size() != 2) {
+        usage = QStringLiteral("Two snapshots are wanted.");
+        return ExitUsage;
+    }
+    Snapshot before;
+    Snapshot after;
+    QVector<ListLine> lines;
+    if (!Snapshot::load(line.arguments.at(0), before, usage)
+        || !Snapshot::load(line.arguments.at(1), after, usage)
+        || (!line.file.isEmpty() && !readListFile(line.file, lines, usage))) {
+        return ExitUsage;
+    }
+    Report report{QStringLiteral("selector.diff/1"),
+                  {{QStringLiteral("index"), true},
+                   {QStringLiteral("url")},
+                   {QStringLiteral("result")},
+                   {QStringLiteral("what")},
+                   {QStringLiteral("before")},
+                   {QStringLiteral("after")}},
+                  {}};
+    const QVector<Pair> pairs
+        = line.file.isEmpty() ? pairsOfAll(before, after) : pairsOfList(lines, before, after);
+    for (const Pair &pair : pairs) {
+        const QVector<LeafDifference> differences = leafDifferences(pair.before, pair.after);
+        if (!differences.isEmpty()) {
+            report.entries.append(diffEntry(pair, differences));
+        }
+    }
+    return printReport(report, console);
+}
+
+} // namespace
+
+Command diffCommand()
+{
+    return {
+        QStringLiteral("diff"), QStringLiteral("compare two snapshots by meaning"),
+        QStringLiteral(
+            "Usage: selector diff [OPTIONS] BEFORE AFTER\n"
+            "Lists the leaves that two snapshots (files or directories of selector snapshot)\n"
+            "describe differently, and which of the differences break clients: a leaf that is\n"
+            "gone, another type or unit, read-only now, a narrower range, a smaller capacity.\n"
+            "Values, order and layout are not compared. No running system is needed.\n"
+            "\n"
+            "Options:\n"
+            "  -f, --file FILE  only the selectors of the list in FILE (- is standard input), each\n"
+            "                   with its index (0 is the first)\n"
+            "  --timeout S      without effect\n")
+            + commonOptionsHelp()
+            + QStringLiteral("Differences that break nothing count as good.\n"
+                             "\nExample: selector diff released/ now/ -f selectors.txt\n"),
+        OptionFile, run};
+}

@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: MIT
+// Reads selector lists line by line.
+#include "ListFile.h"
+
+#include <QFile>
+#include <QRegularExpression>
+
+#include <cstdio>
+
+QVector<ListLine> readListLines(QTextStream &stream)
+{
+    static const QRegularExpression blanks(QStringLiteral("\\s+"));
+    QVector<ListLine> lines;
+    for (int number = 1; !stream.atEnd(); ++number) {
+        const QString text = stream.readLine().trimmed();
+        if (text.isEmpty() || text.startsWith(QLatin1Char('#'))) {
+            continue;
+        }
+        const QRegularExpressionMatch gap = blanks.match(text);
+        if (gap.hasMatch()) {
+            lines.append(
+                {number, text.left(gap.capturedStart()), text.mid(gap.capturedEnd()), true});
+        } else {
+            lines.append({number, text, QString(), false});
+        }
+    }
+    return lines;
+}
+
+bool readListFile(const QString &name, QVector<ListLine> &lines, QString &error)
+{
+    QFile file(name);
+    const bool standardInput = name == QLatin1String("-");
+    const bool opened
+        = standardInput ? file.open(stdin, QIODevice::ReadOnly) : file.open(QIODevice::ReadOnly);
+    if (!opened) {
+        error = QStringLiteral("%1: %2").arg(name, file.errorString());
+        return false;
+    }
+    QTextStream stream(&file);
+    stream.setCodec("UTF-8");
+    lines = readListLines(stream);
+    if (lines.isEmpty()) {
+        error = QStringLiteral("%1: no selector in it").arg(name);
+        return false;
+    }
+    return true;
+}

@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: MIT
+// Descriptions of sources in files.
+#ifndef SNAPSHOT_H
+#define SNAPSHOT_H
+
+#include "DescriptionLeaves.h"
+#include "LeafCheck.h"
+
+#include <QHash>
+#include <QMap>
+
+struct SnapshotSource
+{
+    QString module;
+    QString object;
+    QString instance;
+    QVector<DescribedLeaf> leaves; ///< properties without those of a run and of simulation
+};
+
+/// Sources by their place, MODULE/OBJECT/INSTANCE.
+class Snapshot
+{
+public:
+    /// @param path   a description file, or a directory whose files with the extension of
+    ///               descriptions are read
+    /// @param error  receives one sentence that names the file
+    static bool load(const QString &path, Snapshot &snapshot, QString &error);
+
+    const QMap<QString, SnapshotSource> &sources() const { return all; }
+
+    FoundLeaf find(const SelectorUrlHandler &url) const;
+
+private:
+    bool add(const QString &fileName, QString &error);
+
+    QMap<QString, SnapshotSource> all;
+    QMap<QString, QHash<QString, QJsonObject>> leavesByPath;
+};
+
+/// A description as it is kept: without buffer, session and offsets, with each value as a
+/// movement that stands still.
+///
+/// @param document  as a service sends it
+/// @param values    by the leaves' paths; a leaf without one does not move and is never published
+QJsonObject snapshotOf(const QJsonObject &document, const QHash<QString, QJsonValue> &values);
+
+/// Name of the file of a source.
+QString snapshotFileName(const QString &module, const QString &object, const QString &instance);
+
+#endif

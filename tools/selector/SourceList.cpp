@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: MIT
+// Asks modules for their objects and instances.
+#include "SourceList.h"
+
+#include "InstanceListClient.h"
+#include "ModuleEntries.h"
+#include "ProviderListClient.h"
+
+namespace {
+
+Finding findingOf(BusQueryResult result, const QString &error)
+{
+    return {result == BusQueryResult::ServiceMissing ? Finding::ServiceMissing
+                                                     : Finding::ServiceFailed,
+            error};
+}
+
+void addInstances(const QString &module, const QString &object, QVector<SourceName> &sources)
+{
+    QStringList instances;
+    QString error;
+    const BusQueryResult result = fetchInstances(module, object, instances, error);
+    if (result != BusQueryResult::Ok) {
+        sources.append({module, object, QString(), findingOf(result, error)});
+    }
+    for (const QString &instance : qAsConst(instances)) {
+        sources.append({module, object, instance, {}});
+    }
+}
+
+void addObjects(const QString &module, QVector<SourceName> &sources)
+{
+    QStringList objects;
+    QString error;
+    const BusQueryResult result = fetchObjects(module, objects, error);
+    if (result != BusQueryResult::Ok) {
+        sources.append({module, QString(), QString(), findingOf(result, error)});
+    }
+    for (const QString &object : qAsConst(objects)) {
+        addInstances(module, object, sources);
+    }
+}
+
+} // namespace
+
+QString SourceName::place() const
+{
+    return QStringLiteral("%1/%2/%3").arg(module, object, instance);
+}
+
+bool listSources(const BrowsePlace &place, QVector<SourceName> &sources, QString &error)
+{
+    switch (place.level) {
+    case BrowsePlace::Instance:
+        sources.append({place.module, place.object, place.instance, {}});
+        return true;
+    case BrowsePlace::Object:
+        addInstances(place.module, place.object, sources);
+        return true;
+    case BrowsePlace::Module:
+        addObjects(place.module, sources);
+        return true;
+    case BrowsePlace::System:
+        break;
+    }
+    QString list;
+    if (fetchRegisteredProviderList(list, error) != BusQueryResult::Ok) {
+        return false;
+    }
+    const QVector<Entry> modules = moduleEntries(list);
+    for (const Entry &module : modules) {
+        if (module.state == Entry::Good) {
+            addObjects(module.subject, sources);
+        }
+    }
+    return true;
+}

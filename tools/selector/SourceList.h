@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+// The sources below a place.
+#ifndef SOURCELIST_H
+#define SOURCELIST_H
+
+#include "BrowsePlace.h"
+#include "Finding.h"
+
+#include <QVector>
+
+struct SourceName
+{
+    QString module;
+    QString object;
+    QString instance;
+    Finding finding; ///< why the names below it, and perhaps its own, are not known
+
+    QString place() const;
+};
+
+/// All instances at or below a place, in the order of their names. What gives no answer has a
+/// finding.
+///
+/// @param error  receives one sentence when the list of modules cannot be had
+/// Threads: any; blocks for D-Bus calls.
+bool listSources(const BrowsePlace &place, QVector<SourceName> &sources, QString &error);
+
+#endif
