@@ -3,8 +3,9 @@
 #ifndef BUSDAEMON_H
 #define BUSDAEMON_H
 
+#include "DyingProcess.h"
+
 #include <QFile>
-#include <QProcess>
 #include <QString>
 #include <QTemporaryDir>
 
@@ -60,7 +61,7 @@ public:
 
 private:
     QTemporaryDir directory;
-    QProcess process;
+    DyingProcess process;
 };
 
 #endif

@@ -3,8 +3,9 @@
 #ifndef BUSSERVICE_H
 #define BUSSERVICE_H
 
+#include "DyingProcess.h"
+
 #include <QElapsedTimer>
-#include <QProcess>
 #include <QString>
 #include <QStringList>
 #include <QtTest>
@@ -86,7 +87,7 @@ private:
         return text.at(text.lastIndexOf(')') + 2);
     }
 
-    QProcess process;
+    DyingProcess process;
 };
 
 #endif
