@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: MIT
+// Reading by index against the floor: many values, one value, properties of the length of a run.
+#include "Floor.h"
+#include "InProcessSource.h"
+#include "SelectorHandlerProcessValue.h"
+
+#include <benchmark/benchmark.h>
+
+namespace {
+
+struct Fixture
+{
+    explicit Fixture(int leafCount)
+        : source(QStringLiteral("Bench%1").arg(getpid()), QString::number(leafCount), leafCount)
+        , handler(source.urls(), nullptr)
+        , floor(source)
+    {
+    }
+
+    InProcessSource source;
+    SelectorHandlerProcessValue handler;
+    Floor floor;
+};
+
+Fixture &fixtureOf(int leafCount)
+{
+    static Fixture thousand(1000);
+    static Fixture tenThousand(10000);
+    return leafCount == 1000 ? thousand : tenThousand;
+}
+
+void floorValues(benchmark::State &state)
+{
+    const int count = int(state.range(0));
+    const Floor &floor = fixtureOf(count > 1000 ? count : 1000).floor;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(floor.read(0, count));
+    }
+    state.SetItemsProcessed(state.iterations() * count);
+}
+
+void handlerValues(benchmark::State &state)
+{
+    const int count = int(state.range(0));
+    SelectorHandlerProcessValue &handler = fixtureOf(count > 1000 ? count : 1000).handler;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(handler.getValues(0, count));
+    }
+    state.SetItemsProcessed(state.iterations() * count);
+}
+
+void handlerOneValue(benchmark::State &state)
+{
+    SelectorHandlerProcessValue &handler = fixtureOf(1000).handler;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(handler.getValue(500));
+    }
+    state.SetItemsProcessed(state.iterations());
+}
+
+} // namespace
+
+BENCHMARK(floorValues)->Arg(1)->Arg(1000)->Arg(10000);
+BENCHMARK(handlerValues)->Arg(1)->Arg(1000)->Arg(10000);
+BENCHMARK(handlerOneValue);
+BENCHMARK_MAIN();
