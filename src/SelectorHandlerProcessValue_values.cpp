@@ -76,18 +76,30 @@ bool SelectorHandlerProcessValue::getValuesInternal(int startIndex, int count,
     if (!ok) {
         return false;
     }
-    values.reserve(values.size() + count);
-    for (int i = startIndex; i < startIndex + count; ++i) {
-        const ProcessDataInformation &record = processDataInformationList.at(i);
-        if (record.selectorUrlHandler.isNull()) {
+    // Error values for all, then each is read in its place: making it elsewhere and moving it in
+    // would cost more than the reading.
+    QVector<ProcessValue> run(count, errorValue());
+    ProcessValue *value = run.data();
+    const ProcessDataInformation *const records = processDataInformationList.constData();
+    const ProcessDataInformation *const end = records + startIndex + count;
+    for (const auto *record = records + startIndex; record != end; ++record, ++value) {
+        if (Q_UNLIKELY(record->selectorUrlHandler.isNull())) {
             qWarning() << "No SelectorUrlHander selected (Nullpointer)";
             ok = false;
-            values.append(errorValue());
-        } else if (record.selectorUrlHandler->isSelectorDeactivated()) {
-            values.append(errorValue()); // keeps its place; not a failure
+        } else if (record->selectorUrlHandler->isSelectorDeactivated()) {
+            continue; // keeps its place; not a failure
+        } else if (Q_LIKELY(!record->processDataLeaf.isNull()
+                            && record->sharedMemoryIterator != SharedMemoryIterator())) {
+            record->processDataLeaf->getValue(*value, false);
         } else {
-            values.append(getValueInternal(ok, record.sharedMemoryIterator, i));
+            *value = getValueInternal(ok, record->sharedMemoryIterator,
+                                      static_cast<int>(record - records));
         }
+    }
+    if (values.isEmpty()) {
+        values.swap(run);
+    } else {
+        values += run;
     }
     return ok;
 }
