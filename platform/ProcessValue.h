@@ -9,6 +9,7 @@
 #include <QVariant>
 #include <QtGlobal>
 
+#include <new>
 #include <utility>
 
 /// A value that was read from a leaf or is to be written to one.
@@ -70,7 +71,29 @@ public:
         errorType = newErrorType;
     }
 
+    /// The same for a number. A value that holds none yet, as the library hands it out, takes the
+    /// number in its place: a variant made beside it and thrown away would cost more than the
+    /// reading.
+    template <typename Number>
+    void setNumber(Number number, ProcessDataDefinitions::ErrorTypes newErrorType,
+                   qint64 newTimestamp)
+    {
+        timestamp = newTimestamp;
+        errorType = newErrorType;
+        if (Q_LIKELY(!value.isValid())) {
+            new (&value) QVariant(number); // an invalid variant owns nothing that would be lost
+        } else {
+            replaceNumber(number);
+        }
+    }
+
 private:
+    // Apart, so that the way above saves no registers for it.
+    template <typename Number> Q_NEVER_INLINE void replaceNumber(Number number)
+    {
+        value = QVariant(number);
+    }
+
     QVariant value;
     qint64 timestamp = 0;
     ProcessDataDefinitions::ErrorTypes errorType;

@@ -35,6 +35,13 @@ void writeNumber(char *slot, quint64 number, quint32 status = 0, qint64 timestam
               reinterpret_cast<const char *>(&number));
 }
 
+QVariant numberOf(ValueType type, quint32 size, const NumberCopy &copy)
+{
+    ProcessValue value(ProcessDataDefinitions::NoValue);
+    setFromNumber(value, type, size, copy, ProcessDataDefinitions::NoError);
+    return value.getValue();
+}
+
 }
 
 class SlotTest : public QObject
@@ -51,6 +58,7 @@ private Q_SLOTS:
     void aSlotWithoutValueReadsAsAnInvalidValue();
     void anUnknownStatusMeansThatNoValueWasObtained();
     void aNumberOfAWrongLengthReadsAsAnInvalidValue();
+    void aNumberReplacesWhatAValueHeldBefore();
     void aReaderGivesUpOnAWriterThatNeverStops();
     void numbersAreDecodedAsByTheCodec_data();
     void numbersAreDecodedAsByTheCodec();
@@ -168,11 +176,24 @@ void SlotTest::aNumberOfAWrongLengthReadsAsAnInvalidValue()
     NumberCopy copy{};
     for (const quint32 length : {0U, 4U, 7U, 9U, 0xffffffffU}) {
         copy.head.length = length;
-        QCOMPARE(decodeNumber(ValueType::Float64, 8, copy), QVariant());
+        QCOMPARE(numberOf(ValueType::Float64, 8, copy), QVariant());
     }
     copy.head.length = 8;
-    QCOMPARE(decodeNumber(ValueType::Float64, 8, copy), QVariant(0.0));
-    QCOMPARE(decodeNumber(ValueType::String, 8, copy), QVariant());
+    QCOMPARE(numberOf(ValueType::Float64, 8, copy), QVariant(0.0));
+    QCOMPARE(numberOf(ValueType::String, 8, copy), QVariant());
+}
+
+void SlotTest::aNumberReplacesWhatAValueHeldBefore()
+{
+    const NumberCopy copy{{quint32(ProcessDataDefinitions::DeviceFault), 8, 7}, {}};
+    for (const QVariant &before :
+         {QVariant(), QVariant(1.5), QVariant(3), QVariant(QString("text"))}) {
+        ProcessValue value(before);
+        setFromNumber(value, ValueType::Float64, 8, copy, ProcessDataDefinitions::DeviceFault);
+        QCOMPARE(value.getValue(), QVariant(0.0));
+        QCOMPARE(value.getErrorType(), ProcessDataDefinitions::DeviceFault);
+        QCOMPARE(value.getTimestamp(), qint64(7));
+    }
 }
 
 void SlotTest::aReaderGivesUpOnAWriterThatNeverStops()
@@ -224,7 +245,7 @@ void SlotTest::numbersAreDecodedAsByTheCodec()
     const ValueType valueType = *valueTypeFromName(type);
 
     const QVariant expected = decodeValue(valueType, bytes.constData(), size);
-    const QVariant found = decodeNumber(valueType, size, copy);
+    const QVariant found = numberOf(valueType, size, copy);
 
     QVERIFY(expected.isValid());
     QCOMPARE(found.userType(), expected.userType());

@@ -70,9 +70,9 @@ inline quint32 lockWord(const BufferLock &lock)
 /// Whether a liveness lock has a living owner.
 inline bool isLockOwnerAlive(quint32 word)
 {
-    constexpr quint32 ownerDied = 0x40000000;
-    constexpr quint32 ownerMask = 0x3fffffff;
-    return (word & ownerDied) == 0 && (word & ownerMask) != 0;
+    constexpr quint32 waiters = 0x80000000;
+    constexpr quint32 highestOwner = 0x3fffffff;
+    return (word & ~waiters) - 1 < highestOwner; // neither 0 nor with the bit of a dead owner
 }
 
 inline quint32 bufferState(const BufferHeader &header)

@@ -5,10 +5,12 @@
 
 #include "BufferLayout.h"
 #include "LeafDescription.h"
+#include "ProcessDataDefinitions.h"
 #include "ProcessDataValue.h"
 #include "RenderableNode.h"
 
 struct LeafBlock;
+struct NumberCopy;
 
 /// State of a leaf, held inside it. Immutable: any number of threads may read and write values.
 class ProcessDataValuePrivate
@@ -22,7 +24,9 @@ public:
     const LeafBlock *block; // owns this leaf, so it lives as long
 
     bool read(ProcessValue &value) const;
+    bool readAny(ProcessValue &value) const;
     bool readBytes(ProcessValue &value) const;
+    ProcessDataDefinitions::ErrorTypes errorTypeNow(const NumberCopy &copy) const;
     bool write(const ProcessValue &value, QString &error) const;
 };
 

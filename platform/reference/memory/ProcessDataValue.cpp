@@ -9,6 +9,26 @@
 #include "SharedLock.h"
 #include "SlotValue.h"
 
+// What is read most, straight through; all else, the first meeting with a writer too, goes round by
+// readAny, whose registers need not be saved here.
+inline bool ProcessDataValuePrivate::read(ProcessValue &value) const
+{
+    NumberCopy copy;
+    if (Q_LIKELY(type == ValueType::Float64 && slot != nullptr && tryReadNumberSlot(slot, copy)
+                 && copy.head.length == sizeof(double))) {
+        value.setNumber(numberIn<double>(copy), errorTypeNow(copy), copy.head.timestamp);
+        return true;
+    }
+    return readAny(value);
+}
+
+inline ProcessDataDefinitions::ErrorTypes
+ProcessDataValuePrivate::errorTypeNow(const NumberCopy &copy) const
+{
+    return Q_LIKELY(isBufferLive(*header)) ? errorTypeOf(copy.head.status)
+                                           : ProcessDataDefinitions::SourceLost;
+}
+
 ProcessDataValue::ProcessDataValue(ProcessDataValuePrivate *state)
     : d(state)
 {
@@ -33,22 +53,19 @@ bool ProcessDataValue::setValue(const ProcessValue &value)
     return true;
 }
 
-bool ProcessDataValuePrivate::read(ProcessValue &value) const
+bool ProcessDataValuePrivate::readAny(ProcessValue &value) const
 {
-    if (Q_UNLIKELY(slot == nullptr)) {
+    if (slot == nullptr) {
         return false;
     }
     if (type == ValueType::String || type == ValueType::Bytes) {
         return readBytes(value);
     }
     NumberCopy copy;
-    if (Q_UNLIKELY(!readNumberSlot(slot, copy))) {
+    if (!readNumberSlot(slot, copy)) {
         return false;
     }
-    value.set(decodeNumber(type, payloadSize, copy),
-              isBufferLive(*header) ? errorTypeOf(copy.head.status)
-                                    : ProcessDataDefinitions::SourceLost,
-              copy.head.timestamp);
+    setFromNumber(value, type, payloadSize, copy, errorTypeNow(copy));
     return true;
 }
 

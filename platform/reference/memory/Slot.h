@@ -62,6 +62,18 @@ inline void loadSlotWords(const char *from, void *to, size_t count)
     }
 }
 
+/// The same for a number of words known beforehand: no loop remains.
+template <size_t count> inline void loadSlotWords(const char *from, void *to)
+{
+    const auto *source = reinterpret_cast<const SlotWord *>(from);
+    SlotWord words[count];
+#pragma GCC unroll 8
+    for (size_t i = 0; i < count; ++i) {
+        words[i] = __atomic_load_n(source + i, __ATOMIC_RELAXED);
+    }
+    std::memcpy(to, words, sizeof(words));
+}
+
 inline void storeSlotWords(char *to, const void *from, size_t count)
 {
     auto *target = reinterpret_cast<SlotWord *>(to);
@@ -73,18 +85,26 @@ inline void storeSlotWords(char *to, const void *from, size_t count)
     }
 }
 
-/// Reads a slot whose payload is a number. No lock, no allocation, no call.
+/// Tries once to read a slot whose payload is a number. No lock, no allocation, no call.
+///
+/// @returns false when a writer changed the slot meanwhile
+inline bool tryReadNumberSlot(const char *slot, NumberCopy &copy)
+{
+    const quint32 sequence = slotSequence(slot, __ATOMIC_ACQUIRE);
+    loadSlotWords<sizeof(NumberCopy) / sizeof(SlotWord)>(
+        slot + slotCopyOffset(sequence, slotPayloadAlignment), &copy);
+    // Whoever saw a word of the next write also sees its sequence below.
+    __atomic_thread_fence(__ATOMIC_ACQUIRE);
+    return slotSequence(slot, __ATOMIC_RELAXED) == sequence;
+}
+
+/// Reads a slot whose payload is a number.
 ///
 /// @returns false when writers changed the slot during every try
 inline bool readNumberSlot(const char *slot, NumberCopy &copy)
 {
     for (int attempt = 0; attempt < slotReadAttempts; ++attempt) {
-        const quint32 sequence = slotSequence(slot, __ATOMIC_ACQUIRE);
-        loadSlotWords(slot + slotCopyOffset(sequence, slotPayloadAlignment), &copy,
-                      sizeof(copy) / sizeof(SlotWord));
-        // Whoever saw a word of the next write also sees its sequence below.
-        __atomic_thread_fence(__ATOMIC_ACQUIRE);
-        if (Q_LIKELY(slotSequence(slot, __ATOMIC_RELAXED) == sequence)) {
+        if (Q_LIKELY(tryReadNumberSlot(slot, copy))) {
             return true;
         }
     }

@@ -35,42 +35,45 @@ template <typename Number> Number numberIn(const NumberCopy &copy)
     return number;
 }
 
-/// decodeValue for a number, without a call: the type in which values are read most.
+/// Fills a process value from a number's copy, as decodeValue would, but without a call or a
+/// variant that is thrown away: this is what is read most.
 ///
-/// @returns an invalid QVariant when the slot holds none, or bytes of another type's length
-inline QVariant decodeNumber(ValueType type, quint32 size, const NumberCopy &copy)
+/// @param size  of the type; with bytes of another length, or none, the value is invalid
+inline void setFromNumber(ProcessValue &value, ValueType type, quint32 size, const NumberCopy &copy,
+                          ProcessDataDefinitions::ErrorTypes errorType)
 {
+    const qint64 timestamp = copy.head.timestamp;
     if (Q_UNLIKELY(copy.head.length != size)) {
-        return QVariant();
+        return value.set(QVariant(), errorType, timestamp);
     }
     switch (type) {
     case ValueType::Float64:
-        return QVariant(numberIn<double>(copy));
+        return value.setNumber(numberIn<double>(copy), errorType, timestamp);
     case ValueType::Float32:
-        return QVariant(numberIn<float>(copy));
+        return value.setNumber(numberIn<float>(copy), errorType, timestamp);
     case ValueType::Bool:
-        return QVariant(numberIn<quint8>(copy) != 0);
+        return value.setNumber(numberIn<quint8>(copy) != 0, errorType, timestamp);
     case ValueType::Int8:
-        return QVariant(int(numberIn<qint8>(copy)));
+        return value.setNumber(int(numberIn<qint8>(copy)), errorType, timestamp);
     case ValueType::Int16:
-        return QVariant(int(numberIn<qint16>(copy)));
+        return value.setNumber(int(numberIn<qint16>(copy)), errorType, timestamp);
     case ValueType::Int32:
-        return QVariant(int(numberIn<qint32>(copy)));
+        return value.setNumber(int(numberIn<qint32>(copy)), errorType, timestamp);
     case ValueType::Int64:
-        return QVariant(numberIn<qint64>(copy));
+        return value.setNumber(numberIn<qint64>(copy), errorType, timestamp);
     case ValueType::UInt8:
-        return QVariant(uint(numberIn<quint8>(copy)));
+        return value.setNumber(uint(numberIn<quint8>(copy)), errorType, timestamp);
     case ValueType::UInt16:
-        return QVariant(uint(numberIn<quint16>(copy)));
+        return value.setNumber(uint(numberIn<quint16>(copy)), errorType, timestamp);
     case ValueType::UInt32:
-        return QVariant(uint(numberIn<quint32>(copy)));
+        return value.setNumber(uint(numberIn<quint32>(copy)), errorType, timestamp);
     case ValueType::UInt64:
-        return QVariant(numberIn<quint64>(copy));
+        return value.setNumber(numberIn<quint64>(copy), errorType, timestamp);
     case ValueType::String:
     case ValueType::Bytes:
         break;
     }
-    return QVariant();
+    value.set(QVariant(), errorType, timestamp);
 }
 
 /// Fills a process value from any slot's content.
