@@ -5,6 +5,7 @@
 #include "ConfigurationAndProcessDataDefinitions.h"
 #include "ProcessDataValue.h"
 #include "SelectorSharedMemoryHandler.h"
+#include "SelectorUrlBlock.h"
 #include "SelectorUrlHandler.h"
 #include "SystemStatusManagerDBusConnector.h"
 
@@ -62,9 +63,10 @@ void SelectorHandlerProcessValue::setSelectorUrls(const QVector<QString> &select
     sharedMemoryHandlers.clear();
 
     processDataInformationList.reserve(selectorUrls.size());
+    SelectorUrlBlock urls(selectorUrls.size());
     for (const QString &selectorUrl : selectorUrls) {
         ProcessDataInformation record;
-        record.selectorUrlHandler = QSharedPointer<SelectorUrlHandler>::create(selectorUrl);
+        record.selectorUrlHandler = urls.parse(selectorUrl);
         const SelectorUrlHandler &url = *record.selectorUrlHandler;
         if (url.isSelectorDeactivated()) {
             // keeps its place and gets no source; not judged, so not reported
