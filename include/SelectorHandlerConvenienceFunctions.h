@@ -44,9 +44,8 @@ public:
     ///
     /// @param registeredProviderList  as above
     /// @param selectorTypeName        compared, with case, with the last "/"-separated segment of
-    /// each
-    ///                                entry of a module's selector type list; a name with "/" never
-    ///                                matches
+    ///                                each entry of a module's selector type list; a name with "/"
+    ///                                never matches
     /// @returns one record for each module with a match, in list order. A module without a readable
     ///          selector type list is left out with one warning, one without a match silently.
     static QVector<ModuleData>

@@ -27,9 +27,9 @@ class SystemStatusManagerDBusConnector;
 /// unresolved selectors keep their place, so position i always means URL i.
 ///
 /// Threads: setSelectorUrls and destruction belong to the thread that made the handler; all value
-/// and property operations may be called in any thread. They wait while another one, or a refresh
-/// of a source, holds the handler's lock: at most for one blocking D-Bus call for each source that
-/// is being attached.
+///          and property operations may be called in any thread. They wait while another one, or a
+///          refresh of a source, holds the handler's lock: at most for one blocking D-Bus call for
+///          each source that is being attached.
 class SELECTORHANDLER_EXPORT SelectorHandlerProcessValue : public QObject
 {
     Q_OBJECT
@@ -48,13 +48,12 @@ public:
     /// Replaces the whole list of selectors. Sources are built anew, also those that come back.
     ///
     /// @param selectorUrls  in the order in which the client will ask; an empty list drops
-    /// everything Errors:  one warning for each URL that is invalid or of a foreign scheme;
-    /// deactivated URLs are not
-    ///          judged. A source that cannot be reached warns through its own operations. Each URL
-    ///          gets its position whatever happens.
+    ///                      everything
+    /// Errors:  one warning for each URL that is invalid or of a foreign scheme; deactivated URLs
+    ///          are not judged. A source that cannot be reached warns through its own operations.
+    ///          Each URL gets its position whatever happens.
     /// Threads: the one that made the handler, also from within a change signal. One blocking D-Bus
-    /// call
-    ///          for each source; other threads' reads wait for all of them.
+    ///          call for each source; other threads' reads wait for all of them.
     void setSelectorUrls(const QVector<QString> &selectorUrls);
 
     /// Reads one selector.
@@ -83,8 +82,7 @@ public:
     ///
     /// @param propertyName  a key of the leaf's description, such as "unit"
     /// @returns the property; what the leaf answers for a name that it lacks; an invalid QVariant,
-    /// after
-    ///          one warning, for an index outside the list or a selector without a leaf
+    ///          after one warning, for an index outside the list or a selector without a leaf
     /// Threads: any.
     virtual QVariant getProperty(const QString &propertyName, int index);
 
@@ -98,8 +96,7 @@ public:
     /// All properties of one selector as compact JSON text, as of the last change of its source.
     ///
     /// @returns the text; that of an empty object for a selector that was never resolved; a null
-    /// string,
-    ///          after one warning, for an index outside the list
+    ///          string, after one warning, for an index outside the list
     /// Threads: any.
     virtual QString getPropertyAsJsonString(int index);
 
@@ -110,8 +107,7 @@ public:
     ///
     /// @param value  in the leaf's unit
     /// @returns whether it was written; false, silently, for a read-only or unresolved selector.
-    /// What the
-    ///          result is for a deactivated selector: true, nothing was to be done.
+    ///          What the result is for a deactivated selector: true, nothing was to be done.
     /// Errors:  warns when the index lies past the list.
     /// Threads: any.
     virtual bool setValue(const ProcessValue &value, int index);
@@ -121,9 +117,8 @@ public:
     /// @param values      one for each position; each in its leaf's unit
     /// @param startIndex  position of the first
     /// @returns the outcome of the last write that was tried, not of all: to know each outcome,
-    /// write one
-    ///          by one. False when the run leaves the list (warns when it ends past it) or is
-    ///          empty; nothing is written then.
+    ///          write one by one. False when the run leaves the list (warns when it ends past it)
+    ///          or is empty; nothing is written then.
     /// Threads: any.
     virtual bool setValues(const QVector<ProcessValue> &values, int startIndex);
 
@@ -132,10 +127,11 @@ Q_SIGNALS:
     ///
     /// @param indexList  positions in the URL list, never empty
     /// Threads: emitted in the handler's thread with its lock free; a slot may call every
-    /// operation. A client in another thread calls qRegisterMetaType<QVector<int>>("QVector<int>")
-    /// first, or connects by pointer to member with Qt::QueuedConnection, which registers the
-    /// argument's type: Qt 5.15 drops queued arguments of a type that nobody registered, also on an
-    /// automatic connection by pointer to member.
+    ///          operation. A client in another thread calls
+    ///          qRegisterMetaType<QVector<int>>("QVector<int>") first, or connects by pointer to
+    ///          member with Qt::QueuedConnection, which registers the argument's type: Qt 5.15
+    ///          drops queued arguments of a type that nobody registered, also on an automatic
+    ///          connection by pointer to member.
     void
     processDataDescriptionChanged(QVector<int> indexList); // clazy:exclude=function-args-by-ref
 

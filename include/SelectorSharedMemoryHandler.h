@@ -68,8 +68,7 @@ public:
     ///
     /// @param url  selector URL
     /// @returns the leaf, valid to read until the next attach and to hold for longer; null without
-    /// a
-    ///          tree (silent) or when the tree has no such leaf (one warning)
+    ///          a tree (silent) or when the tree has no such leaf (one warning)
     ConfigurationAndProcessDataBase::ProcessDataValueSharedPointer
     getProcessDataLeaf(const QString &url) const;
 

@@ -14,9 +14,10 @@ class ProcessDataValue;
 /// A node of the tree that ProcessDataManager builds from one process-data description.
 ///
 /// Lifetime: the library holds the root until the next tree of the source is stored, and leaves
-/// until they are looked up again; a node must stay usable for as long as it is held, also after
-/// its manager is gone. Threads: the library calls a tree's nodes under its own lock, one call at a
-/// time for each handler. Several handlers may hold trees of the same source in several threads.
+///           until they are looked up again; a node must stay usable for as long as it is held,
+///           also after its manager is gone.
+/// Threads: the library calls a tree's nodes under its own lock, one call at a time for each
+///          handler. Several handlers may hold trees of the same source in several threads.
 class PROCESSDATAPLATFORM_EXPORT ConfigurationAndProcessDataBase
 {
 public:
@@ -33,9 +34,8 @@ public:
     ///
     /// @param url  selector URL exactly as SelectorUrlHandler::getUrl() returned it
     /// @returns the leaf that the URL names; null when the tree has none. The same leaf for the
-    /// same
-    ///          URL for as long as the tree lives. Must not log: the library reports an unknown
-    ///          URL.
+    ///          same URL for as long as the tree lives. Must not log: the library reports an
+    ///          unknown URL.
     virtual ProcessDataValueSharedPointer getLeafProcessDataValue(const QString &url) = 0;
 
     /// Reads one property of the node's description.
@@ -44,8 +44,7 @@ public:
     /// without asking hasLeafProperty first, and for getProperties after hasLeafProperty.
     ///
     /// @returns the property as its description gives it, in its own unit; an invalid QVariant for
-    /// a
-    ///          name that the node lacks.
+    ///          a name that the node lacks.
     virtual QVariant readLeafProperty(const QString &name) const = 0;
 
     /// Whether the node carries a property of that name. Called by the library before

@@ -14,7 +14,7 @@ class DBusConnectorBasePrivate;
 /// by whoever holds the shared pointer.
 ///
 /// Threads: lives in the thread that made it, whose event loop delivers its signals. Its operations
-/// are called in that thread, or in another one while the first waits.
+///          are called in that thread, or in another one while the first waits.
 class PROCESSDATAPLATFORM_EXPORT DBusConnectorBase : public QObject
 {
     Q_OBJECT

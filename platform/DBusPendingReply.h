@@ -22,7 +22,7 @@ class DBusPendingReplyPrivate;
 /// that: they read the reply that they hold without a null test.
 ///
 /// Threads: lives in the thread of the connector that made it and emits there, from its event loop,
-/// never from within the call that made it.
+///          never from within the call that made it.
 class PROCESSDATAPLATFORM_EXPORT DBusPendingReply : public QObject
 {
     Q_OBJECT

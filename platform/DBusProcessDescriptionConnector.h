@@ -47,8 +47,7 @@ public:
     /// Called by the library for each announcement of its instance; arguments as above.
     ///
     /// @returns the pending reply, which reports when the call has ended; null when the call could
-    /// not
-    ///          be placed
+    ///          not be placed
     QSharedPointer<DBusPendingReply>
     getProcessDataDescriptionAsynchron(const QString &instanceName, const QString &reserved) const;
 

@@ -42,8 +42,7 @@ public:
     /// @param fileExtension  PropertyManagerConst::getProcessDataDescriptionFileExtension()
     /// @param initType       InitTypeAttach
     /// @returns the root of the tree, also when only the buffer could not be attached (its leaves
-    /// then
-    ///          cannot be read); null when the description is refused.
+    ///          then cannot be read); null when the description is refused.
     /// Errors:  one warning that names the source and what is wrong with the description or buffer.
     QSharedPointer<ConfigurationAndProcessDataBase>
     createProcessDataFromJson(const QVariant &description, const QString &fileExtension,

@@ -15,7 +15,7 @@ public:
         Found, ///< it was there when the first connector asked
         Appeared, ///< it took its name; whatever it has to say follows
         FoundAgain, ///< it was there when the bus could be asked again; what it said meanwhile is
-                    ///< lost
+        ///< lost
     };
 
     virtual ~ServiceListener() = default;

@@ -27,8 +27,9 @@ class ProcessDataPublisherPrivate;
 /// Survives a restart of the bus daemon: the buffer goes on, and all is served and announced again.
 ///
 /// Threads: create, use and destroy it in one thread; its event loop looks for client writes and
-/// delivers the signals. A thread of the platform answers clients' fetches, so that a busy
-/// publisher keeps nobody waiting and a client in the publisher's own thread can wait for it.
+///          delivers the signals. A thread of the platform answers clients' fetches, so that a busy
+///          publisher keeps nobody waiting and a client in the publisher's own thread can wait for
+///          it.
 class PROCESSDATAPLATFORM_EXPORT ProcessDataPublisher : public QObject
 {
     Q_OBJECT
@@ -50,9 +51,8 @@ public:
     ///
     /// @param path   names from the top joined by "/"
     /// @param value  as ProcessDataValue::setValue takes it, but also for read-only leaves and with
-    /// any
-    ///               error type; a value that is invalid keeps the stored one and only sets error
-    ///               type and time
+    ///               any error type; a value that is invalid keeps the stored one and only sets
+    ///               error type and time
     /// @returns whether it was published
     /// Errors:  an unknown path, a value that does not fit: one warning, nothing written.
     bool publish(const QString &path, const ProcessValue &value);
@@ -81,8 +81,7 @@ public:
     /// clients are told by a property announcement. Buffer and values stay.
     ///
     /// @returns false when a leaf was added, removed, moved, retyped, resized or its readOnly
-    /// changed:
-    ///          that takes replaceDescription
+    ///          changed: that takes replaceDescription
     bool replaceProperties(const QJsonObject &description, QString *errorMessage = nullptr);
 
     /// How often client writes are looked for. Units: milliseconds; default 20, 0 never.

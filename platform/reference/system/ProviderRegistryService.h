@@ -19,7 +19,7 @@ class ProviderRegistryServicePrivate;
 /// starts empty and fills again, because publishers register anew.
 ///
 /// Threads: create, use and destroy it in one thread that runs an event loop, which answers
-/// clients.
+///          clients.
 class PROCESSDATAPLATFORM_EXPORT ProviderRegistryService : public QObject
 {
     Q_OBJECT
@@ -27,7 +27,7 @@ class PROCESSDATAPLATFORM_EXPORT ProviderRegistryService : public QObject
 public:
     /// @param errorMessage  when given, receives one sentence that names what is wrong
     /// @returns the running service; null when the bus is out of reach or another process owns the
-    /// name
+    ///          name
     static QSharedPointer<ProviderRegistryService> create(QString *errorMessage = nullptr);
 
     /// Gives the name back; the list is lost.

@@ -18,7 +18,7 @@ class SystemStatusServicePrivate;
 /// and announces a start-up that is over.
 ///
 /// Threads: create, use and destroy it in one thread that runs an event loop, which answers
-/// clients.
+///          clients.
 class PROCESSDATAPLATFORM_EXPORT SystemStatusService : public QObject
 {
     Q_OBJECT
@@ -26,7 +26,7 @@ class PROCESSDATAPLATFORM_EXPORT SystemStatusService : public QObject
 public:
     /// @param errorMessage  when given, receives one sentence that names what is wrong
     /// @returns the running service; null when the bus is out of reach or another process owns the
-    /// name
+    ///          name
     static QSharedPointer<SystemStatusService> create(QString *errorMessage = nullptr);
 
     /// Gives the name back.

@@ -15,7 +15,7 @@ struct SelectorUrlParts
     QString objectName;
     QString instance;
     QString path; ///< names from the top joined by "/"; null when a name itself holds "/": no leaf
-                  ///< has it
+        ///< has it
     QString problem; ///< of an invalid URL: the rule that it breaks, for people
     bool valid = false;
     bool deactivated = false; ///< told also of an invalid URL
