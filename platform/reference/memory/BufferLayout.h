@@ -3,6 +3,7 @@
 #ifndef BUFFERLAYOUT_H
 #define BUFFERLAYOUT_H
 
+#include "CrashPoint.h"
 #include "SlotLayout.h"
 
 #include <QtGlobal>
@@ -82,6 +83,7 @@ inline quint32 bufferState(const BufferHeader &header)
 
 inline void setBufferState(BufferHeader &header, BufferState state)
 {
+    CRASH_POINT();
     __atomic_store_n(&header.state, quint32(state), __ATOMIC_RELEASE);
 }
 

@@ -4,6 +4,7 @@
 
 #include "BufferLayout.h"
 #include "BufferName.h"
+#include "CrashPoint.h"
 #include "FileDescriptor.h"
 #include "MemoryLog.h"
 
@@ -60,6 +61,7 @@ bool isAbandoned(int descriptor)
 
 void removeFile(const QByteArray &path)
 {
+    CRASH_POINT();
     if (unlink(path.constData()) == -1 && errno != ENOENT) {
         qCWarning(memoryLog).noquote()
             << "Removing the leftover" << path << "failed:" << errorText(errno);

@@ -2,6 +2,8 @@
 // Threads that hold the liveness locks of this process's buffers.
 #include "LivenessKeeper.h"
 
+#include "CrashPoint.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
@@ -139,7 +141,9 @@ void LivenessKeeper::keep(Keeper *keeper)
         keeper->wake.wait(locked, [keeper] { return !keeper->jobs.empty(); });
         Job *job = keeper->jobs.front();
         keeper->jobs.pop_front();
+        CRASH_POINT();
         job->error = job->take ? pthread_mutex_trylock(job->lock) : pthread_mutex_unlock(job->lock);
+        CRASH_POINT();
         if (!job->take || job->error != 0) {
             --keeper->load;
         }

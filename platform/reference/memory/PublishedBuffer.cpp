@@ -2,6 +2,7 @@
 // The publisher's side of a shared-memory buffer: publish, see client writes, retire.
 #include "PublishedBuffer.h"
 
+#include "CrashPoint.h"
 #include "FileDescriptor.h"
 #include "LivenessKeeper.h"
 #include "MemoryLog.h"
@@ -203,8 +204,10 @@ void PublishedBuffer::retire()
         qCWarning(memoryLog).noquote()
             << "Giving up the liveness lock of buffer" << d->name << "failed:" << errorText(error);
     }
+    CRASH_POINT();
     if (unlink(d->path.constData()) == -1 && errno != ENOENT) {
         qCWarning(memoryLog).noquote()
             << "Removing buffer" << d->name << "failed:" << errorText(errno);
     }
+    CRASH_POINT();
 }

@@ -3,6 +3,7 @@
 #include "PublishedBuffer.h"
 
 #include "BufferName.h"
+#include "CrashPoint.h"
 #include "FileDescriptor.h"
 #include "Leftovers.h"
 #include "LivenessKeeper.h"
@@ -89,10 +90,12 @@ int makeFile(mode_t mode, quint64 size, QString &error)
                     .arg(QLatin1String(sharedMemoryDirectory), errorText(errno));
         return -1;
     }
+    CRASH_POINT();
     int reason = 0;
     if (repeatOnSignal([&] { return fchmod(descriptor, mode); }) == -1) { // open obeys the umask
         reason = errno;
     } else {
+        CRASH_POINT();
         // All pages now: a full file system is an error here and no SIGBUS at the first write.
         do {
             reason = posix_fallocate(descriptor, 0, off_t(size));
@@ -121,11 +124,17 @@ std::unique_ptr<SharedMemoryPrivate> mapFile(int descriptor, quint64 size, QStri
 
 bool fillHeader(BufferHeader &header, quint64 size, int slotCount, QString &error)
 {
+    CRASH_POINT();
     std::copy(std::begin(bufferMagic), std::end(bufferMagic), header.magic);
+    CRASH_POINT();
     header.layoutVersion = bufferLayoutVersion;
+    CRASH_POINT();
     header.headerSize = sizeof(BufferHeader);
+    CRASH_POINT();
     header.bufferSize = size;
+    CRASH_POINT();
     header.slotCount = quint32(slotCount);
+    CRASH_POINT();
     header.abiTag = bufferAbiTag;
     setBufferState(header, BufferBuilding);
     const int livenessError = initializeSharedLock(header.livenessLock);
@@ -155,8 +164,10 @@ bool nameFile(int descriptor, const QByteArray &prefix, BufferHeader &header, QB
     for (int attempt = 0; attempt < nameAttempts; ++attempt, ++header.generation) {
         path = QByteArray(sharedMemoryDirectory) + '/' + prefix
             + QByteArray::number(header.generation);
+        CRASH_POINT();
         if (linkat(AT_FDCWD, source.constData(), AT_FDCWD, path.constData(), AT_SYMLINK_FOLLOW)
             == 0) {
+            CRASH_POINT();
             return true;
         }
         if (errno != EEXIST) {
@@ -205,6 +216,7 @@ std::unique_ptr<PublishedBuffer> PublishedBuffer::create(ProcessDataDescription 
         return nullptr;
     }
     fillSlots(*state->memory, state->leaves);
+    CRASH_POINT();
     header.generation = newGeneration(highest);
     setBufferState(header, BufferActive);
     if (!nameFile(file.get(), prefix, header, state->path, error)) {

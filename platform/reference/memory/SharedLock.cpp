@@ -2,6 +2,8 @@
 // Robust process-shared locks: making them, checking them, taking one with a time limit.
 #include "SharedLock.h"
 
+#include "CrashPoint.h"
+
 #include <cerrno>
 #include <cstring>
 #include <ctime>
@@ -45,6 +47,7 @@ int initializeSharedLock(BufferLock &lock)
         error = pthread_mutexattr_setrobust(&attributes, PTHREAD_MUTEX_ROBUST);
     }
     if (error == 0) {
+        CRASH_POINT();
         error = pthread_mutex_init(&lock.mutex, &attributes);
     }
     pthread_mutexattr_destroy(&attributes);
@@ -66,8 +69,10 @@ WritersLockGuard::WritersLockGuard(BufferLock &lock)
     }
     const timespec deadline = lockDeadline();
     lastError = pthread_mutex_clocklock(&lock.mutex, CLOCK_MONOTONIC, &deadline);
+    CRASH_POINT();
     if (lastError == EOWNERDEAD) {
         lastError = pthread_mutex_consistent(&lock.mutex);
+        CRASH_POINT();
         if (lastError != 0) {
             pthread_mutex_unlock(&lock.mutex);
         }
@@ -77,6 +82,8 @@ WritersLockGuard::WritersLockGuard(BufferLock &lock)
 WritersLockGuard::~WritersLockGuard()
 {
     if (lastError == 0) {
+        CRASH_POINT();
         pthread_mutex_unlock(&lock.mutex);
+        CRASH_POINT();
     }
 }

@@ -2,6 +2,8 @@
 // Reads and writes one slot of a buffer: the parts that need no speed.
 #include "Slot.h"
 
+#include "CrashPoint.h"
+
 #include <algorithm>
 
 namespace {
@@ -62,5 +64,7 @@ void writeSlot(char *slot, quint32 payloadSize, const SlotHead &head, const char
     if (head.length != slotWithoutValue) {
         storePayload(copy + sizeof(SlotHead), payload, head.length);
     }
+    CRASH_POINT();
     __atomic_store_n(reinterpret_cast<quint32 *>(slot), next, __ATOMIC_RELEASE);
+    CRASH_POINT();
 }

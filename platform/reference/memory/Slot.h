@@ -4,6 +4,7 @@
 #ifndef SLOT_H
 #define SLOT_H
 
+#include "CrashPoint.h"
 #include "SlotLayout.h"
 
 #include <QByteArray>
@@ -81,6 +82,7 @@ inline void storeSlotWords(char *to, const void *from, size_t count)
         SlotWord word;
         std::memcpy(&word, static_cast<const char *>(from) + i * sizeof(SlotWord),
                     sizeof(SlotWord));
+        CRASH_POINT();
         __atomic_store_n(target + i, word, __ATOMIC_RELAXED);
     }
 }
