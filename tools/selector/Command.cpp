@@ -9,9 +9,10 @@
 
 const QVector<Command> &commands()
 {
-    static const QVector<Command> table{
-        modulesCommand(),    browseCommand(),  readCommand(),  writeCommand(),    watchCommand(),
-        propertiesCommand(), explainCommand(), checkCommand(), snapshotCommand(), diffCommand()};
+    static const QVector<Command> table{modulesCommand(), browseCommand(), readCommand(),
+                                        writeCommand(),   watchCommand(),  propertiesCommand(),
+                                        explainCommand(), checkCommand(),  snapshotCommand(),
+                                        diffCommand(),    applyCommand()};
     return table;
 }
 

@@ -37,6 +37,7 @@ Command explainCommand();
 Command checkCommand();
 Command snapshotCommand();
 Command diffCommand();
+Command applyCommand();
 
 /// Options that every command has, for the helps.
 QString commonOptionsHelp();

@@ -47,6 +47,9 @@ public:
         add(options, OptionPlot, plot);
         add(options, OptionAgainst, against);
         add(options, OptionOutput, output);
+        add(options, OptionDryRun, dryRun);
+        add(options, OptionVerify, verify);
+        add(options, OptionRollback, rollback);
     }
 
     bool parse(const QStringList &arguments, CommandLine &line, QString &error)
@@ -63,6 +66,9 @@ public:
         line.hasAgainst = isSet(against);
         line.against = value(against);
         line.output = value(output);
+        line.dryRun = isSet(dryRun);
+        line.verify = isSet(verify);
+        line.rollback = isSet(rollback);
         line.timestamps = isSet(timestamps);
         line.changesOnly = isSet(changesOnly);
         line.plot = isSet(plot);
@@ -171,6 +177,9 @@ private:
                                      QStringLiteral("SNAPSHOT")};
     const QCommandLineOption output{
         {QStringLiteral("o"), QStringLiteral("output")}, QString(), QStringLiteral("DIRECTORY")};
+    const QCommandLineOption dryRun{QStringLiteral("dry-run")};
+    const QCommandLineOption verify{QStringLiteral("verify")};
+    const QCommandLineOption rollback{QStringLiteral("rollback")};
     const QStringList alwaysKnown{QStringLiteral("format"), QStringLiteral("timeout"),
                                   QStringLiteral("verbose"), QStringLiteral("help")};
     QStringList known;

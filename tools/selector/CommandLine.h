@@ -21,6 +21,9 @@ enum CommandOption {
     OptionPlot = 256, ///< --plot
     OptionAgainst = 512, ///< --against
     OptionOutput = 1024, ///< -o, --output
+    OptionDryRun = 2048, ///< --dry-run
+    OptionVerify = 4096, ///< --verify
+    OptionRollback = 8192, ///< --rollback
 };
 
 /// What the user asked for.
@@ -43,6 +46,9 @@ struct CommandLine
     bool timestamps = false;
     bool changesOnly = false;
     bool plot = false;
+    bool dryRun = false;
+    bool verify = false;
+    bool rollback = false;
     bool verbose = false;
     bool help = false;
 };

@@ -33,6 +33,10 @@ QString Finding::codeName() const
         return QStringLiteral("duplicate");
     case NotWritten:
         return QStringLiteral("notWritten");
+    case NotVerified:
+        return QStringLiteral("notVerified");
+    case LeftOut:
+        return QStringLiteral("leftOut");
     }
     return {};
 }

@@ -23,6 +23,8 @@ struct Finding
         NoSuchProperty,
         Duplicate,
         NotWritten,
+        NotVerified,
+        LeftOut,
     };
 
     Code code = None;

@@ -8,7 +8,7 @@ _selector()
     COMPREPLY=()
 
     if ((COMP_CWORD == 1)); then
-        mapfile -t COMPREPLY < <(compgen -W "modules browse read write watch properties explain check snapshot diff --help --version" \
+        mapfile -t COMPREPLY < <(compgen -W "modules browse read write watch properties explain check snapshot diff apply --help --version" \
             -- "$current")
         return
     fi
@@ -44,6 +44,7 @@ _selector()
     check) words+=" --against" ;;
     snapshot) words+=" --output" ;;
     diff) words+=" --file" ;;
+    apply) words+=" --dry-run --verify --rollback" ;;
     esac
     if [[ $current == -* ]]; then
         mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")

@@ -22,7 +22,7 @@ expect() {
     fi
 }
 
-expect "selector " "modules browse read write watch properties explain check snapshot diff --help --version"
+expect "selector " "modules browse read write watch properties explain check snapshot diff apply --help --version"
 expect "selector w" "write watch"
 expect "selector read --fo" "--format"
 expect "selector read --format " "table json csv"
@@ -32,6 +32,7 @@ expect "selector modules --t" "--timeout --type"
 expect "selector browse --file" ""
 expect "selector watch --co" "--count"
 expect "selector check --ag" "--against"
+expect "selector apply --d" "--dry-run"
 expect "selector watch --u" "--until"
 expect "selector watch --until " ""
 expect "selector watch --count " ""

@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: MIT
+// selector apply: many values from a file.
+#include "ApplyPlan.h"
+#include "Command.h"
+#include "ExitCode.h"
+#include "LiveLeaves.h"
+#include "SelectorUrlHandler.h"
+
+namespace {
+
+bool readValues(const QString &file, QVector<ListLine> &lines, QString &error)
+{
+    if (!readListFile(file, lines, error)) {
+        return false;
+    }
+    for (const ListLine &line : qAsConst(lines)) {
+        if (!line.hasValue) {
+            error = QStringLiteral("%1: line %2: no value for %3")
+                        .arg(file)
+                        .arg(line.number)
+                        .arg(line.url);
+            return false;
+        }
+    }
+    return true;
+}
+
+int run(const CommandLine &line, const Console &console, QString &usage)
+{
+    if (line.arguments.size() != 1) {
+        usage = QStringLiteral("One FILE is wanted.");
+        return ExitUsage;
+    }
+    if (line.dryRun && (line.verify || line.rollback)) {
+        usage = QStringLiteral("--dry-run writes nothing that --verify or --rollback could treat.");
+        return ExitUsage;
+    }
+    QVector<ListLine> lines;
+    if (!readValues(line.arguments.constFirst(), lines, usage)) {
+        return ExitUsage;
+    }
+    if (!busIsReachable(console)) {
+        return ExitNotReachable;
+    }
+    LiveLeaves leaves(lines);
+    const QVector<CheckedLine> checked
+        = checkLines(lines, [&leaves](int position, const SelectorUrlHandler &url) {
+              return leaves.find(position, url.getUrl());
+          });
+    const QVector<ProcessValue> before = leaves.handler().getValues();
+    QVector<ApplyItem> items;
+    for (int i = 0; i < checked.size(); ++i) {
+        ApplyItem item;
+        item.checked = checked.at(i);
+        item.before = before.at(i);
+        items.append(item);
+    }
+    apply(items, {line.dryRun, line.verify, line.rollback}, leaves.handler());
+    Report report{QStringLiteral("selector.apply/1"), applyColumns(), {}};
+    for (const ApplyItem &item : qAsConst(items)) {
+        report.entries.append(applyEntry(item));
+    }
+    return printReport(report, console);
+}
+
+} // namespace
+
+Command applyCommand()
+{
+    return {
+        QStringLiteral("apply"), QStringLiteral("write many values from a file, all or none"),
+        QStringLiteral(
+            "Usage: selector apply [OPTIONS] FILE\n"
+            "Writes the values of FILE (- is standard input): one URL, blanks and the value (the\n"
+            "rest of the line) a line; lines that begin with # are left out. All lines are checked\n"
+            "first, as selector check does; when one is wrong nothing is written. A write that\n"
+            "fails all the same ends the writing. Each line gets its verdict: written, failed, left.\n"
+            "\n"
+            "Options:\n"
+            "  --dry-run        check only, and show what each leaf holds now\n"
+            "  --verify         read all values back when they are written; another one is a\n"
+            "                   failure, for example of a service that corrects what it is given\n"
+            "  --rollback       when anything fails, set back what was written, the last one first\n"
+            "  --timeout S      seconds that one call to a service may take (2)\n")
+            + commonOptionsHelp()
+            + QStringLiteral("\nExample: selector apply recipe.txt --verify --rollback\n"),
+        OptionDryRun | OptionVerify | OptionRollback, run};
+}

@@ -1,0 +1,234 @@
+// SPDX-License-Identifier: MIT
+// Writing, reading back and setting back.
+#include "ApplyPlan.h"
+
+#include "Entries.h"
+#include "MessageLog.h"
+#include "SelectorHandlerProcessValue.h"
+#include "ValueText.h"
+
+#include <algorithm>
+
+namespace {
+
+// Nothing about the value is wrong, so the memory is.
+Finding refusedByMemory()
+{
+    const QStringList warnings = MessageLog::takeWarnings();
+    return {Finding::ValueRefused,
+            warnings.isEmpty()
+                ? QStringLiteral("the write was refused: no permission, the publisher "
+                                 "is gone or another writer holds the lock")
+                : warnings.constLast()};
+}
+
+bool isDeactivated(const ApplyItem &item)
+{
+    return item.checked.finding.code == Finding::Deactivated;
+}
+
+bool hasFailed(const QVector<ApplyItem> &items)
+{
+    return std::any_of(items.begin(), items.end(),
+                       [](const ApplyItem &item) { return item.verdict == ApplyItem::Failed; });
+}
+
+void takeChecks(QVector<ApplyItem> &items)
+{
+    for (ApplyItem &item : items) {
+        item.finding = item.checked.finding;
+        if (item.finding.code == Finding::None) {
+            item.verdict = ApplyItem::Checked;
+        } else {
+            item.verdict = isDeactivated(item) ? ApplyItem::Left : ApplyItem::Failed;
+        }
+    }
+}
+
+void leaveTheRest(QVector<ApplyItem> &items)
+{
+    for (ApplyItem &item : items) {
+        if (item.verdict == ApplyItem::Checked) {
+            item.verdict = ApplyItem::Left;
+            item.finding = {Finding::LeftOut, QStringLiteral("not written, another item failed")};
+        }
+    }
+}
+
+bool write(int index, const QVariant &value, Finding &finding, SelectorHandlerProcessValue &handler)
+{
+    MessageLog::takeWarnings();
+    if (handler.setValue(ProcessValue(value), index)) {
+        return true;
+    }
+    finding = refusedByMemory();
+    return false;
+}
+
+void writeAll(QVector<ApplyItem> &items, SelectorHandlerProcessValue &handler)
+{
+    for (int i = 0; i < items.size(); ++i) {
+        ApplyItem &item = items[i];
+        if (item.verdict != ApplyItem::Checked) {
+            continue;
+        }
+        if (!write(i, item.checked.value, item.finding, handler)) {
+            item.verdict = ApplyItem::Failed;
+            return;
+        }
+        item.verdict = ApplyItem::Written;
+    }
+}
+
+void verifyAll(QVector<ApplyItem> &items, SelectorHandlerProcessValue &handler)
+{
+    for (int i = 0; i < items.size(); ++i) {
+        ApplyItem &item = items[i];
+        if (item.verdict != ApplyItem::Written) {
+            continue;
+        }
+        const ProcessValue now = handler.getValue(i);
+        if (now.getErrorType() == ProcessDataDefinitions::NoError
+            && now.getValue() == item.checked.value) {
+            item.verdict = ApplyItem::Verified;
+        } else {
+            item.verdict = ApplyItem::Failed;
+            item.finding
+                = {Finding::NotVerified,
+                   QStringLiteral("reads back as %1 (%2)")
+                       .arg(valueToText(now.getValue()), errorTypeName(now.getErrorType()))};
+        }
+    }
+}
+
+// What failed the reading back was written too.
+void rollBack(QVector<ApplyItem> &items, SelectorHandlerProcessValue &handler)
+{
+    for (int i = items.size() - 1; i >= 0; --i) {
+        ApplyItem &item = items[i];
+        const bool failedBehind = item.finding.code == Finding::NotVerified;
+        if (!item.isWritten() && !failedBehind) {
+            continue;
+        }
+        Finding problem;
+        if (item.before.getErrorType() != ProcessDataDefinitions::NoError) {
+            problem = {Finding::NotReadable,
+                       QStringLiteral("not set back: it had no good value before")};
+        } else {
+            write(i, item.before.getValue(), problem, handler);
+        }
+        if (problem.code != Finding::None) {
+            item.verdict = ApplyItem::NotRestored;
+            item.finding = problem;
+        } else if (!failedBehind) {
+            item.verdict = ApplyItem::Restored;
+            item.finding = {Finding::LeftOut, QStringLiteral("set back, another item failed")};
+        } else {
+            item.finding.text += QStringLiteral("; set back");
+        }
+    }
+}
+
+QString verdictName(ApplyItem::Verdict verdict)
+{
+    switch (verdict) {
+    case ApplyItem::Left:
+        return QStringLiteral("left");
+    case ApplyItem::Checked:
+        return QStringLiteral("checked");
+    case ApplyItem::Written:
+        return QStringLiteral("written");
+    case ApplyItem::Verified:
+        return QStringLiteral("verified");
+    case ApplyItem::Failed:
+        return QStringLiteral("failed");
+    case ApplyItem::Restored:
+        return QStringLiteral("restored");
+    case ApplyItem::NotRestored:
+        break;
+    }
+    return QStringLiteral("notRestored");
+}
+
+Entry::State stateOfItem(const ApplyItem &item)
+{
+    switch (item.verdict) {
+    case ApplyItem::Left:
+    case ApplyItem::Restored:
+        return Entry::Skipped;
+    case ApplyItem::Checked:
+    case ApplyItem::Written:
+    case ApplyItem::Verified:
+        return Entry::Good;
+    case ApplyItem::Failed:
+    case ApplyItem::NotRestored:
+        break;
+    }
+    return Entry::Failed;
+}
+
+} // namespace
+
+void apply(QVector<ApplyItem> &items, const ApplyOptions &options,
+           SelectorHandlerProcessValue &handler)
+{
+    takeChecks(items);
+    if (hasFailed(items)) {
+        leaveTheRest(items);
+        return;
+    }
+    if (options.dryRun) {
+        return;
+    }
+    writeAll(items, handler);
+    if (options.verify && !hasFailed(items)) {
+        verifyAll(items, handler);
+    }
+    if (hasFailed(items)) {
+        leaveTheRest(items);
+        if (options.rollback) {
+            rollBack(items, handler);
+        }
+    }
+}
+
+QVector<Column> applyColumns()
+{
+    return {{QStringLiteral("line"), true},   {QStringLiteral("url")},
+            {QStringLiteral("before"), true}, {QStringLiteral("value"), true},
+            {QStringLiteral("unit")},         {QStringLiteral("result")},
+            {QStringLiteral("note")}};
+}
+
+Entry applyEntry(const ApplyItem &item)
+{
+    const ListLine &line = item.checked.line;
+    const QVariant &value = item.checked.value;
+    const QVariant before = item.before.getErrorType() == ProcessDataDefinitions::NoError
+        ? item.before.getValue()
+        : QVariant();
+    Entry entry;
+    entry.subject = QStringLiteral("line %1: %2").arg(line.number).arg(line.url);
+    entry.reason = item.finding.text;
+    entry.state = stateOfItem(item);
+    entry.json = {
+        {QStringLiteral("line"), line.number},
+        {QStringLiteral("url"), line.url},
+        {QStringLiteral("status"), stateName(entry.state)},
+        {QStringLiteral("result"), verdictName(item.verdict)},
+        {QStringLiteral("before"), valueToJson(before)},
+        {QStringLiteral("value"), value.isValid() ? valueToJson(value) : QJsonValue(line.value)}};
+    if (item.finding.code != Finding::None) {
+        entry.json.insert(QStringLiteral("code"), item.finding.codeName());
+        entry.json.insert(QStringLiteral("reason"), item.finding.text);
+    }
+    const QString unit = item.checked.properties.value(QLatin1String("unit")).toString();
+    if (!unit.isEmpty()) {
+        entry.json.insert(QStringLiteral("unit"), unit);
+    }
+    entry.rows.append({QString::number(line.number), line.url,
+                       Cell(valueToShortText(before), valueToText(before)),
+                       value.isValid() ? valueToText(value) : line.value, unit,
+                       verdictName(item.verdict), item.finding.text});
+    return entry;
+}
