@@ -57,6 +57,7 @@ if(SELECTORHANDLER_PLATFORM STREQUAL "reference")
         REQUIRES "Qt5Core >= 5.15"
         HEADERS ${contract_headers}
             ${reference_dir}/bus/BusQueryResult.h
+            ${reference_dir}/bus/CallDeadline.h
             ${reference_dir}/bus/InstanceListClient.h
             ${reference_dir}/bus/ServiceOwnerClient.h
             ${reference_dir}/memory/BufferInspection.h

@@ -81,7 +81,7 @@ Command applyCommand()
             "  --verify         read all values back when they are written; another one is a\n"
             "                   failure, for example of a service that corrects what it is given\n"
             "  --rollback       when anything fails, set back what was written, the last one first\n"
-            "  --timeout S      seconds that one call to a service may take (2)\n")
+            "  --timeout S      seconds for all calls together; else 2 for each call\n")
             + commonOptionsHelp()
             + QStringLiteral("\nExample: selector apply recipe.txt --verify --rollback\n"),
         OptionDryRun | OptionVerify | OptionRollback, run};

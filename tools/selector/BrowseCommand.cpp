@@ -8,7 +8,6 @@
 #include "ExitCode.h"
 #include "InstanceListClient.h"
 #include "ModuleEntries.h"
-#include "ProviderListClient.h"
 #include "SelectorSharedMemoryHandler.h"
 #include "SelectorUrlBuilder.h"
 
@@ -18,15 +17,17 @@
 
 namespace {
 
-Entry failure(const QString &subject, const QString &reason, Finding::Code code, int columns)
+Entry failure(const QString &subject, const Finding &finding, int columns)
 {
+    const QString reason = finding.text;
     Entry entry;
     entry.subject = subject;
     entry.reason = reason;
+    entry.failure = finding.exitCode();
     entry.state = Entry::Failed;
     entry.json = {{QStringLiteral("place"), subject},
                   {QStringLiteral("status"), QStringLiteral("failed")},
-                  {QStringLiteral("code"), Finding{code, reason}.codeName()},
+                  {QStringLiteral("code"), finding.codeName()},
                   {QStringLiteral("reason"), reason}};
     Row row(columns, Cell(QString()));
     row.first() = subject;
@@ -38,10 +39,9 @@ Entry failure(const QString &subject, const QString &reason, Finding::Code code,
 int browseSystem(const Console &console)
 {
     QString list;
-    QString error;
-    if (fetchRegisteredProviderList(list, error) != BusQueryResult::Ok) {
-        console.err << "selector: " << error << '\n';
-        return ExitNotReachable;
+    ExitCode exitCode = ExitAllGood;
+    if (!fetchModules(console, list, exitCode)) {
+        return exitCode;
     }
     Report report{QStringLiteral("selector.browse/1"),
                   {{QStringLiteral("module")}, {QStringLiteral("note")}},
@@ -62,10 +62,8 @@ void addInstances(const QString &module, const QString &object, Report &report)
     QString error;
     const BusQueryResult result = fetchInstances(module, object, instances, error);
     if (result != BusQueryResult::Ok) {
-        report.entries.append(failure(module + QLatin1Char('/') + object, error,
-                                      result == BusQueryResult::ServiceMissing
-                                          ? Finding::ServiceMissing
-                                          : Finding::ServiceFailed,
+        report.entries.append(failure(module + QLatin1Char('/') + object,
+                                      Diagnosis::explainQuery(result, error),
                                       report.columns.size()));
         return;
     }
@@ -96,10 +94,7 @@ int browseInstances(const BrowsePlace &place, const Console &console)
         objects.clear();
         const BusQueryResult result = fetchObjects(place.module, objects, error);
         if (result != BusQueryResult::Ok) {
-            report.entries.append(failure(place.module, error,
-                                          result == BusQueryResult::ServiceMissing
-                                              ? Finding::ServiceMissing
-                                              : Finding::ServiceFailed,
+            report.entries.append(failure(place.module, Diagnosis::explainQuery(result, error),
                                           report.columns.size()));
         }
     }
@@ -119,7 +114,7 @@ int browseLeaves(const BrowsePlace &place, const Console &console)
     // A description whose memory cannot be attached still tells the leaves.
     const QVariant description = source->getProcessDescription();
     if (!description.isValid()) {
-        report.entries.append(failure(name, finding.text, finding.code, report.columns.size()));
+        report.entries.append(failure(name, finding, report.columns.size()));
         return printReport(report, console);
     }
     const QJsonObject document = QJsonDocument::fromJson(description.toString().toUtf8()).object();
@@ -130,9 +125,10 @@ int browseLeaves(const BrowsePlace &place, const Console &console)
                       leaf.properties));
     }
     if (report.entries.isEmpty() && !place.group.isEmpty()) {
-        report.entries.append(failure(name + QLatin1Char('/') + place.group,
-                                      QStringLiteral("%1 has no such group").arg(name),
-                                      Finding::NoSuchLeaf, report.columns.size()));
+        report.entries.append(
+            failure(name + QLatin1Char('/') + place.group,
+                    {Finding::NoSuchLeaf, QStringLiteral("%1 has no such group").arg(name)},
+                    report.columns.size()));
     }
     return printReport(report, console);
 }
@@ -174,7 +170,7 @@ Command browseCommand()
             "a group with their URLs. MODULE/OBJECT/ names the instance without a name.\n"
             "\n"
             "Options:\n"
-            "  --timeout S      seconds that one call to a service may take (2)\n")
+            "  --timeout S      seconds for all calls together; else 2 for each call\n")
             + commonOptionsHelp()
             + QStringLiteral("\nExample: selector browse PumpStation/Pump/1\n"),
         0, run};

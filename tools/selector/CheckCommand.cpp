@@ -87,7 +87,7 @@ Command checkCommand()
             "Options:\n"
             "  --against SNAPSHOT  ask a file or directory of selector snapshot instead of the\n"
             "                      running system\n"
-            "  --timeout S         seconds that one call to a service may take (2)\n")
+            "  --timeout S         seconds for all calls together; else 2 for each call\n")
             + commonOptionsHelp()
             + QStringLiteral("\nExample: selector check selectors.txt --against released/\n"),
         OptionAgainst, run};

@@ -3,6 +3,7 @@
 #include "Command.h"
 
 #include "MessageLog.h"
+#include "ProviderListClient.h"
 #include "SystemStatusManagerDBusConnector.h"
 
 #include <algorithm>
@@ -27,12 +28,28 @@ const Command *findCommand(const QString &name)
 QString commonOptionsHelp()
 {
     return QStringLiteral(
-        "  --format FORMAT  table (default), json or csv\n"
+        "  --format FORMAT  table (default), json or csv; -j is --format json\n"
         "  -v, --verbose    also print the libraries' warnings on standard error\n"
         "  -h, --help       print this and exit\n"
         "\n"
-        "Exit codes: 0 all good, 1 something failed (its row says why),\n"
-        "2 wrong usage, 3 the system is out of reach.\n");
+        "Exit codes: 0 all good, 1 something failed (its row says why), 2 wrong usage, 3 the\n"
+        "system is out of reach, 4 no answer within the time limit, 5 permission is missing,\n"
+        "130 interrupted.\n");
+}
+
+bool fetchModules(const Console &console, QString &providerList, ExitCode &exitCode)
+{
+    QString error;
+    const BusQueryResult result = fetchRegisteredProviderList(providerList, error);
+    if (result == BusQueryResult::Ok) {
+        return true;
+    }
+    console.err << "selector: " << printable(error) << '\n';
+    console.err.flush();
+    exitCode = result == BusQueryResult::TimedOut ? ExitTimeLimit
+        : result == BusQueryResult::Denied        ? ExitDenied
+                                                  : ExitNotReachable;
+    return false;
 }
 
 bool busIsReachable(const Console &console)

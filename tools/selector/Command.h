@@ -5,6 +5,7 @@
 
 #include "CommandLine.h"
 #include "Console.h"
+#include "ExitCode.h"
 
 #include <QVector>
 
@@ -41,6 +42,11 @@ Command applyCommand();
 
 /// Options that every command has, for the helps.
 QString commonOptionsHelp();
+
+/// Fetches the list of registered providers; prints the reason when it cannot be had.
+///
+/// @param exitCode  receives what that means for a script
+bool fetchModules(const Console &console, QString &providerList, ExitCode &exitCode);
 
 /// Whether the bus can be reached; prints the reason when not.
 bool busIsReachable(const Console &console);

@@ -35,7 +35,7 @@ class Parser
 public:
     explicit Parser(int options)
     {
-        parser.addOptions({format, timeout, verbose, help});
+        parser.addOptions({format, json, timeout, verbose, help});
         add(options, OptionFile, file);
         add(options, OptionType, type);
         add(options, OptionProperty, property);
@@ -110,7 +110,11 @@ private:
     bool readFormat(CommandLine &line, QString &error) const
     {
         const QString name = value(format);
-        if (name == QLatin1String("json")) {
+        if (isSet(json) && isSet(format) && name != QLatin1String("json")) {
+            error = QStringLiteral("-j and --format %1 exclude each other").arg(name);
+            return false;
+        }
+        if (isSet(json) || name == QLatin1String("json")) {
             line.format = Format::Json;
         } else if (name == QLatin1String("csv")) {
             line.format = Format::Csv;
@@ -159,6 +163,7 @@ private:
     }
 
     const QCommandLineOption format{QStringLiteral("format"), QString(), QStringLiteral("FORMAT")};
+    const QCommandLineOption json{{QStringLiteral("j"), QStringLiteral("json")}};
     const QCommandLineOption timeout{QStringLiteral("timeout"), QString(), QStringLiteral("S")};
     const QCommandLineOption verbose{{QStringLiteral("v"), QStringLiteral("verbose")}};
     const QCommandLineOption help{{QStringLiteral("h"), QStringLiteral("help")}};
@@ -180,8 +185,9 @@ private:
     const QCommandLineOption dryRun{QStringLiteral("dry-run")};
     const QCommandLineOption verify{QStringLiteral("verify")};
     const QCommandLineOption rollback{QStringLiteral("rollback")};
-    const QStringList alwaysKnown{QStringLiteral("format"), QStringLiteral("timeout"),
-                                  QStringLiteral("verbose"), QStringLiteral("help")};
+    const QStringList alwaysKnown{QStringLiteral("format"), QStringLiteral("json"),
+                                  QStringLiteral("timeout"), QStringLiteral("verbose"),
+                                  QStringLiteral("help")};
     QStringList known;
     QCommandLineParser parser;
 };

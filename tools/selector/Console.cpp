@@ -15,7 +15,7 @@ int printReport(const Report &report, const Console &console)
             printReason(entry.subject, entry.reason, console);
         }
     }
-    return report.allGood() ? ExitAllGood : ExitSomeFailed;
+    return report.exitCode();
 }
 
 void printReason(const QString &subject, const QString &reason, const Console &console)

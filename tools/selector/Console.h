@@ -18,7 +18,7 @@ struct Console
 
 /// Prints a whole report and, for each entry that is not good, its reason.
 ///
-/// @returns ExitAllGood or ExitSomeFailed
+/// @returns the exit code that the report earns
 int printReport(const Report &report, const Console &console);
 
 /// Prints one reason on standard error.

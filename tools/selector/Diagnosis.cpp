@@ -2,6 +2,7 @@
 // The steps from a URL's text to its leaf.
 #include "Diagnosis.h"
 
+#include "BufferInspection.h"
 #include "ConfigurationAndProcessDataDefinitions.h"
 #include "InstanceListClient.h"
 #include "MessageLog.h"
@@ -20,17 +21,21 @@ Finding explainMissingDescription(const QString &module, const QString &object,
 {
     QStringList names;
     QString error;
-    Finding silent{Finding::ServiceFailed,
-                   QStringLiteral("the service of module %1 gives no answer").arg(module)};
-    if (fetchObjects(module, names, error) != BusQueryResult::Ok) {
-        return silent;
+    const auto silent = [&module](BusQueryResult result) {
+        return Diagnosis::explainQuery(
+            result, QStringLiteral("the service of module %1 gives no answer").arg(module));
+    };
+    BusQueryResult result = fetchObjects(module, names, error);
+    if (result != BusQueryResult::Ok) {
+        return silent(result);
     }
     if (!names.contains(object)) {
         return {Finding::NoSuchInstance,
                 QStringLiteral("module %1 has no object \"%2\"").arg(module, object)};
     }
-    if (fetchInstances(module, object, names, error) != BusQueryResult::Ok) {
-        return silent;
+    result = fetchInstances(module, object, names, error);
+    if (result != BusQueryResult::Ok) {
+        return silent(result);
     }
     if (!names.contains(instance)) {
         return {
@@ -42,17 +47,51 @@ Finding explainMissingDescription(const QString &module, const QString &object,
                 .arg(place(module, object, instance))};
 }
 
-Finding explainFailedAttach(const QString &module, const QString &object, const QString &instance)
+Finding explainFailedAttach(const QString &module, const QString &object, const QString &instance,
+                            const QString &description)
 {
-    // The platform's own warning came first and says what is wrong with the memory.
-    const QStringList warnings = MessageLog::takeWarnings();
-    const QString reason
-        = warnings.isEmpty() ? QStringLiteral("its memory is not usable") : warnings.constFirst();
-    return {Finding::NotReadable,
-            QStringLiteral("cannot attach to %1: %2").arg(place(module, object, instance), reason)};
+    const BufferInspection buffer = inspectBuffer(description);
+    return {buffer.end == BufferInspection::Permission ? Finding::Denied : Finding::NotReadable,
+            QStringLiteral("cannot attach to %1: %2")
+                .arg(place(module, object, instance),
+                     buffer.problem.isEmpty() ? QStringLiteral("its memory came up only now")
+                                              : buffer.problem)};
 }
 
 } // namespace
+
+Finding Diagnosis::explainQuery(BusQueryResult result, const QString &error)
+{
+    switch (result) {
+    case BusQueryResult::TimedOut:
+        return {Finding::TimeLimit, error};
+    case BusQueryResult::Denied:
+        return {Finding::Denied, error};
+    case BusQueryResult::ServiceMissing:
+        return {Finding::ServiceMissing, error};
+    default:
+        return {Finding::ServiceFailed, error};
+    }
+}
+
+Finding Diagnosis::explainRefusal(const QString &url)
+{
+    Finding finding = explain(url);
+    if (finding.code != Finding::None) {
+        return finding;
+    }
+    const SelectorUrlHandler parsed(url);
+    const auto &source
+        = sources[place(parsed.getModuleName(), parsed.getObjectName(), parsed.getInstance())];
+    const BufferInspection buffer
+        = inspectBuffer(source.handler->getProcessDescription().toString());
+    if (buffer.end >= BufferInspection::Liveness && !buffer.writable) {
+        return {Finding::Denied,
+                QStringLiteral("this process may only read %1 (%2)")
+                    .arg(buffer.path, buffer.permission)};
+    }
+    return finding;
+}
 
 Finding Diagnosis::explainText(const SelectorUrlHandler &url)
 {
@@ -88,7 +127,7 @@ Finding Diagnosis::explainSource(const QString &module, const QString &object,
         return {};
     }
     return handler->getProcessDescription().isValid()
-        ? explainFailedAttach(module, object, instance)
+        ? explainFailedAttach(module, object, instance, handler->getProcessDescription().toString())
         : explainMissingDescription(module, object, instance);
 }
 

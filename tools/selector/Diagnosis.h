@@ -3,6 +3,7 @@
 #ifndef DIAGNOSIS_H
 #define DIAGNOSIS_H
 
+#include "BusQueryResult.h"
 #include "Finding.h"
 
 #include <QMap>
@@ -21,6 +22,12 @@ public:
     /// @returns the first step that fails; None when the URL itself is all right and its leaf is
     ///          there and attached
     Finding explain(const QString &url);
+
+    /// Why a leaf that is there refused a value that fits it.
+    Finding explainRefusal(const QString &url);
+
+    /// What a question to a service that failed means.
+    static Finding explainQuery(BusQueryResult result, const QString &error);
 
     /// What can be told from the URL's text alone.
     static Finding explainText(const SelectorUrlHandler &url);

@@ -18,6 +18,7 @@ void addReason(const Finding &finding, Entry &entry)
 {
     entry.reason = finding.text;
     if (finding.code != Finding::None) {
+        entry.failure = finding.exitCode();
         entry.json.insert(QStringLiteral("code"), finding.codeName());
         entry.json.insert(QStringLiteral("reason"), finding.text);
     }

@@ -78,11 +78,9 @@ Command explainCommand()
             "\n"
             "Options:\n"
             "  --property NAME  the leaf must have this property; may be given several times\n"
-            "  --timeout S      seconds that one call to a service may take (2)\n")
+            "  --timeout S      seconds for all calls together; else 2 for each call\n")
             + commonOptionsHelp()
-            + QStringLiteral("Also 4 when a service does not answer in time, 5 when permission is "
-                             "missing.\n"
-                             "\nExample: selector explain "
+            + QStringLiteral("\nExample: selector explain "
                              "processdata://PumpStation/Pump/1/drive/speed\n"),
         OptionProperty, run};
 }

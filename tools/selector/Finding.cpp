@@ -37,6 +37,25 @@ QString Finding::codeName() const
         return QStringLiteral("notVerified");
     case LeftOut:
         return QStringLiteral("leftOut");
+    case TimeLimit:
+        return QStringLiteral("timeLimit");
+    case Denied:
+        return QStringLiteral("denied");
     }
     return {};
+}
+
+ExitCode Finding::exitCode() const
+{
+    switch (code) {
+    case None:
+    case Deactivated:
+        return ExitAllGood;
+    case TimeLimit:
+        return ExitTimeLimit;
+    case Denied:
+        return ExitDenied;
+    default:
+        return ExitSomeFailed;
+    }
 }

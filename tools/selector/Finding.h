@@ -3,6 +3,8 @@
 #ifndef FINDING_H
 #define FINDING_H
 
+#include "ExitCode.h"
+
 #include <QString>
 
 /// One reason. The codes are documented and never change their meaning.
@@ -25,6 +27,8 @@ struct Finding
         NotWritten,
         NotVerified,
         LeftOut,
+        TimeLimit, ///< a service did not answer in time
+        Denied, ///< permission is missing
     };
 
     Code code = None;
@@ -32,6 +36,9 @@ struct Finding
 
     /// The code as it stands in JSON: "noSuchLeaf" and the like; empty for None.
     QString codeName() const;
+
+    /// What the reason means for a script.
+    ExitCode exitCode() const;
 };
 
 #endif

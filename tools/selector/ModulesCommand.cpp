@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: MIT
 // selector modules: who offers selectors.
 #include "Command.h"
-#include "ExitCode.h"
 #include "ModuleEntries.h"
-#include "ProviderListClient.h"
 
 namespace {
 
@@ -19,10 +17,9 @@ int run(const CommandLine &line, const Console &console, QString &usage)
         return ExitUsage;
     }
     QString list;
-    QString error;
-    if (fetchRegisteredProviderList(list, error) != BusQueryResult::Ok) {
-        console.err << "selector: " << error << '\n';
-        return ExitNotReachable;
+    ExitCode exitCode = ExitAllGood;
+    if (!fetchModules(console, list, exitCode)) {
+        return exitCode;
     }
     return printReport({QStringLiteral("selector.modules/1"), moduleColumns(),
                         line.hasType ? moduleEntriesOfType(list, line.type) : moduleEntries(list)},
@@ -42,7 +39,7 @@ Command modulesCommand()
             "\n"
             "Options:\n"
             "  --type TYPE      only this type: AnalogSelector, DigitalSelector\n"
-            "  --timeout S      seconds that one call to a service may take (2)\n")
+            "  --timeout S      seconds for all calls together; else 2 for each call\n")
             + commonOptionsHelp(),
         OptionType, run};
 }

@@ -49,7 +49,7 @@ Command readCommand()
                 "Options:\n"
                 "  -f, --file FILE  also read URLs from FILE (- is standard input), one a line;\n"
                 "                   lines that begin with # are left out\n"
-                "  --timeout S      seconds that one call to a service may take (2)\n")
+                "  --timeout S      seconds for all calls together; else 2 for each call\n")
                 + commonOptionsHelp()
                 + QStringLiteral(
                     "\nExample: selector read processdata://PumpStation/Pump/1/drive/speed\n"),

@@ -128,11 +128,20 @@ QString renderJson(const Report &report, bool pretty)
 
 } // namespace
 
-bool Report::allGood() const
+ExitCode Report::exitCode() const
 {
-    return std::all_of(entries.begin(), entries.end(), [](const Entry &entry) {
-        return entry.state == Entry::Good || entry.state == Entry::Skipped;
-    });
+    const auto fails = [this](ExitCode code) {
+        return std::any_of(entries.begin(), entries.end(), [code](const Entry &entry) {
+            return (entry.state == Entry::Failed || entry.state == Entry::Doubtful)
+                && entry.failure == code;
+        });
+    };
+    for (const ExitCode code : {ExitTimeLimit, ExitDenied, ExitSomeFailed}) {
+        if (fails(code)) {
+            return code;
+        }
+    }
+    return ExitAllGood;
 }
 
 QString render(const Report &report, const Style &style)

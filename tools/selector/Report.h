@@ -3,6 +3,8 @@
 #ifndef REPORT_H
 #define REPORT_H
 
+#include "ExitCode.h"
+
 #include <QJsonObject>
 #include <QString>
 #include <QStringList>
@@ -53,6 +55,7 @@ struct Entry
     QString subject; ///< what the reason on standard error is about
     QString reason; ///< empty when there is nothing to say
     State state = Good;
+    ExitCode failure = ExitSomeFailed; ///< what it means for a script when it is not good
     QJsonObject json;
     QVector<Row> rows;
 };
@@ -63,7 +66,8 @@ struct Report
     QVector<Column> columns;
     QVector<Entry> entries;
 
-    bool allGood() const;
+    /// ExitAllGood; or the gravest of its entries: ExitTimeLimit, ExitDenied, ExitSomeFailed.
+    ExitCode exitCode() const;
 };
 
 struct Style

@@ -163,7 +163,7 @@ Command snapshotCommand()
             "\n"
             "Options:\n"
             "  -o, --output DIRECTORY  made where missing; files of the same sources are replaced\n"
-            "  --timeout S      seconds that one call to a service may take (2)\n")
+            "  --timeout S      seconds for all calls together; else 2 for each call\n")
             + commonOptionsHelp()
             + QStringLiteral("\nExample: selector snapshot --output released PumpStation\n"),
         OptionOutput, run};

@@ -19,9 +19,13 @@ Finding refused(const QString &text, const QString &problem)
 }
 
 // Nothing about the value is wrong, so the memory is.
-Finding refusedByMemory()
+Finding refusedByMemory(Diagnosis &diagnosis, const QString &url)
 {
     const QStringList warnings = MessageLog::takeWarnings();
+    const Finding finding = diagnosis.explainRefusal(url);
+    if (finding.code != Finding::None) {
+        return finding;
+    }
     return {Finding::ValueRefused,
             warnings.isEmpty()
                 ? QStringLiteral("the write was refused: no permission, the publisher "
@@ -29,7 +33,8 @@ Finding refusedByMemory()
                 : warnings.constLast()};
 }
 
-Finding write(SelectorHandlerProcessValue &handler, int index, WriteResult &result)
+Finding write(SelectorHandlerProcessValue &handler, int index, WriteResult &result,
+              Diagnosis &diagnosis)
 {
     const auto type = leafType(result.properties.value(QLatin1String("type")).toString());
     if (!type) {
@@ -47,7 +52,8 @@ Finding write(SelectorHandlerProcessValue &handler, int index, WriteResult &resu
     }
     result.value = value;
     MessageLog::takeWarnings();
-    return handler.setValue(ProcessValue(value), index) ? Finding() : refusedByMemory();
+    return handler.setValue(ProcessValue(value), index) ? Finding()
+                                                        : refusedByMemory(diagnosis, result.url);
 }
 
 int run(const CommandLine &line, const Console &console, QString &usage)
@@ -72,7 +78,7 @@ int run(const CommandLine &line, const Console &console, QString &usage)
                 = {Finding::NotReadable, QStringLiteral("the leaf came up only now, try again")};
         }
         if (result.finding.code == Finding::None) {
-            result.finding = write(handler, i, result);
+            result.finding = write(handler, i, result, diagnosis);
         }
         report.entries.append(writeEntry(result));
     }
@@ -96,7 +102,7 @@ Command writeCommand()
             "  -f, --file FILE  also read pairs from FILE (- is standard input): one URL, blanks and\n"
             "                   the value (the rest of the line) a line; lines that begin with #\n"
             "                   are left out\n"
-            "  --timeout S      seconds that one call to a service may take (2)\n")
+            "  --timeout S      seconds for all calls together; else 2 for each call\n")
             + commonOptionsHelp()
             + QStringLiteral(
                 "\nExample: selector write processdata://PumpStation/Pump/1/drive/setpoint 1200\n"),

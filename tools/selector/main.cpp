@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // selector: reads and writes live process data from the command line.
+#include "CallDeadline.h"
 #include "Command.h"
 #include "Console.h"
 #include "ExitCode.h"
@@ -51,8 +52,10 @@ int runCommand(const Command &command, const QStringList &arguments, Console &co
         console.out << command.help;
         return ExitAllGood;
     }
-    // The limit of a watch is the watch's own; everywhere else only calls take time.
+    // The limit of a watch is the watch's own; everywhere else only calls take time: each may take
+    // all of it, all together no more.
     if (line.timeout > 0 && (command.options & OptionInterval) == 0) {
+        setCallDeadline(line.timeout);
         qputenv("PROCESSDATA_DBUS_TIMEOUT_MS", QByteArray::number(line.timeout));
     }
     MessageLog::install(QStringLiteral("selector"), QStringLiteral("selector.cli"),

@@ -3,14 +3,35 @@
 #include "BusSettings.h"
 
 #include "BusLog.h"
+#include "CallDeadline.h"
 
 #include <QMutex>
 #include <QMutexLocker>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
 
 namespace {
 
 constexpr int defaultTimeLimit = 2000;
 constexpr int longestTimeLimit = 600000;
+
+std::atomic<qint64> callDeadline{0}; // milliseconds of the steady clock; 0: none
+
+qint64 steadyNow()
+{
+    using namespace std::chrono;
+    return duration_cast<milliseconds>(steady_clock::now().time_since_epoch()).count();
+}
+
+// At least 1: a call that is not even sent would be told apart from one without an answer.
+int withinDeadline(int limit)
+{
+    const qint64 deadline = callDeadline.load();
+    return deadline == 0 ? limit
+                         : static_cast<int>(std::clamp<qint64>(deadline - steadyNow(), 1, limit));
+}
 
 void warnOnce(const QString &text)
 {
@@ -74,17 +95,22 @@ QString BusChoice::key() const
     return QString::number(static_cast<int>(kind)) + address;
 }
 
+void setCallDeadline(int milliseconds)
+{
+    callDeadline = steadyNow() + milliseconds;
+}
+
 int callTimeLimit()
 {
     const QString text = qEnvironmentVariable("PROCESSDATA_DBUS_TIMEOUT_MS");
     if (text.isEmpty()) {
-        return defaultTimeLimit;
+        return withinDeadline(defaultTimeLimit);
     }
     bool isNumber = false;
     const int limit = text.toInt(&isNumber);
     if (!isNumber || limit < 1 || limit > longestTimeLimit) {
         warnOnce(text);
-        return defaultTimeLimit;
+        return withinDeadline(defaultTimeLimit);
     }
-    return limit;
+    return withinDeadline(limit);
 }

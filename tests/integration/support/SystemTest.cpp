@@ -4,6 +4,8 @@
 
 #include <QTest>
 
+#include <unistd.h>
+
 void SystemTest::init()
 {
     module = uniqueModule();
@@ -15,4 +17,11 @@ void SystemTest::cleanup()
 {
     bus.reset();
     removeLeftBuffers(module);
+}
+
+QStringList SystemTest::powerless()
+{
+    return ::geteuid() == 0
+        ? QStringList{"setpriv", "--bounding-set", "-dac_override,-dac_read_search"}
+        : QStringList();
 }

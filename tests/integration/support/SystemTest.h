@@ -20,6 +20,9 @@ protected Q_SLOTS:
     void cleanup();
 
 protected:
+    /// Begin of a command line that takes from root the power to open every file.
+    static QStringList powerless();
+
     QString module;
     QScopedPointer<PrivateBus> bus;
 };

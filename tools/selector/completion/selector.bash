@@ -34,7 +34,7 @@ _selector()
     --interval | --count | --timeout | --until) return ;;
     esac
 
-    words="--format --timeout --verbose --help"
+    words="--format --json --timeout --verbose --help"
     case $command in
     modules) words+=" --type" ;;
     read | write) words+=" --file" ;;

@@ -76,6 +76,8 @@ void CommandLineTest::wrongUsageIsNamed_data()
         << QStringList{"--format", "xml"} << "--format must be table, json or csv, not \"xml\"";
     QTest::newRow("an empty format")
         << QStringList{"--format="} << "--format must be table, json or csv, not \"\"";
+    QTest::newRow("two formats at once")
+        << QStringList{"-j", "--format", "csv"} << "-j and --format csv exclude each other";
     QTest::newRow("no time at all")
         << QStringList{"--timeout", "0"}
         << "--timeout must be above 0 and at most 86400 seconds, not \"0\"";

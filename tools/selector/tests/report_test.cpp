@@ -35,6 +35,7 @@ private Q_SLOTS:
     void anEmptyReportStillHasItsFrame();
     void controlCharactersDoNotReachTheTerminal();
     void onlyFailuresAndDoubtSpoilAReport();
+    void theGravestFailureDecidesTheExitCode();
 };
 
 void ReportTest::aTableIsAlignedAndHasNoEmptyCellInside()
@@ -81,7 +82,7 @@ void ReportTest::anEmptyReportStillHasItsFrame()
     QCOMPARE(render(report, {Format::Csv, false, false}), QString("url,note\n"));
     QCOMPARE(render(report, {Format::Json, false, false}),
              QString("{\"results\":[],\"schema\":\"selector.test/1\"}\n"));
-    QVERIFY(report.allGood());
+    QCOMPARE(report.exitCode(), ExitAllGood);
 }
 
 void ReportTest::controlCharactersDoNotReachTheTerminal()
@@ -95,7 +96,20 @@ void ReportTest::onlyFailuresAndDoubtSpoilAReport()
         Entry entry;
         entry.state = state;
         const Report report{QString(), {}, {Entry(), entry}};
-        QCOMPARE(report.allGood(), state == Entry::Good || state == Entry::Skipped);
+        const bool good = state == Entry::Good || state == Entry::Skipped;
+        QCOMPARE(report.exitCode(), good ? ExitAllGood : ExitSomeFailed);
+    }
+}
+
+void ReportTest::theGravestFailureDecidesTheExitCode()
+{
+    Report report;
+    for (const ExitCode failure : {ExitSomeFailed, ExitDenied, ExitTimeLimit}) {
+        Entry entry;
+        entry.state = Entry::Failed;
+        entry.failure = failure;
+        report.entries.prepend(entry);
+        QCOMPARE(report.exitCode(), failure);
     }
 }
 

@@ -1,0 +1,222 @@
+// SPDX-License-Identifier: MIT
+// What scripts may rely on: JSON as its schemas say, exit codes, one time limit for a request.
+#include "SystemTest.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QJsonDocument>
+#include <QTest>
+
+class SelectorContractTest : public SystemTest
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+    void outputKeepsItsSchema_data();
+    void outputKeepsItsSchema();
+    void theSchemaCheckRefusesWhatASchemaDoesNotSay_data();
+    void theSchemaCheckRefusesWhatASchemaDoesNotSay();
+    void jStandsForJson();
+    void missingAnswersExitWithFour_data();
+    void missingAnswersExitWithFour();
+    void missingPermissionExitsWithFive_data();
+    void missingPermissionExitsWithFive();
+    void oneTimeLimitHoldsForAllServicesTogether();
+
+private:
+    QStringList filledIn(QStringList arguments) const
+    {
+        return arguments.replaceInStrings("MODULE", module);
+    }
+    static QByteArray schemaProblems(const QByteArray &documents);
+
+    QScopedPointer<ChildProcess> system;
+    QScopedPointer<PublisherProcess> publisher;
+};
+
+namespace {
+
+const QJsonArray elements{
+    leaf("speed", "float64", {{"unit", "1/min"}, {"selectorType", "AnalogSelector"}}),
+    leaf("name", "string", {{"capacity", 32}, {"readOnly", true}}),
+    leaf("idle", "bool"),
+};
+
+} // namespace
+
+void SelectorContractTest::init()
+{
+    SystemTest::init();
+    system.reset(new ChildProcess(SIMULATOR, {"--system-services"}));
+    QVERIFY2(system->start() && !system->waitForLineWith("ready").isNull(),
+             system->report().constData());
+    publisher.reset(new PublisherProcess);
+    VERIFY_COMMAND(publisher->start());
+    VERIFY_COMMAND(publisher->create(module, "Controller", "1", description(elements)));
+    VERIFY_COMMAND(publisher->publish("speed", 1450.5));
+}
+
+void SelectorContractTest::cleanup()
+{
+    publisher.reset();
+    system.reset();
+    SystemTest::cleanup();
+}
+
+// What the schemas have against the documents, one a line; empty when nothing.
+QByteArray SelectorContractTest::schemaProblems(const QByteArray &documents)
+{
+    ChildProcess check("python3", {CHECK_SCHEMA, SCHEMA_DIRECTORY});
+    if (!check.start()) {
+        return "python3 does not start";
+    }
+    check.write(documents.trimmed());
+    check.closeInput();
+    const bool ended = check.waitForEnd();
+    const bool silent = check.output().trimmed().isEmpty();
+    return ended && silent && check.exitCode() == 0 ? QByteArray() : check.report();
+}
+
+void SelectorContractTest::outputKeepsItsSchema_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    const QString good = "processdata://MODULE/Controller/1/speed";
+    const QString idle = "processdata://MODULE/Controller/1/idle";
+    const QString name = "processdata://MODULE/Controller/1/name";
+    const QString none = "processdata://MODULE/Controller/1/none";
+    QTest::newRow("modules") << QStringList{"modules"};
+    QTest::newRow("modules of a type") << QStringList{"modules", "--type", "AnalogSelector"};
+    QTest::newRow("browse the system") << QStringList{"browse"};
+    QTest::newRow("browse a module") << QStringList{"browse", "MODULE"};
+    QTest::newRow("browse leaves") << QStringList{"browse", "MODULE/Controller/1"};
+    QTest::newRow("browse nothing") << QStringList{"browse", "MODULE/Controller/1/none"};
+    QTest::newRow("read") << QStringList{"read", good, idle, none, good + "?deactivated", "x"};
+    QTest::newRow("write") << QStringList{"write", good, "2", name, "x", none, "1", idle, "x"};
+    QTest::newRow("properties") << QStringList{"properties", good, none, name};
+    QTest::newRow("no such property") << QStringList{"properties", "--property", "unit", name};
+    QTest::newRow("watch") << QStringList{"watch", "--count", "3", good, idle, none};
+    QTest::newRow("explain") << QStringList{"explain", good};
+    QTest::newRow("explain a failure") << QStringList{"explain", none};
+}
+
+void SelectorContractTest::outputKeepsItsSchema()
+{
+    QFETCH(const QStringList, arguments);
+    ChildProcess client(SELECTOR, filledIn(arguments) + QStringList{"--format", "json"});
+    QVERIFY(client.start() && client.waitForEnd());
+    QVERIFY2(client.output().contains("selector." + arguments.first().toUtf8() + "/1"),
+             client.report().constData());
+    const QByteArray problems = schemaProblems(client.output());
+    QVERIFY2(problems.isEmpty(), problems.constData());
+}
+
+void SelectorContractTest::theSchemaCheckRefusesWhatASchemaDoesNotSay_data()
+{
+    QTest::addColumn<QByteArray>("document");
+    QTest::addColumn<QByteArray>("problem");
+    QTest::newRow("unknown schema")
+        << QByteArray(R"({"schema":"selector.none/1"})") << QByteArray("no schema");
+    QTest::newRow("missing key") << QByteArray(
+        R"({"schema":"selector.read/1","results":[{"url":"a","status":"ok"}]})")
+                                 << QByteArray("'value' is a required property");
+    QTest::newRow("wrong value") << QByteArray(
+        R"({"schema":"selector.properties/1","results":[{"url":"a","status":"fine"}]})")
+                                 << QByteArray("'fine' is not one of");
+    QTest::newRow("undescribed key") << QByteArray(
+        R"({"schema":"selector.properties/1","results":[{"url":"a","status":"ok","x":1}]})")
+                                     << QByteArray(".results[].x is not described");
+}
+
+void SelectorContractTest::theSchemaCheckRefusesWhatASchemaDoesNotSay()
+{
+    QFETCH(const QByteArray, document);
+    QFETCH(const QByteArray, problem);
+    const QByteArray problems = schemaProblems(document);
+    QVERIFY2(problems.contains(problem), problems.constData());
+}
+
+void SelectorContractTest::jStandsForJson()
+{
+    const QString url = selectorUrl(module, "speed");
+    ChildProcess shortly(SELECTOR, {"properties", "-j", url});
+    ChildProcess fully(SELECTOR, {"properties", "--format", "json", url});
+    QVERIFY(shortly.start() && shortly.waitForEnd() && fully.start() && fully.waitForEnd());
+    QVERIFY2(fully.output().startsWith('{'), fully.report().constData());
+    QCOMPARE(shortly.output(), fully.output());
+}
+
+void SelectorContractTest::missingAnswersExitWithFour_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    const QString url = "processdata://MODULE/Controller/1/speed";
+    QTest::newRow("read") << QStringList{"read", url, "processdata://NotHere/a/1/b"};
+    QTest::newRow("write") << QStringList{"write", url, "1"};
+    QTest::newRow("properties") << QStringList{"properties", url};
+    QTest::newRow("browse a module") << QStringList{"browse", "MODULE"};
+    QTest::newRow("browse an object") << QStringList{"browse", "MODULE/Controller"};
+    QTest::newRow("browse leaves") << QStringList{"browse", "MODULE/Controller/1"};
+    QTest::newRow("modules") << QStringList{"modules"};
+}
+
+void SelectorContractTest::missingAnswersExitWithFour()
+{
+    QFETCH(const QStringList, arguments);
+    publisher->process().suspend();
+    system->suspend();
+    ChildProcess client(SELECTOR, filledIn(arguments) + QStringList{"--timeout", "0.3"});
+    QVERIFY(client.start() && client.waitForEnd());
+    QVERIFY2(client.exitCode() == 4, client.report().constData());
+    QVERIFY2(!client.errors().isEmpty(), client.report().constData());
+}
+
+void SelectorContractTest::missingPermissionExitsWithFive_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<bool>("readable");
+    const QString url = "processdata://MODULE/Controller/1/speed";
+    QTest::newRow("read") << QStringList{"read", url} << false;
+    QTest::newRow("write a buffer that may be read") << QStringList{"write", url, "1"} << true;
+}
+
+void SelectorContractTest::missingPermissionExitsWithFive()
+{
+    QFETCH(const QStringList, arguments);
+    QFETCH(const bool, readable);
+    const QStringList files = QDir("/dev/shm").entryList({"*" + module + "*"}, QDir::Files);
+    QCOMPARE(files.size(), 1);
+    QVERIFY(QFile::setPermissions("/dev/shm/" + files.first(),
+                                  readable ? QFile::ReadOwner | QFile::ReadUser
+                                           : QFile::Permissions()));
+    QStringList command = powerless() + QStringList{SELECTOR} + filledIn(arguments);
+    const QString program = command.takeFirst();
+    ChildProcess client(program, command);
+    QVERIFY(client.start() && client.waitForEnd());
+    QVERIFY2(client.exitCode() == 5, client.report().constData());
+}
+
+void SelectorContractTest::oneTimeLimitHoldsForAllServicesTogether()
+{
+    QStringList urls;
+    for (const char *more : {"a", "b", "c", "d"}) {
+        VERIFY_COMMAND(publisher->create(module + more, "Controller", "1", description(elements)));
+        urls += selectorUrl(module + more, "speed");
+    }
+    publisher->process().suspend();
+
+    QElapsedTimer elapsed;
+    elapsed.start();
+    ChildProcess client(SELECTOR, QStringList{"read", "--timeout", "2"} + urls);
+    QVERIFY(client.start() && client.waitForEnd());
+
+    QVERIFY2(client.exitCode() == 4, client.report().constData());
+    QVERIFY2(elapsed.elapsed() < 6000, "each service had a time limit of its own");
+    for (const QString &url : qAsConst(urls)) {
+        QVERIFY2(client.output().contains(url.toUtf8()), client.report().constData());
+    }
+}
+
+QTEST_GUILESS_MAIN(SelectorContractTest)
+#include "selector_contract_test.moc"
