@@ -22,7 +22,7 @@ Finding refused(const QString &text, const QString &problem)
 Finding refusedByMemory(Diagnosis &diagnosis, const QString &url)
 {
     const QStringList warnings = MessageLog::takeWarnings();
-    const Finding finding = diagnosis.explainRefusal(url);
+    Finding finding = diagnosis.explainRefusal(url);
     if (finding.code != Finding::None) {
         return finding;
     }
