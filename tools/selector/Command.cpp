@@ -13,7 +13,7 @@ const QVector<Command> &commands()
     static const QVector<Command> table{modulesCommand(), browseCommand(), readCommand(),
                                         writeCommand(),   watchCommand(),  propertiesCommand(),
                                         explainCommand(), checkCommand(),  snapshotCommand(),
-                                        diffCommand(),    applyCommand()};
+                                        diffCommand(),    applyCommand(),  completeCommand()};
     return table;
 }
 

@@ -39,6 +39,7 @@ Command checkCommand();
 Command snapshotCommand();
 Command diffCommand();
 Command applyCommand();
+Command completeCommand();
 
 /// Options that every command has, for the helps.
 QString commonOptionsHelp();

@@ -1,5 +1,17 @@
 # SPDX-License-Identifier: MIT
-# Bash completion for selector: commands, options and the values of options.
+# Bash completion for selector: commands, options and their values, URLs of the live system.
+
+# Selector URLs and places of the live system; silent when it does not answer. Readline takes only
+# what follows the last : or = of the word, which its own list of word breaks decides.
+_selector_live()
+{
+    local line=${COMP_LINE:0:COMP_POINT} word strip=
+    word=${line##*[[:space:]]}
+    [[ $COMP_WORDBREAKS != *:* ]] || strip=${word%"${word##*[:=]}"}
+    mapfile -t COMPREPLY < <("${COMP_WORDS[0]}" complete "$1" "$word" 2>/dev/null)
+    [[ ${COMPREPLY[*]} != */ && ${COMPREPLY[*]} != */\ * ]] || compopt -o nospace
+    COMPREPLY=("${COMPREPLY[@]#"$strip"}")
+}
 
 _selector()
 {
@@ -8,7 +20,7 @@ _selector()
     COMPREPLY=()
 
     if ((COMP_CWORD == 1)); then
-        mapfile -t COMPREPLY < <(compgen -W "modules browse read write watch properties explain check snapshot diff apply --help --version" \
+        mapfile -t COMPREPLY < <(compgen -W "modules browse read write watch properties explain check snapshot diff apply complete --help --version" \
             -- "$current")
         return
     fi
@@ -48,7 +60,16 @@ _selector()
     esac
     if [[ $current == -* ]]; then
         mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")
+        return
     fi
+    case $command in
+    read | write | watch | properties | explain) _selector_live url ;;
+    browse | snapshot) _selector_live place ;;
+    check | apply | diff)
+        compopt -o filenames
+        mapfile -t COMPREPLY < <(compgen -f -- "$current")
+        ;;
+    esac
 }
 
 complete -F _selector selector

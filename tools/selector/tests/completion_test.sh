@@ -22,7 +22,7 @@ expect() {
     fi
 }
 
-expect "selector " "modules browse read write watch properties explain check snapshot diff apply --help --version"
+expect "selector " "modules browse read write watch properties explain check snapshot diff apply complete --help --version"
 expect "selector w" "write watch"
 expect "selector read --fo" "--format"
 expect "selector read --format " "table json csv"

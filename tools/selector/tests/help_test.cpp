@@ -52,7 +52,7 @@ private Q_SLOTS:
 
 void HelpTest::eachCommandExplainsItsOptions()
 {
-    QCOMPARE(commands().size(), 11);
+    QCOMPARE(commands().size(), 12);
     for (const Command &command : commands()) {
         QVERIFY2(command.help.startsWith("Usage: selector " + command.name),
                  qPrintable(command.name));
@@ -81,11 +81,17 @@ void HelpTest::theManPageNamesEverything()
 
 void HelpTest::theCompletionKnowsEverything()
 {
-    const QString script = content("completion/selector.bash");
-    for (const Command &command : commands()) {
-        QVERIFY2(script.contains(command.name), qPrintable(command.name));
-        for (const QString &option : optionsOf(command)) {
-            QVERIFY2(script.contains(option), qPrintable(option));
+    const QMap<QString, QString> prefixes{{"completion/selector.bash", "--"},
+                                          {"completion/_selector", "--"},
+                                          {"completion/selector.fish", "-l "}};
+    for (auto shell = prefixes.begin(); shell != prefixes.end(); ++shell) {
+        const QString script = content(shell.key().toUtf8());
+        for (const Command &command : commands()) {
+            QVERIFY2(script.contains(command.name), qPrintable(shell.key() + ' ' + command.name));
+            for (const QString &option : optionsOf(command)) {
+                QVERIFY2(script.contains(shell.value() + option.mid(2)),
+                         qPrintable(shell.key() + ' ' + option));
+            }
         }
     }
 }

@@ -1,0 +1,174 @@
+// SPDX-License-Identifier: MIT
+// Shells complete URLs and places from the live system, and stay silent without one.
+#include "SystemTest.h"
+
+#include <QElapsedTimer>
+#include <QTest>
+
+class SelectorCompletionTest : public SystemTest
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+    void eachLevelIsCompleted_data();
+    void eachLevelIsCompleted();
+    void shellsCompleteUrls_data();
+    void shellsCompleteUrls();
+    void withoutASystemNothingIsSaid_data();
+    void withoutASystemNothingIsSaid();
+    void aHungServiceHoldsNobodyUp();
+    void wrongUsageIsNamed();
+
+private:
+    QByteArray filledIn(QString text) const { return text.replace("MODULE", module).toUtf8(); }
+
+    QScopedPointer<ChildProcess> system;
+    QScopedPointer<PublisherProcess> publisher;
+};
+
+void SelectorCompletionTest::init()
+{
+    SystemTest::init();
+    system.reset(new ChildProcess(SIMULATOR, {"--system-services"}));
+    QVERIFY2(system->start() && !system->waitForLineWith("ready").isNull(),
+             system->report().constData());
+    publisher.reset(new PublisherProcess);
+    VERIFY_COMMAND(publisher->start());
+    const QJsonObject drive{{"name", "drive"},
+                            {"elements", QJsonArray{leaf("speed", "int32"), leaf("on", "bool")}}};
+    VERIFY_COMMAND(publisher->create(
+        module, "Controller", "1",
+        description({drive, leaf("a b", "bool", {{"selectorType", "DigitalSelector"}})})));
+}
+
+void SelectorCompletionTest::cleanup()
+{
+    publisher.reset();
+    system.reset();
+    SystemTest::cleanup();
+}
+
+void SelectorCompletionTest::eachLevelIsCompleted_data()
+{
+    QTest::addColumn<QString>("kind");
+    QTest::addColumn<QString>("word");
+    QTest::addColumn<QString>("expected");
+    const auto url = [](const char *name, const char *word, const char *expected) {
+        QTest::newRow(name) << "url" << word << expected;
+    };
+    url("modules", "", "processdata://MODULE/\n");
+    url("objects", "processdata://MODULE/", "processdata://MODULE/Controller/\n");
+    url("instances", "processdata://MODULE/Controller/", "processdata://MODULE/Controller/1/\n");
+    url("leaves and groups", "processdata://MODULE/Controller/1/",
+        "processdata://MODULE/Controller/1/drive/\nprocessdata://MODULE/Controller/1/a%20b\n");
+    url("leaves of a group", "x=processdata://MODULE/Controller/1/drive/s",
+        "x=processdata://MODULE/Controller/1/drive/speed\n");
+    url("no such module", "processdata://Nowhere/", "");
+    url("no such instance", "processdata://MODULE/Controller/2/", "");
+    QTest::newRow("places: instances") << "place"
+                                       << "MODULE/Controller/"
+                                       << "MODULE/Controller/1\n";
+    QTest::newRow("places: groups alone") << "place"
+                                          << "MODULE/Controller/1/"
+                                          << "MODULE/Controller/1/drive/\n";
+}
+
+void SelectorCompletionTest::eachLevelIsCompleted()
+{
+    QFETCH(QString, kind);
+    QFETCH(QString, word);
+    QFETCH(QString, expected);
+
+    ChildProcess client(SELECTOR, {"complete", kind, filledIn(word)});
+    QVERIFY(client.start() && client.waitForEnd());
+
+    QVERIFY2(client.exitCode() == 0, client.report().constData());
+    QCOMPARE(client.output(), filledIn(expected));
+    QCOMPARE(client.errors(), QByteArray());
+}
+
+void SelectorCompletionTest::shellsCompleteUrls_data()
+{
+    QTest::addColumn<QStringList>("command");
+    QTest::addColumn<QString>("expected");
+    // Readline breaks words at : and replaces only what follows.
+    const QString bash
+        = "source " COMPLETIONS "/selector.bash; compopt() { :; };"
+          "selector() { " SELECTOR " \"$@\"; };"
+          "COMP_LINE='selector read processdata://MODULE/Con'; COMP_POINT=${#COMP_LINE};"
+          "COMP_WORDS=(selector read processdata : //MODULE/Con); COMP_CWORD=4;"
+          "_selector; printf '%s\\n' \"${COMPREPLY[@]}\"";
+    QTest::newRow("bash") << QStringList{"bash", "-c", bash} << "//MODULE/Controller/\n";
+    const QString zsh = "selector() { " SELECTOR " \"$@\" }; compadd() { print -l -- $names };"
+                        "words=(selector watch processdata://MODULE/Con); CURRENT=3;"
+                        "PREFIX=processdata://MODULE/Con;"
+                        "complete_it() { source " COMPLETIONS "/_selector }; complete_it";
+    QTest::newRow("zsh") << QStringList{"zsh", "-fc", zsh} << "processdata://MODULE/Controller/\n";
+    const QString fish = "function selector; " SELECTOR " $argv; end;"
+                         "source " COMPLETIONS "/selector.fish;"
+                         "complete -C 'selector read processdata://MODULE/Con'";
+    QTest::newRow("fish") << QStringList{"fish", "--no-config", "-c", fish}
+                          << "processdata://MODULE/Controller/\n";
+}
+
+void SelectorCompletionTest::shellsCompleteUrls()
+{
+    QFETCH(QStringList, command);
+    QFETCH(QString, expected);
+    command.replaceInStrings("MODULE", module);
+
+    ChildProcess shell(command.takeFirst(), command);
+    QVERIFY(shell.start() && shell.waitForEnd());
+
+    QVERIFY2(shell.output() == filledIn(expected), shell.report().constData());
+    QCOMPARE(shell.errors(), QByteArray());
+}
+
+void SelectorCompletionTest::withoutASystemNothingIsSaid_data()
+{
+    QTest::addColumn<QString>("word");
+    QTest::newRow("modules") << "processdata://";
+    QTest::newRow("objects") << "processdata://MODULE/";
+    QTest::newRow("instances") << "processdata://MODULE/Controller/";
+    QTest::newRow("leaves") << "processdata://MODULE/Controller/1/";
+}
+
+void SelectorCompletionTest::withoutASystemNothingIsSaid()
+{
+    QFETCH(QString, word);
+    bus->stop();
+
+    ChildProcess client(SELECTOR, {"complete", "url", filledIn(word)});
+    QVERIFY(client.start() && client.waitForEnd());
+
+    QCOMPARE(client.exitCode(), 0);
+    QCOMPARE(client.output() + client.errors(), QByteArray());
+}
+
+void SelectorCompletionTest::aHungServiceHoldsNobodyUp()
+{
+    publisher->process().suspend();
+    QElapsedTimer clock;
+    clock.start();
+
+    ChildProcess client(SELECTOR, {"complete", "url", filledIn("processdata://MODULE/")});
+    QVERIFY(client.start() && client.waitForEnd());
+
+    QVERIFY2(clock.elapsed() < 1900, qPrintable(QString::number(clock.elapsed())));
+    QCOMPARE(client.exitCode(), 0);
+    QCOMPARE(client.output() + client.errors(), QByteArray());
+    publisher->process().resume();
+}
+
+void SelectorCompletionTest::wrongUsageIsNamed()
+{
+    ChildProcess client(SELECTOR, {"complete", "everything"});
+    QVERIFY(client.start() && client.waitForEnd());
+    QCOMPARE(client.exitCode(), 2);
+    QVERIFY2(client.errors().contains("\"url\" or \"place\""), client.report().constData());
+}
+
+QTEST_GUILESS_MAIN(SelectorCompletionTest)
+#include "selector_completion_test.moc"

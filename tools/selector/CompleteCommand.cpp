@@ -1,0 +1,111 @@
+// SPDX-License-Identifier: MIT
+// selector complete: candidates for shells from the live system.
+#include "Command.h"
+#include "Completion.h"
+#include "DescriptionLeaves.h"
+#include "ExitCode.h"
+#include "InstanceListClient.h"
+#include "ModuleEntries.h"
+#include "ProviderListClient.h"
+#include "SelectorSharedMemoryHandler.h"
+
+#include <QJsonDocument>
+
+namespace {
+
+constexpr int namesOfSource = 3;
+constexpr char patience[] = "500"; // milliseconds that a person at the keyboard may wait for a call
+
+QStringList modules()
+{
+    QString list;
+    QString error;
+    QStringList names;
+    if (fetchRegisteredProviderList(list, error) == BusQueryResult::Ok) {
+        const QVector<Entry> entries = moduleEntries(list);
+        for (const Entry &entry : entries) {
+            if (entry.state == Entry::Good) {
+                names.append(entry.subject);
+            }
+        }
+    }
+    return names;
+}
+
+QStringList leafPaths(const QStringList &source)
+{
+    SelectorSharedMemoryHandler handler(QString(), source.at(0), source.at(1), source.at(2),
+                                        nullptr);
+    handler.attachToProcessBuffer();
+    const QJsonObject document
+        = QJsonDocument::fromJson(handler.getProcessDescription().toString().toUtf8()).object();
+    QStringList paths;
+    const QVector<DescribedLeaf> leaves = leavesBelow(document, QString());
+    for (const DescribedLeaf &leaf : leaves) {
+        paths.append(leaf.path);
+    }
+    return paths;
+}
+
+// Nothing when the system does not answer: a completion has nobody to complain to.
+QStringList candidates(const TypedPlace &place, bool isUrl)
+{
+    const QString slash = QStringLiteral("/");
+    QStringList names;
+    QString error;
+    switch (place.names.size()) {
+    case 0:
+        return completions(place, modules(), slash);
+    case 1:
+        fetchObjects(place.names.at(0), names, error);
+        return completions(place, names, slash);
+    case 2:
+        fetchInstances(place.names.at(0), place.names.at(1), names, error);
+        return completions(place, names, isUrl ? slash : QString());
+    default:
+        break;
+    }
+    const QString group = QStringList(place.names.mid(namesOfSource)).join(QLatin1Char('/'));
+    names = namesBelow(leafPaths(place.names), group);
+    return completions(place, isUrl ? names : names.filter(slash), QString());
+}
+
+int run(const CommandLine &line, const Console &console, QString &usage)
+{
+    const QString kind = line.arguments.value(0);
+    const bool isUrl = kind == QLatin1String("url");
+    if ((!isUrl && kind != QLatin1String("place")) || line.arguments.size() > 2) {
+        usage = QStringLiteral("\"url\" or \"place\" and one word are wanted.");
+        return ExitUsage;
+    }
+    if (line.timeout == 0) {
+        qputenv("PROCESSDATA_DBUS_TIMEOUT_MS", patience);
+    }
+    for (const QString &word : candidates(typedPlace(line.arguments.value(1), isUrl), isUrl)) {
+        console.out << word << '\n';
+    }
+    console.out.flush();
+    return ExitAllGood;
+}
+
+} // namespace
+
+Command completeCommand()
+{
+    return {
+        QStringLiteral("complete"), QStringLiteral("print what may follow a word, for shells"),
+        QStringLiteral(
+            "Usage: selector complete url|place [WORD]\n"
+            "Prints, one a line, the words that go on from WORD by one name: modules, objects,\n"
+            "instances, groups and leaves of the running system; for a URL, or for a place as\n"
+            "browse takes it. Prints nothing, and no reason, when the system does not answer. The\n"
+            "completions for bash, zsh and fish use it.\n"
+            "\n"
+            "Options:\n"
+            "  --timeout S      seconds that one call to a service may take (0.5)\n")
+            + commonOptionsHelp()
+            + QStringLiteral("The output is the same in each format, and the exit code 0 also\n"
+                             "when nothing was found.\n"
+                             "\nExample: selector complete url processdata://PumpStation/\n"),
+        0, run};
+}
