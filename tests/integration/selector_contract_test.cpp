@@ -6,6 +6,7 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QJsonDocument>
+#include <QTemporaryDir>
 #include <QTest>
 
 class SelectorContractTest : public SystemTest
@@ -17,6 +18,7 @@ private Q_SLOTS:
     void cleanup();
     void outputKeepsItsSchema_data();
     void outputKeepsItsSchema();
+    void listsAndSnapshotsKeepTheirSchemas();
     void theSchemaCheckRefusesWhatASchemaDoesNotSay_data();
     void theSchemaCheckRefusesWhatASchemaDoesNotSay();
     void jStandsForJson();
@@ -111,6 +113,37 @@ void SelectorContractTest::outputKeepsItsSchema()
              client.report().constData());
     const QByteArray problems = schemaProblems(client.output());
     QVERIFY2(problems.isEmpty(), problems.constData());
+}
+
+void SelectorContractTest::listsAndSnapshotsKeepTheirSchemas()
+{
+    const QTemporaryDir directory;
+    const QString list = directory.filePath("list");
+    QFile file(list);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    for (const char *line : {"speed 2", "name x", "none 1", "speed 3", "idle?deactivated on"}) {
+        file.write(selectorUrl(module, line).toUtf8() + '\n');
+    }
+    file.close();
+    const QString before = directory.filePath("before");
+    const QString after = directory.filePath("after");
+    const auto keepsItsSchema = [](const QStringList &arguments) {
+        ChildProcess client(SELECTOR, arguments + QStringList{"--format", "json"});
+        if (!client.start() || !client.waitForEnd()
+            || !client.output().contains("selector." + arguments.first().toUtf8() + "/1")) {
+            return client.report();
+        }
+        return schemaProblems(client.output());
+    };
+
+    QCOMPARE(keepsItsSchema({"check", list}), QByteArray());
+    QCOMPARE(keepsItsSchema({"apply", list}), QByteArray());
+    QCOMPARE(keepsItsSchema({"apply", "--dry-run", list}), QByteArray());
+    QCOMPARE(keepsItsSchema({"snapshot", "-o", before, module, "NotHere/O/1"}), QByteArray());
+    VERIFY_COMMAND(publisher->replaceDescription(description({leaf("speed", "int8")})));
+    QCOMPARE(keepsItsSchema({"snapshot", "-o", after, module}), QByteArray());
+    QCOMPARE(keepsItsSchema({"diff", before, after}), QByteArray());
+    QCOMPARE(keepsItsSchema({"diff", before, after, "-f", list}), QByteArray());
 }
 
 void SelectorContractTest::theSchemaCheckRefusesWhatASchemaDoesNotSay_data()

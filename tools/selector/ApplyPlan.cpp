@@ -210,6 +210,7 @@ Entry applyEntry(const ApplyItem &item)
     Entry entry;
     entry.subject = QStringLiteral("line %1: %2").arg(line.number).arg(line.url);
     entry.reason = item.finding.text;
+    entry.failure = item.finding.exitCode();
     entry.state = stateOfItem(item);
     entry.json = {
         {QStringLiteral("line"), line.number},

@@ -14,6 +14,7 @@ Entry checkEntry(const CheckedLine &checked)
     Entry entry;
     entry.subject = QStringLiteral("line %1: %2").arg(checked.line.number).arg(checked.line.url);
     entry.reason = checked.finding.text;
+    entry.failure = checked.finding.exitCode();
     entry.state
         = checked.finding.code == Finding::Duplicate ? Entry::Doubtful : stateOf(checked.finding);
     entry.json = {{QStringLiteral("line"), checked.line.number},

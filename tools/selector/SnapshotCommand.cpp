@@ -86,6 +86,7 @@ Entry snapshotEntry(const SourceName &name, const SavedSource &saved)
     entry.subject = name.place();
     entry.state = stateOf(saved.finding);
     entry.reason = saved.finding.text;
+    entry.failure = saved.finding.exitCode();
     entry.json = {{QStringLiteral("source"), entry.subject},
                   {QStringLiteral("status"), stateName(entry.state)}};
     if (saved.finding.code == Finding::None) {
@@ -124,11 +125,12 @@ int run(const CommandLine &line, const Console &console, QString &usage)
         return ExitNotReachable;
     }
     QVector<SourceName> sources;
-    QString error;
+    Finding finding;
     for (const BrowsePlace &place : places.isEmpty() ? QVector<BrowsePlace>{{}} : places) {
-        if (!listSources(place, sources, error)) {
-            console.err << "selector: " << error << '\n';
-            return ExitNotReachable;
+        if (!listSources(place, sources, finding)) {
+            console.err << "selector: " << printable(finding.text) << '\n';
+            console.err.flush();
+            return finding.exitCode() == ExitSomeFailed ? ExitNotReachable : finding.exitCode();
         }
     }
     Report report{QStringLiteral("selector.snapshot/1"),

@@ -2,18 +2,12 @@
 // Asks modules for their objects and instances.
 #include "SourceList.h"
 
+#include "Diagnosis.h"
 #include "InstanceListClient.h"
 #include "ModuleEntries.h"
 #include "ProviderListClient.h"
 
 namespace {
-
-Finding findingOf(BusQueryResult result, const QString &error)
-{
-    return {result == BusQueryResult::ServiceMissing ? Finding::ServiceMissing
-                                                     : Finding::ServiceFailed,
-            error};
-}
 
 void addInstances(const QString &module, const QString &object, QVector<SourceName> &sources)
 {
@@ -21,7 +15,7 @@ void addInstances(const QString &module, const QString &object, QVector<SourceNa
     QString error;
     const BusQueryResult result = fetchInstances(module, object, instances, error);
     if (result != BusQueryResult::Ok) {
-        sources.append({module, object, QString(), findingOf(result, error)});
+        sources.append({module, object, QString(), Diagnosis::explainQuery(result, error)});
     }
     for (const QString &instance : qAsConst(instances)) {
         sources.append({module, object, instance, {}});
@@ -34,7 +28,7 @@ void addObjects(const QString &module, QVector<SourceName> &sources)
     QString error;
     const BusQueryResult result = fetchObjects(module, objects, error);
     if (result != BusQueryResult::Ok) {
-        sources.append({module, QString(), QString(), findingOf(result, error)});
+        sources.append({module, QString(), QString(), Diagnosis::explainQuery(result, error)});
     }
     for (const QString &object : qAsConst(objects)) {
         addInstances(module, object, sources);
@@ -48,7 +42,7 @@ QString SourceName::place() const
     return QStringLiteral("%1/%2/%3").arg(module, object, instance);
 }
 
-bool listSources(const BrowsePlace &place, QVector<SourceName> &sources, QString &error)
+bool listSources(const BrowsePlace &place, QVector<SourceName> &sources, Finding &finding)
 {
     switch (place.level) {
     case BrowsePlace::Instance:
@@ -64,7 +58,10 @@ bool listSources(const BrowsePlace &place, QVector<SourceName> &sources, QString
         break;
     }
     QString list;
-    if (fetchRegisteredProviderList(list, error) != BusQueryResult::Ok) {
+    QString error;
+    const BusQueryResult result = fetchRegisteredProviderList(list, error);
+    if (result != BusQueryResult::Ok) {
+        finding = Diagnosis::explainQuery(result, error);
         return false;
     }
     const QVector<Entry> modules = moduleEntries(list);

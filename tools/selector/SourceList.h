@@ -21,8 +21,8 @@ struct SourceName
 /// All instances at or below a place, in the order of their names. What gives no answer has a
 /// finding.
 ///
-/// @param error  receives one sentence when the list of modules cannot be had
+/// @param finding  why the list of modules cannot be had
 /// Threads: any; blocks for D-Bus calls.
-bool listSources(const BrowsePlace &place, QVector<SourceName> &sources, QString &error);
+bool listSources(const BrowsePlace &place, QVector<SourceName> &sources, Finding &finding);
 
 #endif
