@@ -162,7 +162,9 @@ QSharedPointer<SharedMemoryPrivate> mapBuffer(const OpenBuffer &buffer, size_t s
         error = QStringLiteral("mapping it failed: %1").arg(errorText(errno));
         return {};
     }
-    return QSharedPointer<SharedMemoryPrivate>::create(base, size, buffer.access);
+    auto memory = QSharedPointer<SharedMemoryPrivate>::create(base, size, buffer.access);
+    memory->guard();
+    return memory;
 }
 
 }

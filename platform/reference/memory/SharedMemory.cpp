@@ -19,5 +19,9 @@ SharedMemoryPrivate::SharedMemoryPrivate(void *base, size_t size, Access access)
 
 SharedMemoryPrivate::~SharedMemoryPrivate()
 {
-    munmap(base, size);
+    const bool lost = mappingGuard != nullptr && mappingGuard->isLost();
+    mappingGuard.reset(); // first: the addresses may be another mapping's at once
+    if (!lost) {
+        munmap(base, size);
+    }
 }

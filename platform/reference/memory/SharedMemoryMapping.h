@@ -4,6 +4,9 @@
 #define SHAREDMEMORYMAPPING_H
 
 #include "BufferLayout.h"
+#include "MappingGuard.h"
+
+#include <memory>
 
 /// The mapping that SharedMemory and leaves share. Immutable; the memory behind it is not.
 class SharedMemoryPrivate
@@ -17,6 +20,10 @@ public:
     SharedMemoryPrivate(const SharedMemoryPrivate &) = delete;
     SharedMemoryPrivate &operator=(const SharedMemoryPrivate &) = delete;
 
+    /// Lets the process survive that somebody cuts the file short: all bytes then read as zero, so
+    /// that nothing is live and no lock is one. Called once, before others know the mapping.
+    void guard() { mappingGuard = std::make_unique<MappingGuard>(base, size, isWritable()); }
+
     BufferHeader &header() const { return *static_cast<BufferHeader *>(base); }
     char *at(quint64 offset) const { return static_cast<char *>(base) + offset; }
     bool isWritable() const { return access == ReadWrite; }
@@ -25,6 +32,7 @@ private:
     void *const base;
     const size_t size;
     const Access access;
+    std::unique_ptr<MappingGuard> mappingGuard;
 };
 
 #endif
