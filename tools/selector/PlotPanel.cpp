@@ -91,6 +91,24 @@ QString label(double value)
     return text.rightJustified(labelWidth);
 }
 
+QString cells(const Raster &raster, int row, int columns, bool dots)
+{
+    QString cells;
+    for (int column = 0; column < columns; ++column) {
+        cells += dots ? brailleCell(raster, row, column)
+                      : QChar(QLatin1Char(raster.at(row).at(column) ? '*' : ' '));
+    }
+    return cells;
+}
+
+QString withoutTrailingBlanks(QString line)
+{
+    while (line.endsWith(QLatin1Char(' '))) {
+        line.chop(1);
+    }
+    return line;
+}
+
 } // namespace
 
 PlotPanel::PlotPanel(const QString &name)
@@ -98,9 +116,9 @@ PlotPanel::PlotPanel(const QString &name)
 {
 }
 
-void PlotPanel::add(double sample, const QString &text)
+void PlotPanel::add(double sample, const QString &newNote)
 {
-    note = text;
+    note = newNote;
     samples.append(sample);
     if (samples.size() > mostSamples) {
         samples.removeFirst();
@@ -122,14 +140,7 @@ QStringList PlotPanel::render(int width, int height, bool dots) const
             line = label(row == 0 ? range.high : range.low);
         }
         line += dots ? QStringLiteral(" \u2502") : QStringLiteral(" |");
-        for (int column = 0; column < columns; ++column) {
-            line += dots ? brailleCell(raster, row, column)
-                         : QChar(QLatin1Char(raster.at(row).at(column) ? '*' : ' '));
-        }
-        while (line.endsWith(QLatin1Char(' '))) {
-            line.chop(1);
-        }
-        lines.append(line);
+        lines.append(withoutTrailingBlanks(line + cells(raster, row, columns, dots)));
     }
     return lines;
 }

@@ -13,9 +13,9 @@ class PlotPanel
 public:
     explicit PlotPanel(const QString &name);
 
-    /// @param sample  NaN: none at this time, which leaves a gap
-    /// @param note    the value with its unit, or why there is none
-    void add(double sample, const QString &note);
+    /// @param sample   NaN: none at this time, which leaves a gap
+    /// @param newNote  the value with its unit, or why there is none
+    void add(double sample, const QString &newNote);
 
     /// @param width   columns in all
     /// @param height  lines in all, at least 3: the title and the line
