@@ -107,7 +107,7 @@ void LeafCheckTest::anEarlierLineIsNamed()
 {
     const Snapshot snapshot = loaded();
     QString list("# one\nprocessdata://M/O/1/speed\nprocessdata://M/O/1/speed?deactivated\n\n"
-                 "processdata://M/O/1/s%70eed\nprocessdata://M/O/1/speed\n");
+                 "processdata://M/O/1/%73peed\nprocessdata://M/O/1/speed\n");
     QTextStream stream(&list);
 
     QStringList found;
@@ -125,7 +125,7 @@ void LeafCheckTest::anEarlierLineIsNamed()
 
 void LeafCheckTest::listsAreReadWithTheirLineNumbers()
 {
-    QString list("\n# note\n  a \t b  c \n\nd\n");
+    QString list("\n# note\n  a \t b  c \n\nx\n");
     QTextStream stream(&list);
 
     const QVector<ListLine> lines = readListLines(stream);
