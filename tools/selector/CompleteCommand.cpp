@@ -81,7 +81,8 @@ int run(const CommandLine &line, const Console &console, QString &usage)
     if (line.timeout == 0) {
         qputenv("PROCESSDATA_DBUS_TIMEOUT_MS", patience);
     }
-    for (const QString &word : candidates(typedPlace(line.arguments.value(1), isUrl), isUrl)) {
+    const QStringList words = candidates(typedPlace(line.arguments.value(1), isUrl), isUrl);
+    for (const QString &word : words) {
         console.out << word << '\n';
     }
     console.out.flush();

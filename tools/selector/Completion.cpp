@@ -31,7 +31,7 @@ TypedPlace typedPlace(const QString &text, bool isUrl)
         rest.clear();
     }
     const int slash = rest.lastIndexOf(QLatin1Char('/'));
-    place.base += rest.left(slash + 1);
+    place.base += rest.leftRef(slash + 1);
     place.begin = rest.mid(slash + 1);
     const QStringList names = slash < 0 ? QStringList() : rest.left(slash).split(QLatin1Char('/'));
     for (const QString &name : names) {

@@ -12,7 +12,8 @@ QString quotedList(const QStringList &names)
 {
     constexpr int shown = 8;
     QStringList quoted;
-    for (const QString &name : names.mid(0, shown)) {
+    const QStringList first = names.mid(0, shown);
+    for (const QString &name : first) {
         quoted.append(QLatin1Char('"') + name + QLatin1Char('"'));
     }
     if (names.size() > shown) {

@@ -129,7 +129,8 @@ bool Snapshot::add(const QString &fileName, QString &error)
         return false;
     }
     QHash<QString, QJsonObject> byPath;
-    for (DescribedLeaf leaf : leavesBelow(document, QString())) {
+    QVector<DescribedLeaf> leaves = leavesBelow(document, QString());
+    for (DescribedLeaf &leaf : leaves) {
         for (const char *name : {"offset", "session", "simulate"}) {
             leaf.properties.remove(QLatin1String(name));
         }

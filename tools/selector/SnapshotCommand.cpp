@@ -126,7 +126,8 @@ int run(const CommandLine &line, const Console &console, QString &usage)
     }
     QVector<SourceName> sources;
     Finding finding;
-    for (const BrowsePlace &place : places.isEmpty() ? QVector<BrowsePlace>{{}} : places) {
+    const QVector<BrowsePlace> chosen = places.isEmpty() ? QVector<BrowsePlace>{{}} : places;
+    for (const BrowsePlace &place : chosen) {
         if (!listSources(place, sources, finding)) {
             console.err << "selector: " << printable(finding.text) << '\n';
             console.err.flush();

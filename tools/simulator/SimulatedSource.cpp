@@ -61,7 +61,7 @@ void SimulatedSource::publishFirstValues()
     }
 }
 
-void SimulatedSource::takeMotions(std::vector<MovingLeaf> leaves)
+void SimulatedSource::takeMotions(std::vector<MovingLeaf> &&leaves)
 {
     const qint64 now = clock.elapsed();
     std::vector<Track> previous = std::move(tracks);

@@ -49,7 +49,7 @@ private:
     bool start(QString &error);
     void publishFirstValues();
     bool apply(const DescriptionFile &file, QString &error);
-    void takeMotions(std::vector<MovingLeaf> leaves); // clazy:exclude=function-args-by-ref
+    void takeMotions(std::vector<MovingLeaf> &&leaves);
     void publishOneByOne(const std::vector<Track *> &moved);
 
     const QString name;

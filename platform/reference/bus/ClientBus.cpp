@@ -220,7 +220,7 @@ bool ClientBus::setUp(QString &error)
         table.busRestored();
         services = table.services();
     }
-    for (const QString &service : services) {
+    for (const QString &service : qAsConst(services)) {
         askOwner(service);
     }
     return subscribed;
