@@ -19,7 +19,7 @@ enum class Format {
 /// One cell: for people, and for CSV where that differs.
 struct Cell
 {
-    Cell(const QString &text) // NOLINT(google-explicit-constructor): cells are lists of texts
+    Cell(const QString &text) // implicit: rows are written as lists of texts
         : text(text)
         , machineText(text)
     {

@@ -31,8 +31,7 @@ QString uniqueConnectionName()
 // daemon. QtDBus has libdbus loaded but offers no call for this.
 void liftReceiveLimit(const QDBusConnection &connection)
 {
-    using SetLimit = void (*)(void *, long); // NOLINT(google-runtime-int): libdbus declares it so
-    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): dlsym offers nothing else
+    using SetLimit = void (*)(void *, long); // as libdbus declares it
     const auto setLimit = reinterpret_cast<SetLimit>(
         ::dlsym(RTLD_DEFAULT, "dbus_connection_set_max_received_size"));
     if (setLimit != nullptr && connection.internalPointer() != nullptr) {
