@@ -30,7 +30,7 @@ bool SimulatedSource::start(QString &error)
     }
     QString problem;
     publisher = ProcessDataPublisher::create(current.module, current.object, current.instance,
-                                             current.description, &problem);
+                                             current.description, firstValues(current), &problem);
     if (!publisher) {
         error = QStringLiteral("%1: %2").arg(name, problem);
         return false;
@@ -40,13 +40,20 @@ bool SimulatedSource::start(QString &error)
                          qCDebug(simulator).noquote() << file + QStringLiteral(": a client wrote")
                                                       << path << valueToText(value.getValue());
                      });
-    takeMotions(std::move(current.movingLeaves));
-    publishFirstValues();
     return true;
 }
 
+// Published before any client hears of the leaves.
+ProcessDataPublisher::FirstValues SimulatedSource::firstValues(DescriptionFile &file)
+{
+    return [this, &file](ProcessDataPublisher &to) {
+        takeMotions(std::move(file.movingLeaves));
+        publishFirstValues(to);
+    };
+}
+
 // A follower has no value before the leaf that it follows was published, perhaps a follower itself.
-void SimulatedSource::publishFirstValues()
+void SimulatedSource::publishFirstValues(ProcessDataPublisher &to)
 {
     const auto waiting = [this] {
         return std::count_if(tracks.begin(), tracks.end(),
@@ -54,7 +61,7 @@ void SimulatedSource::publishFirstValues()
     };
     auto before = waiting();
     for (bool progress = true; progress && before > 0;) {
-        step();
+        step(to);
         const auto after = waiting();
         progress = after < before;
         before = after;
@@ -84,9 +91,14 @@ void SimulatedSource::takeMotions(std::vector<MovingLeaf> &&leaves)
 
 void SimulatedSource::step()
 {
+    step(*publisher);
+}
+
+void SimulatedSource::step(ProcessDataPublisher &to)
+{
     const qint64 now = clock.elapsed();
     const Motion::ValueReader read
-        = [this](const QString &path) { return publisher->value(path).getValue(); };
+        = [&to](const QString &path) { return to.value(path).getValue(); };
     QVector<QPair<QString, ProcessValue>> batch;
     std::vector<Track *> moved;
     for (Track &track : tracks) {
@@ -97,17 +109,17 @@ void SimulatedSource::step()
             moved.push_back(&track);
         }
     }
-    if (!batch.isEmpty() && !publisher->publish(batch)) {
-        publishOneByOne(moved);
+    if (!batch.isEmpty() && !to.publish(batch)) {
+        publishOneByOne(to, moved);
     }
 }
 
 // One refused value refuses its batch. The leaf that caused it stands still from now on.
-void SimulatedSource::publishOneByOne(const std::vector<Track *> &moved)
+void SimulatedSource::publishOneByOne(ProcessDataPublisher &to, const std::vector<Track *> &moved)
 {
     QStringList refused;
     for (Track *track : moved) {
-        if (!publisher->publish(track->moving.leaf.path, track->last)) {
+        if (!to.publish(track->moving.leaf.path, track->last)) {
             refused.append(track->moving.leaf.path);
             qCWarning(simulator).noquote()
                 << QStringLiteral("%1: leaf \"%2\" stops: the value %3 was refused")
@@ -141,13 +153,11 @@ void SimulatedSource::reload()
         qCWarning(simulator).noquote() << error + QStringLiteral("; the old description goes on");
         return;
     }
-    takeMotions(std::move(file.movingLeaves));
-    publishFirstValues(); // before the event loop answers the clients that were told
     current = std::move(file);
     current.movingLeaves.clear();
 }
 
-bool SimulatedSource::apply(const DescriptionFile &file, QString &error)
+bool SimulatedSource::apply(DescriptionFile &file, QString &error)
 {
     if (file.module != current.module || file.object != current.object
         || file.instance != current.instance) {
@@ -157,16 +167,20 @@ bool SimulatedSource::apply(const DescriptionFile &file, QString &error)
         return false;
     }
     QString problem;
-    bool done = true;
     QString what = QStringLiteral("movement changed");
-    if (file.description != current.description) {
-        const bool properties = sameLayout(file.description, current.description);
-        what = properties ? QStringLiteral("properties changed")
-                          : QStringLiteral("description replaced");
-        done = properties ? publisher->replaceProperties(file.description, &problem)
-                          : publisher->replaceDescription(file.description, &problem);
+    if (!sameLayout(file.description, current.description)) {
+        what = QStringLiteral("description replaced");
+        publisher->replaceDescription(file.description, firstValues(file), &problem);
+    } else {
+        if (file.description != current.description) {
+            what = QStringLiteral("properties changed");
+            publisher->replaceProperties(file.description, &problem);
+        }
+        if (problem.isEmpty()) {
+            firstValues(file)(*publisher);
+        }
     }
-    if (!done) {
+    if (!problem.isEmpty()) {
         error = QStringLiteral("%1: %2").arg(name, problem);
         return false;
     }

@@ -5,14 +5,14 @@
 
 #include "DescriptionFile.h"
 
+#include "ProcessDataPublisher.h"
+
 #include <QElapsedTimer>
 #include <QSharedPointer>
 #include <QString>
 
 #include <memory>
 #include <vector>
-
-class ProcessDataPublisher;
 
 /// Publishes one file for as long as it lives.
 ///
@@ -47,10 +47,12 @@ private:
 
     explicit SimulatedSource(const QString &fileName);
     bool start(QString &error);
-    void publishFirstValues();
-    bool apply(const DescriptionFile &file, QString &error);
+    ProcessDataPublisher::FirstValues firstValues(DescriptionFile &file);
+    void step(ProcessDataPublisher &to);
+    void publishFirstValues(ProcessDataPublisher &to);
+    bool apply(DescriptionFile &file, QString &error);
     void takeMotions(std::vector<MovingLeaf> &&leaves);
-    void publishOneByOne(const std::vector<Track *> &moved);
+    void publishOneByOne(ProcessDataPublisher &to, const std::vector<Track *> &moved);
 
     const QString name;
     QByteArray content; ///< last seen, also when it was refused

@@ -26,6 +26,14 @@ QSharedPointer<ProcessDataPublisher> ProcessDataPublisher::create(const QString 
                                                                   const QJsonObject &description,
                                                                   QString *errorMessage)
 {
+    return create(moduleName, objectName, instanceName, description, FirstValues(), errorMessage);
+}
+
+QSharedPointer<ProcessDataPublisher>
+ProcessDataPublisher::create(const QString &moduleName, const QString &objectName,
+                             const QString &instanceName, const QJsonObject &description,
+                             const FirstValues &firstValues, QString *errorMessage)
+{
     QSharedPointer<ProcessDataPublisher> publisher;
     QString error;
     std::unique_ptr<ProcessDataPublisherPrivate> state = ProcessDataPublisherPrivate::start(
@@ -35,6 +43,7 @@ QSharedPointer<ProcessDataPublisher> ProcessDataPublisher::create(const QString 
         return publisher;
     }
     publisher.reset(new ProcessDataPublisher(state.release()));
+    publisher->d->announceFirst(publisher.data(), firstValues);
     return publisher;
 }
 
@@ -103,8 +112,14 @@ QJsonObject ProcessDataPublisher::description() const
 
 bool ProcessDataPublisher::replaceDescription(const QJsonObject &description, QString *errorMessage)
 {
+    return replaceDescription(description, FirstValues(), errorMessage);
+}
+
+bool ProcessDataPublisher::replaceDescription(const QJsonObject &description,
+                                              const FirstValues &firstValues, QString *errorMessage)
+{
     QString error;
-    const bool replaced = d->replaceDescription(this, description, error);
+    const bool replaced = d->replaceDescription(this, description, firstValues, error);
     if (!replaced) {
         tell(errorMessage, error);
     }

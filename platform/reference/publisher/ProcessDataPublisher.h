@@ -16,6 +16,8 @@
 #include <QVariant>
 #include <QVector>
 
+#include <functional>
+
 class ProcessDataPublisherPrivate;
 
 /// Everything that a service needs to publish one instance.
@@ -35,6 +37,11 @@ class PROCESSDATAPLATFORM_EXPORT ProcessDataPublisher : public QObject
     Q_OBJECT
 
 public:
+    /// Publishes what a new buffer holds before any client hears of it. Called once, with the
+    /// publisher whose values to publish; it must neither end the publisher nor replace its
+    /// description (that fails).
+    using FirstValues = std::function<void(ProcessDataPublisher &)>;
+
     /// @param description   document without "buffer" and "offset" keys; its "module", "object" and
     ///                      "instance", where present, must be the ones given
     /// @param errorMessage  when given, receives one sentence that names what is wrong
@@ -44,6 +51,13 @@ public:
     static QSharedPointer<ProcessDataPublisher>
     create(const QString &moduleName, const QString &objectName, const QString &instanceName,
            const QJsonObject &description, QString *errorMessage = nullptr);
+
+    /// The same, with values: a client that is told of the instance reads them at once. Without,
+    /// it may read NotInitialized until they are published.
+    static QSharedPointer<ProcessDataPublisher>
+    create(const QString &moduleName, const QString &objectName, const QString &instanceName,
+           const QJsonObject &description, const FirstValues &firstValues,
+           QString *errorMessage = nullptr);
 
     ~ProcessDataPublisher() override;
 
@@ -76,6 +90,10 @@ public:
     ///
     /// @returns whether it was replaced; on failure the old description goes on
     bool replaceDescription(const QJsonObject &description, QString *errorMessage = nullptr);
+
+    /// The same, with values for the leaves that are new or have another type.
+    bool replaceDescription(const QJsonObject &description, const FirstValues &firstValues,
+                            QString *errorMessage = nullptr);
 
     /// Changes properties that do not touch the layout (unit, description, limits and the like);
     /// clients are told by a property announcement. Buffer and values stay.

@@ -2,8 +2,6 @@
 // What a publisher holds: its module's service, its description and its buffer.
 #include "ProcessDataPublisherPrivate.h"
 
-#include "ProcessDataPublisher.h"
-
 #include <QJsonDocument>
 #include <QPointer>
 
@@ -56,7 +54,6 @@ ProcessDataPublisherPrivate::start(const PublishedSource &source, const QJsonObj
     }
     ProcessDataDescription &parsed = state->description.parsed();
     parsed.session = parsed.buffer.has_value() ? parsed.buffer->generation : 0;
-    state->serve(AnnouncedChange::Description);
     return state;
 }
 
@@ -81,9 +78,32 @@ void ProcessDataPublisherPrivate::serve(AnnouncedChange change)
                 description.selectorTypes(), change);
 }
 
-bool ProcessDataPublisherPrivate::replaceDescription(ProcessDataPublisher *q,
-                                                     const QJsonObject &document, QString &error)
+void ProcessDataPublisherPrivate::publishFirst(ProcessDataPublisher *q,
+                                               const FirstValues &firstValues)
 {
+    if (firstValues) {
+        publishingFirst = true;
+        firstValues(*q);
+        publishingFirst = false;
+    }
+}
+
+void ProcessDataPublisherPrivate::announceFirst(ProcessDataPublisher *q,
+                                                const FirstValues &firstValues)
+{
+    publishFirst(q, firstValues);
+    serve(AnnouncedChange::Description);
+}
+
+bool ProcessDataPublisherPrivate::replaceDescription(ProcessDataPublisher *q,
+                                                     const QJsonObject &document,
+                                                     const FirstValues &firstValues, QString &error)
+{
+    if (publishingFirst) {
+        error = QStringLiteral("%1: first values cannot replace the description they belong to")
+                    .arg(source.label());
+        return false;
+    }
     auto fresh = PublishedDescription::fromTemplate(source, document, error);
     if (!fresh.has_value()) {
         return false;
@@ -102,6 +122,7 @@ bool ProcessDataPublisherPrivate::replaceDescription(ProcessDataPublisher *q,
     }
     std::swap(description, *fresh);
     std::swap(buffer, freshBuffer);
+    publishFirst(q, firstValues);
     serve(AnnouncedChange::Description);
     freshBuffer->retire(); // the old one now
     carryLateWrites(*freshBuffer, kept);
@@ -133,6 +154,11 @@ void ProcessDataPublisherPrivate::carryLateWrites(PublishedBuffer &old,
 
 bool ProcessDataPublisherPrivate::replaceProperties(const QJsonObject &document, QString &error)
 {
+    if (publishingFirst) {
+        error = QStringLiteral("%1: first values cannot replace the properties they belong to")
+                    .arg(source.label());
+        return false;
+    }
     auto fresh = PublishedDescription::fromTemplate(source, document, error);
     if (!fresh.has_value()) {
         return false;

@@ -4,6 +4,7 @@
 #define PROCESSDATAPUBLISHERPRIVATE_H
 
 #include "ModuleHost.h"
+#include "ProcessDataPublisher.h"
 #include "PublishedBuffer.h"
 #include "PublishedDescription.h"
 
@@ -15,20 +16,24 @@
 
 #include <memory>
 
-class ProcessDataPublisher;
-
 class ProcessDataPublisherPrivate
 {
 public:
-    /// Takes the module's name, makes the buffer, serves the description. Null with the reason, and
-    /// nothing left behind, when one of them fails.
+    using FirstValues = ProcessDataPublisher::FirstValues;
+
+    /// Takes the module's name and makes the buffer. Null with the reason, and nothing left behind,
+    /// when one of them fails.
     static std::unique_ptr<ProcessDataPublisherPrivate>
     start(const PublishedSource &source, const QJsonObject &document, QString &error);
 
     /// Withdraws the instance first, so that nobody fetches a description whose buffer is retired.
     ~ProcessDataPublisherPrivate();
 
-    bool replaceDescription(ProcessDataPublisher *q, const QJsonObject &document, QString &error);
+    /// Serves the description for the first time, once its values are there.
+    void announceFirst(ProcessDataPublisher *q, const FirstValues &firstValues);
+
+    bool replaceDescription(ProcessDataPublisher *q, const QJsonObject &document,
+                            const FirstValues &firstValues, QString &error);
     bool replaceProperties(const QJsonObject &document, QString &error);
     void reportClientWrites(ProcessDataPublisher *q);
 
@@ -43,11 +48,13 @@ private:
 
     explicit ProcessDataPublisherPrivate(PublishedSource source);
     void serve(AnnouncedChange change);
+    void publishFirst(ProcessDataPublisher *q, const FirstValues &firstValues);
     void carryLateWrites(PublishedBuffer &old, const QVector<QPair<int, int>> &kept);
     ClientWrites takeClientWrites();
     static void report(ProcessDataPublisher *q, const ClientWrites &writes);
 
     bool reserved = false;
+    bool publishingFirst = false; ///< a replacement inside would leave the outer one astray
     QVector<int>
         pendingWrites; // of clients, seen while a description was replaced, not reported yet
 };
