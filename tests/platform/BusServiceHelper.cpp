@@ -5,9 +5,14 @@
 // own NAME | unown NAME           takes or gives back a bus name
 // export PATH                     answers at a path
 // set INSTANCE TEXT | drop INSTANCE
-// mode ok|number|two|large|silent how fetches are answered
+// mode ok|number|two|large|silent|twice
+//                                 how fetches are answered
 // flush                           answers what was kept silent
 // signal PATH INTERFACE MEMBER [ARGUMENT [COUNT]]
+// storm PATH MEMBER COUNT N        announces COUNT times, instances 1 to N in turn, and serves
+//                                 fetches meanwhile; answers with the milliseconds that it took.
+//                                 "@" in a description is the number of the instance's last
+//                                 announcement, or 0
 // ready true|false                the property that Get answers
 // unready                         announces that it is false
 // count                           answers the number of fetches
@@ -17,13 +22,21 @@
 #include <QDBusMessage>
 #include <QDBusVariant>
 #include <QDBusVirtualObject>
+#include <QElapsedTimer>
 #include <QMap>
 #include <QSocketNotifier>
+#include <QTimer>
 
 #include <cstdio>
 #include <unistd.h>
 
 namespace {
+
+void say(const QString &line)
+{
+    std::printf("%s\n", qPrintable(line));
+    std::fflush(stdout);
+}
 
 class Service : public QDBusVirtualObject
 {
@@ -31,6 +44,7 @@ public:
     explicit Service(const QDBusConnection &connection)
         : connection(connection)
     {
+        QObject::connect(&stormTimer, &QTimer::timeout, [this] { sendSlice(); });
     }
 
     QString introspect(const QString &) const override { return QString(); }
@@ -50,6 +64,7 @@ public:
         return answer(message);
     }
 
+    /// @returns the answer; null when it follows later
     QString order(const QStringList &words)
     {
         const QString verb = words.value(0);
@@ -65,6 +80,10 @@ public:
         }
         if (verb == "signal") {
             return sendSignals(words);
+        }
+        if (verb == "storm") {
+            beginStorm(words);
+            return QString();
         }
         if (verb == "unready") {
             QDBusMessage message = QDBusMessage::createSignal("/com/orvalis/SystemStatusManager",
@@ -100,7 +119,39 @@ private:
             return connection.send(
                 message.createErrorReply("com.orvalis.Error.UnknownInstance", "no such instance"));
         }
-        return connection.send(message.createReply(descriptions.value(instance)));
+        const QString revision = QString::number(revisions.value(instance));
+        const QString text = QString(descriptions.value(instance)).replace('@', revision);
+        if (mode == "twice") {
+            connection.send(message.createReply(text));
+            return connection.send(message.createReply(QString("the second answer")));
+        }
+        return connection.send(message.createReply(text));
+    }
+
+    void beginStorm(const QStringList &words)
+    {
+        stormSignal = QDBusMessage::createSignal(words.value(1), "com.orvalis.ProcessDescription1",
+                                                 words.value(2));
+        stormLeft = words.value(3).toInt();
+        stormInstances = words.value(4).toInt();
+        stormClock.start();
+        stormTimer.start(0);
+    }
+
+    // Between two of them come the fetches that clients have sent.
+    void sendSlice()
+    {
+        constexpr int slice = 20;
+        for (int i = 0; i < slice && stormLeft > 0; ++i, --stormLeft) {
+            const QString instance = QString::number(stormLeft % stormInstances + 1);
+            ++revisions[instance];
+            stormSignal.setArguments({instance});
+            connection.send(stormSignal);
+        }
+        if (stormLeft == 0) {
+            stormTimer.stop();
+            say(QString::number(stormClock.elapsed()));
+        }
     }
 
     QString set(const QString &verb, const QString &first, const QString &second)
@@ -146,6 +197,12 @@ private:
     QString mode = "ok";
     bool ready = false;
     int fetches = 0;
+    QMap<QString, int> revisions;
+    QDBusMessage stormSignal;
+    QElapsedTimer stormClock;
+    QTimer stormTimer;
+    int stormLeft = 0;
+    int stormInstances = 1;
 };
 }
 
@@ -172,8 +229,10 @@ int main(int argc, char **argv)
         for (int end = input.indexOf('\n'); end >= 0; end = input.indexOf('\n')) {
             const QString line = QString::fromUtf8(input.left(end));
             input.remove(0, end + 1);
-            std::printf("%s\n", qPrintable(service.order(line.split('\t'))));
-            std::fflush(stdout);
+            const QString answer = service.order(line.split('\t'));
+            if (!answer.isNull()) {
+                say(answer);
+            }
         }
     });
     return QCoreApplication::exec();

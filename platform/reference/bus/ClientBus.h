@@ -4,6 +4,7 @@
 #define CLIENTBUS_H
 
 #include "BusLink.h"
+#include "FetchQueue.h"
 #include "ServiceTable.h"
 
 #include <QDBusMessage>
@@ -53,6 +54,9 @@ public:
     ///                 background, and serviceAnswersAgain() follows when it answers
     QDBusMessage call(const QDBusMessage &call, bool &missed);
 
+    /// Sends a call and hands its answer over when it is this one's turn. Never starts a service.
+    void fetch(const FetchQueue::Fetch &fetch);
+
     /// The connection for calls that nobody waits for; hold the copy as long as the call is under
     /// way.
     QDBusConnection connection() const { return link.connection(); }
@@ -76,6 +80,8 @@ private:
     bool subscribe(QString &error);
     void askOwner(const QString &service);
     void handleOwner(const QString &service, const QDBusMessage &answer);
+    void startFetches();
+    void endFetch(const FetchQueue::Fetch &fetch, const QDBusMessage &answer, qint64 milliseconds);
     void sendProbe(const QString &service, const QString &path, quint64 probe);
     void handleProbe(const QString &service, const QString &path, quint64 probe,
                      const QDBusMessage &answer);
@@ -85,6 +91,7 @@ private:
     mutable QMutex mutex; // guards all below; never held while something waits for the bus thread
     QWaitCondition changed;
     ServiceTable table;
+    FetchQueue fetches;
     QString lastError; // of the last attempt to connect
     quint64 attempts = 0; // that have ended
     bool attemptUnderWay = false;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Blocking calls of clients, and services that do not answer them.
+// Calls of clients, blocking and queued, and services that do not answer them.
 #include "BusCall.h"
 #include "BusErrors.h"
 #include "BusNames.h"
@@ -36,6 +36,52 @@ QDBusMessage ClientBus::call(const QDBusMessage &call, bool &missed)
     const QDBusMessage answer = BusCall::wait(link.connection(), request, limit);
     missed = noteTimeout(call, answer, timer.elapsed(), limit);
     return answer;
+}
+
+void ClientBus::fetch(const FetchQueue::Fetch &fetch)
+{
+    {
+        const QMutexLocker lock(&mutex);
+        fetches.add(fetch);
+    }
+    QMetaObject::invokeMethod(
+        this, [this] { startFetches(); }, Qt::QueuedConnection);
+}
+
+void ClientBus::startFetches()
+{
+    QVector<FetchQueue::Fetch> next;
+    {
+        const QMutexLocker lock(&mutex);
+        next = fetches.takeNext();
+    }
+    for (const FetchQueue::Fetch &fetch : qAsConst(next)) {
+        QElapsedTimer timer;
+        timer.start();
+        const bool sent = BusCall::send(link.connection(), fetch->call, fetch->timeLimit, this,
+                                        [this, fetch, timer](const QDBusMessage &answer) {
+                                            endFetch(fetch, answer, timer.elapsed());
+                                        });
+        if (!sent) {
+            endFetch(fetch,
+                     fetch->call.createErrorReply(QDBusError::Disconnected,
+                                                  QStringLiteral("Not connected to the bus")),
+                     0);
+        }
+    }
+}
+
+void ClientBus::endFetch(const FetchQueue::Fetch &fetch, const QDBusMessage &answer,
+                         qint64 milliseconds)
+{
+    const bool missed = noteTimeout(fetch->call, answer, milliseconds, fetch->timeLimit);
+    {
+        const QMutexLocker lock(&mutex);
+        fetches.ended(*fetch);
+    }
+    fetch->report(answer, missed);
+    QMetaObject::invokeMethod(
+        this, [this] { startFetches(); }, Qt::QueuedConnection);
 }
 
 bool ClientBus::noteTimeout(const QDBusMessage &call, const QDBusMessage &answer,

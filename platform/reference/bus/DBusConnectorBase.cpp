@@ -7,6 +7,7 @@
 
 #include <QMutexLocker>
 #include <QPointer>
+#include <QTimer>
 
 #include <utility>
 
@@ -48,7 +49,10 @@ QSharedPointer<ClientBus> DBusConnectorBasePrivate::findBus()
 
 void DBusConnectorBasePrivate::start(QObject *owner)
 {
-    connector = owner;
+    turn = new QTimer(owner);
+    turn->setSingleShot(true);
+    turn->setInterval(0);
+    QObject::connect(turn, &QTimer::timeout, owner, [this] { deliver(); });
     bus->addListener(service, path, this);
 }
 
@@ -83,28 +87,25 @@ void DBusConnectorBasePrivate::signalReceived(const QString &member, const QStri
 
 // A signal that waits for delivery already says all that an equal one after it would say. One of
 // another kind in between keeps both, so that the last kind reported is the last kind announced.
-bool DBusConnectorBasePrivate::isQueuedAlready(const Event &signal) const
+bool DBusConnectorBasePrivate::isQueuedAlready(const Event &signal)
 {
-    for (auto it = queue.crbegin(); it != queue.crend(); ++it) {
-        if (it->kind != Event::Kind::Signal) {
-            return false;
-        }
-        if (it->argument == signal.argument) {
-            return it->member == signal.member;
-        }
-    }
-    return false;
+    QString &last = lastSignals[signal.argument];
+    return std::exchange(last, signal.member) == signal.member;
 }
 
 void DBusConnectorBasePrivate::enqueue(const Event &event)
 {
     const QMutexLocker lock(&mutex);
-    if (event.kind == Event::Kind::Signal && isQueuedAlready(event)) {
+    if (event.kind != Event::Kind::Signal) {
+        lastSignals.clear();
+    } else if (isQueuedAlready(event)) {
         return;
     }
     if (queue.isEmpty()) {
+        // Not at once: Qt handles what is posted while it handles what was posted, so a storm could
+        // keep the client's event loop from everything else. A timer waits for the next turn.
         QMetaObject::invokeMethod(
-            connector, [this] { deliver(); }, Qt::QueuedConnection);
+            turn, [this] { turn->start(); }, Qt::QueuedConnection);
     }
     queue += event;
 }
@@ -115,8 +116,9 @@ void DBusConnectorBasePrivate::deliver()
     {
         const QMutexLocker lock(&mutex);
         events = std::exchange(queue, QVector<Event>());
+        lastSignals.clear();
     }
-    const QPointer<QObject> alive(connector);
+    const QPointer<QObject> alive(turn);
     for (const Event &event : std::as_const(events)) {
         handle(event);
         if (alive.isNull()) {

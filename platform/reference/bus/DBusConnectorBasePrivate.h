@@ -6,11 +6,14 @@
 #include "ClientBus.h"
 #include "ServiceListener.h"
 
+#include <QHash>
 #include <QMutex>
 #include <QObject>
 #include <QSharedPointer>
 #include <QString>
 #include <QVector>
+
+class QTimer;
 
 /// Hears of the service in the bus thread and hands it on in the connector's thread, in the same
 /// order.
@@ -51,14 +54,15 @@ private:
         QString argument; // or the service's owner
     };
 
-    bool isQueuedAlready(const Event &signal) const;
+    bool isQueuedAlready(const Event &signal);
     void enqueue(const Event &event);
     void deliver();
     void handle(const Event &event);
 
-    QObject *connector = nullptr;
-    QMutex mutex; // guards the queue
+    QTimer *turn = nullptr; // a child of the connector
+    QMutex mutex; // guards what follows
     QVector<Event> queue;
+    QHash<QString, QString> lastSignals; // of each argument in the queue's last run of signals
 };
 
 #endif

@@ -2,7 +2,6 @@
 // An asynchronous fetch of a description and its end.
 #include "DBusPendingReply.h"
 
-#include "BusCall.h"
 #include "DBusPendingReplyPrivate.h"
 #include "DescriptionReply.h"
 
@@ -26,51 +25,37 @@ DBusPendingReplyPrivate::send(const QSharedPointer<ClientBus> &bus, const QDBusM
 {
     // Queued string connections to dBusServiceError are dropped unless the type is registered.
     qRegisterMetaType<ErrorContainer>("ErrorContainer");
-    auto *state = new DBusPendingReplyPrivate(bus, call, memory);
-    QSharedPointer<DBusPendingReply> reply(new DBusPendingReply(state));
-    if (!state->connection.isConnected()) {
-        reply.reset();
+    QSharedPointer<DBusPendingReply> reply;
+    if (!bus->connection().isConnected()) {
         return reply;
     }
+    auto *state = new DBusPendingReplyPrivate(memory);
+    reply.reset(new DBusPendingReply(state));
     state->q = reply.data();
-    state->start(thread);
+    state->fetch = FetchQueue::Fetch::create(
+        call, callTimeLimit(), state->q,
+        [state](const QDBusMessage &answer, bool missed) { state->finish(answer, missed); });
+    reply->moveToThread(thread);
+    bus->fetch(state->fetch);
     return reply;
 }
 
-DBusPendingReplyPrivate::DBusPendingReplyPrivate(QSharedPointer<ClientBus> bus,
-                                                 const QDBusMessage &call,
-                                                 QSharedPointer<FetchMemory> memory)
-    : bus(std::move(bus))
-    , connection(this->bus->connection())
-    , call(call)
-    , memory(std::move(memory))
-    , timeLimit(callTimeLimit())
+DBusPendingReplyPrivate::DBusPendingReplyPrivate(QSharedPointer<FetchMemory> memory)
+    : memory(std::move(memory))
 {
 }
 
 DBusPendingReplyPrivate::~DBusPendingReplyPrivate()
 {
-    delete watcher; // null once it has reported, so never in the middle of its own signal
+    fetch->abandon();
 }
 
-void DBusPendingReplyPrivate::start(QThread *thread)
+void DBusPendingReplyPrivate::finish(const QDBusMessage &answer, bool missed)
 {
-    elapsed.start();
-    watcher = new BusCall(connection, call, timeLimit);
-    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, q, [this] { finish(); });
-    q->moveToThread(thread);
-    watcher->moveToThread(thread);
-}
-
-void DBusPendingReplyPrivate::finish()
-{
-    const QDBusMessage answer = watcher->reply();
-    watcher->deleteLater();
-    watcher = nullptr;
-    if (bus->noteTimeout(call, answer, elapsed.elapsed(), timeLimit)) {
-        memory->noteMissed(call.arguments().value(0).toString());
+    if (missed) {
+        memory->noteMissed(fetch->call.arguments().value(0).toString());
     }
-    const DescriptionReply judged = judgeDescriptionReply(call, answer);
+    const DescriptionReply judged = judgeDescriptionReply(fetch->call, answer);
     reply = judged.value;
     // Whoever hears of it may release the reply, and this object with it: nothing follows.
     if (judged.error.getCode() == 0) {

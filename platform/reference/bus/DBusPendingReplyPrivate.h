@@ -7,19 +7,16 @@
 #include "DBusPendingReply.h"
 #include "FetchMemory.h"
 
-#include <QDBusConnection>
 #include <QDBusMessage>
-#include <QElapsedTimer>
 #include <QSharedPointer>
 #include <QVariant>
 
-class BusCall;
 class QThread;
 
 class DBusPendingReplyPrivate
 {
 public:
-    /// Sends the call.
+    /// Sends the call when its turn comes.
     ///
     /// @param thread  in which the reply reports
     /// @returns null when there is no connection to send it on
@@ -28,24 +25,17 @@ public:
                                                  const QSharedPointer<FetchMemory> &memory,
                                                  QThread *thread);
 
-    DBusPendingReplyPrivate(QSharedPointer<ClientBus> bus, const QDBusMessage &call,
-                            QSharedPointer<FetchMemory> memory);
+    explicit DBusPendingReplyPrivate(QSharedPointer<FetchMemory> memory);
     ~DBusPendingReplyPrivate();
 
     const QVariant &value() const { return reply; }
 
 private:
-    void start(QThread *thread);
-    void finish();
+    void finish(const QDBusMessage &answer, bool missed);
 
-    const QSharedPointer<ClientBus> bus;
-    const QDBusConnection connection;
-    const QDBusMessage call;
     const QSharedPointer<FetchMemory> memory;
-    const int timeLimit;
-    QElapsedTimer elapsed;
+    FetchQueue::Fetch fetch;
     DBusPendingReply *q = nullptr;
-    BusCall *watcher = nullptr;
     QVariant reply;
 };
 
