@@ -14,6 +14,7 @@ function(install_package)
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime
         NAMELINK_COMPONENT development)
     install(FILES ${arg_HEADERS} DESTINATION ${header_dir} COMPONENT development)
+    set_property(GLOBAL APPEND PROPERTY INSTALLED_HEADERS ${arg_HEADERS})
 
     install(EXPORT ${arg_NAME}Targets NAMESPACE ${arg_NAME}::
         DESTINATION ${cmake_dir} COMPONENT development)
@@ -72,3 +73,10 @@ if(SELECTORHANDLER_PLATFORM STREQUAL "reference")
     install(FILES ${bus_interfaces}
         DESTINATION ${CMAKE_INSTALL_DATADIR}/dbus-1/interfaces COMPONENT development)
 endif()
+
+# For script/abi: what an installed header declares is part of the binary interface.
+get_property(interface_headers GLOBAL PROPERTY INSTALLED_HEADERS)
+list(TRANSFORM interface_headers REPLACE "^.*/|\\.h$" "")
+list(JOIN interface_headers | interface_headers)
+configure_file(${PROJECT_SOURCE_DIR}/abi/interface.abignore.in
+    ${PROJECT_BINARY_DIR}/abi/interface.abignore @ONLY)
