@@ -2,6 +2,7 @@
 // Child process of the shared-memory tests: publishes, writes, dies or stops where a test tells it
 // to.
 #include "BufferAttachment.h"
+#include "BufferFiles.h"
 #include "BufferSource.h"
 #include "SharedLock.h"
 #include "Slot.h"
@@ -117,6 +118,27 @@ int useAs(uid_t user, gid_t group)
     return 0;
 }
 
+// Looks at a buffer's file as another user and tries to remove it.
+int removeAs(uid_t user, const QString &path)
+{
+    if (setgroups(0, nullptr) == -1 || setresgid(user, user, user) == -1
+        || setresuid(user, user, user) == -1) {
+        return 1;
+    }
+    BufferFile file;
+    QString error;
+    inspectBufferFile(path, file);
+    const char *state = file.state == BufferFile::Unreadable ? "unreadable"
+        : file.state == BufferFile::Dead                     ? "dead"
+                                                             : "other";
+    const BufferRemoval removal = removeLeftover(file, error);
+    const char *end = removal == BufferRemoval::Denied ? " denied"
+        : removal == BufferRemoval::Kept               ? " kept"
+                                                       : " removed";
+    say(QByteArray(state) + (mayRemove(file) ? " removable" : " not-removable") + end);
+    return 0;
+}
+
 // Writes "setpoint" as often as told.
 int write(int count)
 {
@@ -145,6 +167,9 @@ int main(int argc, char **argv)
     }
     if (command == "die-with-lock") {
         return holdLock(SIGKILL);
+    }
+    if (command == "remove-as" && argc > 3) {
+        return removeAs(argument.toUInt(), argv[3]);
     }
     if (command == "stop-with-lock") {
         return holdLock(SIGSTOP);

@@ -14,6 +14,7 @@ endfunction()
 
 add_buffer_test(buffer-attach BufferAttachTest.cpp)
 add_buffer_test(buffer-create BufferCreateTest.cpp)
+add_buffer_test(buffer-files BufferFilesTest.cpp)
 add_buffer_test(buffer-name BufferNameTest.cpp)
 add_buffer_test(buffer-publish BufferPublishTest.cpp)
 add_buffer_test(liveness LivenessTest.cpp)

@@ -8,8 +8,10 @@
 
 namespace {
 
-constexpr char common[] = "processdata.";
 constexpr int longestGeneration = 16; // digits of maximumGeneration
+constexpr int hashSize = 32;
+constexpr int roomForSource = NAME_MAX - int(sizeof(bufferNameBegin) - 1) - 1 - longestGeneration;
+constexpr int roomBesideHash = roomForSource - 1 - hashSize;
 
 bool isPlain(char byte)
 {
@@ -53,13 +55,17 @@ QByteArray bufferNamePrefix(const QString &module, const QString &object, const 
 {
     const QByteArray source
         = escapedPart(module) + '_' + escapedPart(object) + '_' + escapedPart(instance);
-    constexpr int room = NAME_MAX - int(sizeof(common) - 1) - 1 - longestGeneration;
-    if (source.size() <= room) {
-        return common + source + '.';
+    if (source.size() <= roomForSource) {
+        return bufferNameBegin + source + '.';
     }
     const QByteArray hash
-        = QCryptographicHash::hash(source, QCryptographicHash::Sha256).toHex().left(32);
-    return common + source.left(room - 1 - hash.size()) + '~' + hash + '.';
+        = QCryptographicHash::hash(source, QCryptographicHash::Sha256).toHex().left(hashSize);
+    return bufferNameBegin + source.left(roomBesideHash) + '~' + hash + '.';
+}
+
+QByteArray bufferNameBeginOfModule(const QString &module)
+{
+    return bufferNameBegin + (escapedPart(module) + '_').left(roomBesideHash);
 }
 
 std::optional<quint64> generationOfFile(const QByteArray &fileName, const QByteArray &prefix)

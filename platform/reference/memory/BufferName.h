@@ -11,6 +11,9 @@
 /// Where the system keeps its POSIX shared-memory objects.
 constexpr char sharedMemoryDirectory[] = "/dev/shm";
 
+/// First bytes of all buffers' names, without leading slash.
+constexpr char bufferNameBegin[] = "processdata.";
+
 /// Generations travel as JSON numbers: up to here they do so without loss.
 constexpr quint64 maximumGeneration = (quint64(1) << 53) - 1;
 
@@ -20,6 +23,9 @@ constexpr quint64 maximumGeneration = (quint64(1) << 53) - 1;
 /// Bytes other than letters, digits and "-" are written as "_xx". Different sources have different
 /// names; one that the file system would refuse for its length ends in "~" and a hash.
 QByteArray bufferNamePrefix(const QString &module, const QString &object, const QString &instance);
+
+/// What the names of all buffers of a module begin with; shorter for a module with a long name.
+QByteArray bufferNameBeginOfModule(const QString &module);
 
 /// Generation of a file with that prefix; nothing when the file's name is any other.
 std::optional<quint64> generationOfFile(const QByteArray &fileName, const QByteArray &prefix);

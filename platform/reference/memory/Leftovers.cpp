@@ -2,7 +2,7 @@
 // Buffers that dead publishers of a source left behind.
 #include "Leftovers.h"
 
-#include "BufferLayout.h"
+#include "BufferLife.h"
 #include "BufferName.h"
 #include "CrashPoint.h"
 #include "FileDescriptor.h"
@@ -43,22 +43,6 @@ QVector<Candidate> candidates(const QByteArray &prefix)
     return found;
 }
 
-// Read through the descriptor, not mapped: the file may be shorter than it should be.
-bool isAbandoned(int descriptor)
-{
-    BufferHeader header{};
-    const ssize_t got
-        = repeatOnSignal([&] { return pread(descriptor, &header, sizeof(header), 0); });
-    if (got != ssize_t(sizeof(header))
-        || !std::equal(std::begin(bufferMagic), std::end(bufferMagic), header.magic)
-        || header.layoutVersion != bufferLayoutVersion) {
-        return false;
-    }
-    // A buffer gets its name only after its publisher holds the liveness lock, so a lock without an
-    // owner means death in every state.
-    return header.state == BufferRetired || !isLockOwnerAlive(lockWord(header.livenessLock));
-}
-
 void removeFile(const QByteArray &path)
 {
     CRASH_POINT();
@@ -86,7 +70,8 @@ quint64 removeLeftovers(const QByteArray &prefix)
             continue; // someone else's
         }
         highest = std::max(highest, candidate.generation);
-        if (isAbandoned(descriptor.get())) {
+        BufferHeader header{};
+        if (isAbandoned(lifeOfBuffer(descriptor.get(), header))) {
             removeFile(candidate.path);
         }
     }
