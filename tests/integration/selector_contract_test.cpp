@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // What scripts may rely on: JSON as its schemas say, exit codes, one time limit for a request.
+#include "SchemaCheck.h"
 #include "SystemTest.h"
 
 #include <QDir>
@@ -33,7 +34,6 @@ private:
     {
         return arguments.replaceInStrings("MODULE", module);
     }
-    static QByteArray schemaProblems(const QByteArray &documents);
 
     QScopedPointer<ChildProcess> system;
     QScopedPointer<PublisherProcess> publisher;
@@ -68,20 +68,6 @@ void SelectorContractTest::cleanup()
     SystemTest::cleanup();
 }
 
-// What the schemas have against the documents, one a line; empty when nothing.
-QByteArray SelectorContractTest::schemaProblems(const QByteArray &documents)
-{
-    ChildProcess check("python3", {CHECK_SCHEMA, SCHEMA_DIRECTORY});
-    if (!check.start()) {
-        return "python3 does not start";
-    }
-    check.write(documents.trimmed());
-    check.closeInput();
-    const bool ended = check.waitForEnd();
-    const bool silent = check.output().trimmed().isEmpty();
-    return ended && silent && check.exitCode() == 0 ? QByteArray() : check.report();
-}
-
 void SelectorContractTest::outputKeepsItsSchema_data()
 {
     QTest::addColumn<QStringList>("arguments");
@@ -102,6 +88,8 @@ void SelectorContractTest::outputKeepsItsSchema_data()
     QTest::newRow("watch") << QStringList{"watch", "--count", "3", good, idle, none};
     QTest::newRow("explain") << QStringList{"explain", good};
     QTest::newRow("explain a failure") << QStringList{"explain", none};
+    QTest::newRow("doctor") << QStringList{"doctor", "MODULE", "NotHere"};
+    QTest::newRow("doctor --clean") << QStringList{"doctor", "--clean", "MODULE"};
 }
 
 void SelectorContractTest::outputKeepsItsSchema()
@@ -192,6 +180,7 @@ void SelectorContractTest::missingAnswersExitWithFour_data()
     QTest::newRow("browse an object") << QStringList{"browse", "MODULE/Controller"};
     QTest::newRow("browse leaves") << QStringList{"browse", "MODULE/Controller/1"};
     QTest::newRow("modules") << QStringList{"modules"};
+    QTest::newRow("doctor") << QStringList{"doctor", "MODULE"};
 }
 
 void SelectorContractTest::missingAnswersExitWithFour()

@@ -10,10 +10,10 @@
 
 const QVector<Command> &commands()
 {
-    static const QVector<Command> table{modulesCommand(), browseCommand(), readCommand(),
-                                        writeCommand(),   watchCommand(),  propertiesCommand(),
-                                        explainCommand(), checkCommand(),  snapshotCommand(),
-                                        diffCommand(),    applyCommand(),  completeCommand()};
+    static const QVector<Command> table{
+        modulesCommand(),    browseCommand(),  readCommand(),    writeCommand(), watchCommand(),
+        propertiesCommand(), explainCommand(), doctorCommand(),  checkCommand(), snapshotCommand(),
+        diffCommand(),       applyCommand(),   completeCommand()};
     return table;
 }
 

@@ -35,6 +35,7 @@ Command writeCommand();
 Command watchCommand();
 Command propertiesCommand();
 Command explainCommand();
+Command doctorCommand();
 Command checkCommand();
 Command snapshotCommand();
 Command diffCommand();

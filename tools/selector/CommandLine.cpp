@@ -50,6 +50,9 @@ public:
         add(options, OptionDryRun, dryRun);
         add(options, OptionVerify, verify);
         add(options, OptionRollback, rollback);
+        for (const QCommandLineOption &option : {clean, yes, report, withValues}) {
+            add(options, OptionDoctor, option);
+        }
     }
 
     bool parse(const QStringList &arguments, CommandLine &line, QString &error)
@@ -69,6 +72,11 @@ public:
         line.dryRun = isSet(dryRun);
         line.verify = isSet(verify);
         line.rollback = isSet(rollback);
+        line.clean = isSet(clean);
+        line.yes = isSet(yes);
+        line.hasReport = isSet(report);
+        line.report = value(report);
+        line.withValues = isSet(withValues);
         line.timestamps = isSet(timestamps);
         line.changesOnly = isSet(changesOnly);
         line.plot = isSet(plot);
@@ -185,6 +193,10 @@ private:
     const QCommandLineOption dryRun{QStringLiteral("dry-run")};
     const QCommandLineOption verify{QStringLiteral("verify")};
     const QCommandLineOption rollback{QStringLiteral("rollback")};
+    const QCommandLineOption clean{QStringLiteral("clean")};
+    const QCommandLineOption yes{QStringLiteral("yes")};
+    const QCommandLineOption report{QStringLiteral("report"), QString(), QStringLiteral("FILE")};
+    const QCommandLineOption withValues{QStringLiteral("with-values")};
     const QStringList alwaysKnown{QStringLiteral("format"), QStringLiteral("json"),
                                   QStringLiteral("timeout"), QStringLiteral("verbose"),
                                   QStringLiteral("help")};

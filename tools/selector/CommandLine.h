@@ -24,6 +24,7 @@ enum CommandOption {
     OptionDryRun = 2048, ///< --dry-run
     OptionVerify = 4096, ///< --verify
     OptionRollback = 8192, ///< --rollback
+    OptionDoctor = 16384, ///< --clean, --yes, --report, --with-values
 };
 
 /// What the user asked for.
@@ -49,6 +50,11 @@ struct CommandLine
     bool dryRun = false;
     bool verify = false;
     bool rollback = false;
+    QString report;
+    bool hasReport = false;
+    bool clean = false;
+    bool yes = false;
+    bool withValues = false;
     bool verbose = false;
     bool help = false;
 };

@@ -20,7 +20,7 @@ _selector()
     COMPREPLY=()
 
     if ((COMP_CWORD == 1)); then
-        mapfile -t COMPREPLY < <(compgen -W "modules browse read write watch properties explain check snapshot diff apply complete --help --version" \
+        mapfile -t COMPREPLY < <(compgen -W "modules browse read write watch properties explain doctor check snapshot diff apply complete --help --version" \
             -- "$current")
         return
     fi
@@ -33,7 +33,7 @@ _selector()
         mapfile -t COMPREPLY < <(compgen -W "AnalogSelector DigitalSelector" -- "$current")
         return
         ;;
-    -f | --file | -o | --output | --against)
+    -f | --file | -o | --output | --against | --report)
         compopt -o filenames
         mapfile -t COMPREPLY < <(compgen -f -- "$current")
         return
@@ -53,6 +53,7 @@ _selector()
     watch) words+=" --file --interval --count --until --timestamps --changes-only --plot" ;;
     properties) words+=" --file --property" ;;
     explain) words+=" --property" ;;
+    doctor) words+=" --clean --yes --report --with-values" ;;
     check) words+=" --against" ;;
     snapshot) words+=" --output" ;;
     diff) words+=" --file" ;;
@@ -64,7 +65,7 @@ _selector()
     fi
     case $command in
     read | write | watch | properties | explain) _selector_live url ;;
-    browse | snapshot) _selector_live place ;;
+    browse | snapshot | doctor) _selector_live place ;;
     check | apply | diff)
         compopt -o filenames
         mapfile -t COMPREPLY < <(compgen -f -- "$current")

@@ -22,7 +22,7 @@ expect() {
     fi
 }
 
-expect "selector " "modules browse read write watch properties explain check snapshot diff apply complete --help --version"
+expect "selector " "modules browse read write watch properties explain doctor check snapshot diff apply complete --help --version"
 expect "selector w" "write watch"
 expect "selector read --fo" "--format"
 expect "selector read --format " "table json csv"
@@ -40,4 +40,6 @@ expect "selector properties --pr" "--property"
 expect "selector properties --property un" "unit"
 expect "selector ex" "explain"
 expect "selector explain --pr" "--property"
+expect "selector doctor --w" "--with-values"
+expect "selector doctor --cl" "--clean"
 exit "$failed"

@@ -1,0 +1,26 @@
+# SPDX-License-Identifier: MIT
+# Tests of the command-line client.
+
+# add_selector_test(name): like add_integration_test, with the programs built first.
+function(add_selector_test name)
+    add_integration_test(${name})
+    add_dependencies(integration_${name}_test selector process-data-simulator bus-service-helper)
+    target_compile_definitions(integration_${name}_test PRIVATE
+        BUS_SERVICE_HELPER="$<TARGET_FILE:bus-service-helper>"
+        CHECK_SCHEMA="${CMAKE_CURRENT_SOURCE_DIR}/check_schema.py"
+        SCHEMA_DIRECTORY="${PROJECT_SOURCE_DIR}/tools/selector/schema"
+        COMPLETIONS="${PROJECT_SOURCE_DIR}/tools/selector/completion")
+endfunction()
+
+find_package(Qt5 5.15 REQUIRED COMPONENTS DBus)
+
+add_selector_test(selector)
+add_selector_test(selector_watch)
+add_selector_test(selector_contract)
+add_selector_test(explain)
+add_selector_test(selector_doctor)
+target_link_libraries(integration_selector_doctor_test PRIVATE Qt5::DBus)
+add_selector_test(selector_doctor_clean)
+add_selector_test(selector_check)
+add_selector_test(selector_apply)
+add_selector_test(selector_completion)

@@ -1,0 +1,363 @@
+// SPDX-License-Identifier: MIT
+// selector doctor names each fault of a system, here made for real.
+#include "DoctorRun.h"
+#include "InstanceListClient.h"
+#include "ProviderListClient.h"
+#include "SystemTest.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDir>
+#include <QFile>
+#include <QTest>
+
+#include <unistd.h>
+
+class SelectorDoctorTest : public SystemTest
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+    void aHealthySystemGivesNothingToComplainAbout();
+    void aMissingBusIsOutOfReachAndMemoryExaminedAllTheSame();
+    void missingManagersAreToldOfEach();
+    void aSystemThatIsNotReadyIsTold();
+    void managersThatHangRunIntoTheTimeLimit();
+    void aHungServiceRunsIntoTheTimeLimitAndItsBufferIsNoOrphan();
+    void aRegistryEntryWithoutAnOwnerIsTold();
+    void aRegistryEntryOfAMissingInstanceIsTold();
+    void aServiceThatIsNotRegisteredIsTold();
+    void aDescriptionThatClientsRefuseIsTold();
+    void aServiceThatAnswersSomethingElseIsTold();
+    void aMissingBufferIsTold();
+    void aBufferThatMayNotBeReadIsDenied();
+    void anOverwrittenBufferIsTold();
+    void aDeadPublisherBehindALivingServiceIsTold();
+    void aBufferWithoutADescriptionIsTold();
+    void theBufferOfAKilledPublisherIsALeftover();
+    void filesThatOnlyLookLikeBuffersAreTold();
+    void aBufferOfAnotherLayoutIsTold();
+    void aLeftoverThatMayNotBeReadIsDenied();
+    void aBufferThatIsOpenToAllIsTold();
+
+private:
+    QString bufferFile() const;
+    QString servedDescription() const;
+    bool isRegistered(const QString &name) const;
+    bool serve(const QString &name, const QString &description, const QByteArray &mode = "ok");
+    DoctorRun doctor(const QStringList &more = {}, const QStringList &prefix = {}) const
+    {
+        return DoctorRun(SELECTOR, more + QStringList{module}, prefix);
+    }
+
+    QScopedPointer<ChildProcess> system;
+    QScopedPointer<PublisherProcess> publisher;
+    QScopedPointer<ChildProcess> impostor;
+};
+
+namespace {
+
+// A connection that registers a module which is not its own.
+class Registrar
+{
+public:
+    Registrar(const QString &module, const QString &data)
+        : name("registrar-of-" + module)
+    {
+        auto connection
+            = QDBusConnection::connectToBus(qEnvironmentVariable("PROCESSDATA_BUS"), name);
+        auto call = QDBusMessage::createMethodCall(
+            "com.orvalis.SystemInformationManager", "/com/orvalis/SystemInformationManager",
+            "com.orvalis.SystemInformationManager1", "RegisterProvider");
+        call.setArguments({module, data});
+        good = connection.call(call).type() == QDBusMessage::ReplyMessage;
+    }
+    ~Registrar() { QDBusConnection::disconnectFromBus(name); }
+    Registrar(const Registrar &) = delete;
+    Registrar &operator=(const Registrar &) = delete;
+
+    bool good = false;
+
+private:
+    const QString name;
+};
+
+const QString statusManager("com.orvalis.SystemStatusManager");
+const QString informationManager("com.orvalis.SystemInformationManager");
+
+} // namespace
+
+void SelectorDoctorTest::init()
+{
+    SystemTest::init();
+    system.reset(new ChildProcess(SIMULATOR, {"--system-services"}));
+    QVERIFY2(system->start() && !system->waitForLineWith("ready").isNull(),
+             system->report().constData());
+    publisher.reset(new PublisherProcess);
+    VERIFY_COMMAND(publisher->start());
+    VERIFY_COMMAND(publisher->create(
+        module, "Controller", "1",
+        description({leaf("speed", "float64", {{"selectorType", "AnalogSelector"}})})));
+    VERIFY_COMMAND(publisher->publish("speed", 1450.5));
+    QTRY_VERIFY_WITH_TIMEOUT(isRegistered(module), 20000);
+}
+
+void SelectorDoctorTest::cleanup()
+{
+    impostor.reset();
+    publisher.reset();
+    system.reset();
+    SystemTest::cleanup();
+}
+
+QString SelectorDoctorTest::bufferFile() const
+{
+    const QStringList files
+        = QDir("/dev/shm").entryList({"*" + module + "_*"}, QDir::Files | QDir::System);
+    return files.size() == 1 ? "/dev/shm/" + files.first() : QString();
+}
+
+QString SelectorDoctorTest::servedDescription() const
+{
+    QString text;
+    QString error;
+    fetchDescription(module, "Controller", "1", text, error);
+    return text;
+}
+
+bool SelectorDoctorTest::isRegistered(const QString &name) const
+{
+    QString list;
+    QString error;
+    return fetchRegisteredProviderList(list, error) == BusQueryResult::Ok
+        && list.contains('"' + name + '"');
+}
+
+// A service of that module which is no publisher and does not register.
+bool SelectorDoctorTest::serve(const QString &name, const QString &description,
+                               const QByteArray &mode)
+{
+    impostor.reset(new ChildProcess(BUS_SERVICE_HELPER, {}));
+    bool good = impostor->start();
+    for (const QByteArray &order : {"set\t1\t" + description.toUtf8(), "mode\t" + mode,
+                                    QByteArray("export\t/com/orvalis/ProcessData/Controller"),
+                                    "own\tcom.orvalis.ProcessData." + name.toUtf8()}) {
+        impostor->write(order);
+        good = good && impostor->waitForLine([](const QByteArray &) { return true; }) == "ok";
+    }
+    return good;
+}
+
+void SelectorDoctorTest::aHealthySystemGivesNothingToComplainAbout()
+{
+    const DoctorRun run = doctor();
+    COMPARE_DOCTOR(run, 0, QStringList());
+    QCOMPARE(run.goodChecks(),
+             (QStringList{"versions", "bus", "services", "registry", "sources", "buffers",
+                          "permissions"}));
+}
+
+void SelectorDoctorTest::aMissingBusIsOutOfReachAndMemoryExaminedAllTheSame()
+{
+    bus->stop();
+    COMPARE_DOCTOR(doctor(), 3, QStringList{"error bus busOutOfReach "});
+    publisher->process().kill();
+    COMPARE_DOCTOR(
+        doctor(), 3,
+        (QStringList{"error bus busOutOfReach ", "warning buffers leftover " + bufferFile()}));
+}
+
+void SelectorDoctorTest::missingManagersAreToldOfEach()
+{
+    system->kill();
+    COMPARE_DOCTOR(doctor(), 1,
+                   (QStringList{"warning services serviceMissing " + informationManager,
+                                "warning services serviceMissing " + statusManager}));
+}
+
+void SelectorDoctorTest::aSystemThatIsNotReadyIsTold()
+{
+    system->kill();
+    VERIFY_COMMAND(publisher->playStatusManager());
+    const QString missing = "warning services serviceMissing " + informationManager;
+    COMPARE_DOCTOR(doctor(), 1,
+                   (QStringList{missing, "warning services notReady " + statusManager}));
+    VERIFY_COMMAND(publisher->announceStartupReady());
+    COMPARE_DOCTOR(doctor(), 1, QStringList{missing});
+}
+
+void SelectorDoctorTest::managersThatHangRunIntoTheTimeLimit()
+{
+    system->suspend();
+    COMPARE_DOCTOR(doctor({"--timeout", "0.5"}), 4,
+                   (QStringList{"error services timeLimit " + informationManager,
+                                "error services timeLimit " + statusManager,
+                                "error sources timeLimit " + module}));
+}
+
+void SelectorDoctorTest::aHungServiceRunsIntoTheTimeLimitAndItsBufferIsNoOrphan()
+{
+    publisher->process().suspend();
+    qputenv("PROCESSDATA_DBUS_TIMEOUT_MS", "1000");
+    const DoctorRun run = doctor();
+    qunsetenv("PROCESSDATA_DBUS_TIMEOUT_MS");
+    COMPARE_DOCTOR(run, 4, QStringList{"error sources timeLimit " + module});
+}
+
+void SelectorDoctorTest::aRegistryEntryWithoutAnOwnerIsTold()
+{
+    const QString ghost = module + "ghost";
+    const Registrar registrar(ghost, "{}");
+    QVERIFY(registrar.good);
+    const DoctorRun run(SELECTOR, {ghost});
+    COMPARE_DOCTOR(run, 1, QStringList{"error registry serviceMissing " + ghost});
+    QVERIFY2(run.text("serviceMissing", "finding").contains("is registered"), run.report);
+    COMPARE_DOCTOR(DoctorRun(SELECTOR, {"NotHere"}), 1,
+                   QStringList{"error registry serviceMissing NotHere"});
+}
+
+void SelectorDoctorTest::aRegistryEntryOfAMissingInstanceIsTold()
+{
+    const QString other = module + "other";
+    const Registrar registrar(
+        other, R"({"selectorTypeList":["Controller/1/A","Controller/9/A","Controller/9/B"]})");
+    QVERIFY(registrar.good);
+    VERIFY_COMMAND(
+        publisher->create(other, "Controller", "1", description({leaf("speed", "float64")})));
+    const DoctorRun run(SELECTOR, {other});
+    COMPARE_DOCTOR(run, 1, QStringList{"error registry noSuchInstance " + other + "/Controller/9"});
+}
+
+void SelectorDoctorTest::aServiceThatIsNotRegisteredIsTold()
+{
+    const QString shy = module + "shy";
+    QVERIFY(serve(shy, "{}"));
+    const DoctorRun run(SELECTOR, {shy});
+    QVERIFY2(run.faults().contains("warning registry notRegistered " + shy), run.report);
+    QCOMPARE(run.exitCode, 1);
+}
+
+void SelectorDoctorTest::aDescriptionThatClientsRefuseIsTold()
+{
+    const QString file = bufferFile();
+    publisher->process().kill();
+    QVERIFY(serve(module, "{}"));
+    COMPARE_DOCTOR(doctor(), 1,
+                   (QStringList{"warning registry notRegistered " + module,
+                                "error sources badDescription " + module + "/Controller/1",
+                                "warning buffers leftover " + file}));
+}
+
+void SelectorDoctorTest::aServiceThatAnswersSomethingElseIsTold()
+{
+    const QString file = bufferFile();
+    publisher->process().kill();
+    QVERIFY(serve(module, "{}", "number"));
+    COMPARE_DOCTOR(
+        doctor(), 1,
+        (QStringList{"warning registry notRegistered " + module,
+                     "error sources serviceFailed " + module, "warning buffers leftover " + file}));
+}
+
+void SelectorDoctorTest::aMissingBufferIsTold()
+{
+    QVERIFY(QFile::remove(bufferFile()));
+    COMPARE_DOCTOR(doctor(), 1,
+                   QStringList{"error sources bufferMissing " + module + "/Controller/1"});
+}
+
+void SelectorDoctorTest::aBufferThatMayNotBeReadIsDenied()
+{
+    QVERIFY(QFile::setPermissions(bufferFile(), QFile::Permissions()));
+    COMPARE_DOCTOR(doctor({}, powerless()), 5,
+                   QStringList{"error sources denied " + module + "/Controller/1"});
+}
+
+void SelectorDoctorTest::anOverwrittenBufferIsTold()
+{
+    QFile file(bufferFile());
+    QVERIFY(file.open(QIODevice::ReadWrite) && file.write("rubbish!") == 8);
+    file.close();
+    COMPARE_DOCTOR(doctor(), 1,
+                   QStringList{"error sources notReadable " + module + "/Controller/1"});
+}
+
+void SelectorDoctorTest::aDeadPublisherBehindALivingServiceIsTold()
+{
+    const QString last = servedDescription();
+    publisher->process().kill();
+    QVERIFY(serve(module, last));
+    COMPARE_DOCTOR(doctor(), 1,
+                   (QStringList{"warning registry notRegistered " + module,
+                                "error sources publisherDead " + module + "/Controller/1"}));
+}
+
+void SelectorDoctorTest::aBufferWithoutADescriptionIsTold()
+{
+    PrivateBus other;
+    QVERIFY2(other.start(), other.report());
+    COMPARE_DOCTOR(doctor(), 1,
+                   (QStringList{"warning services serviceMissing " + informationManager,
+                                "warning services serviceMissing " + statusManager,
+                                "error registry serviceMissing " + module,
+                                "warning buffers notDescribed " + bufferFile()}));
+}
+
+void SelectorDoctorTest::theBufferOfAKilledPublisherIsALeftover()
+{
+    publisher->process().kill();
+    QTRY_VERIFY_WITH_TIMEOUT(!isRegistered(module), 20000);
+    const DoctorRun run = doctor();
+    COMPARE_DOCTOR(run, 1,
+                   (QStringList{"error registry serviceMissing " + module,
+                                "warning buffers leftover " + bufferFile()}));
+    QVERIFY2(run.text("leftover", "finding").startsWith("its publisher died"), run.report);
+}
+
+void SelectorDoctorTest::filesThatOnlyLookLikeBuffersAreTold()
+{
+    QFile file("/dev/shm/processdata." + module + "_Controller_2.7");
+    QVERIFY(file.open(QIODevice::WriteOnly) && file.write("mine") == 4);
+    file.close();
+    QVERIFY(file.setPermissions(QFile::ReadOwner | QFile::ReadOther));
+    const DoctorRun run = doctor();
+    COMPARE_DOCTOR(run, 1, QStringList{"warning buffers notABuffer " + file.fileName()});
+    QVERIFY2(run.text("notABuffer", "finding").contains("4 bytes"), run.report);
+}
+
+void SelectorDoctorTest::aBufferOfAnotherLayoutIsTold()
+{
+    publisher->process().kill();
+    QFile file(bufferFile());
+    const qint64 versionOffset = 8;
+    QVERIFY(file.open(QIODevice::ReadWrite) && file.seek(versionOffset) && file.putChar(9));
+    file.close();
+    QTRY_VERIFY_WITH_TIMEOUT(!isRegistered(module), 20000);
+    const DoctorRun run = doctor();
+    COMPARE_DOCTOR(run, 1,
+                   (QStringList{"error registry serviceMissing " + module,
+                                "warning buffers otherLayout " + file.fileName()}));
+    QCOMPARE(run.text("otherLayout", "finding"), QString("layout version 9, this system has 1"));
+}
+
+void SelectorDoctorTest::aLeftoverThatMayNotBeReadIsDenied()
+{
+    publisher->process().kill();
+    QVERIFY(QFile::setPermissions(bufferFile(), QFile::Permissions()));
+    QTRY_VERIFY_WITH_TIMEOUT(!isRegistered(module), 20000);
+    COMPARE_DOCTOR(doctor({}, powerless()), 5,
+                   (QStringList{"error registry serviceMissing " + module,
+                                "warning buffers denied " + bufferFile()}));
+}
+
+void SelectorDoctorTest::aBufferThatIsOpenToAllIsTold()
+{
+    const auto open = QFile::ReadOwner | QFile::WriteOwner | QFile::ReadOther;
+    QVERIFY(QFile::setPermissions(bufferFile(), open));
+    COMPARE_DOCTOR(doctor(), 1, QStringList{"warning permissions openToAll " + bufferFile()});
+}
+
+QTEST_GUILESS_MAIN(SelectorDoctorTest)
+#include "selector_doctor_test.moc"

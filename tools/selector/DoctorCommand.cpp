@@ -1,0 +1,130 @@
+// SPDX-License-Identifier: MIT
+// selector doctor: the state of the whole system.
+#include "Command.h"
+#include "DoctorClean.h"
+#include "DoctorReport.h"
+#include "SystemChecks.h"
+
+#include <QJsonDocument>
+#include <QSaveFile>
+
+#include <algorithm>
+
+namespace {
+
+bool checkUsage(const CommandLine &line, QString &usage)
+{
+    if (line.yes && !line.clean) {
+        usage = QStringLiteral("--yes goes with --clean.");
+    } else if (line.withValues && !line.hasReport) {
+        usage = QStringLiteral("--with-values goes with --report.");
+    } else if (line.clean && line.hasReport) {
+        usage = QStringLiteral("--clean and --report exclude each other.");
+    } else if (line.hasReport && line.report.isEmpty()) {
+        usage = QStringLiteral("--report FILE is wanted.");
+    }
+    for (const QString &module : line.arguments) {
+        if (module.isEmpty() || module.contains(QLatin1Char('/'))) {
+            usage = QStringLiteral("\"%1\" is no name of a module.").arg(module);
+        }
+    }
+    return usage.isEmpty();
+}
+
+DoctorFinding versions()
+{
+    return {QStringLiteral("versions"),
+            {},
+            DoctorFinding::Good,
+            {},
+            QStringLiteral("selector " TOOLS_VERSION ", buffer layout %1, Qt %2")
+                .arg(ownBufferLayoutVersion())
+                .arg(QLatin1String(qVersion())),
+            {},
+            {},
+            ExitAllGood};
+}
+
+DoctorFinding writeReport(const QString &name, const QJsonObject &report)
+{
+    const QByteArray text = QJsonDocument(report).toJson();
+    QSaveFile file(name);
+    DoctorFinding finding{QStringLiteral("report"),
+                          name,
+                          DoctorFinding::Good,
+                          {},
+                          QStringLiteral("%1 bytes written").arg(text.size()),
+                          {},
+                          {},
+                          ExitAllGood};
+    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size() || !file.commit()) {
+        finding.severity = DoctorFinding::Error;
+        finding.code = QStringLiteral("notWritten");
+        finding.text = file.errorString();
+        finding.advice = QStringLiteral("name a file in a folder that may be written");
+        finding.failure = ExitSomeFailed;
+    }
+    return finding;
+}
+
+int print(const QVector<DoctorFinding> &findings, const Console &console)
+{
+    Report report{QStringLiteral("selector.doctor/1"), doctorColumns(), {}};
+    for (const DoctorFinding &finding : findings) {
+        report.entries.append(doctorEntry(finding));
+    }
+    const int exitCode = printReport(report, console);
+    const bool outOfReach
+        = std::any_of(findings.begin(), findings.end(), [](const DoctorFinding &finding) {
+              return finding.failure == ExitNotReachable;
+          });
+    return outOfReach ? int(ExitNotReachable) : exitCode;
+}
+
+int run(const CommandLine &line, const Console &console, QString &usage)
+{
+    if (!checkUsage(line, usage)) {
+        return ExitUsage;
+    }
+    if (line.clean) {
+        return print(cleanLeftovers(line.arguments, line.yes), console);
+    }
+    const SystemState state = examineSystem(line.arguments);
+    QVector<DoctorFinding> findings{versions()};
+    findings += checkSystem(state);
+    if (line.hasReport) {
+        const QJsonObject report = doctorReport(state, findings, line.withValues);
+        findings.append(writeReport(line.report, report));
+    }
+    return print(findings, console);
+}
+
+} // namespace
+
+Command doctorCommand()
+{
+    return {
+        QStringLiteral("doctor"),
+        QStringLiteral("examine the whole system, and clean up after crashes"),
+        QStringLiteral(
+            "Usage: selector doctor [OPTIONS] [MODULE]...\n"
+            "Examines bus, services, registry, sources, buffers in shared memory and permissions,\n"
+            "of the whole system or of the modules alone, and compares what they say of each\n"
+            "other. Each finding has a severity, what is wrong and what to do: an error keeps\n"
+            "clients from values, a warning does not, or not yet.\n"
+            "\n"
+            "Options:\n"
+            "  --clean          instead list buffers whose publishers are proved dead; neither\n"
+            "                   bus nor services are needed\n"
+            "  --yes            with --clean, remove them; a live buffer is never touched\n"
+            "  --report FILE    also write all that was found into one JSON file, for the report\n"
+            "                   of a fault; values are left out\n"
+            "  --with-values    with --report, current values too\n"
+            "  --timeout S      seconds for all calls together; else 2 for each call\n")
+            + commonOptionsHelp()
+            + QStringLiteral(
+                "Doctor also: 0 nothing to complain about, 1 warnings or errors; with\n"
+                "--clean 0 nothing is left over any more, 1 something is.\n"
+                "\nExample: selector doctor --report fault.json\n"),
+        OptionDoctor, run};
+}

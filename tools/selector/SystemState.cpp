@@ -1,0 +1,193 @@
+// SPDX-License-Identifier: MIT
+// Asks the bus, the registry, the services and shared memory.
+#include "SystemState.h"
+
+#include "InstanceListClient.h"
+#include "ModuleEntries.h"
+#include "ProviderListClient.h"
+#include "SystemReadyClient.h"
+
+#include <QJsonArray>
+
+#include <algorithm>
+
+namespace {
+
+template <typename Fetch> Answer ask(const Fetch &fetch)
+{
+    Answer answer;
+    answer.result = fetch(answer.error);
+    return answer;
+}
+
+ModuleState &moduleOf(const QString &name, QVector<ModuleState> &modules)
+{
+    auto found = std::lower_bound(
+        modules.begin(), modules.end(), name,
+        [](const ModuleState &module, const QString &other) { return module.name < other; });
+    if (found == modules.end() || found->name != name) {
+        ModuleState added;
+        added.name = name;
+        found = modules.insert(found, added);
+    }
+    return *found;
+}
+
+void askRegistry(SystemState &state)
+{
+    state.registry = ask([&state](QString &error) {
+        return fetchRegisteredProviderList(state.providerList, error);
+    });
+    const QVector<Entry> entries = moduleEntries(state.providerList);
+    for (const Entry &entry : entries) {
+        if (entry.state != Entry::Good) {
+            ++state.unreadableProviders;
+            continue;
+        }
+        ModuleState &module = moduleOf(entry.subject, state.modules);
+        module.registered = true;
+        const QJsonArray types = entry.json.value(QLatin1String("selectorTypeList")).toArray();
+        for (const QJsonValue &type : types) {
+            module.selectorTypes.append(type.toString());
+        }
+    }
+}
+
+// Between description and look the publisher may make a new buffer; then both are asked for anew.
+Answer askSource(SourceState &source)
+{
+    constexpr int attempts = 3;
+    for (int i = 0; i < attempts; ++i) {
+        QString description;
+        const Answer answer = ask([&](QString &error) {
+            return fetchDescription(source.module, source.object, source.instance, description,
+                                    error);
+        });
+        if (!answer.isOk() || (i > 0 && description == source.description)) {
+            return answer;
+        }
+        source.description = description;
+        source.buffer = inspectBuffer(description);
+        if (source.buffer.end == BufferInspection::Complete) {
+            return answer;
+        }
+    }
+    return {};
+}
+
+Answer askObject(const QString &module, const QString &object, QVector<SourceState> &sources)
+{
+    QStringList instances;
+    Answer answer
+        = ask([&](QString &error) { return fetchInstances(module, object, instances, error); });
+    for (const QString &instance : qAsConst(instances)) {
+        SourceState source{module, object, instance, {}, {}};
+        answer = askSource(source);
+        if (!answer.isOk()) {
+            break;
+        }
+        sources.append(source);
+    }
+    return answer;
+}
+
+void askModule(ModuleState &module, QVector<SourceState> &sources)
+{
+    module.answer
+        = ask([&](QString &error) { return fetchServiceOwner(module.name, module.owner, error); });
+    QStringList objects;
+    if (module.answer.isOk()) {
+        module.answer
+            = ask([&](QString &error) { return fetchObjects(module.name, objects, error); });
+    }
+    for (const QString &object : qAsConst(objects)) {
+        const Answer answer = askObject(module.name, object, sources);
+        if (!answer.isOk()) {
+            module.answer = answer;
+        }
+        if (answer.result == BusQueryResult::TimedOut) {
+            return;
+        }
+    }
+    module.complete = module.answer.isOk();
+}
+
+void keepOnly(const QStringList &only, QVector<ModuleState> &modules)
+{
+    if (only.isEmpty()) {
+        return;
+    }
+    modules.erase(
+        std::remove_if(modules.begin(), modules.end(),
+                       [&](const ModuleState &module) { return !only.contains(module.name); }),
+        modules.end());
+    for (const QString &name : only) {
+        moduleOf(name, modules);
+    }
+}
+
+// A file may have lived when it was listed and be replaced by now; only what stands counts.
+void lookAgain(QVector<BufferFile> &files)
+{
+    QVector<BufferFile> standing;
+    for (const BufferFile &file : qAsConst(files)) {
+        BufferFile now;
+        if (inspectBufferFile(file.path, now)) {
+            standing.append(now);
+        }
+    }
+    files = standing;
+}
+
+} // namespace
+
+QString SourceState::place() const
+{
+    return QStringLiteral("%1/%2/%3").arg(module, object, instance);
+}
+
+SystemState examineSystem(const QStringList &only)
+{
+    SystemState state;
+    // Files first: a buffer that is made meanwhile has no description among those fetched here.
+    listFiles(only, state.files, state.filesError);
+    state.bus = ask([&state](QString &error) { return fetchServices(state.services, error); });
+    if (!state.bus.isOk()) {
+        return state;
+    }
+    for (const QString &name : qAsConst(state.services.modules)) {
+        moduleOf(name, state.modules).onBus = true;
+    }
+    if (state.services.informationManager) {
+        askRegistry(state);
+    }
+    if (state.services.statusManager) {
+        state.status
+            = ask([&state](QString &error) { return fetchSystemReady(state.ready, error); });
+    }
+    keepOnly(only, state.modules);
+    for (ModuleState &module : state.modules) {
+        if (module.onBus) {
+            askModule(module, state.sources);
+        }
+    }
+    lookAgain(state.files);
+    return state;
+}
+
+bool listFiles(const QStringList &only, QVector<BufferFile> &files, QString &error)
+{
+    QVector<BufferFile> all;
+    if (!listBufferFiles(all, error)) {
+        return false;
+    }
+    for (const BufferFile &file : qAsConst(all)) {
+        const bool wanted = std::any_of(only.begin(), only.end(), [&](const QString &module) {
+            return isNamedAfter(file, module);
+        });
+        if (only.isEmpty() || wanted) {
+            files.append(file);
+        }
+    }
+    return true;
+}

@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: MIT
+// What the bus, the registry, the services and shared memory say of the system at one time.
+#ifndef SYSTEMSTATE_H
+#define SYSTEMSTATE_H
+
+#include "BufferFiles.h"
+#include "BufferInspection.h"
+#include "BusQueryResult.h"
+#include "ServiceOwnerClient.h"
+
+#include <QString>
+#include <QStringList>
+#include <QVector>
+
+/// How a question ended.
+struct Answer
+{
+    BusQueryResult result = BusQueryResult::Ok;
+    QString error; ///< why it is not Ok
+
+    bool isOk() const { return result == BusQueryResult::Ok; }
+};
+
+struct ModuleState
+{
+    QString name;
+    bool onBus = false; ///< somebody owns its service's name
+    bool registered = false;
+    QStringList selectorTypes; ///< as registered: OBJECT/INSTANCE/TYPE
+    ServiceOwner owner;
+    Answer answer; ///< the first question that the service did not answer well
+    bool complete = false; ///< whether all its sources are known
+};
+
+/// One instance of an object.
+struct SourceState
+{
+    QString module;
+    QString object;
+    QString instance;
+    QString description; ///< as the service sends it
+    BufferInspection buffer;
+
+    QString place() const;
+};
+
+struct SystemState
+{
+    Answer bus;
+    ServicesOnBus services;
+    Answer registry; ///< meaningful while the information manager is on the bus
+    QString providerList;
+    int unreadableProviders = 0; ///< entries of the list without a name
+    Answer status; ///< meaningful while the status manager is on the bus
+    bool ready = false;
+    QVector<ModuleState> modules; ///< sorted by name: on the bus, registered, or both
+    QVector<SourceState> sources;
+    QVector<BufferFile> files;
+    QString filesError; ///< why shared memory cannot be looked at
+};
+
+/// Asks everybody once; a service that lets the time limit pass is not asked again.
+///
+/// @param only  modules to look at; empty: all
+/// Threads: any; blocks for D-Bus calls. Runs no event loop.
+SystemState examineSystem(const QStringList &only);
+
+/// The files of shared memory that are named after the modules; all without modules.
+bool listFiles(const QStringList &only, QVector<BufferFile> &files, QString &error);
+
+#endif
