@@ -59,7 +59,7 @@ Answer askSource(SourceState &source)
     constexpr int attempts = 3;
     for (int i = 0; i < attempts; ++i) {
         QString description;
-        const Answer answer = ask([&](QString &error) {
+        Answer answer = ask([&](QString &error) {
             return fetchDescription(source.module, source.object, source.instance, description,
                                     error);
         });
