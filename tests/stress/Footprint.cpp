@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: MIT
+// What this process holds: memory, descriptors, threads, mapped buffers.
+#include "Footprint.h"
+
+#include <QDir>
+#include <QFile>
+
+#include <malloc.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr qint64 heapAllowance = 32 * 1024;
+constexpr qint64 residentAllowance = 4 * 1024 * 1024; // whole pages, of several arenas
+
+int entriesOf(const char *directory)
+{
+    return QDir(directory).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot).size();
+}
+
+QByteArray contentOf(const char *path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+QByteArray grown(const char *name, qint64 before, qint64 after, qint64 allowance)
+{
+    return after <= before + allowance ? QByteArray()
+                                       : QByteArray(name) + " from " + QByteArray::number(before)
+            + " to " + QByteArray::number(after) + "; ";
+}
+
+} // namespace
+
+void Footprint::prepare(char **argv)
+{
+    if (!qEnvironmentVariableIsSet("GLIBC_TUNABLES")) {
+        qputenv("GLIBC_TUNABLES", "glibc.malloc.tcache_count=0");
+        ::execv("/proc/self/exe", argv); // without a return; else the test goes on inexactly
+    }
+}
+
+Footprint Footprint::now()
+{
+    ::malloc_trim(0);
+    Footprint found;
+    const struct mallinfo2 heap = ::mallinfo2();
+    found.heap = qint64(heap.uordblks + heap.hblkhd);
+    found.resident
+        = contentOf("/proc/self/statm").split(' ').value(1).toLongLong() * ::sysconf(_SC_PAGESIZE);
+    found.descriptors = entriesOf("/proc/self/fd");
+    found.threads = entriesOf("/proc/self/task");
+    found.mappedBuffers = contentOf("/proc/self/maps").count("/dev/shm/processdata.");
+    return found;
+}
+
+QByteArray Footprint::growthSince(const Footprint &before) const
+{
+    return grown("heap", before.heap, heap, heapAllowance)
+        + grown("resident memory", before.resident, resident, residentAllowance)
+        + grown("descriptors", before.descriptors, descriptors, 0)
+        + grown("threads", before.threads, threads, 0)
+        + grown("mapped buffers", before.mappedBuffers, mappedBuffers, 0);
+}
+
+QByteArray Footprint::text() const
+{
+    return "heap " + QByteArray::number(heap) + ", resident " + QByteArray::number(resident)
+        + ", descriptors " + QByteArray::number(descriptors) + ", threads "
+        + QByteArray::number(threads) + ", mapped buffers " + QByteArray::number(mappedBuffers);
+}
