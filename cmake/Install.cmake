@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-# Installation: libraries, headers, CMake packages, pkg-config files, D-Bus policies.
+# Installation: libraries, headers, CMake packages, pkg-config files, D-Bus policies, groups.
 
 include(CMakePackageConfigHelpers)
 
@@ -69,6 +69,8 @@ if(SELECTORHANDLER_PLATFORM STREQUAL "reference")
     file(GLOB bus_policies CONFIGURE_DEPENDS ${reference_dir}/dbus/*.conf)
     install(FILES ${bus_policies}
         DESTINATION ${CMAKE_INSTALL_DATADIR}/dbus-1/system.d COMPONENT runtime)
+    install(FILES ${reference_dir}/users/processdata.conf
+        DESTINATION lib/sysusers.d COMPONENT runtime)
     file(GLOB bus_interfaces CONFIGURE_DEPENDS ${reference_dir}/dbus/*.xml)
     install(FILES ${bus_interfaces}
         DESTINATION ${CMAKE_INSTALL_DATADIR}/dbus-1/interfaces COMPONENT development)

@@ -49,6 +49,10 @@ check "the library needs Qt Core, the platform and the C++ runtime alone" \
     expect_needed "$libdir/libSelectorHandler.so.1" "libProcessDataPlatform\\.so\\.1|$runtime"
 check "no installed text names the build or source tree" \
     absent -rIl -e "$build_dir" -e "$source_dir" "$prefix"
+for file in share/dbus-1/system.d/com.orvalis.{ProcessData,SystemServices}.conf lib/sysusers.d/processdata.conf; do
+    check "$file is installed and names the publishers' group" \
+        grep -q processdata-publisher "$prefix/$file"
+done
 for header in "$prefix"/include/*/*.h; do
     printf '#include <%s>\n' "${header##*/}"
 done >"$work/all_headers.cpp"

@@ -4,6 +4,7 @@
 #include "BufferChild.h"
 #include "BufferLayout.h"
 #include "BufferSource.h"
+#include "RequireRoot.h"
 #include "WarningList.h"
 
 #include <QtTest>

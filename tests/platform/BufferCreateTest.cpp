@@ -4,6 +4,7 @@
 #include "BufferLayout.h"
 #include "BufferName.h"
 #include "BufferSource.h"
+#include "RequireRoot.h"
 #include "SharedLock.h"
 
 #include <QFileInfo>

@@ -16,13 +16,6 @@
 
 #include <unistd.h>
 
-/// For tests that act as other users; whoever runs them without root sees them skipped, not passed.
-#define REQUIRE_ROOT()                                                                             \
-    if (geteuid() != 0) {                                                                          \
-        QSKIP("takes root, to act as other users");                                                \
-    }                                                                                              \
-    static_assert(true, "takes a semicolon")
-
 /// A leaf as descriptions have it.
 inline QJsonObject leafJson(const QString &name, const QString &type, QJsonObject more = {})
 {

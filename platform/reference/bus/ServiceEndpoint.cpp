@@ -3,6 +3,7 @@
 #include "ServiceEndpoint.h"
 
 #include "BusCall.h"
+#include "BusErrors.h"
 #include "BusLog.h"
 #include "BusNames.h"
 
@@ -24,6 +25,15 @@ QDBusMessage daemonCall(const QString &member)
 {
     return QDBusMessage::createMethodCall(BusNames::daemonService(), BusNames::daemonPath(),
                                           BusNames::daemonInterface(), member);
+}
+
+// By the policies that are installed with this library.
+QString whoMayOwn(const QString &serviceName)
+{
+    return BusNames::moduleOfService(serviceName)
+        ? QStringLiteral("; its bus policy lets root and members of the group "
+                         "processdata-publisher do that")
+        : QStringLiteral("; its bus policy lets root do that");
 }
 }
 
@@ -99,6 +109,9 @@ bool ServiceEndpoint::takeName(QString &error)
         const QDBusError reason(answer);
         error = QStringLiteral("Cannot own %1 on %2: %3 (%4)")
                     .arg(serviceName, link.bus().label(), reason.message(), reason.name());
+        if (BusErrors::isDenied(answer)) {
+            error += whoMayOwn(serviceName);
+        }
         return false;
     }
     const uint result = answer.arguments().value(0).toUInt();

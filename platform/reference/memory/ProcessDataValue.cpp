@@ -2,6 +2,7 @@
 // Reads and writes one leaf's value in shared memory.
 #include "ProcessDataValue.h"
 
+#include "BufferName.h"
 #include "FileDescriptor.h"
 #include "LeafBlock.h"
 #include "MemoryLog.h"
@@ -90,8 +91,10 @@ bool ProcessDataValuePrivate::write(const ProcessValue &value, QString &error) c
         return false;
     }
     if (block->memory.isNull() || !block->memory->isWritable()) {
-        error = QStringLiteral("this process may not write to buffer %1")
-                    .arg(block->description.buffer->name);
+        const QString name = block->description.buffer->name;
+        error = QStringLiteral(
+                    "this process may not write to buffer %1; that takes the right to write %2")
+                    .arg(name, QString::fromUtf8(sharedMemoryPath(name)));
         return false;
     }
     QByteArray payload;

@@ -33,6 +33,9 @@ QByteArray PublisherCommands::run(const QByteArray &line)
     if (verb == "playStatusManager") {
         return playStatusManager();
     }
+    if (verb == "playRegistry") {
+        return playRegistry();
+    }
     if (verb == "announceStartupReady" && status) {
         status->setReady(true);
         return "ok";
@@ -87,6 +90,13 @@ QByteArray PublisherCommands::playStatusManager()
     QString error;
     status = SystemStatusService::create(&error);
     return answer(!status.isNull(), error);
+}
+
+QByteArray PublisherCommands::playRegistry()
+{
+    QString error;
+    registry = ProviderRegistryService::create(&error);
+    return answer(!registry.isNull(), error);
 }
 
 void printLine(const QByteArray &line)

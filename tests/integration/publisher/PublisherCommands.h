@@ -4,6 +4,7 @@
 #define PUBLISHERCOMMANDS_H
 
 #include "ProcessDataPublisher.h"
+#include "ProviderRegistryService.h"
 #include "SystemStatusService.h"
 
 #include <QByteArray>
@@ -21,10 +22,12 @@ private:
     QByteArray publish(const QJsonObject &command);
     QByteArray replace(const QJsonObject &command, bool layout);
     QByteArray playStatusManager();
+    QByteArray playRegistry();
 
     QSharedPointer<ProcessDataPublisher> publisher; // the one made last
     QVector<QSharedPointer<ProcessDataPublisher>> publishers;
     QSharedPointer<SystemStatusService> status;
+    QSharedPointer<ProviderRegistryService> registry;
 };
 
 /// Prints one line at once: the test waits for it.

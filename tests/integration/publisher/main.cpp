@@ -1,14 +1,22 @@
 // SPDX-License-Identifier: MIT
 // A publisher that a test drives through standard input, until that ends.
+//
+// usage: integration-publisher [--as UID:GID[,GID…]]
+#include "OtherUser.h"
 #include "PublisherCommands.h"
 
 #include <QCoreApplication>
 #include <QSocketNotifier>
 
+#include <cstdio>
 #include <unistd.h>
 
 int main(int argc, char *argv[])
 {
+    if (argc == 3 && !becomeUser(argv[2])) {
+        std::perror(argv[2]);
+        return 1;
+    }
     const QCoreApplication application(argc, argv);
     PublisherCommands commands;
     QByteArray pending;

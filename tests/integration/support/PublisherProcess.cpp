@@ -4,8 +4,8 @@
 
 #include <QJsonDocument>
 
-PublisherProcess::PublisherProcess()
-    : child(QStringLiteral(INTEGRATION_PUBLISHER), {})
+PublisherProcess::PublisherProcess(const QStringList &arguments)
+    : child(QStringLiteral(INTEGRATION_PUBLISHER), arguments)
 {
 }
 
@@ -45,6 +45,11 @@ QByteArray PublisherProcess::replaceProperties(const QJsonObject &description)
 QByteArray PublisherProcess::playStatusManager()
 {
     return command({{"do", "playStatusManager"}});
+}
+
+QByteArray PublisherProcess::playRegistry()
+{
+    return command({{"do", "playRegistry"}});
 }
 
 QByteArray PublisherProcess::announceStartupReady()

@@ -14,7 +14,7 @@
 class PublisherProcess
 {
 public:
-    PublisherProcess();
+    explicit PublisherProcess(const QStringList &arguments = {});
 
     QByteArray start();
     QByteArray create(const QString &module, const QString &object, const QString &instance,
@@ -23,6 +23,7 @@ public:
     QByteArray replaceDescription(const QJsonObject &description);
     QByteArray replaceProperties(const QJsonObject &description);
     QByteArray playStatusManager();
+    QByteArray playRegistry();
     QByteArray announceStartupReady();
 
     /// Waits until the publisher reports that a client wrote this leaf.

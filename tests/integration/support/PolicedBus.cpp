@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: MIT
+// A bus daemon under the installed policies, with users and groups of its own.
+#include "PolicedBus.h"
+
+#include <QFile>
+
+namespace {
+
+const char users[] = "root:x:0:0::/:/bin/sh\n"
+                     "pump:x:61001:61101::/:/bin/sh\n"
+                     "operator:x:61002:61002::/:/bin/sh\n"
+                     "stranger:x:61003:61003::/:/bin/sh\n";
+const char groups[] = "root:x:0:\n"
+                      "processdata-publisher:x:61100:pump\n"
+                      "processdata:x:61101:pump,operator\n"
+                      "operator:x:61002:\n"
+                      "stranger:x:61003:\n";
+
+// What a system bus allows before any service's own policy.
+const char configuration[]
+    = R"(<busconfig><type>system</type><listen>%1</listen><auth>EXTERNAL</auth>
+<policy context="default">
+  <allow user="*"/>
+  <deny own="*"/>
+  <deny send_type="method_call"/>
+  <allow send_type="signal"/>
+  <allow send_requested_reply="true" send_type="method_return"/>
+  <allow send_requested_reply="true" send_type="error"/>
+  <allow receive_type="method_call"/>
+  <allow receive_type="method_return"/>
+  <allow receive_type="error"/>
+  <allow receive_type="signal"/>
+  <allow send_destination="org.freedesktop.DBus" send_interface="org.freedesktop.DBus"/>
+</policy>
+<includedir>%2</includedir></busconfig>
+)";
+
+} // namespace
+
+PolicedBus::PolicedBus()
+{
+    qputenv("PROCESSDATA_BUS", address().toUtf8());
+}
+
+PolicedBus::~PolicedBus()
+{
+    daemon.reset();
+    qunsetenv("PROCESSDATA_BUS");
+}
+
+bool PolicedBus::start()
+{
+    // Other users must reach the socket in it.
+    QFile::setPermissions(directory.path(), QFile::Permissions(0x7755));
+    const QString text = QString(configuration).arg(address(), POLICY_DIRECTORY);
+    if (!write("passwd", users) || !write("group", groups) || !write("bus.conf", text.toUtf8())) {
+        return false;
+    }
+    const QString script = "cd \"$0\" && mount --bind passwd /etc/passwd && mount --bind group "
+                           "/etc/group && exec dbus-daemon --config-file=bus.conf --nofork "
+                           "--nopidfile --print-address=1";
+    daemon.reset(new ChildProcess("unshare", {"--mount", "sh", "-c", script, directory.path()}));
+    return daemon->start() && !daemon->waitForLineWith("unix:").isEmpty();
+}
+
+QString PolicedBus::address() const
+{
+    return "unix:path=" + directory.filePath("bus");
+}
+
+bool PolicedBus::write(const QString &name, const QByteArray &content) const
+{
+    QFile file(directory.filePath(name));
+    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
+}
