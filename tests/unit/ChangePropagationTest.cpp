@@ -2,9 +2,9 @@
 // From a source's announcement to the list of the client's positions.
 #include "Internals.h"
 #include "ProcessDataValue.h"
-#include "ScriptedPlatform.h"
 #include "SelectorHandlerProcessValue.h"
 #include "Selectors.h"
+#include "UnlikePlatform.h"
 #include "WarningLog.h"
 
 #include <QSignalSpy>
@@ -25,7 +25,7 @@ QList<QVector<int>> listsOf(const QSignalSpy &spy)
 
 struct Client
 {
-    ScriptedPlatform platform;
+    UnlikePlatform platform;
     ScriptedSource &script = platform.source("boiler", "sensors", "1").leaf("a", 1).leaf("b", 2);
     SelectorHandlerProcessValue handler;
     QSignalSpy descriptions{&handler, SIGNAL(processDataDescriptionChanged(QVector<int>))};

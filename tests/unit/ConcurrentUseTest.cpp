@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Reads and writes in one thread while the list and the sources change in another.
-#include "ScriptedPlatform.h"
 #include "SelectorHandlerProcessValue.h"
 #include "Selectors.h"
+#include "UnlikePlatform.h"
 
 #include <QtTest>
 
@@ -24,7 +24,7 @@ class ConcurrentUseTest : public QObject
 private Q_SLOTS:
     void readersSeeWholeListsWhileTheListIsReplaced()
     {
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         platform.source("boiler", "sensors", "1").leaf("a", 1).leaf("b", 2);
         platform.stopRecording();
         const QVector<QString> shortList{on("a"), on("b")};
@@ -66,7 +66,7 @@ private Q_SLOTS:
 
     void readersSeeWholeRecordsWhileSourcesAreRefreshed()
     {
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         ScriptedSource &script
             = platform.source("boiler", "sensors", "1").leaf("a", 1).leaf("b", 2);
         platform.stopRecording();

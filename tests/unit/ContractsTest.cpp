@@ -11,10 +11,10 @@
 #include "ProcessDataValue.h"
 #include "ProcessValue.h"
 #include "PropertyManagerConst.h"
-#include "ScriptedPlatform.h"
 #include "SelectorUrlHandler.h"
 #include "SystemInformationManagerRegistryDefinitions.h"
 #include "SystemStatusManagerDBusConnector.h"
+#include "UnlikePlatform.h"
 
 #include <QtTest>
 
@@ -72,7 +72,7 @@ private Q_SLOTS:
         QVERIFY((std::is_base_of<Base, ProcessDataValue>::value));
         QVERIFY((std::is_same<Base::ProcessDataValueSharedPointer,
                               QSharedPointer<ProcessDataValue>>::value));
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         platform.source("m", "o", "i").leaf("a");
         ProcessDataManager manager;
         const auto root = manager.createProcessDataFromJson("description of m/o/i", "x",

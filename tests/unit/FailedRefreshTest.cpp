@@ -2,9 +2,9 @@
 // What a refresh does when the source, its leaves or its buffer are gone.
 #include "Internals.h"
 #include "ProcessDataValue.h"
-#include "ScriptedPlatform.h"
 #include "SelectorHandlerProcessValue.h"
 #include "Selectors.h"
+#include "UnlikePlatform.h"
 #include "WarningLog.h"
 
 #include <QSignalSpy>
@@ -25,7 +25,7 @@ QList<QVector<int>> listsOf(const QSignalSpy &spy)
 
 struct Client
 {
-    ScriptedPlatform platform;
+    UnlikePlatform platform;
     ScriptedSource &script = platform.source("boiler", "sensors", "1").leaf("a", 1).leaf("b", 2);
     SelectorHandlerProcessValue handler;
     QSignalSpy descriptions{&handler, SIGNAL(processDataDescriptionChanged(QVector<int>))};
@@ -86,7 +86,7 @@ private Q_SLOTS:
 
     void withAnInvalidInterfaceAndNoTreeSelectorsStayWithoutLeaves()
     {
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         ScriptedSource &script
             = platform.source("boiler", "sensors", "1").leaf("a", 1).interfaceInvalid();
         SelectorHandlerProcessValue handler({on("a"), on("a")}, nullptr);
@@ -118,7 +118,7 @@ private Q_SLOTS:
     {
         Client client({on("a")});
         client.script.announceDescription();
-        const QVariant arrived = client.script.description;
+        const QVariant arrived = client.script.description();
         client.script.fetchesGive(QVariant());
         client.script.reply(0).finish(arrived);
 

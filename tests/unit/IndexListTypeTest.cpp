@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // The index list as a meta-type: registered when it is needed and not before.
-#include "ScriptedPlatform.h"
 #include "SelectorHandlerProcessValue.h"
 #include "Selectors.h"
+#include "UnlikePlatform.h"
 #include "WarningLog.h"
 
 #include <QMetaMethod>
@@ -25,7 +25,7 @@ private Q_SLOTS:
     // The first two: nothing in this process has asked for the type yet.
     void nothingIsRegisteredByMakingUsingAndConnectingAHandlerDirectly()
     {
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         ScriptedSource &script = platform.source("boiler", "sensors", "1").leaf("a", 1);
         SelectorHandlerProcessValue handler({on("a")}, nullptr);
         received = 0;
@@ -42,7 +42,7 @@ private Q_SLOTS:
     // Qt 5.15 drops queued arguments of a type that nobody registered.
     void anAutomaticConnectionToAnotherThreadDoesNotRegisterTheType()
     {
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         ScriptedSource &script = platform.source("boiler", "sensors", "1").leaf("a", 1);
         SelectorHandlerProcessValue handler({on("a")}, nullptr);
         QThread thread;
@@ -88,7 +88,7 @@ private Q_SLOTS:
 
     void aQueuedConnectionThenDeliversTheList()
     {
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         ScriptedSource &script = platform.source("boiler", "sensors", "1").leaf("a", 1);
         SelectorHandlerProcessValue handler({off("a"), on("a")}, nullptr);
         received = 0;

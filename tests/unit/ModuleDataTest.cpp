@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Modules and matching selector types out of provider lists.
 #include "ClassForm.h"
-#include "ScriptedPlatform.h"
 #include "SelectorHandlerConvenienceFunctions.h"
+#include "UnlikePlatform.h"
 #include "WarningLog.h"
 
 #include <QJsonDocument>
@@ -46,7 +46,7 @@ class ModuleDataTest : public QObject
 private Q_SLOTS:
     void aModulesNameIsRead()
     {
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         const WarningLog warnings;
 
         QCOMPARE(Functions::getModuleNameFromJsonObjectModule(
@@ -61,7 +61,7 @@ private Q_SLOTS:
 
     void anEmptyNameIsAName()
     {
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         const WarningLog warnings;
 
         QCOMPARE(Functions::getModuleNameFromJsonObjectModule(objectOf(R"({"name-of-module":""})")),
@@ -96,7 +96,7 @@ private Q_SLOTS:
     {
         QFETCH(QByteArray, json);
         QFETCH(QString, expected);
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         const WarningLog warnings;
 
         QVERIFY(Functions::getModuleNameFromJsonObjectModule(objectOf(json)).isNull());
@@ -117,7 +117,7 @@ private Q_SLOTS:
     void textThatIsNoArrayGivesNothingInSilence()
     {
         QFETCH(QVariant, list);
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         const WarningLog warnings;
 
         QVERIFY(Functions::getJsonObjectModuleList(list).isEmpty());
@@ -127,7 +127,7 @@ private Q_SLOTS:
 
     void theStringFormOfAListIsParsed()
     {
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         const QString text = R"([{"a":1},{"b":2}])";
 
         const QVector<QJsonObject> fromText = Functions::getJsonObjectModuleList(text);
@@ -143,7 +143,7 @@ private Q_SLOTS:
 
     void elementsThatAreNoObjectsAreReportedAndLeftOut()
     {
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         const WarningLog warnings;
 
         const QVector<QJsonObject> modules
@@ -201,7 +201,7 @@ private Q_SLOTS:
         QFETCH(QString, entries);
         QFETCH(QString, requested);
         QFETCH(QStringList, expected);
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         const WarningLog warnings;
 
         const auto records = Functions::getModuleDataFromRegisteredProviderList(
@@ -213,7 +213,7 @@ private Q_SLOTS:
 
     void modulesThatMatchKeepTheirOrderAndOthersAreLeftOutInSilence()
     {
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         const WarningLog warnings;
         const QStringList modules{module(R"("B")", R"(["o/A"])"), module("3", R"(["o/D"])"),
                                   module(R"("A")", R"(["p/A"])")};
@@ -244,7 +244,7 @@ private Q_SLOTS:
     {
         QFETCH(QString, json);
         QFETCH(QString, expected);
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         const WarningLog warnings;
 
         QCOMPARE(linesOf(Functions::getModuleDataFromRegisteredProviderList("[" + json + "]", "A")),
@@ -264,7 +264,7 @@ private Q_SLOTS:
     void aModuleWithoutSelectorTypesIsReportedAndTheNextOnesCount()
     {
         QFETCH(QString, broken);
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         const WarningLog warnings;
 
         const auto records = Functions::getModuleDataFromRegisteredProviderList(

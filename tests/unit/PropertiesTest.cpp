@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Properties by position and the JSON text of a leaf.
 #include "Internals.h"
-#include "ScriptedPlatform.h"
 #include "SelectorHandlerProcessValue.h"
 #include "Selectors.h"
+#include "UnlikePlatform.h"
 #include "WarningLog.h"
 
 #include <QtTest>
@@ -37,7 +37,7 @@ private Q_SLOTS:
         QFETCH(int, size);
         QFETCH(int, index);
         QFETCH(QString, expected);
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         platform.source("boiler", "sensors", "1").leaf("a");
         SelectorHandlerProcessValue handler(QVector<QString>(size, on("a")), nullptr);
         WarningLog warnings;
@@ -57,7 +57,7 @@ private Q_SLOTS:
 
     void onePropertyIsReadWithoutAskingWhetherItExists()
     {
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         platform.source("boiler", "sensors", "1")
             .leaf("a")
             .at("a")
@@ -78,7 +78,7 @@ private Q_SLOTS:
 
     void onePropertyOfAnUnresolvedSelectorIsInvalid()
     {
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         SelectorHandlerProcessValue handler({off("a")}, nullptr);
         const WarningLog warnings;
 
@@ -90,7 +90,7 @@ private Q_SLOTS:
 
     void aPropertyOfAllSelectorsIsReadWhereItExists()
     {
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         ScriptedSource &source = platform.source("boiler", "sensors", "1").leaf("a").leaf("b");
         source.at("a").property("unit", "K").property("note", QVariant());
         source.at("b").answersUnknownPropertiesWith("no such thing");
@@ -116,7 +116,7 @@ private Q_SLOTS:
 
     void eachUnresolvedSelectorIsReportedOnce()
     {
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         platform.source("boiler", "sensors", "1").leaf("a").at("a").property("unit", "K");
         SelectorHandlerProcessValue handler({off("a"), on("a"), off("a")}, nullptr);
         const WarningLog warnings;
@@ -130,7 +130,7 @@ private Q_SLOTS:
 
     void aHandlerWithoutSelectorsHasNoProperties()
     {
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         SelectorHandlerProcessValue handler(QVector<QString>(), nullptr);
         const WarningLog warnings;
 
@@ -141,7 +141,7 @@ private Q_SLOTS:
 
     void theJsonTextIsServedFromTheRecordAndNotRenderedAnew()
     {
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         ScriptedSource &source = platform.source("boiler", "sensors", "1").leaf("a").leaf("b");
         source.at("a").rendersAs("{\"unit\":\"\xC2\xB0"
                                  "C\"}");
@@ -165,7 +165,7 @@ private Q_SLOTS:
 
     void aLeafIsRenderedOnceByAParserOfItsOwn()
     {
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         platform.source("boiler", "sensors", "1").leaf("a").leaf("b");
 
         SelectorHandlerProcessValue handler({on("b"), on("a")}, nullptr);
@@ -200,7 +200,7 @@ private Q_SLOTS:
     {
         QFETCH(QByteArray, bytes);
         QFETCH(QString, expected);
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         platform.source("boiler", "sensors", "1").leaf("a").at("a").rendersAs(bytes);
         const WarningLog warnings;
 
@@ -212,7 +212,7 @@ private Q_SLOTS:
 
     void theLockIsHeldWhileLeavesAreAskedAndFreeAfterwards()
     {
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         platform.source("boiler", "sensors", "1").leaf("a").at("a").property("unit", "K");
         SelectorHandlerProcessValue handler({on("a")}, nullptr);
         QVector<bool> lockWasFree;

@@ -2,9 +2,9 @@
 // The read-only flag and the text that a selector gets with its leaf.
 #include "Internals.h"
 #include "ProcessDataValue.h"
-#include "ScriptedPlatform.h"
 #include "SelectorHandlerProcessValue.h"
 #include "Selectors.h"
+#include "UnlikePlatform.h"
 #include "WarningLog.h"
 
 #include <QtTest>
@@ -30,7 +30,7 @@ private Q_SLOTS:
     {
         QFETCH(QVariant, property);
         QFETCH(bool, expected);
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         platform.source("boiler", "sensors", "1")
             .leaf("a")
             .at("a")
@@ -43,7 +43,7 @@ private Q_SLOTS:
 
     void aLeafThatLacksTheReadOnlyPropertyIsReadOnlyIfItSaysSo()
     {
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         platform.source("boiler", "sensors", "1")
             .leaf("a")
             .at("a")
@@ -54,7 +54,7 @@ private Q_SLOTS:
 
     void aLeafIsRenderedBeforeItsReadOnlyFlagIsRead()
     {
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         platform.source("boiler", "sensors", "1").leaf("a");
         const SelectorHandlerProcessValue handler({on("a")}, nullptr);
         const QStringList calls

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Which runs of positions can be read.
-#include "ScriptedPlatform.h"
 #include "SelectorHandlerProcessValue.h"
 #include "Selectors.h"
+#include "UnlikePlatform.h"
 #include "WarningLog.h"
 
 #include <QtTest>
@@ -66,7 +66,7 @@ void ReadRangeTest::aRunOutsideTheListIsRefused()
     QFETCH(int, startIndex);
     QFETCH(int, count);
     QFETCH(QStringList, expected);
-    ScriptedPlatform platform;
+    UnlikePlatform platform;
     platform.source("boiler", "sensors", "1").leaf("inlet", 21.5);
     SelectorHandlerProcessValue handler(QVector<QString>(4, on("inlet")), nullptr);
     const WarningLog warnings;
@@ -94,7 +94,7 @@ void ReadRangeTest::aRunInsideTheListIsRead()
 {
     QFETCH(int, startIndex);
     QFETCH(int, count);
-    ScriptedPlatform platform;
+    UnlikePlatform platform;
     platform.source("boiler", "sensors", "1").leaf("inlet", 21.5);
     SelectorHandlerProcessValue handler(QVector<QString>(4, on("inlet")), nullptr);
     const WarningLog warnings;
@@ -110,7 +110,7 @@ void ReadRangeTest::aRunInsideTheListIsRead()
 
 void ReadRangeTest::aHandlerWithoutSelectorsReadsNothing()
 {
-    ScriptedPlatform platform;
+    UnlikePlatform platform;
     SelectorHandlerProcessValue handler(QVector<QString>(), nullptr);
     WarningLog warnings;
 
@@ -143,7 +143,7 @@ void ReadRangeTest::oneIndexOutsideTheListReadsAsTheErrorValue()
 {
     QFETCH(int, index);
     QFETCH(QStringList, expected);
-    ScriptedPlatform platform;
+    UnlikePlatform platform;
     platform.source("boiler", "sensors", "1").leaf("inlet", 21.5);
     SelectorHandlerProcessValue handler(QVector<QString>(4, on("inlet")), nullptr);
     const WarningLog warnings;

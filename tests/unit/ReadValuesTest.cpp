@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Reading values by position: places, leaves, warnings.
 #include "Internals.h"
-#include "ScriptedPlatform.h"
 #include "SelectorHandlerProcessValue.h"
 #include "Selectors.h"
+#include "UnlikePlatform.h"
 #include "WarningLog.h"
 
 #include <QtTest>
@@ -54,7 +54,7 @@ private Q_SLOTS:
 
 void ReadValuesTest::aRunIsReadInListOrder()
 {
-    ScriptedPlatform platform;
+    UnlikePlatform platform;
     platform.source("boiler", "sensors", "1").leaf("inlet", 21.5).leaf("outlet", 20.0);
     platform.source("pump", "drive", "2").leaf("speed", 1500);
     SelectorHandlerProcessValue handler(
@@ -77,7 +77,7 @@ void ReadValuesTest::aRunIsReadInListOrder()
 
 void ReadValuesTest::allSelectorsAreReadWithoutARange()
 {
-    ScriptedPlatform platform;
+    UnlikePlatform platform;
     platform.source("boiler", "sensors", "1").leaf("inlet", 21.5).leaf("outlet", 20.0);
     SelectorHandlerProcessValue handler({on("inlet"), off("inlet"), on("outlet")}, nullptr);
     const WarningLog warnings;
@@ -93,7 +93,7 @@ void ReadValuesTest::allSelectorsAreReadWithoutARange()
 
 void ReadValuesTest::aDeactivatedSelectorKeepsItsPlaceAndReadsAsTheErrorValue()
 {
-    ScriptedPlatform platform;
+    UnlikePlatform platform;
     platform.source("boiler", "sensors", "1").leaf("inlet", 21.5).leaf("outlet", 20.0);
     SelectorHandlerProcessValue handler({on("inlet"), off("inlet"), on("outlet")}, nullptr);
     const WarningLog warnings;
@@ -109,7 +109,7 @@ void ReadValuesTest::aDeactivatedSelectorKeepsItsPlaceAndReadsAsTheErrorValue()
 
 void ReadValuesTest::oneValueIsReadThroughTheVirtualRunRead()
 {
-    ScriptedPlatform platform;
+    UnlikePlatform platform;
     CountingHandler handler(QVector<QString>(), nullptr);
     handler.answer = {valueOf(1), valueOf(2)};
     const WarningLog warnings;
@@ -125,7 +125,7 @@ void ReadValuesTest::oneValueIsReadThroughTheVirtualRunRead()
 
 void ReadValuesTest::anUnresolvedSelectorReadsAsTheErrorValueInSilence()
 {
-    ScriptedPlatform platform;
+    UnlikePlatform platform;
     platform.source("boiler", "sensors", "1").interfaceInvalid().leaf("inlet", 21.5);
     SelectorHandlerProcessValue handler({on("inlet"), "nonsense"}, nullptr);
     const WarningLog warnings;
@@ -140,7 +140,7 @@ void ReadValuesTest::anUnresolvedSelectorReadsAsTheErrorValueInSilence()
 
 void ReadValuesTest::aLeafIsAskedWithTheErrorValueAndTheFlagFalse()
 {
-    ScriptedPlatform platform;
+    UnlikePlatform platform;
     platform.source("boiler", "sensors", "1").leaf("inlet", 21.5);
     SelectorHandlerProcessValue handler({on("inlet")}, nullptr);
     platform.forgetCalls();
@@ -155,11 +155,8 @@ void ReadValuesTest::aLeafIsAskedWithTheErrorValueAndTheFlagFalse()
 
 void ReadValuesTest::aLeafThatLeavesTheValueUntouchedReadsAsTheErrorValue()
 {
-    ScriptedPlatform platform;
-    platform.source("boiler", "sensors", "1")
-        .leaf("inlet", 21.5)
-        .at("inlet")
-        .leavesValuesUntouched();
+    UnlikePlatform platform;
+    platform.source("boiler", "sensors", "1").leaf("inlet", 21.5).at("inlet").refusesReads();
     SelectorHandlerProcessValue handler({on("inlet")}, nullptr);
     const WarningLog warnings;
 
@@ -169,7 +166,7 @@ void ReadValuesTest::aLeafThatLeavesTheValueUntouchedReadsAsTheErrorValue()
 
 void ReadValuesTest::aLeafsErrorTypeIsHandedOn()
 {
-    ScriptedPlatform platform;
+    UnlikePlatform platform;
     platform.source("boiler", "sensors", "1")
         .leaf("inlet")
         .at("inlet")
@@ -184,7 +181,7 @@ void ReadValuesTest::aLeafsErrorTypeIsHandedOn()
 
 void ReadValuesTest::aRecordWithoutUrlReadsAsTheErrorValueWithAWarning()
 {
-    ScriptedPlatform platform;
+    UnlikePlatform platform;
     platform.source("boiler", "sensors", "1").leaf("inlet", 21.5);
     SelectorHandlerProcessValue handler(QVector<QString>(3, on("inlet")), nullptr);
     recordsOf(handler)[1].selectorUrlHandler.clear();
@@ -201,7 +198,7 @@ void ReadValuesTest::aRecordWithoutUrlReadsAsTheErrorValueWithAWarning()
 
 void ReadValuesTest::aLeafWithoutSourceReadsAsTheErrorValueWithAWarning()
 {
-    ScriptedPlatform platform;
+    UnlikePlatform platform;
     platform.source("boiler", "sensors", "1").leaf("inlet", 21.5);
     SelectorHandlerProcessValue handler(QVector<QString>(2, on("inlet")), nullptr);
     recordsOf(handler)[1].sharedMemoryIterator = {};
@@ -219,7 +216,7 @@ void ReadValuesTest::aLeafWithoutSourceReadsAsTheErrorValueWithAWarning()
 
 void ReadValuesTest::aRecordWithoutUrlIsReportedBeforeItsLeafAndSourceAreLookedAt()
 {
-    ScriptedPlatform platform;
+    UnlikePlatform platform;
     SelectorHandlerProcessValue handler({off("inlet")}, nullptr);
     recordsOf(handler)[0].selectorUrlHandler.clear();
     const WarningLog warnings;
@@ -230,7 +227,7 @@ void ReadValuesTest::aRecordWithoutUrlIsReportedBeforeItsLeafAndSourceAreLookedA
 
 void ReadValuesTest::anUnresolvedSelectorWithoutSourceIsSilent()
 {
-    ScriptedPlatform platform;
+    UnlikePlatform platform;
     SelectorHandlerProcessValue handler({"nonsense"}, nullptr);
     const WarningLog warnings;
 
@@ -240,7 +237,7 @@ void ReadValuesTest::anUnresolvedSelectorWithoutSourceIsSilent()
 
 void ReadValuesTest::aReadOnlySelectorReadsNormally()
 {
-    ScriptedPlatform platform;
+    UnlikePlatform platform;
     platform.source("boiler", "sensors", "1").leaf("inlet", 21.5).at("inlet").readOnly();
     SelectorHandlerProcessValue handler({on("inlet")}, nullptr);
     const WarningLog warnings;
@@ -270,7 +267,7 @@ void ReadValuesTest::theWorkingReadTellsWhetherAllSelectorsCouldBeRead()
     QFETCH(int, startIndex);
     QFETCH(int, count);
     QFETCH(bool, expected);
-    ScriptedPlatform platform;
+    UnlikePlatform platform;
     platform.source("boiler", "sensors", "1").leaf("inlet", 21.5);
     const QString inlet = on("inlet");
     SelectorHandlerProcessValue handler(
@@ -284,7 +281,7 @@ void ReadValuesTest::theWorkingReadTellsWhetherAllSelectorsCouldBeRead()
 
 void ReadValuesTest::theWorkingReadAppends()
 {
-    ScriptedPlatform platform;
+    UnlikePlatform platform;
     platform.source("boiler", "sensors", "1").leaf("inlet", 21.5);
     SelectorHandlerProcessValue handler({on("inlet")}, nullptr);
     QVector<ProcessValue> values{valueOf("before")};
@@ -298,7 +295,7 @@ void ReadValuesTest::theWorkingReadAppends()
 
 void ReadValuesTest::theLockIsHeldWhileALeafIsAskedAndFreeAfterwards()
 {
-    ScriptedPlatform platform;
+    UnlikePlatform platform;
     platform.source("boiler", "sensors", "1").leaf("inlet", 21.5);
     SelectorHandlerProcessValue handler({on("inlet")}, nullptr);
     QVector<bool> lockWasFree;

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 // Clients that do anything from within a change signal: nothing that was released is touched.
 #include "Internals.h"
-#include "ScriptedPlatform.h"
 #include "SelectorHandlerProcessValue.h"
 #include "SelectorSharedMemoryHandler.h"
 #include "Selectors.h"
+#include "UnlikePlatform.h"
 #include "WarningLog.h"
 
 #include <QPointer>
@@ -28,7 +28,7 @@ QString url(const QString &module)
 // Sources a to d of which none is ready when the list is set.
 struct Client
 {
-    ScriptedPlatform platform;
+    UnlikePlatform platform;
     QVector<ScriptedSource *> scripts;
     QPointer<SelectorHandlerProcessValue> handler{new SelectorHandlerProcessValue(nullptr)};
     QVector<QVector<int>> lists;
@@ -206,7 +206,7 @@ private Q_SLOTS:
     void aReplyThatIsReleasedByItsOwnSignalIsNotTouchedAgain()
     {
         QFETCH(bool, error);
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         ScriptedSource &script = platform.source("m", "o", "1");
         SelectorSharedMemoryHandler handler("k", "m", "o", "1", nullptr);
         script.announceDescription();
@@ -233,7 +233,7 @@ private Q_SLOTS:
     void aSourceThatIsDestroyedByItsOwnSignalIsNotTouchedAgain()
     {
         QFETCH(bool, properties);
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         ScriptedSource &script = platform.source("m", "o", "1");
         auto *handler = new SelectorSharedMemoryHandler(QString("key that is %1").arg("not shared"),
                                                         "m", "o", "1", nullptr);
@@ -283,7 +283,7 @@ private Q_SLOTS:
         {
             Client client;
         }
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         for (const char *name :
              {"SelectorUrlHandler", "DBusProcessDescriptionConnector", "DBusPendingReply",
               "SystemStatusManagerDBusConnector", "ProcessDataManager", "SharedMemory",

@@ -2,10 +2,10 @@
 // Life of the handler: construction, replacement of the list, destruction, lock.
 #include "Internals.h"
 #include "ProcessDataValue.h"
-#include "ScriptedPlatform.h"
 #include "SelectorHandlerProcessValue.h"
 #include "Selectors.h"
 #include "SystemStatusManagerDBusConnector.h"
+#include "UnlikePlatform.h"
 #include "WarningLog.h"
 
 #include <QSignalSpy>
@@ -20,7 +20,7 @@ class SelectorListLifeTest : public QObject
 private Q_SLOTS:
     void aHandlerWithoutAListConnectsToTheStatusManager()
     {
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         const WarningLog warnings;
         QObject parent;
 
@@ -39,7 +39,7 @@ private Q_SLOTS:
 
     void aMissingStatusManagerIsReportedAndTheHandlerWorks()
     {
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         platform.statusManagerMissing();
         platform.source("boiler", "sensors", "1").leaf("a", 1);
         const WarningLog warnings;
@@ -55,7 +55,7 @@ private Q_SLOTS:
 
     void aHandlerWithAListMakesNoConnectionToTheStatusManager()
     {
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         platform.source("boiler", "sensors", "1").leaf("a", 1);
         QObject parent;
         const WarningLog warnings;
@@ -71,7 +71,7 @@ private Q_SLOTS:
 
     void anEmptyListDropsEverything()
     {
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         platform.source("boiler", "sensors", "1").leaf("a", 1);
         SelectorHandlerProcessValue handler({on("a"), off("a"), "bad"}, nullptr);
         const WarningLog warnings;
@@ -92,7 +92,7 @@ private Q_SLOTS:
 
     void recordsGoBeforeSources()
     {
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         platform.source("boiler", "sensors", "1").leaf("a", 1);
         SelectorHandlerProcessValue handler({on("a")}, nullptr);
         platform.forgetCalls();
@@ -108,7 +108,7 @@ private Q_SLOTS:
 
     void theSameListAgainBuildsEverySourceAnew()
     {
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         ScriptedSource &source = platform.source("boiler", "sensors", "1").leaf("a", 1);
         const QVector<QString> urls{on("a")};
         SelectorHandlerProcessValue handler(urls, nullptr);
@@ -133,7 +133,7 @@ private Q_SLOTS:
 
     void anotherListReplacesTheFirst()
     {
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         platform.source("boiler", "sensors", "1").leaf("a", 1);
         platform.source("pump", "drive", "2").leaf("speed", 1500);
         SelectorHandlerProcessValue handler({on("a"), on("a"), on("a")}, nullptr);
@@ -150,7 +150,7 @@ private Q_SLOTS:
 
     void theCallHoldsTheLockThroughoutAndSignalsNothing()
     {
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         platform.source("boiler", "sensors", "1").leaf("a", 1);
         SelectorHandlerProcessValue handler({on("a")}, nullptr);
         QSignalSpy descriptions(&handler, SIGNAL(processDataDescriptionChanged(QVector<int>)));
@@ -190,7 +190,7 @@ private Q_SLOTS:
 
     void theSourceIsConnectedAndFiledBeforeItsInterfaceIsAsked()
     {
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         platform.source("boiler", "sensors", "1").leaf("a", 1);
         SelectorHandlerProcessValue handler(nullptr);
         QStringList keys;
@@ -209,7 +209,7 @@ private Q_SLOTS:
 
     void destructionReleasesRecordsThenSourcesThenTheStatusManager()
     {
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         platform.source("boiler", "sensors", "1").leaf("a", 1);
         auto handler = std::make_unique<SelectorHandlerProcessValue>(nullptr);
         handler->setSelectorUrls({on("a")});
@@ -229,7 +229,7 @@ private Q_SLOTS:
 
     void aParentEndsItsHandler()
     {
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         platform.source("boiler", "sensors", "1").leaf("a", 1);
         {
             QObject parent;
@@ -241,7 +241,7 @@ private Q_SLOTS:
 
     void manySelectorsOfManySourcesKeepTheirPlaces()
     {
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         QVector<QString> urls;
         for (int i = 0; i < 300; ++i) {
             const QString instance = QString::number(i % 30);

@@ -2,9 +2,9 @@
 // The list of selectors: one record for each URL, one source for each key.
 #include "Internals.h"
 #include "ProcessDataValue.h"
-#include "ScriptedPlatform.h"
 #include "SelectorHandlerProcessValue.h"
 #include "Selectors.h"
+#include "UnlikePlatform.h"
 #include "WarningLog.h"
 
 #include <QtTest>
@@ -48,7 +48,7 @@ private Q_SLOTS:
     {
         QFETCH(QString, url);
         QFETCH(QStringList, expected);
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         platform.source("m", "o", "i").leaf("leaf", 1);
         const WarningLog warnings;
 
@@ -68,7 +68,7 @@ private Q_SLOTS:
 
     void warningsGiveTheClientsTextOfAnInvalidUrlAndTheWholeUrlOfAForeignOne()
     {
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         platform.url("client's text").url = "inner text";
         platform.url("client's text").valid = false;
         platform.url("short") = {"the whole url", "foreign", "m", "o", "i", true, false};
@@ -83,7 +83,7 @@ private Q_SLOTS:
 
     void aDeactivatedUrlIsAskedNothingElse()
     {
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         const SelectorHandlerProcessValue handler({off("a")}, nullptr);
         QCOMPARE(platform.calls(),
                  (QStringList{
@@ -94,7 +94,7 @@ private Q_SLOTS:
 
     void positionsStayAlignedPastAnInvalidUrl()
     {
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         platform.source("boiler", "sensors", "1").leaf("a", 1).leaf("c", 3);
         const WarningLog warnings;
 
@@ -109,7 +109,7 @@ private Q_SLOTS:
 
     void theFirstUrlOfASourceAttachesItAndLaterOnesUseWhatThereIs()
     {
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         platform.source("boiler", "sensors", "1").leaf("a", 1).leaf("b", 2);
         const WarningLog warnings;
 
@@ -141,7 +141,7 @@ private Q_SLOTS:
 
     void aLeafIsLookedUpByTheUrlThatTheParserGives()
     {
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         platform.source("boiler", "sensors", "1").leaf("a", 1);
         platform.url("alias") = {on("a"), "scripted", "boiler", "sensors", "1", true, false};
         SelectorHandlerProcessValue handler({"alias", "alias"}, nullptr);
@@ -151,7 +151,7 @@ private Q_SLOTS:
 
     void theSameUrlTwiceSharesOneLeaf()
     {
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         platform.source("boiler", "sensors", "1").leaf("a", 1);
 
         SelectorHandlerProcessValue handler({on("a"), on("a")}, nullptr);
@@ -168,7 +168,7 @@ private Q_SLOTS:
 
     void sourcesAreKeptByKeyInOrder()
     {
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         platform.url("odd") = {"odd", "scripted", " m_x ", "", "I/1", true, false};
         WarningLog warnings;
 
@@ -208,7 +208,7 @@ private Q_SLOTS:
         QFETCH(bool, interfaceInvalid);
         QFETCH(bool, connectorMissing);
         QFETCH(QStringList, expected);
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         platform.source("boiler", "sensors", "1")
             .leaf("a")
             .interfaceInvalid(interfaceInvalid)
@@ -230,7 +230,7 @@ private Q_SLOTS:
 
     void aFailedAttachCostsTheFirstUrlItsLeafAndLaterOnesNothing()
     {
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         platform.source("boiler", "sensors", "1").leaf("a", 1).bufferInvalid();
         const WarningLog warnings;
 
@@ -246,7 +246,7 @@ private Q_SLOTS:
 
     void aUrlWithoutALeafIsReportedByItsSource()
     {
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         platform.source("boiler", "sensors", "1").leaf("a", 1);
         const WarningLog warnings;
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Announcements of a source: filter, asynchronous fetch, signal with the source's key.
 #include "Internals.h"
-#include "ScriptedPlatform.h"
 #include "SelectorSharedMemoryHandler.h"
 #include "Selectors.h"
+#include "UnlikePlatform.h"
 #include "WarningLog.h"
 
 #include <QSignalSpy>
@@ -30,7 +30,7 @@ struct Kind
 
 struct Source
 {
-    ScriptedPlatform platform;
+    UnlikePlatform platform;
     ScriptedSource &script = platform.source("boiler", "sensors", "1").leaf("inlet", 21.5);
     QScopedPointer<SelectorSharedMemoryHandler> handler{
         new SelectorSharedMemoryHandler("the key", "boiler", "sensors", "1", nullptr)};
@@ -115,7 +115,7 @@ private Q_SLOTS:
     void instancesAreToldApartByCase()
     {
         const Kind kind = fetchedKind();
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         ScriptedSource &script = platform.source("boiler", "sensors", "North");
         SelectorSharedMemoryHandler handler("k", "boiler", "sensors", "North", nullptr);
         const WarningLog warnings;

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Attaching to a source: fetch, tree, buffer and what happens when one of them fails.
 #include "ProcessDataValue.h"
-#include "ScriptedPlatform.h"
 #include "SelectorSharedMemoryHandler.h"
 #include "Selectors.h"
+#include "UnlikePlatform.h"
 #include "WarningLog.h"
 
 #include <QtTest>
@@ -17,7 +17,7 @@ const QString fields = " ModuleName: \"boiler\" ObjectName: \"sensors\" Instance
 
 struct Source
 {
-    ScriptedPlatform platform;
+    UnlikePlatform platform;
     ScriptedSource &script = platform.source("boiler", "sensors", "1").leaf("inlet", 21.5);
     QScopedPointer<SelectorSharedMemoryHandler> handler;
     WarningLog warnings;

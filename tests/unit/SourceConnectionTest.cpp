@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // One source: its connector, its lookups, its end.
 #include "ProcessDataValue.h"
-#include "ScriptedPlatform.h"
 #include "SelectorSharedMemoryHandler.h"
 #include "Selectors.h"
+#include "UnlikePlatform.h"
 #include "WarningLog.h"
 
 #include <QtTest>
@@ -15,7 +15,7 @@ const QString fields = " ModuleName: \"boiler\" ObjectName: \"sensors\" Instance
 
 struct Source
 {
-    ScriptedPlatform platform;
+    UnlikePlatform platform;
     ScriptedSource &script = platform.source("boiler", "sensors", "1").leaf("inlet", 21.5);
     QScopedPointer<SelectorSharedMemoryHandler> handler;
     WarningLog warnings;
@@ -62,7 +62,7 @@ private Q_SLOTS:
 
     void aSourceIsOwnedByItsParent()
     {
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         QObject parent;
         const auto *handler
             = new SelectorSharedMemoryHandler("key", "boiler", "sensors", "1", &parent);

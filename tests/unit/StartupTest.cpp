@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // The refresh when the system has finished starting up.
 #include "Internals.h"
-#include "ScriptedPlatform.h"
 #include "SelectorHandlerProcessValue.h"
 #include "Selectors.h"
+#include "UnlikePlatform.h"
 #include "WarningLog.h"
 
 #include <QSignalSpy>
@@ -21,7 +21,7 @@ QString url(const QString &module)
 // Three sources that cannot be reached yet.
 struct EarlyClient
 {
-    ScriptedPlatform platform;
+    UnlikePlatform platform;
     QVector<ScriptedSource *> scripts;
     SelectorHandlerProcessValue handler;
     QSignalSpy descriptions{&handler, SIGNAL(processDataDescriptionChanged(QVector<int>))};
@@ -115,7 +115,7 @@ private Q_SLOTS:
 
     void aSourceWithATreeButAnInvalidBufferIsRefreshed()
     {
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         ScriptedSource &script = platform.source("a", "o", "1").leaf("leaf", 1);
         SelectorHandlerProcessValue handler(nullptr);
         handler.setSelectorUrls({url("a")});
@@ -134,7 +134,7 @@ private Q_SLOTS:
 
     void aHandlerWithAListIsDeafToTheSignalButItsSlotStillRefreshes()
     {
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         ScriptedSource &script = platform.source("a", "o", "1").leaf("leaf", 1).interfaceInvalid();
         SelectorHandlerProcessValue other(nullptr); // so that there is an emitter
         SelectorHandlerProcessValue handler({url("a")}, nullptr);
@@ -182,7 +182,7 @@ private Q_SLOTS:
 
     void withoutSourcesNothingHappens()
     {
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         SelectorHandlerProcessValue handler(nullptr);
         QSignalSpy descriptions(&handler, SIGNAL(processDataDescriptionChanged(QVector<int>)));
         const WarningLog warnings;

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Announcements and replies from other threads, and clients in other threads.
-#include "ScriptedPlatform.h"
 #include "SelectorHandlerProcessValue.h"
 #include "SelectorSharedMemoryHandler.h"
 #include "Selectors.h"
+#include "UnlikePlatform.h"
 #include "WarningLog.h"
 
 #include <QMetaMethod>
@@ -37,7 +37,7 @@ private Q_SLOTS:
     void aQueuedConnectionByPointerToMemberRegistersTheType()
     {
         QCOMPARE(QMetaType::type("QVector<int>"), int(QMetaType::UnknownType));
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         SelectorHandlerProcessValue handler(QVector<QString>(), nullptr);
         QVERIFY(connect(
             &handler, descriptionSignal, this, [] {}, Qt::QueuedConnection));
@@ -48,7 +48,7 @@ private Q_SLOTS:
     {
         const QMetaObject &metaObject = SelectorSharedMemoryHandler::staticMetaObject;
         {
-            ScriptedPlatform platform;
+            UnlikePlatform platform;
             ScriptedSource &script = platform.source("boiler", "sensors", "1");
             SelectorSharedMemoryHandler handler("k", "boiler", "sensors", "1", nullptr);
             script.announceDescription();
@@ -67,7 +67,7 @@ private Q_SLOTS:
 
     void announcementsFromAnotherThreadWaitForTheEventLoop()
     {
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         ScriptedSource &script = platform.source("boiler", "sensors", "1");
         SelectorSharedMemoryHandler handler("k", "boiler", "sensors", "1", nullptr);
         const WarningLog warnings;
@@ -83,7 +83,7 @@ private Q_SLOTS:
 
     void repliesFromAnotherThreadWaitForTheEventLoop()
     {
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         ScriptedSource &script = platform.source("boiler", "sensors", "1");
         SelectorSharedMemoryHandler handler("k", "boiler", "sensors", "1", nullptr);
         QSignalSpy descriptions(&handler, SIGNAL(processDataDescriptionChanged(QString)));
@@ -101,7 +101,7 @@ private Q_SLOTS:
 
     void startupReadyFromAnotherThreadRefreshesInTheHandlersThread()
     {
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         ScriptedSource &script
             = platform.source("boiler", "sensors", "1").leaf("a", 1).interfaceInvalid();
         SelectorHandlerProcessValue handler(nullptr);
@@ -133,7 +133,7 @@ private Q_SLOTS:
         QFETCH(bool, properties);
         QFETCH(Qt::ConnectionType, connectionType);
         qRegisterMetaType<QVector<int>>("QVector<int>"); // an automatic connection does not
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         ScriptedSource &script = platform.source("boiler", "sensors", "1").leaf("a", 1);
         SelectorHandlerProcessValue handler({off("a"), on("a")}, nullptr);
         const WarningLog warnings;
@@ -169,7 +169,7 @@ private Q_SLOTS:
 
     void aHandlerThatWasMadeInAnotherThreadWorksThere()
     {
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         ScriptedSource &script = platform.source("boiler", "sensors", "1").leaf("a", 1);
         QThread thread;
         QObject context;
@@ -193,7 +193,7 @@ private Q_SLOTS:
         script.announceDescription(); // from here: queued into the other thread
         QMetaObject::invokeMethod(
             &context, [] {}, Qt::BlockingQueuedConnection);
-        script.reply(0).finish(script.description);
+        script.reply(0).finish(script.description());
 
         const bool came = signalled.tryAcquire(1, 20000);
         QMetaObject::invokeMethod(

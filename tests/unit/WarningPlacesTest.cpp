@@ -2,10 +2,10 @@
 // Each warning names the function and file that found the failure.
 #include "Internals.h"
 #include "ProcessDataValue.h"
-#include "ScriptedPlatform.h"
 #include "SelectorHandlerConvenienceFunctions.h"
 #include "SelectorHandlerProcessValue.h"
 #include "Selectors.h"
+#include "UnlikePlatform.h"
 #include "WarningLog.h"
 
 #include <QtTest>
@@ -16,7 +16,7 @@ namespace {
 
 struct Scene
 {
-    ScriptedPlatform platform;
+    UnlikePlatform platform;
     ScriptedSource &script = platform.source("boiler", "sensors", "1").leaf("a", 1);
     SelectorHandlerProcessValue handler{{on("a"), off("a")}, nullptr};
     SelectorSharedMemoryHandler source{"k", "boiler", "sensors", "1", nullptr};

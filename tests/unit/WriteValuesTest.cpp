@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Writing values by position: range rule, which selectors are written, what the result says.
 #include "Internals.h"
-#include "ScriptedPlatform.h"
 #include "SelectorHandlerProcessValue.h"
 #include "Selectors.h"
+#include "UnlikePlatform.h"
 #include "WarningLog.h"
 
 #include <QtTest>
@@ -18,7 +18,7 @@ constexpr int intMin = std::numeric_limits<int>::min();
 // Positions of the list that most tests write to.
 enum { Good, Deactivated, ReadOnly, Refusing, Unresolved, Invalid, Size };
 
-QVector<QString> mixedList(ScriptedPlatform &platform)
+QVector<QString> mixedList(UnlikePlatform &platform)
 {
     ScriptedSource &source = platform.source("boiler", "sensors", "1");
     source.leaf("good").leaf("read-only").leaf("refusing");
@@ -36,7 +36,7 @@ class WriteValuesTest : public QObject
 private Q_SLOTS:
     void aValueReachesItsLeafUnchanged()
     {
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         ScriptedSource &source = platform.source("boiler", "sensors", "1").leaf("a").leaf("b");
         SelectorHandlerProcessValue handler({on("a"), on("b")}, nullptr);
         const WarningLog warnings;
@@ -44,9 +44,9 @@ private Q_SLOTS:
 
         QVERIFY(handler.setValue(ProcessValue(7.5, ProcessDataDefinitions::DeviceFault, 42), 1));
 
-        QCOMPARE(source.at("a").written.size(), 0);
-        QCOMPARE(source.at("b").written.size(), 1);
-        const ProcessValue written = source.at("b").written.at(0);
+        QCOMPARE(source.at("a").written().size(), 0);
+        QCOMPARE(source.at("b").written().size(), 1);
+        const ProcessValue written = source.at("b").written().at(0);
         QCOMPARE(written.getValue(), QVariant(7.5));
         QCOMPARE(written.getErrorType(), ProcessDataDefinitions::DeviceFault);
         QCOMPARE(written.getTimestamp(), 42);
@@ -59,7 +59,7 @@ private Q_SLOTS:
 
     void aRunIsWrittenInListOrder()
     {
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         platform.source("boiler", "sensors", "1").leaf("a").leaf("b").leaf("c");
         SelectorHandlerProcessValue handler({on("c"), on("b"), off("a"), on("a")}, nullptr);
         const WarningLog warnings;
@@ -99,7 +99,7 @@ private Q_SLOTS:
         QFETCH(int, startIndex);
         QFETCH(int, count);
         QFETCH(QStringList, expected);
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         platform.source("boiler", "sensors", "1").leaf("a");
         SelectorHandlerProcessValue handler({on("a"), on("a")}, nullptr);
         const WarningLog warnings;
@@ -128,7 +128,7 @@ private Q_SLOTS:
     {
         QFETCH(int, index);
         QFETCH(QStringList, expected);
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         platform.source("boiler", "sensors", "1").leaf("a");
         SelectorHandlerProcessValue handler({on("a")}, nullptr);
         const WarningLog warnings;
@@ -159,7 +159,7 @@ private Q_SLOTS:
         QFETCH(int, index);
         QFETCH(bool, expected);
         QFETCH(int, leafCalls);
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         WarningLog warnings;
         SelectorHandlerProcessValue handler(mixedList(platform), nullptr);
         warnings.clear();
@@ -191,7 +191,7 @@ private Q_SLOTS:
     {
         QFETCH(QVector<int>, positions);
         QFETCH(bool, expected);
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         WarningLog warnings;
         const QVector<QString> all = mixedList(platform);
         QVector<QString> urls;
@@ -211,7 +211,7 @@ private Q_SLOTS:
 
     void aRecordWithoutUrlIsNotWrittenAndReported()
     {
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         platform.source("boiler", "sensors", "1").leaf("a").leaf("b");
         SelectorHandlerProcessValue handler({on("a"), on("b")}, nullptr);
         recordsOf(handler)[0].selectorUrlHandler.clear();
@@ -235,7 +235,7 @@ private Q_SLOTS:
 
     void aLeafWithoutSourceIsNotWrittenAndReported()
     {
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         platform.source("boiler", "sensors", "1").leaf("a").at("a").readOnly();
         SelectorHandlerProcessValue handler({on("a"), on("a")}, nullptr);
         recordsOf(handler)[1].sharedMemoryIterator = {};
@@ -261,7 +261,7 @@ private Q_SLOTS:
             }
             bool overrideCalled = false;
         };
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         platform.source("boiler", "sensors", "1").leaf("a");
         Handler handler({on("a")}, nullptr);
 
@@ -271,7 +271,7 @@ private Q_SLOTS:
 
     void theLockIsHeldWhileALeafIsWrittenAndFreeAfterwards()
     {
-        ScriptedPlatform platform;
+        UnlikePlatform platform;
         platform.source("boiler", "sensors", "1").leaf("a");
         SelectorHandlerProcessValue handler({on("a")}, nullptr);
         QVector<bool> lockWasFree;

@@ -37,7 +37,11 @@ dynamic=$(readelf -d "$library")
 echo "$dynamic" | grep -q 'SONAME.*\[libSelectorHandler\.so\.1\]' || fail "wrong SONAME: $dynamic"
 
 needed=$(echo "$dynamic" | sed -n 's/.*(NEEDED).*\[\(.*\)\].*/\1/p')
-for name in libQt5Core.so.5 "lib$(echo "$body" | sed 's/^b/B/; s/^s/S/')Platform.so"; do
+case $body in
+scripted) platform=libProcessDataPlatform.so.1 ;;
+*) platform=libBarePlatform.so ;;
+esac
+for name in libQt5Core.so.5 "$platform"; do
     echo "$needed" | grep -qxF "$name" || fail "$name is not needed, but: $needed"
     needed=$(echo "$needed" | grep -vxF "$name" || true)
 done

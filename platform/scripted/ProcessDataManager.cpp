@@ -3,7 +3,7 @@
 #include "ProcessDataManager.h"
 
 #include "CallRecord.h"
-#include "ScriptedPlatform.h"
+#include "Script.h"
 #include "ScriptedTree.h"
 
 namespace {
@@ -18,7 +18,7 @@ class SharedMemoryPrivate
 {
 public:
     QString number;
-    QSharedPointer<ScriptedSource> source;
+    QSharedPointer<SourceScript> source;
 };
 
 SharedMemory::SharedMemory()
@@ -52,11 +52,7 @@ QSharedPointer<ConfigurationAndProcessDataBase> ProcessDataManager::createProces
                                   QStringLiteral("createProcessDataFromJson"),
                                   {CallRecord::quoted(description.toString()),
                                    CallRecord::quoted(fileExtension), QString::number(initType)});
-    const ScriptedPlatform *platform = ScriptedPlatform::current();
-    if (platform == nullptr) {
-        return {};
-    }
-    sharedMemory.d->source = platform->describedBy(description);
+    sharedMemory.d->source = Script::describedBy(description);
     attached = !sharedMemory.d->source.isNull();
     if (!attached || !sharedMemory.d->source->hasRoot) {
         return {};
@@ -69,5 +65,5 @@ bool ProcessDataManager::isBufferValid() const
 {
     CallRecord::instance().called(className, sharedMemory.d->number,
                                   QStringLiteral("isBufferValid"));
-    return attached && sharedMemory.d->source->bufferValid;
+    return attached && sharedMemory.d->source->usable();
 }

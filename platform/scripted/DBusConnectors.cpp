@@ -3,8 +3,8 @@
 #include "CallRecord.h"
 #include "DBusPendingReply.h"
 #include "DBusProcessDescriptionConnector.h"
+#include "Script.h"
 #include "ScriptedPendingReply.h"
-#include "ScriptedPlatform.h"
 #include "SystemStatusManagerDBusConnector.h"
 
 namespace {
@@ -35,7 +35,7 @@ class DBusProcessDescriptionConnectorPrivate : public DBusConnectorBasePrivate
 {
 public:
     DBusProcessDescriptionConnectorPrivate(const QString &moduleName, const QString &objectName,
-                                           const QSharedPointer<ScriptedService> &service)
+                                           const QSharedPointer<ServiceScript> &service)
         : DBusConnectorBasePrivate(descriptionClass, moduleName + QLatin1Char('/') + objectName)
         , moduleName(moduleName)
         , objectName(objectName)
@@ -47,7 +47,7 @@ public:
 
     static QSharedPointer<DBusProcessDescriptionConnector>
     make(const QString &moduleName, const QString &objectName,
-         const QSharedPointer<ScriptedService> &service)
+         const QSharedPointer<ServiceScript> &service)
     {
         auto *connector = new DBusProcessDescriptionConnector(
             new DBusProcessDescriptionConnectorPrivate(moduleName, objectName, service));
@@ -61,16 +61,14 @@ public:
         return static_cast<const DBusProcessDescriptionConnectorPrivate &>(*connector->d);
     }
 
-    QSharedPointer<ScriptedSource> source(const QString &instanceName) const
+    QSharedPointer<SourceScript> source(const QString &instanceName) const
     {
-        const ScriptedPlatform *platform = ScriptedPlatform::current();
-        return platform == nullptr ? QSharedPointer<ScriptedSource>()
-                                   : platform->find(moduleName, objectName, instanceName);
+        return Script::find(moduleName, objectName, instanceName);
     }
 
     const QString moduleName;
     const QString objectName;
-    const QSharedPointer<ScriptedService> service;
+    const QSharedPointer<ServiceScript> service;
 };
 
 class SystemStatusManagerDBusConnectorPrivate : public DBusConnectorBasePrivate
@@ -119,12 +117,11 @@ DBusProcessDescriptionConnector::createAndConnect(const QString &moduleName,
 {
     CallRecord::instance().called(descriptionClass, QString(), QStringLiteral("createAndConnect"),
                                   {CallRecord::quoted(moduleName), CallRecord::quoted(objectName)});
-    ScriptedPlatform *platform = ScriptedPlatform::current();
-    if (platform == nullptr || platform->service(moduleName, objectName)->connectorMissing) {
+    const QSharedPointer<ServiceScript> service = Script::service(moduleName, objectName);
+    if (service.isNull() || service->connectorMissing) {
         return {};
     }
-    return DBusProcessDescriptionConnectorPrivate::make(moduleName, objectName,
-                                                        platform->service(moduleName, objectName));
+    return DBusProcessDescriptionConnectorPrivate::make(moduleName, objectName, service);
 }
 
 DBusReply DBusProcessDescriptionConnector::getProcessDataDescription(const QString &instanceName,
@@ -137,8 +134,9 @@ DBusReply DBusProcessDescriptionConnector::getProcessDataDescription(const QStri
     if (source.isNull()) {
         return DBusReply::fromError(QStringLiteral("no such instance in the script"));
     }
-    return source->fetchFails ? DBusReply::fromError(source->fetchError)
-                              : DBusReply::fromValue(source->description);
+    const QString problem = source->fetchProblem();
+    return problem.isNull() ? DBusReply::fromValue(source->description)
+                            : DBusReply::fromError(problem);
 }
 
 QSharedPointer<DBusPendingReply>
@@ -152,7 +150,7 @@ DBusProcessDescriptionConnector::getProcessDataDescriptionAsynchron(const QStrin
     if (source.isNull() || !source->placesCalls) {
         return {};
     }
-    const QSharedPointer<DBusPendingReply> reply = makePendingReply(source);
+    QSharedPointer<DBusPendingReply> reply = makePendingReply(source);
     source->replies.append(ScriptedReply(reply));
     return reply;
 }
@@ -169,11 +167,11 @@ QSharedPointer<SystemStatusManagerDBusConnector>
 SystemStatusManagerDBusConnector::createAndConnect()
 {
     CallRecord::instance().called(statusClass, QString(), QStringLiteral("createAndConnect"));
-    ScriptedPlatform *platform = ScriptedPlatform::current();
-    if (platform == nullptr || !platform->hasStatusManager()) {
+    Script *script = Script::current();
+    if (script == nullptr || !script->statusManager) {
         return {};
     }
-    const auto connector = SystemStatusManagerDBusConnectorPrivate::make();
-    platform->made(connector.data());
+    auto connector = SystemStatusManagerDBusConnectorPrivate::make();
+    script->statusManagers.append(connector.data());
     return connector;
 }

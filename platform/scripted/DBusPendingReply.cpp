@@ -3,8 +3,8 @@
 #include "DBusPendingReply.h"
 
 #include "CallRecord.h"
+#include "Script.h"
 #include "ScriptedPendingReply.h"
-#include "ScriptedPlatform.h"
 
 namespace {
 
@@ -20,17 +20,15 @@ public:
     void setValue(const QVariant &newValue)
     {
         value = newValue;
-        if (newValue.isValid() && ScriptedPlatform::current() != nullptr) {
-            ScriptedPlatform::current()->describes(newValue, source.data());
-        }
+        Script::describes(newValue, *source);
     }
 
-    QSharedPointer<ScriptedSource> source;
+    QSharedPointer<SourceScript> source;
     QString number;
     QVariant value;
 };
 
-QSharedPointer<DBusPendingReply> makePendingReply(const QSharedPointer<ScriptedSource> &source)
+QSharedPointer<DBusPendingReply> makePendingReply(const QSharedPointer<SourceScript> &source)
 {
     const QString number = QString::number(CallRecord::instance().nextNumber(className));
     return QSharedPointer<DBusPendingReply>::create(

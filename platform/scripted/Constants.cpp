@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
-// Keys and constants, on purpose unlike those of any real platform; printing of errors.
+// Keys and constants, as the script names them; printing of errors.
 #include "CallRecord.h"
 #include "ConfigurationAndProcessDataDefinitions.h"
 #include "ErrorContainer.h"
 #include "PropertyManagerConst.h"
+#include "Script.h"
 #include "SystemInformationManagerRegistryDefinitions.h"
 
 namespace {
@@ -17,44 +18,38 @@ void called(const char *className, const char *operation)
 
 const QString &ConfigurationAndProcessDataDefinitions::getKeyDataPropertyReadOnly()
 {
-    static const QString key = QStringLiteral("is-read-only");
     called("ConfigurationAndProcessDataDefinitions", "getKeyDataPropertyReadOnly");
-    return key;
+    return Script::names().readOnlyProperty;
 }
 
 const QString &ConfigurationAndProcessDataDefinitions::getKeyDataPropertySelectorTypeList()
 {
-    static const QString key = QStringLiteral("types-of-selectors");
     called("ConfigurationAndProcessDataDefinitions", "getKeyDataPropertySelectorTypeList");
-    return key;
+    return Script::names().selectorTypeListKey;
 }
 
 const QString &ConfigurationAndProcessDataDefinitions::getSelectorUrlSchemeProcessData()
 {
-    static const QString scheme = QStringLiteral("scripted");
     called("ConfigurationAndProcessDataDefinitions", "getSelectorUrlSchemeProcessData");
-    return scheme;
+    return Script::names().urlScheme;
 }
 
 const QString &PropertyManagerConst::getProcessDataDescriptionFileExtension()
 {
-    static const QString extension = QStringLiteral("script");
     called("PropertyManagerConst", "getProcessDataDescriptionFileExtension");
-    return extension;
+    return Script::names().descriptionFileExtension;
 }
 
 const QString &SystemInformationManagerRegistryDefinitions::getKeyModuleName()
 {
-    static const QString key = QStringLiteral("name-of-module");
     called("SystemInformationManagerRegistryDefinitions", "getKeyModuleName");
-    return key;
+    return Script::names().providerModuleKey;
 }
 
 const QString &SystemInformationManagerRegistryDefinitions::getKeyAdditionalData()
 {
-    static const QString key = QStringLiteral("more-data");
     called("SystemInformationManagerRegistryDefinitions", "getKeyAdditionalData");
-    return key;
+    return Script::names().providerDataKey;
 }
 
 QDebug operator<<(QDebug debug, const ErrorContainer &error)

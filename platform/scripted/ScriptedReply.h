@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A scripted asynchronous call, ended by the test.
+// An asynchronous call of a client, ended by the test.
 #ifndef SCRIPTEDREPLY_H
 #define SCRIPTEDREPLY_H
 
@@ -10,10 +10,10 @@
 #include <QVariant>
 #include <QWeakPointer>
 
-/// Handle of a pending reply that was given to the library.
+/// Handle of a fetch that a client began after an announcement.
 ///
-/// Does not keep the reply alive unless told to. Ending a reply that was released does nothing, as
-/// the contract demands.
+/// Does not keep the call alive unless told to. Ending a call that was released does nothing.
+/// Threads: the one in which clients shall be told.
 class PROCESSDATAPLATFORM_EXPORT ScriptedReply
 {
 public:
@@ -23,15 +23,16 @@ public:
     {
     }
 
+    /// Whether the client still waits: false when a newer fetch has replaced this one.
     bool isAlive() const { return !reply.isNull(); }
-    /// Keeps the reply alive after the library has released it.
+    /// Keeps the call alive after the client has released it.
     QSharedPointer<DBusPendingReply> keep() const { return reply.toStrongRef(); }
 
-    /// What getReply() gives from now on.
+    /// Sets what the client will read, without telling it.
     void setValue(const QVariant &value);
-    /// Emits dBusServiceFinished in the calling thread.
+    /// The description has arrived; usually ScriptedSource::description().
     void finish(const QVariant &value);
-    /// Emits dBusServiceError in the calling thread.
+    /// The call has failed.
     void fail(const ErrorContainer &error);
 
 private:

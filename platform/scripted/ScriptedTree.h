@@ -3,8 +3,9 @@
 #ifndef SCRIPTEDTREE_H
 #define SCRIPTEDTREE_H
 
+#include "LeafScript.h"
 #include "ProcessDataValue.h"
-#include "ScriptedSource.h"
+#include "SourceScript.h"
 
 #include <QHash>
 #include <QSharedPointer>
@@ -13,18 +14,21 @@
 class ProcessDataValuePrivate
 {
 public:
-    QString id; ///< name#tree
-    QSharedPointer<ScriptedSource> source;
-    QString name;
-    ScriptedLeaf snapshot; ///< properties and rendering as of the tree's making
+    bool sourceLost() const { return service->gone || service->session != session; }
 
-    ScriptedLeaf &script() const { return source->at(name); }
+    QString id; ///< path#tree
+    QString path;
+    QSharedPointer<ServiceScript> service;
+    QSharedPointer<LeafScript> script;
+    LeafDescriptionScript described; ///< as of the tree's making
+    int session; ///< of the service, as of the tree's making
 };
 
 class ScriptedLeafNode : private ProcessDataValuePrivate, public ProcessDataValue
 {
 public:
-    ScriptedLeafNode(const QSharedPointer<ScriptedSource> &source, const QString &name, int tree);
+    ScriptedLeafNode(const SourceScript &source, const QString &path, const ScriptedLeaf &leaf,
+                     int tree);
     ~ScriptedLeafNode() override;
 
     ProcessDataValueSharedPointer getLeafProcessDataValue(const QString &url) override;
@@ -38,7 +42,7 @@ public:
 class ScriptedRootNode : public ConfigurationAndProcessDataBase
 {
 public:
-    ScriptedRootNode(const QSharedPointer<ScriptedSource> &source, int tree);
+    ScriptedRootNode(const QSharedPointer<SourceScript> &source, int tree);
     ~ScriptedRootNode() override;
 
     ProcessDataValueSharedPointer getLeafProcessDataValue(const QString &url) override;
@@ -47,7 +51,8 @@ public:
 
 private:
     const QString id;
-    QHash<QString, ProcessDataValueSharedPointer> leaves; ///< by URL
+    const QSharedPointer<SourceScript> source;
+    QHash<QString, ProcessDataValueSharedPointer> leaves; ///< by path
 };
 
 #endif

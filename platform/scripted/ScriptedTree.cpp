@@ -3,9 +3,11 @@
 #include "ScriptedTree.h"
 
 #include "CallRecord.h"
+#include "Script.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QMutexLocker>
 
 namespace {
 
@@ -20,6 +22,12 @@ QString textOf(bool value)
 QString textOf(const ProcessValue &value)
 {
     return QStringLiteral("{%1, %2}").arg(value.getValue().toString()).arg(value.getErrorType());
+}
+
+LeafDescriptionScript describedBy(const LeafScript &leaf)
+{
+    const QMutexLocker lock(&leaf.mutex);
+    return leaf.described;
 }
 
 } // namespace
@@ -38,29 +46,38 @@ bool ProcessDataValue::getValue(ProcessValue &value, bool flag) const
 {
     CallRecord::instance().called(leafClass, d->id, QStringLiteral("getValue"),
                                   {textOf(value), textOf(flag)});
-    const ScriptedLeaf &script = d->script();
-    if (!script.untouched) {
-        value.set(script.value, script.errorType, 0);
+    const QMutexLocker lock(&d->script->mutex);
+    const LeafScript &script = *d->script;
+    if (script.readsRefused) {
+        return false;
     }
-    return !script.untouched;
+    value.set(script.current.getValue(),
+              d->sourceLost() ? ProcessDataDefinitions::SourceLost : script.current.getErrorType(),
+              script.current.getTimestamp());
+    return true;
 }
 
 bool ProcessDataValue::setValue(const ProcessValue &value)
 {
     CallRecord::instance().called(leafClass, d->id, QStringLiteral("setValue"), {textOf(value)});
-    ScriptedLeaf &script = d->script();
-    if (script.writesRefused) {
+    const QMutexLocker lock(&d->script->mutex);
+    LeafScript &script = *d->script;
+    if (script.writesRefused || d->sourceLost()) {
         return false;
     }
     script.written.append(value);
-    script.holds(value.getValue(), value.getErrorType());
+    script.current = value;
     return true;
 }
 
-ScriptedLeafNode::ScriptedLeafNode(const QSharedPointer<ScriptedSource> &source,
-                                   const QString &name, int tree)
-    : ProcessDataValuePrivate{QStringLiteral("%1#%2").arg(name).arg(tree), source, name,
-                              source->at(name)}
+ScriptedLeafNode::ScriptedLeafNode(const SourceScript &source, const QString &path,
+                                   const ScriptedLeaf &leaf, int tree)
+    : ProcessDataValuePrivate{QStringLiteral("%1#%2").arg(path).arg(tree),
+                              path,
+                              source.service,
+                              LeafScript::of(leaf),
+                              describedBy(*LeafScript::of(leaf)),
+                              source.service->session}
     , ProcessDataValue(this)
 {
     CallRecord::instance().born(leafClass);
@@ -83,34 +100,39 @@ QVariant ScriptedLeafNode::readLeafProperty(const QString &name) const
 {
     CallRecord::instance().called(leafClass, id, QStringLiteral("readLeafProperty"),
                                   {CallRecord::quoted(name)});
-    return snapshot.properties.value(name, snapshot.unknownProperty);
+    return described.properties.value(name, described.unknownProperty);
 }
 
 bool ScriptedLeafNode::hasLeafProperty(const QString &name) const
 {
     CallRecord::instance().called(leafClass, id, QStringLiteral("hasLeafProperty"),
                                   {CallRecord::quoted(name)});
-    return snapshot.properties.contains(name);
+    return described.properties.contains(name);
 }
 
 QByteArray ScriptedLeafNode::rendering() const
 {
-    if (snapshot.scriptedRendering) {
-        return snapshot.rendering;
+    if (described.scriptedRendering) {
+        return described.rendering;
     }
-    QJsonObject object = QJsonObject::fromVariantMap(snapshot.properties);
-    object.insert(QStringLiteral("name"), name);
+    QJsonObject object = QJsonObject::fromVariantMap(described.properties);
+    object.insert(QStringLiteral("name"), path.section(QLatin1Char('/'), -1));
+    if (session > 0) {
+        object.insert(QStringLiteral("session"), session); // other text after each restart
+    }
     return QJsonDocument(object).toJson(QJsonDocument::Compact);
 }
 
-ScriptedRootNode::ScriptedRootNode(const QSharedPointer<ScriptedSource> &source, int tree)
+ScriptedRootNode::ScriptedRootNode(const QSharedPointer<SourceScript> &source, int tree)
     : id(QString::number(tree))
+    , source(source)
 {
     CallRecord::instance().born(baseClass);
     for (auto leaf = source->leaves.cbegin(); leaf != source->leaves.cend(); ++leaf) {
-        if (!leaf->missing) {
-            leaves.insert(source->urlOf(leaf.key()),
-                          QSharedPointer<ScriptedLeafNode>::create(source, leaf.key(), tree));
+        if (!describedBy(*LeafScript::of(*leaf)).missing) {
+            leaves.insert(
+                leaf.key(),
+                QSharedPointer<ScriptedLeafNode>::create(*source, leaf.key(), *leaf, tree));
         }
     }
 }
@@ -125,7 +147,10 @@ ScriptedRootNode::getLeafProcessDataValue(const QString &url)
 {
     CallRecord::instance().called(baseClass, id, QStringLiteral("getLeafProcessDataValue"),
                                   {CallRecord::quoted(url)});
-    return leaves.value(url);
+    const ScriptedUrl asked = Script::parsed(url);
+    const bool own = asked.valid && asked.moduleName == source->moduleName
+        && asked.objectName == source->objectName && asked.instance == source->instance;
+    return own ? leaves.value(asked.path) : ProcessDataValueSharedPointer();
 }
 
 QVariant ScriptedRootNode::readLeafProperty(const QString &name) const

@@ -3,7 +3,7 @@
 #include "ConfigurationAndProcessDataParser.h"
 
 #include "CallRecord.h"
-#include "ScriptedPlatform.h"
+#include "Script.h"
 #include "ScriptedTree.h"
 
 namespace {
@@ -33,11 +33,10 @@ bool ConfigurationAndProcessDataParser::frameToByteArray(
                                   {id, CallRecord::quoted(QString::fromUtf8(bytes)),
                                    format == QJsonDocument::Compact ? QStringLiteral("Compact")
                                                                     : QStringLiteral("Indented")});
-    const ScriptedPlatform *platform = ScriptedPlatform::current();
     if (leaf != nullptr) {
         bytes.append(leaf->rendering());
-    } else if (platform != nullptr) {
-        bytes.append(platform->nullNode());
+    } else if (Script::current() != nullptr) {
+        bytes.append(Script::current()->nullRendering);
     }
     return false; // nobody may look at it
 }

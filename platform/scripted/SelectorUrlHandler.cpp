@@ -3,7 +3,7 @@
 #include "SelectorUrlHandler.h"
 
 #include "CallRecord.h"
-#include "ScriptedPlatform.h"
+#include "Script.h"
 
 namespace {
 
@@ -18,9 +18,7 @@ void called(const QString &url, const char *operation)
 
 SelectorUrlHandler::SelectorUrlHandler(const QString &selectorUrl)
 {
-    const ScriptedPlatform *platform = ScriptedPlatform::current();
-    const ScriptedUrl answers = platform != nullptr ? platform->answersFor(selectorUrl)
-                                                    : ScriptedPlatform::parsed(selectorUrl);
+    const ScriptedUrl answers = Script::answersFor(selectorUrl);
     url = answers.url;
     scheme = answers.scheme;
     moduleName = answers.moduleName;

@@ -6,9 +6,9 @@
 #include <QSharedPointer>
 
 class DBusPendingReply;
-class ScriptedSource;
+class SourceScript;
 
 /// @param source  whose trees are built from what the reply will hold
-QSharedPointer<DBusPendingReply> makePendingReply(const QSharedPointer<ScriptedSource> &source);
+QSharedPointer<DBusPendingReply> makePendingReply(const QSharedPointer<SourceScript> &source);
 
 #endif
