@@ -50,6 +50,18 @@ install_package(NAME SelectorHandler TARGET SelectorHandler HEADER_DIR selectorh
         ${include_dir}/SelectorHandlerProcessValue.h
         ${include_dir}/SelectorSharedMemoryHandler.h)
 
+# The component Testing. Its libProcessDataPlatform stands apart, where only tests look for it.
+if(TARGET SelectorHandlerTesting)
+    set(testing_dir ${CMAKE_INSTALL_LIBDIR}/selectorhandler-testing)
+    get_property(scripted_headers GLOBAL PROPERTY PROCESSDATA_SCRIPTED_HEADERS)
+    install(TARGETS ScriptedPlatform SelectorHandlerTesting EXPORT SelectorHandlerTestingTargets
+        LIBRARY DESTINATION ${testing_dir} COMPONENT development)
+    install(FILES ${scripted_headers}
+        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/selectorhandler-testing COMPONENT development)
+    install(EXPORT SelectorHandlerTestingTargets NAMESPACE SelectorHandler::
+        DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/SelectorHandler COMPONENT development)
+endif()
+
 if(SELECTORHANDLER_PLATFORM STREQUAL "reference")
     get_property(contract_headers GLOBAL PROPERTY PROCESSDATA_CONTRACT_HEADERS)
     set(reference_dir ${PROJECT_SOURCE_DIR}/platform/reference)

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# Installs the build into an empty prefix and builds a client against it, by CMake and by pkg-config.
+# Installs the build into an empty prefix and builds clients and tests of clients against it.
 #
 # usage: installed_package_test.sh SOURCE-DIR BUILD-DIR PUBLISHER [COMPILE-FLAG…]
 set -euo pipefail
@@ -44,9 +44,12 @@ expect_needed() {
 prefix=$work/prefix
 check "the build installs" cmake --install "$build_dir" --prefix "$prefix"
 libdir=$(dirname "$(find "$prefix" -name libSelectorHandler.so.1)")
+testing=$libdir/selectorhandler-testing
 runtime='libQt5Core\.so\.5|lib(stdc\+\+|c|m|gcc_s|asan|ubsan)\.so\.[0-9]+'
 check "the library needs Qt Core, the platform and the C++ runtime alone" \
     expect_needed "$libdir/libSelectorHandler.so.1" "libProcessDataPlatform\\.so\\.1|$runtime"
+check "the scripted platform needs Qt Core and the C++ runtime alone" \
+    expect_needed "$testing/libProcessDataPlatform.so.1" "$runtime"
 check "no installed text names the build or source tree" \
     absent -rIl -e "$build_dir" -e "$source_dir" "$prefix"
 for file in share/dbus-1/system.d/com.orvalis.{ProcessData,SystemServices}.conf lib/sysusers.d/processdata.conf; do
@@ -60,7 +63,7 @@ done >"$work/all_headers.cpp"
 # Moved, so that nothing can hold on to the place of installation.
 mv "$prefix" "$work/moved"
 prefix=$work/moved
-libdir=${libdir/prefix/moved}
+libdir=${libdir/prefix/moved} testing=${testing/prefix/moved}
 export PKG_CONFIG_PATH=$libdir/pkgconfig LD_LIBRARY_PATH=$libdir
 
 example=$source_dir/examples/read-once
@@ -72,7 +75,30 @@ read -ra link_flags < <(pkg-config --libs selectorhandler)
 check "a client builds by pkg-config" "${CXX:-c++}" -std=c++17 -fPIC "${flags[@]}" \
     "$example/main.cpp" -o "$work/by-pkg-config" "${compile_flags[@]}" "${link_flags[@]}"
 check "every installed header compiles" "${CXX:-c++}" -std=c++17 -fPIC -fsyntax-only \
-    -DQT_NO_KEYWORDS -Wall -Wextra -Werror "$work/all_headers.cpp" "${compile_flags[@]}"
+    -DQT_NO_KEYWORDS -Wall -Wextra -Werror "$work/all_headers.cpp" "${compile_flags[@]}" \
+    -I "$prefix/include/selectorhandler-testing"
+
+# LD_LIBRARY_PATH names the directory of the platform with the bus: tests must not take that one.
+example=$source_dir/examples/test-an-application
+check "an application and its test configure" cmake -G Ninja -S "$example" -B "$work/application" \
+    -DCMAKE_PREFIX_PATH="$prefix" -DCMAKE_CXX_FLAGS="${flags[*]}"
+check "an application and its test build" cmake --build "$work/application"
+check "the application's test passes without a bus" env PROCESSDATA_BUS=unix:path=/nonexistent \
+    "$work/application/pump-guard-test"
+check "none of its tests is left out" grep -F "9 passed, 0 failed, 0 skipped" "$work/previous"
+check "the test's libraries resolve" ldd "$work/application/pump-guard-test"
+check "the test takes the scripted platform" grep -F " $testing/libProcessDataPlatform.so.1 " "$work/previous"
+mkdir "$work/unknown"
+cat >"$work/unknown/CMakeLists.txt" <<'UNKNOWN'
+cmake_minimum_required(VERSION 3.16)
+project(unknown LANGUAGES CXX)
+find_package(SelectorHandler COMPONENTS Tasting)
+message("found ${SelectorHandler_FOUND}: ${SelectorHandler_NOT_FOUND_MESSAGE}")
+find_package(SelectorHandler REQUIRED COMPONENTS Testing)
+UNKNOWN
+check "an unknown component is asked for" cmake -G Ninja -S "$work/unknown" -B "$work/unknown/build" \
+    -DCMAKE_PREFIX_PATH="$prefix"
+check "an unknown component is named" grep -F 'no component "Tasting"' "$work/previous"
 
 # The bus daemon ends with its child; each test has its own.
 module=Package$$
