@@ -213,7 +213,8 @@ void SelectorDoctorCleanTest::wrongUsageIsNamed_data()
                                   << QByteArray("--with-values goes with --report");
     QTest::newRow("both") << QStringList{"--clean", "--report", "x"}
                           << QByteArray("exclude each other");
-    QTest::newRow("no file") << QStringList{"--report", ""} << QByteArray("FILE is wanted");
+    QTest::newRow("no file") << QStringList{"--report", ""}
+                             << QByteArray("--report must not be empty");
     QTest::newRow("a place") << QStringList{"Pump/Controller"} << QByteArray("\"Pump/Controller\"");
 }
 

@@ -3,6 +3,7 @@
 #include "ApplyPlan.h"
 
 #include "Entries.h"
+#include "InterruptExit.h"
 #include "MessageLog.h"
 #include "SelectorHandlerProcessValue.h"
 #include "ValueText.h"
@@ -71,6 +72,11 @@ void writeAll(QVector<ApplyItem> &items, SelectorHandlerProcessValue &handler)
         ApplyItem &item = items[i];
         if (item.verdict != ApplyItem::Checked) {
             continue;
+        }
+        if (wasInterrupted()) {
+            item.verdict = ApplyItem::Failed;
+            item.finding = {Finding::LeftOut, QStringLiteral("interrupted before it was written")};
+            return;
         }
         if (!write(i, item.checked.value, item.finding, handler)) {
             item.verdict = ApplyItem::Failed;
@@ -180,6 +186,7 @@ void apply(QVector<ApplyItem> &items, const ApplyOptions &options,
     if (options.dryRun) {
         return;
     }
+    const InterruptHold hold; // the values of a file: all, none, or as many as are told
     writeAll(items, handler);
     if (options.verify && !hasFailed(items)) {
         verifyAll(items, handler);

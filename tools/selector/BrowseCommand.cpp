@@ -45,7 +45,9 @@ int browseSystem(const Console &console)
     }
     Report report{QStringLiteral("selector.browse/1"),
                   {{QStringLiteral("module")}, {QStringLiteral("note")}},
-                  {}};
+                  {},
+                  0,
+                  true};
     const QVector<Entry> modules = moduleEntries(list);
     for (const Entry &module : modules) {
         Entry entry = module;
@@ -87,7 +89,9 @@ int browseInstances(const BrowsePlace &place, const Console &console)
                    {QStringLiteral("object")},
                    {QStringLiteral("instance")},
                    {QStringLiteral("note")}},
-                  {}};
+                  {},
+                  0,
+                  true};
     QStringList objects{place.object};
     QString error;
     if (place.level == BrowsePlace::Module) {
@@ -106,7 +110,7 @@ int browseInstances(const BrowsePlace &place, const Console &console)
 
 int browseLeaves(const BrowsePlace &place, const Console &console)
 {
-    Report report{QStringLiteral("selector.browse/1"), leafColumns(), {}};
+    Report report{QStringLiteral("selector.browse/1"), leafColumns(), {}, 0, true};
     const QString name = QStringLiteral("%1/%2/%3").arg(place.module, place.object, place.instance);
     QSharedPointer<SelectorSharedMemoryHandler> source;
     const Finding finding
@@ -170,8 +174,9 @@ Command browseCommand()
             "a group with their URLs. MODULE/OBJECT/ names the instance without a name.\n"
             "\n"
             "Options:\n"
+            "  -q, --quiet      print names of modules, places of instances, URLs of leaves only\n"
             "  --timeout S      seconds for all calls together; else 2 for each call\n")
             + commonOptionsHelp()
             + QStringLiteral("\nExample: selector browse PumpStation/Pump/1\n"),
-        0, run};
+        OptionQuiet, run};
 }

@@ -29,6 +29,7 @@ QString commonOptionsHelp()
 {
     return QStringLiteral(
         "  --format FORMAT  table (default), json or csv; -j is --format json\n"
+        "  --no-legend      leave out the header line of a table and of csv\n"
         "  -v, --verbose    also print the libraries' warnings on standard error\n"
         "  -h, --help       print this and exit\n"
         "\n"

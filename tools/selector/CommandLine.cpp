@@ -35,7 +35,7 @@ class Parser
 public:
     explicit Parser(int options)
     {
-        parser.addOptions({format, json, timeout, verbose, help});
+        parser.addOptions({format, json, timeout, noLegend, verbose, help});
         add(options, OptionFile, file);
         add(options, OptionType, type);
         add(options, OptionProperty, property);
@@ -50,6 +50,7 @@ public:
         add(options, OptionDryRun, dryRun);
         add(options, OptionVerify, verify);
         add(options, OptionRollback, rollback);
+        add(options, OptionQuiet, quiet);
         for (const QCommandLineOption &option : {clean, yes, report, withValues}) {
             add(options, OptionDoctor, option);
         }
@@ -63,6 +64,8 @@ public:
         }
         line.help = isSet(help);
         line.verbose = isSet(verbose);
+        line.noLegend = isSet(noLegend);
+        line.quiet = isSet(quiet);
         line.hasType = isSet(type);
         line.hasUntil = isSet(until);
         line.until = value(until);
@@ -89,7 +92,7 @@ public:
         if (isSet(property)) {
             line.properties = parser.values(property);
         }
-        return readFormat(line, error) && readTimeout(line, error)
+        return readFormat(line, error) && readTimeout(line, error) && checkNames(error)
             && readNumber(interval, longestInterval, line.interval, error)
             && readNumber(count, std::numeric_limits<int>::max(), line.count, error);
     }
@@ -129,6 +132,23 @@ private:
         } else if (isSet(format) && name != QLatin1String("table")) {
             error = QStringLiteral("--format must be table, json or csv, not \"%1\"").arg(name);
             return false;
+        }
+        if (line.quiet && (isSet(format) || isSet(json))) {
+            error = QStringLiteral("--quiet and --format exclude each other");
+            return false;
+        }
+        return true;
+    }
+
+    // A script that fills in an empty variable shall hear of it.
+    bool checkNames(QString &error) const
+    {
+        for (const QCommandLineOption &option :
+             {file, type, property, until, against, output, report}) {
+            if (isSet(option) && parser.values(option).contains(QString())) {
+                error = QStringLiteral("--%1 must not be empty").arg(option.names().constLast());
+                return false;
+            }
         }
         return true;
     }
@@ -193,13 +213,15 @@ private:
     const QCommandLineOption dryRun{QStringLiteral("dry-run")};
     const QCommandLineOption verify{QStringLiteral("verify")};
     const QCommandLineOption rollback{QStringLiteral("rollback")};
+    const QCommandLineOption quiet{{QStringLiteral("q"), QStringLiteral("quiet")}};
+    const QCommandLineOption noLegend{QStringLiteral("no-legend")};
     const QCommandLineOption clean{QStringLiteral("clean")};
     const QCommandLineOption yes{QStringLiteral("yes")};
     const QCommandLineOption report{QStringLiteral("report"), QString(), QStringLiteral("FILE")};
     const QCommandLineOption withValues{QStringLiteral("with-values")};
-    const QStringList alwaysKnown{QStringLiteral("format"), QStringLiteral("json"),
-                                  QStringLiteral("timeout"), QStringLiteral("verbose"),
-                                  QStringLiteral("help")};
+    const QStringList alwaysKnown{QStringLiteral("format"),    QStringLiteral("json"),
+                                  QStringLiteral("timeout"),   QStringLiteral("verbose"),
+                                  QStringLiteral("no-legend"), QStringLiteral("help")};
     QStringList known;
     QCommandLineParser parser;
 };

@@ -25,6 +25,7 @@ enum CommandOption {
     OptionVerify = 4096, ///< --verify
     OptionRollback = 8192, ///< --rollback
     OptionDoctor = 16384, ///< --clean, --yes, --report, --with-values
+    OptionQuiet = 32768, ///< -q, --quiet
 };
 
 /// What the user asked for.
@@ -55,6 +56,8 @@ struct CommandLine
     bool clean = false;
     bool yes = false;
     bool withValues = false;
+    bool quiet = false;
+    bool noLegend = false;
     bool verbose = false;
     bool help = false;
 };

@@ -3,6 +3,7 @@
 #include "Command.h"
 #include "DoctorClean.h"
 #include "DoctorReport.h"
+#include "InterruptExit.h"
 #include "SystemChecks.h"
 
 #include <QJsonDocument>
@@ -20,8 +21,6 @@ bool checkUsage(const CommandLine &line, QString &usage)
         usage = QStringLiteral("--with-values goes with --report.");
     } else if (line.clean && line.hasReport) {
         usage = QStringLiteral("--clean and --report exclude each other.");
-    } else if (line.hasReport && line.report.isEmpty()) {
-        usage = QStringLiteral("--report FILE is wanted.");
     }
     for (const QString &module : line.arguments) {
         if (module.isEmpty() || module.contains(QLatin1Char('/'))) {
@@ -48,6 +47,7 @@ DoctorFinding versions()
 DoctorFinding writeReport(const QString &name, const QJsonObject &report)
 {
     const QByteArray text = QJsonDocument(report).toJson();
+    const InterruptHold hold; // its temporary file would stay
     QSaveFile file(name);
     DoctorFinding finding{QStringLiteral("report"),
                           name,

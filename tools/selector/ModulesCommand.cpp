@@ -22,7 +22,8 @@ int run(const CommandLine &line, const Console &console, QString &usage)
         return exitCode;
     }
     return printReport({QStringLiteral("selector.modules/1"), moduleColumns(),
-                        line.hasType ? moduleEntriesOfType(list, line.type) : moduleEntries(list)},
+                        line.hasType ? moduleEntriesOfType(list, line.type) : moduleEntries(list),
+                        0, true},
                        console);
 }
 
@@ -39,7 +40,8 @@ Command modulesCommand()
             "\n"
             "Options:\n"
             "  --type TYPE      only this type: AnalogSelector, DigitalSelector\n"
+            "  -q, --quiet      print names of modules only\n"
             "  --timeout S      seconds for all calls together; else 2 for each call\n")
             + commonOptionsHelp(),
-        OptionType, run};
+        OptionType | OptionQuiet, run};
 }

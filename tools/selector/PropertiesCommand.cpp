@@ -21,6 +21,8 @@ QVector<QPair<QString, QVariant>> allProperties(const QJsonObject &object)
     return properties;
 }
 
+constexpr int valueColumn = 2;
+
 int run(const CommandLine &line, const Console &console, QString &usage)
 {
     QVector<SelectorInput> selectors;
@@ -37,7 +39,7 @@ int run(const CommandLine &line, const Console &console, QString &usage)
         wanted.insert(name, handler.getProperties(name));
     }
     Diagnosis diagnosis;
-    Report report{QStringLiteral("selector.properties/1"), propertiesColumns(), {}};
+    Report report{QStringLiteral("selector.properties/1"), propertiesColumns(), {}, valueColumn};
     for (int i = 0; i < urls.size(); ++i) {
         PropertiesResult result{urls.at(i), {}, {}};
         const QJsonObject all
@@ -64,18 +66,20 @@ int run(const CommandLine &line, const Console &console, QString &usage)
 
 Command propertiesCommand()
 {
-    return {QStringLiteral("properties"), QStringLiteral("print the properties of leaves"),
-            QStringLiteral(
-                "Usage: selector properties [OPTIONS] URL...\n"
-                "Prints what the description says of each leaf: type, unit, limits and so on.\n"
-                "\n"
-                "Options:\n"
-                "  --property NAME  only this property; may be given several times\n"
-                "  -f, --file FILE  also read URLs from FILE (- is standard input), one a line;\n"
-                "                   lines that begin with # are left out\n"
-                "  --timeout S      seconds for all calls together; else 2 for each call\n")
-                + commonOptionsHelp()
-                + QStringLiteral("\nExample: selector properties --property unit "
-                                 "processdata://PumpStation/Pump/1/drive/speed\n"),
-            OptionFile | OptionProperty, run};
+    return {
+        QStringLiteral("properties"), QStringLiteral("print the properties of leaves"),
+        QStringLiteral(
+            "Usage: selector properties [OPTIONS] URL...\n"
+            "Prints what the description says of each leaf: type, unit, limits and so on.\n"
+            "\n"
+            "Options:\n"
+            "  --property NAME  only this property; may be given several times\n"
+            "  -f, --file FILE  also read URLs from FILE (- is standard input), one a line;\n"
+            "                   lines that begin with # are left out\n"
+            "  -q, --quiet      print values only, one a line; an empty line where there is none\n"
+            "  --timeout S      seconds for all calls together; else 2 for each call\n")
+            + commonOptionsHelp()
+            + QStringLiteral("\nExample: selector properties --property unit "
+                             "processdata://PumpStation/Pump/1/drive/speed\n"),
+        OptionFile | OptionProperty | OptionQuiet, run};
 }

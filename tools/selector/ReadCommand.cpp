@@ -11,6 +11,8 @@
 
 namespace {
 
+constexpr int valueColumn = 1;
+
 int run(const CommandLine &line, const Console &console, QString &usage)
 {
     QVector<SelectorInput> selectors;
@@ -24,7 +26,7 @@ int run(const CommandLine &line, const Console &console, QString &usage)
     SelectorHandlerProcessValue handler(urls, nullptr);
     const QVector<ProcessValue> values = handler.getValues();
     Diagnosis diagnosis;
-    Report report{QStringLiteral("selector.read/1"), readColumns(), {}};
+    Report report{QStringLiteral("selector.read/1"), readColumns(), {}, valueColumn};
     for (int i = 0; i < urls.size(); ++i) {
         ReadResult result{urls.at(i), values.at(i), {}, {}};
         result.properties
@@ -41,17 +43,19 @@ int run(const CommandLine &line, const Console &console, QString &usage)
 
 Command readCommand()
 {
-    return {QStringLiteral("read"), QStringLiteral("print current values"),
-            QStringLiteral(
-                "Usage: selector read [OPTIONS] URL...\n"
-                "Prints the current value of each selector with unit, error type and local time.\n"
-                "\n"
-                "Options:\n"
-                "  -f, --file FILE  also read URLs from FILE (- is standard input), one a line;\n"
-                "                   lines that begin with # are left out\n"
-                "  --timeout S      seconds for all calls together; else 2 for each call\n")
-                + commonOptionsHelp()
-                + QStringLiteral(
-                    "\nExample: selector read processdata://PumpStation/Pump/1/drive/speed\n"),
-            OptionFile, run};
+    return {
+        QStringLiteral("read"), QStringLiteral("print current values"),
+        QStringLiteral(
+            "Usage: selector read [OPTIONS] URL...\n"
+            "Prints the current value of each selector with unit, error type and local time.\n"
+            "\n"
+            "Options:\n"
+            "  -f, --file FILE  also read URLs from FILE (- is standard input), one a line;\n"
+            "                   lines that begin with # are left out\n"
+            "  -q, --quiet      print values only, one a line; an empty line where there is none\n"
+            "  --timeout S      seconds for all calls together; else 2 for each call\n")
+            + commonOptionsHelp()
+            + QStringLiteral(
+                "\nExample: selector read processdata://PumpStation/Pump/1/drive/speed\n"),
+        OptionFile | OptionQuiet, run};
 }

@@ -70,7 +70,7 @@ QStringList titles(const QVector<Column> &columns)
     return result;
 }
 
-QString renderTable(const Report &report, bool colour)
+QString renderTable(const Report &report, const Style &style)
 {
     QVector<int> widths;
     for (const Column &column : report.columns) {
@@ -84,23 +84,41 @@ QString renderTable(const Report &report, bool colour)
             }
         }
     }
-    QString text = renderTableHeader(report.columns, widths, colour) + QLatin1Char('\n');
+    QString text;
+    if (style.legend) {
+        text = renderTableHeader(report.columns, widths, style.colour) + QLatin1Char('\n');
+    }
     for (const Entry &entry : report.entries) {
         for (const Row &row : entry.rows) {
-            text += renderTableLine(report.columns, widths, row, entry.state, colour)
+            text += renderTableLine(report.columns, widths, row, entry.state, style.colour)
                 + QLatin1Char('\n');
         }
     }
     return text;
 }
 
-QString renderCsv(const Report &report)
+QString renderQuiet(const Report &report)
+{
+    QString text;
+    for (const Entry &entry : report.entries) {
+        if (report.quietNames && entry.state == Entry::Failed) {
+            continue;
+        }
+        const int count = report.quietNames ? 1 : entry.rows.size();
+        for (int i = 0; i < count; ++i) {
+            text += renderQuietLine(entry.rows.at(i).at(report.quietColumn)) + QLatin1Char('\n');
+        }
+    }
+    return text;
+}
+
+QString renderCsv(const Report &report, bool legend)
 {
     QStringList header;
     for (const Column &column : report.columns) {
         header.append(column.key);
     }
-    QString text = renderCsvLine(header) + QLatin1Char('\n');
+    QString text = legend ? renderCsvLine(header) + QLatin1Char('\n') : QString();
     for (const Entry &entry : report.entries) {
         for (const Row &row : entry.rows) {
             QStringList fields;
@@ -146,15 +164,18 @@ ExitCode Report::exitCode() const
 
 QString render(const Report &report, const Style &style)
 {
+    if (style.quiet && report.quietColumn >= 0) {
+        return renderQuiet(report);
+    }
     switch (style.format) {
     case Format::Json:
         return renderJson(report, style.pretty);
     case Format::Csv:
-        return renderCsv(report);
+        return renderCsv(report, style.legend);
     case Format::Table:
         break;
     }
-    return renderTable(report, style.colour);
+    return renderTable(report, style);
 }
 
 QString renderTableLine(const QVector<Column> &columns, const QVector<int> &widths, const Row &row,
@@ -183,6 +204,11 @@ QString renderCsvLine(const QStringList &fields)
                               + QLatin1Char('"'));
     }
     return quoted.join(QLatin1Char(','));
+}
+
+QString renderQuietLine(const Cell &cell)
+{
+    return printable(cell.machineText);
 }
 
 QString printable(const QString &text)

@@ -65,6 +65,8 @@ struct Report
     QString schema; ///< name and version of the JSON form, such as "selector.read/1"
     QVector<Column> columns;
     QVector<Entry> entries;
+    int quietColumn = -1; ///< the one that is left of --quiet; -1: the command has no such option
+    bool quietNames = false; ///< --quiet lists what is there; else each entry has its lines
 
     /// ExitAllGood; or the gravest of its entries: ExitTimeLimit, ExitDenied, ExitSomeFailed.
     ExitCode exitCode() const;
@@ -75,6 +77,8 @@ struct Style
     Format format = Format::Table;
     bool colour = false; ///< of a table
     bool pretty = false; ///< JSON indented
+    bool legend = true; ///< the header of a table or CSV
+    bool quiet = false; ///< values only
 };
 
 /// The whole report, each line ended.
@@ -89,6 +93,9 @@ QString renderTableHeader(const QVector<Column> &columns, const QVector<int> &wi
 
 /// One line of CSV without its end.
 QString renderCsvLine(const QStringList &fields);
+
+/// What --quiet leaves of a cell, without the end of its line.
+QString renderQuietLine(const Cell &cell);
 
 /// Text without control characters, which could steer a terminal: they become \n, \t, \x1b …
 QString printable(const QString &text);

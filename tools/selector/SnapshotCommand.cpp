@@ -4,6 +4,7 @@
 #include "Diagnosis.h"
 #include "Entries.h"
 #include "ExitCode.h"
+#include "InterruptExit.h"
 #include "LeafType.h"
 #include "SelectorHandlerProcessValue.h"
 #include "SelectorSharedMemoryHandler.h"
@@ -72,6 +73,7 @@ SavedSource save(const SourceName &name, const QDir &directory)
     saved.values = values.size();
     saved.file = directory.filePath(snapshotFileName(name.module, name.object, name.instance));
     const QByteArray text = QJsonDocument(snapshotOf(document, values)).toJson();
+    const InterruptHold hold; // its temporary file would stay
     QSaveFile file(saved.file);
     if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size() || !file.commit()) {
         saved.finding
@@ -142,6 +144,9 @@ int run(const CommandLine &line, const Console &console, QString &usage)
                    {QStringLiteral("note")}},
                   {}};
     for (const SourceName &source : qAsConst(sources)) {
+        if (wasInterrupted()) {
+            break;
+        }
         SavedSource saved;
         saved.finding = source.finding;
         report.entries.append(snapshotEntry(

@@ -56,6 +56,10 @@ int run(const CommandLine &line, const Console &console, QString &usage)
         usage = QStringLiteral("--plot draws for people; it has no --format json or csv.");
         return ExitUsage;
     }
+    if (line.quiet && (line.plot || line.timestamps)) {
+        usage = QStringLiteral("--quiet has no --plot and no --timestamps.");
+        return ExitUsage;
+    }
     const QVector<WatchTarget> targets = watchTargets(urlsOf(selectors));
     std::optional<UntilExpression> until;
     if (line.hasUntil) {
@@ -115,6 +119,7 @@ Command watchCommand()
             "  --timestamps     begin each line with the time at which it was printed\n"
             "  --plot           draw a moving line chart of each selector instead of lines; without\n"
             "                   a terminal one chart at the end\n"
+            "  -q, --quiet      print values only, one a line as they change, no announcements\n"
             "  -f, --file FILE  also read URLs from FILE (- is standard input), one a line;\n"
             "                   lines that begin with # are left out\n")
             + commonOptionsHelp()
@@ -124,6 +129,6 @@ Command watchCommand()
                 "\nExample: selector watch --until 'speed>1000' --timeout 60 \\\n"
                 "             processdata://PumpStation/Pump/1/drive/speed\n"),
         OptionFile | OptionInterval | OptionCount | OptionUntil | OptionTimestamps
-            | OptionChangesOnly | OptionPlot,
+            | OptionChangesOnly | OptionPlot | OptionQuiet,
         run};
 }

@@ -107,6 +107,9 @@ QString WatchLines::csvLine(QStringList fields, qint64 now) const
 
 QString WatchLines::header() const
 {
+    if (!style.legend || style.quiet) {
+        return {};
+    }
     switch (style.format) {
     case Format::Json:
         return {};
@@ -123,6 +126,9 @@ QString WatchLines::value(int index, const ReadResult &result, qint64 now) const
 {
     Entry entry = readEntry(result);
     const Row &cells = entry.rows.constFirst();
+    if (style.quiet) {
+        return renderQuietLine(cells.at(1)) + QLatin1Char('\n');
+    }
     const bool hasTime = entry.json.contains(QStringLiteral("time"));
     if (style.format == Format::Json) {
         entry.json.insert(QStringLiteral("event"), QStringLiteral("value"));

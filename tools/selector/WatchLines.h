@@ -46,7 +46,7 @@ public:
     /// @param now  nanoseconds since the epoch: when it is printed
     QString value(int index, const ReadResult &result, qint64 now) const;
 
-    /// @param signal  name of the library's signal
+    /// @param signal  name of the library's signal; has no line of its own with --quiet
     QString signal(const QString &signal, const QVector<SelectorChange> &changes, qint64 now) const;
 
 private:

@@ -177,7 +177,7 @@ void Watcher::announce(const QString &signal, const QVector<int> &indices)
         selector.examine = true;
         selector.changed = true;
     }
-    if (!screen) {
+    if (!screen && !console.style.quiet) {
         print(lines.signal(signal, changes, now()));
     }
     if (!met && !screen && (wantedLines == 0 || printed < wantedLines)) {

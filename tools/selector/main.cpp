@@ -4,6 +4,7 @@
 #include "Command.h"
 #include "Console.h"
 #include "ExitCode.h"
+#include "InterruptExit.h"
 #include "MessageLog.h"
 
 #include <QCoreApplication>
@@ -61,7 +62,13 @@ int runCommand(const Command &command, const QStringList &arguments, Console &co
     MessageLog::install(QStringLiteral("selector"), QStringLiteral("selector.cli"),
                         line.verbose ? MessageLog::AllMessages : MessageLog::OwnMessages);
     fitToTerminal(console, line.format);
+    console.style.legend = !line.noLegend;
+    console.style.quiet = line.quiet;
+    exitOnInterrupt();
     const int result = command.run(line, console, error);
+    if (wasInterrupted()) {
+        return ExitInterrupted;
+    }
     return result == ExitUsage ? usageError(console, error, helpName) : result;
 }
 

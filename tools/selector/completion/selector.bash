@@ -46,12 +46,14 @@ _selector()
     --interval | --count | --timeout | --until) return ;;
     esac
 
-    words="--format --json --timeout --verbose --help"
+    words="--format --json --timeout --no-legend --verbose --help"
     case $command in
-    modules) words+=" --type" ;;
-    read | write) words+=" --file" ;;
-    watch) words+=" --file --interval --count --until --timestamps --changes-only --plot" ;;
-    properties) words+=" --file --property" ;;
+    modules) words+=" --type --quiet" ;;
+    browse) words+=" --quiet" ;;
+    read) words+=" --file --quiet" ;;
+    write) words+=" --file" ;;
+    watch) words+=" --file --interval --count --until --timestamps --changes-only --plot --quiet" ;;
+    properties) words+=" --file --property --quiet" ;;
     explain) words+=" --property" ;;
     doctor) words+=" --clean --yes --report --with-values" ;;
     check) words+=" --against" ;;

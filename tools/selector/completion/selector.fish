@@ -14,6 +14,8 @@ complete -c selector -s v -l verbose
 complete -c selector -l format -x -a "table json csv"
 complete -c selector -s j -l json
 complete -c selector -l timeout -x
+complete -c selector -l no-legend
+complete -c selector -n "__fish_seen_subcommand_from modules browse read watch properties" -s q -l quiet
 complete -c selector -n "__fish_seen_subcommand_from read write watch properties explain" -f -a "(__selector_live url)"
 complete -c selector -n "__fish_seen_subcommand_from browse snapshot doctor" -f -a "(__selector_live place)"
 complete -c selector -n "__fish_seen_subcommand_from modules" -l type -x -a "AnalogSelector DigitalSelector"

@@ -51,7 +51,10 @@ void CommandLineTest::defaultsHold()
     QCOMPARE(line.timeout, 0);
     QCOMPARE(line.interval, 200);
     QCOMPARE(line.count, 0);
-    QVERIFY(!line.hasType && !line.verbose && !line.help);
+    QVERIFY(!line.hasType && !line.verbose && !line.help && !line.noLegend && !line.quiet);
+
+    QVERIFY(parseCommandLine({"-q", "--no-legend"}, OptionQuiet, line, error));
+    QVERIFY(line.quiet && line.noLegend);
 }
 
 void CommandLineTest::negativeNumbersAreValues()
@@ -94,6 +97,24 @@ void CommandLineTest::wrongUsageIsNamed_data()
         << QStringList{"--count", "0"} << "--count must be 1 to 2147483647, not \"0\"";
     QTest::newRow("an interval below one")
         << QStringList{"--interval", "-5"} << "--interval must be 1 to 3600000, not \"-5\"";
+    QTest::newRow("time that is no number")
+        << QStringList{"--timeout", "nan"}
+        << "--timeout must be above 0 and at most 86400 seconds, not \"nan\"";
+    QTest::newRow("an endless time")
+        << QStringList{"--timeout", "inf"}
+        << "--timeout must be above 0 and at most 86400 seconds, not \"inf\"";
+    QTest::newRow("half a count") << QStringList{"--count", "1.5"}
+                                  << "--count must be 1 to 2147483647, not \"1.5\"";
+    QTest::newRow("a count beyond all numbers")
+        << QStringList{"--count", "2147483648"}
+        << "--count must be 1 to 2147483647, not \"2147483648\"";
+    QTest::newRow("no file") << QStringList{"--file", ""} << "--file must not be empty";
+    QTest::newRow("a property without name")
+        << QStringList{"--property", "unit", "--property="} << "--property must not be empty";
+    QTest::newRow("values only and a format")
+        << QStringList{"-q", "--format", "csv"} << "--quiet and --format exclude each other";
+    QTest::newRow("values only and JSON")
+        << QStringList{"-j", "--quiet"} << "--quiet and --format exclude each other";
     QTest::newRow("an unknown option") << QStringList{"--fast"} << "Unknown option 'fast'.";
     QTest::newRow("an option without value")
         << QStringList{"--count"} << "Missing value after '--count'.";
@@ -106,7 +127,8 @@ void CommandLineTest::wrongUsageIsNamed()
     CommandLine line;
     QString error;
 
-    QVERIFY(!parseCommandLine(arguments, OptionInterval | OptionCount, line, error));
+    const int options = OptionInterval | OptionCount | OptionFile | OptionProperty | OptionQuiet;
+    QVERIFY(!parseCommandLine(arguments, options, line, error));
 
     QCOMPARE(error, expected);
 }
@@ -114,7 +136,7 @@ void CommandLineTest::wrongUsageIsNamed()
 void CommandLineTest::optionsOfOtherCommandsAreUnknown()
 {
     for (const char *option :
-         {"--file=x", "--type=x", "--property=x", "--interval=1", "--count=1"}) {
+         {"--file=x", "--type=x", "--property=x", "--interval=1", "--count=1", "-q", "--clean"}) {
         CommandLine line;
         QString error;
         QVERIFY2(!parseCommandLine({option}, 0, line, error), option);

@@ -9,7 +9,7 @@ namespace {
 
 QStringList optionsOf(const Command &command)
 {
-    QStringList options{"--format", "--verbose", "--help", "--timeout"};
+    QStringList options{"--format", "--verbose", "--help", "--timeout", "--no-legend"};
     const QMap<int, QString> special{{OptionFile, "--file"},
                                      {OptionType, "--type"},
                                      {OptionProperty, "--property"},
@@ -23,7 +23,8 @@ QStringList optionsOf(const Command &command)
                                      {OptionOutput, "--output"},
                                      {OptionDryRun, "--dry-run"},
                                      {OptionVerify, "--verify"},
-                                     {OptionRollback, "--rollback"}};
+                                     {OptionRollback, "--rollback"},
+                                     {OptionQuiet, "--quiet"}};
     if ((command.options & OptionDoctor) != 0) {
         options += QStringList{"--clean", "--yes", "--report", "--with-values"};
     }

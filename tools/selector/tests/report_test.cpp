@@ -33,6 +33,9 @@ private Q_SLOTS:
     void jsonIsOneLineInAPipe();
     void jsonIsIndentedForPeople();
     void anEmptyReportStillHasItsFrame();
+    void withoutLegendNoHeaderIsLeft();
+    void quietLeavesOneValueOfEachRow();
+    void quietNamesLeaveOutFailuresAndFurtherRows();
     void controlCharactersDoNotReachTheTerminal();
     void onlyFailuresAndDoubtSpoilAReport();
     void theGravestFailureDecidesTheExitCode();
@@ -83,6 +86,36 @@ void ReportTest::anEmptyReportStillHasItsFrame()
     QCOMPARE(render(report, {Format::Json, false, false}),
              QString("{\"results\":[],\"schema\":\"selector.test/1\"}\n"));
     QCOMPARE(report.exitCode(), ExitAllGood);
+}
+
+void ReportTest::withoutLegendNoHeaderIsLeft()
+{
+    Style style{Format::Table, true, false};
+    style.legend = false;
+    QVERIFY(render(twoRows(), style).startsWith("a       1.5  bar\n"));
+    style.format = Format::Csv;
+    QVERIFY(render(twoRows(), style).startsWith("a,1.50001,bar,\n"));
+}
+
+void ReportTest::quietLeavesOneValueOfEachRow()
+{
+    Style style;
+    style.quiet = true;
+    Report report = twoRows();
+    report.quietColumn = 1;
+    report.entries[0].rows.append({QString("a"), QString("two\nlines"), QString(), QString()});
+    QCOMPARE(render(report, style), QString("1.50001\ntwo\\nlines\n\n"));
+}
+
+void ReportTest::quietNamesLeaveOutFailuresAndFurtherRows()
+{
+    Style style;
+    style.quiet = true;
+    Report report = twoRows();
+    report.quietColumn = 0;
+    report.quietNames = true;
+    report.entries[0].rows.append(report.entries.at(0).rows.at(0));
+    QCOMPARE(render(report, style), QString("a\n"));
 }
 
 void ReportTest::controlCharactersDoNotReachTheTerminal()
