@@ -143,8 +143,7 @@ private:
     // A script that fills in an empty variable shall hear of it.
     bool checkNames(QString &error) const
     {
-        for (const QCommandLineOption &option :
-             {file, type, property, until, against, output, report}) {
+        for (const QCommandLineOption &option : {file, property, against, output, report}) {
             if (isSet(option) && parser.values(option).contains(QString())) {
                 error = QStringLiteral("--%1 must not be empty").arg(option.names().constLast());
                 return false;
