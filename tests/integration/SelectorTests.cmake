@@ -25,3 +25,8 @@ add_selector_test(selector_check)
 add_selector_test(selector_apply)
 add_selector_test(selector_completion)
 add_selector_test(selector_script)
+
+# Every example of the document, the man pages and the helps, run as written.
+add_test(NAME integration.cli_examples
+    COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/cli_examples_test.sh ${PROJECT_SOURCE_DIR} ${PROJECT_BINARY_DIR})
+set_tests_properties(integration.cli_examples PROPERTIES LABELS integration TIMEOUT 120)

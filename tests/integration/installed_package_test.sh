@@ -60,6 +60,17 @@ for header in "$prefix"/include/*/*.h; do
     printf '#include <%s>\n' "${header##*/}"
 done >"$work/all_headers.cpp"
 
+# Every command that the client lists has a page of its own.
+pages_are_installed() {
+    local name names
+    mapfile -t names < <("$build_dir/bin/selector" --help | sed -n '/^Commands:/,/^$/s/^  \([a-z]*\) .*/\1/p')
+    ((${#names[@]} >= 13)) || return 1
+    for name in "${names[@]}"; do
+        [[ -f $prefix/share/man/man1/selector-$name.1 ]] || { echo "no page of $name"; return 1; }
+    done
+}
+check "every command has an installed page" pages_are_installed
+
 # Moved, so that nothing can hold on to the place of installation.
 mv "$prefix" "$work/moved"
 prefix=$work/moved

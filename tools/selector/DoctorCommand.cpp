@@ -132,6 +132,6 @@ Command doctorCommand()
             + QStringLiteral(
                 "Doctor also: 0 nothing to complain about, 1 warnings or errors; with\n"
                 "--clean 0 nothing is left over any more, 1 something is.\n"
-                "\nExample: selector doctor --report fault.json\n"),
+                "\nExample: selector doctor PumpStation --report fault.json\n"),
         OptionDoctor, run};
 }

@@ -42,6 +42,7 @@ Command modulesCommand()
             "  --type TYPE      only this type: AnalogSelector, DigitalSelector\n"
             "  -q, --quiet      print names of modules only\n"
             "  --timeout S      seconds for all calls together; else 2 for each call\n")
-            + commonOptionsHelp(),
+            + commonOptionsHelp()
+            + QStringLiteral("\nExample: selector modules --type DigitalSelector\n"),
         OptionType | OptionQuiet, run};
 }

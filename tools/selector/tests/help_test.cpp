@@ -3,6 +3,7 @@
 #include "Command.h"
 
 #include <QFile>
+#include <QRegularExpression>
 #include <QtTest>
 
 namespace {
@@ -36,6 +37,19 @@ QStringList optionsOf(const Command &command)
     return options;
 }
 
+// What the groups of the pattern find, each once.
+QStringList flags(const QString &text, const char *pattern)
+{
+    QStringList found;
+    const QRegularExpression expression(pattern);
+    for (auto match = expression.globalMatch(text); match.hasNext();) {
+        const QRegularExpressionMatch next = match.next();
+        found.append(next.captured(next.lastCapturedIndex()));
+    }
+    found.removeDuplicates();
+    return found;
+}
+
 QString content(const char *name)
 {
     QFile file(QStringLiteral(SELECTOR_SOURCE_DIR "/") + name);
@@ -51,6 +65,7 @@ class HelpTest : public QObject
 private Q_SLOTS:
     void eachCommandExplainsItsOptions();
     void theManPageNamesEverything();
+    void eachCommandHasAPageThatNamesItsFlags();
     void theCompletionKnowsEverything();
 };
 
@@ -68,11 +83,10 @@ void HelpTest::eachCommandExplainsItsOptions()
 
 void HelpTest::theManPageNamesEverything()
 {
-    const QString page = content("selector.1").remove('\\');
+    const QString page = content("man/selector.1").remove('\\');
     QStringList wanted{"PROCESSDATA_BUS", "PROCESSDATA_DBUS_TIMEOUT_MS", "NO_COLOR", "--version"};
     for (const Command &command : commands()) {
-        wanted += optionsOf(command);
-        wanted.append("SS " + command.name);
+        wanted.append(QString(".BR selector-%1 (1)\n%2\n").arg(command.name, command.summary));
     }
     for (const char *field : {"url", "status", "value", "unit", "type", "errorType", "time",
                               "timestampNs", "reason", "code", "event", "indices", "changes"}) {
@@ -80,6 +94,28 @@ void HelpTest::theManPageNamesEverything()
     }
     for (const QString &word : qAsConst(wanted)) {
         QVERIFY2(page.contains(word), qPrintable(word));
+    }
+}
+
+void HelpTest::eachCommandHasAPageThatNamesItsFlags()
+{
+    for (const Command &command : commands()) {
+        const QString page = content(("man/selector-" + command.name + ".1").toUtf8()).remove('\\');
+        QVERIFY2(page.contains(QString("\nselector-%1 - %2\n").arg(command.name, command.summary)),
+                 qPrintable(command.name));
+        QVERIFY2(page.contains(".B selector " + command.name + '\n'), qPrintable(command.name));
+        QVERIFY(page.contains(".SH EXIT STATUS\n") && page.contains(".SH EXAMPLES\n"));
+        const QStringList ofHelp = flags(command.help, "(?:^| )(--?[a-z][a-z-]*)");
+        const QStringList ofPage = flags(page.section(".SH OPTIONS", 1).section("\n.SH ", 0, 0),
+                                         "\\.TP\n\\.B[RI]? (--?[a-z-]+)|, \" (--[a-z-]+)");
+        QVERIFY2(ofHelp.size() >= 7, qPrintable(command.name));
+        for (const QString &flag : ofHelp) {
+            QVERIFY2(ofPage.contains(flag), qPrintable(command.name + " page lacks " + flag));
+        }
+        for (const QString &flag : ofPage) {
+            QVERIFY2(ofHelp.contains(flag) || flag == "--json",
+                     qPrintable(command.name + " help lacks " + flag));
+        }
     }
 }
 
