@@ -24,7 +24,8 @@ struct Footprint
     /// For a report, in one line.
     QByteArray text() const;
 
-    qint64 heap = 0; // bytes in use; 0 under AddressSanitizer, which looks for leaks itself
+    qint64 heap
+        = 0; // bytes in use; memory is 0 under AddressSanitizer, which looks for leaks itself
     qint64 resident = 0; // bytes
     int descriptors = 0;
     int threads = 0;
