@@ -43,6 +43,17 @@ if(SELECTORHANDLER_SANITIZE OR SELECTORHANDLER_FUZZ)
     set_property(TARGET SelectorHandlerOptions PROPERTY INTERFACE_LINK_OPTIONS -Wl,--as-needed)
 endif()
 
+if(SELECTORHANDLER_SANITIZE_THREAD)
+    if(SELECTORHANDLER_SANITIZE OR SELECTORHANDLER_FUZZ)
+        message(FATAL_ERROR "SELECTORHANDLER_SANITIZE_THREAD goes with no other sanitizer")
+    endif()
+    # g++ says that it does not follow fences. Nothing here needs that: all that a fence orders is
+    # itself atomic.
+    add_compile_options(-fsanitize=thread -fno-omit-frame-pointer $<$<CXX_COMPILER_ID:GNU>:-Wno-tsan>)
+    add_link_options(-fsanitize=thread)
+    set_property(TARGET SelectorHandlerOptions PROPERTY INTERFACE_LINK_OPTIONS -Wl,--as-needed)
+endif()
+
 if(SELECTORHANDLER_COVERAGE)
     add_compile_options(--coverage)
     add_link_options(--coverage)
