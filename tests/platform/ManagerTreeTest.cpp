@@ -16,6 +16,9 @@ private Q_SLOTS:
     void theSameUrlFindsTheSameLeaf();
     void aLeafTellsItsProperties();
     void aLeafRendersWithoutItsOffsetAndWithTheSession();
+    void aLeafRendersTheSameInBothFormats();
+    void aUrlFindsItsLeafHoweverItIsSpelled();
+    void aUrlThatIsTooLongFindsNoLeaf();
     void aLeafOutlivesRootAndManager();
     void everyMappingIsLetGo();
     void aDescriptionThatCannotBeUsedIsRefusedWithOneWarning_data();
@@ -133,6 +136,54 @@ void ManagerTreeTest::aLeafRendersWithoutItsOffsetAndWithTheSession()
     QCOMPARE(render(),
              QByteArray(R"(before {"name":"leaf","session":)" + generation
                         + R"(,"type":"float64","unit":"bar"})"));
+}
+
+void ManagerTreeTest::aLeafRendersTheSameInBothFormats()
+{
+    BufferSource source({leafJson("leaf", "float64", {{"z", true}, {"a", QJsonArray{1, 2}}}),
+                         leafJson("own", "float64", {{"session", 7}, {"offsetOf", "x"}})});
+    source.document.insert("session", 42);
+    const BufferClient client(source.text());
+    for (const char *name : {"leaf", "own"}) {
+        QByteArray compact;
+        QByteArray indented;
+        const ConfigurationAndProcessDataParser parser;
+        const auto leaf = client.leaf(source.url(name));
+        QVERIFY(parser.frameToByteArray(leaf, compact, QJsonDocument::Compact));
+        QVERIFY(parser.frameToByteArray(leaf, indented, QJsonDocument::Indented));
+        QCOMPARE(compact, QJsonDocument::fromJson(indented).toJson(QJsonDocument::Compact));
+        QVERIFY2(compact.contains("\"session\":42"), compact.constData());
+        QVERIFY2(!compact.contains("\"offset\""), compact.constData());
+    }
+}
+
+void ManagerTreeTest::aUrlFindsItsLeafHoweverItIsSpelled()
+{
+    const BufferSource source({leafJson("leaf", "float64"), leafJson("100%", "float64"),
+                               leafJson("who?", "float64"), leafJson("a#1", "float64")});
+    const BufferClient client(source.text());
+    const QString url = source.url("leaf");
+    const auto leaf = client.leaf(url);
+    QVERIFY(!leaf.isNull());
+    QCOMPARE(client.leaf(source.url("%6Ceaf")), leaf);
+    QCOMPARE(client.leaf(url + "?deactivated"), leaf);
+    QCOMPARE(client.leaf("other" + url.mid(url.indexOf(':'))), leaf);
+    QVERIFY(!client.leaf(source.url("100%25")).isNull());
+    QVERIFY(!client.leaf(source.url("who%3F")).isNull());
+    QVERIFY(!client.leaf(source.url("a%231")).isNull());
+    for (const char *wrong : {"100%", "who?", "a#1", "leaf/", "leaf#", "leaf?", "%", "", "eaf"}) {
+        QVERIFY2(client.leaf(source.url(wrong)).isNull(), wrong);
+    }
+}
+
+void ManagerTreeTest::aUrlThatIsTooLongFindsNoLeaf()
+{
+    const QString name(1400, QChar(0x20ac)); // of 3 bytes each
+    const BufferSource source({leafJson(name, "float64")});
+    const BufferClient client(source.text());
+    QVERIFY(!client.root.isNull());
+
+    QVERIFY(client.leaf(source.url(name)).isNull());
 }
 
 void ManagerTreeTest::aLeafOutlivesRootAndManager()

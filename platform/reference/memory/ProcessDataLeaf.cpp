@@ -2,6 +2,7 @@
 // One leaf of a tree in shared memory: its properties.
 #include "ProcessDataLeaf.h"
 
+#include "CompactJson.h"
 #include "LeafBlock.h"
 
 namespace {
@@ -9,6 +10,12 @@ namespace {
 const QString &sessionKey()
 {
     static const QString key = QStringLiteral("session");
+    return key;
+}
+
+const QString &offsetKey()
+{
+    static const QString key = QStringLiteral("offset");
     return key;
 }
 
@@ -52,7 +59,30 @@ bool ProcessDataLeaf::hasLeafProperty(const QString &name) const
 QJsonObject ProcessDataLeaf::renderedProperties() const
 {
     QJsonObject rendered = state.description->properties;
-    rendered.remove(QStringLiteral("offset"));
+    rendered.remove(offsetKey());
     rendered.insert(sessionKey(), sessionOf(state.block->description));
     return rendered;
+}
+
+// Without the copy of the object that the other rendering changes.
+void ProcessDataLeaf::renderCompact(QByteArray &bytes) const
+{
+    CompactJsonObjectWriter writer;
+    const QJsonValue session = sessionOf(state.block->description);
+    const QJsonObject &properties = state.description->properties;
+    bool sessionIsDue = true;
+    for (auto property = properties.begin(); property != properties.end(); ++property) {
+        const QString key = property.key();
+        if (sessionIsDue && sessionKey() <= key) {
+            writer.write(sessionKey(), session);
+            sessionIsDue = false;
+        }
+        if (key != offsetKey() && key != sessionKey()) {
+            writer.write(key, property.value());
+        }
+    }
+    if (sessionIsDue) {
+        writer.write(sessionKey(), session);
+    }
+    writer.appendTo(bytes);
 }

@@ -40,6 +40,7 @@ public:
     QVariant readLeafProperty(const QString &name) const override;
     bool hasLeafProperty(const QString &name) const override;
     QJsonObject renderedProperties() const override;
+    void renderCompact(QByteArray &bytes) const override;
 
 private:
     ProcessDataValuePrivate state;

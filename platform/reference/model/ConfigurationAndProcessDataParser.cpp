@@ -17,6 +17,10 @@ bool ConfigurationAndProcessDataParser::frameToByteArray(
     if (renderable == nullptr) {
         return false;
     }
+    if (format == QJsonDocument::Compact) {
+        renderable->renderCompact(bytes);
+        return true;
+    }
     bytes += QJsonDocument(renderable->renderedProperties()).toJson(format);
     return true;
 }

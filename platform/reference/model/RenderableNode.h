@@ -3,6 +3,7 @@
 #ifndef RENDERABLENODE_H
 #define RENDERABLENODE_H
 
+#include <QByteArray>
 #include <QJsonObject>
 
 /// Implemented by nodes beside ConfigurationAndProcessDataBase.
@@ -16,6 +17,9 @@ public:
     /// All keys of the leaf's description but "offset", which is no property of the value; added to
     /// them "session", so that clients learn of a publisher's restart.
     virtual QJsonObject renderedProperties() const = 0;
+
+    /// Appends the same as compact JSON text.
+    virtual void renderCompact(QByteArray &bytes) const = 0;
 };
 
 #endif
