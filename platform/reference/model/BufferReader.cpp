@@ -34,7 +34,7 @@ std::optional<BufferDescription> readBuffer(const QJsonObject &document, QString
     constexpr quint64 highest = std::numeric_limits<qint64>::max();
     constexpr quint64 highestUid = std::numeric_limits<quint32>::max();
     const QJsonObject object = value.toObject();
-    const QString place = QStringLiteral("buffer");
+    const JsonPlace place(Keys::buffer);
     const auto name = readText(object, Keys::name, false, place, error);
     if (!name) {
         return std::nullopt;

@@ -22,5 +22,6 @@ struct LeafDescription
     QVariant maximum;
     QJsonObject properties; ///< every key of the leaf as described
 };
+Q_DECLARE_TYPEINFO(LeafDescription, Q_MOVABLE_TYPE);
 
 #endif

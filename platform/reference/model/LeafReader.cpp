@@ -18,7 +18,7 @@ bool hasRange(ValueType type)
     return type != ValueType::Bool && type != ValueType::String && type != ValueType::Bytes;
 }
 
-bool readType(const QJsonObject &element, const QString &place, LeafDescription &leaf,
+bool readType(const QJsonObject &element, const JsonPlace &place, LeafDescription &leaf,
               QString &error)
 {
     const auto name = readText(element, Keys::type, false, place, error);
@@ -27,7 +27,7 @@ bool readType(const QJsonObject &element, const QString &place, LeafDescription 
     }
     const auto type = valueTypeFromName(*name);
     if (!type) {
-        error = QStringLiteral("%1: unknown type %2").arg(place, printable(*name));
+        error = QStringLiteral("%1: unknown type %2").arg(place.text(), printable(*name));
         return false;
     }
     leaf.type = *type;
@@ -58,7 +58,7 @@ QVariant unroundedMaximum(ValueType type, const QVariant &number)
     return number;
 }
 
-bool readLimit(const QJsonObject &element, QLatin1String key, const QString &place,
+bool readLimit(const QJsonObject &element, QLatin1String key, const JsonPlace &place,
                const LeafDescription &leaf, QVariant &limit, QString &error)
 {
     const QJsonValue value = element.value(key);
@@ -67,12 +67,12 @@ bool readLimit(const QJsonObject &element, QLatin1String key, const QString &pla
     }
     if (!hasRange(leaf.type)) {
         error = QStringLiteral("%1: a leaf of type %2 has no \"%3\"")
-                    .arg(place, valueTypeName(leaf.type), key);
+                    .arg(place.text(), valueTypeName(leaf.type), key);
         return false;
     }
     if (!value.isDouble()) {
         error = QStringLiteral("%1: \"%2\" must be a number, but is %3")
-                    .arg(place, key, jsonTypeName(value));
+                    .arg(place.text(), key, jsonTypeName(value));
         return false;
     }
     const QVariant number = unroundedMaximum(leaf.type, value.toVariant());
@@ -80,14 +80,14 @@ bool readLimit(const QJsonObject &element, QLatin1String key, const QString &pla
     const auto converted = convertToType(leaf.type, number, reason);
     if (!converted) {
         error = QStringLiteral("%1: \"%2\" is %3, which does not convert to %4: it %5")
-                    .arg(place, key, printable(number), valueTypeName(leaf.type), reason);
+                    .arg(place.text(), key, printable(number), valueTypeName(leaf.type), reason);
         return false;
     }
     limit = *converted;
     return true;
 }
 
-bool readRange(const QJsonObject &element, const QString &place, LeafDescription &leaf,
+bool readRange(const QJsonObject &element, const JsonPlace &place, LeafDescription &leaf,
                QString &error)
 {
     if (!readLimit(element, Keys::minimum, place, leaf, leaf.minimum, error)
@@ -97,13 +97,13 @@ bool readRange(const QJsonObject &element, const QString &place, LeafDescription
     if (leaf.minimum.isValid() && leaf.maximum.isValid()
         && isLess(leaf.type, leaf.maximum, leaf.minimum)) {
         error = QStringLiteral("%1: minimum %2 is above maximum %3")
-                    .arg(place, printable(leaf.minimum), printable(leaf.maximum));
+                    .arg(place.text(), printable(leaf.minimum), printable(leaf.maximum));
         return false;
     }
     return true;
 }
 
-bool readOffset(const QJsonObject &element, const QString &place, quint64 bufferSize,
+bool readOffset(const QJsonObject &element, const JsonPlace &place, quint64 bufferSize,
                 LeafDescription &leaf, QString &error)
 {
     const auto offset = readWholeNumber(element, Keys::offset, slotLayoutHeaderSize,
@@ -113,7 +113,7 @@ bool readOffset(const QJsonObject &element, const QString &place, quint64 buffer
     }
     if (*offset % slotAlignment != 0) {
         error = QStringLiteral("%1: offset %2 is not a multiple of %3")
-                    .arg(place)
+                    .arg(place.text())
                     .arg(*offset)
                     .arg(slotAlignment);
         return false;
@@ -122,7 +122,7 @@ bool readOffset(const QJsonObject &element, const QString &place, quint64 buffer
     if (*offset > bufferSize || size > bufferSize - *offset) {
         error = QStringLiteral(
                     "%1: a slot of %2 bytes at offset %3 lies outside the buffer of %4 bytes")
-                    .arg(place)
+                    .arg(place.text())
                     .arg(size)
                     .arg(*offset)
                     .arg(bufferSize);
@@ -132,30 +132,30 @@ bool readOffset(const QJsonObject &element, const QString &place, quint64 buffer
     return true;
 }
 
-bool readReadOnly(const QJsonObject &element, const QString &place, LeafDescription &leaf,
+bool readReadOnly(const QJsonObject &element, const JsonPlace &place, LeafDescription &leaf,
                   QString &error)
 {
     const QJsonValue value = element.value(Keys::readOnly);
     if (!value.isUndefined() && !value.isBool()) {
         error = QStringLiteral("%1: \"%2\" must be a boolean, but is %3")
-                    .arg(place, Keys::readOnly, jsonTypeName(value));
+                    .arg(place.text(), Keys::readOnly, jsonTypeName(value));
         return false;
     }
     leaf.readOnly = value.toBool(false);
     return true;
 }
 
-bool checkOtherKeys(const QJsonObject &element, const QString &place, QString &error)
+bool checkOtherKeys(const QJsonObject &element, const JsonPlace &place, QString &error)
 {
     for (const QLatin1String key : {Keys::unit, Keys::description, Keys::selectorType}) {
-        if (!readText(element, key, true, place, error)) {
+        if (!checkOptionalText(element, key, place, error)) {
             return false;
         }
     }
     const QJsonValue simulate = element.value(Keys::simulate);
     if (!simulate.isUndefined() && !simulate.isObject()) {
         error = QStringLiteral("%1: \"%2\" must be an object, but is %3")
-                    .arg(place, Keys::simulate, jsonTypeName(simulate));
+                    .arg(place.text(), Keys::simulate, jsonTypeName(simulate));
         return false;
     }
     return true;
@@ -166,7 +166,7 @@ bool checkOtherKeys(const QJsonObject &element, const QString &place, QString &e
 std::optional<LeafDescription> readLeaf(const QJsonObject &element, const QString &path,
                                         DescriptionForm form, quint64 bufferSize, QString &error)
 {
-    const QString place = QStringLiteral("leaf \"%1\"").arg(path);
+    const JsonPlace place(QLatin1String("leaf \""), path, QLatin1String("\""));
     LeafDescription leaf;
     leaf.path = path;
     leaf.properties = element;
@@ -179,7 +179,8 @@ std::optional<LeafDescription> readLeaf(const QJsonObject &element, const QStrin
             return std::nullopt;
         }
     } else if (element.contains(Keys::offset)) {
-        error = QStringLiteral("%1: \"%2\" is the publisher's to add").arg(place, Keys::offset);
+        error = QStringLiteral("%1: \"%2\" is the publisher's to add")
+                    .arg(place.text(), Keys::offset);
         return std::nullopt;
     }
     return leaf;

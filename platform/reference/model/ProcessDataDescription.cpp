@@ -125,6 +125,9 @@ private:
             return false;
         }
         const QJsonArray elements = value.toArray();
+        if (level == 1) {
+            description.leaves.reserve(elements.size());
+        }
         for (const QJsonValue &element : elements) {
             if (!element.isObject()) {
                 error = QStringLiteral("%1: an element must be an object, but is %2")
@@ -142,7 +145,7 @@ private:
                      const QString &parentPlace, int level)
     {
         const auto name = readText(element, Keys::name, false,
-                                   QStringLiteral("an element of %1").arg(parentPlace), error);
+                                   {QLatin1String("an element of "), parentPlace}, error);
         if (!name) {
             return false;
         }
@@ -156,11 +159,12 @@ private:
             return false;
         }
         const QString path = parentPath.isEmpty() ? *name : parentPath + QLatin1Char('/') + *name;
-        if (paths.contains(path)) {
+        const int pathCount = paths.size();
+        paths.insert(path);
+        if (paths.size() == pathCount) {
             error = QStringLiteral("%1: path \"%2\" is given twice").arg(parentPlace, path);
             return false;
         }
-        paths.insert(path);
 
         const bool isGroup = element.contains(Keys::elements);
         if (isGroup == element.contains(Keys::type)) {
