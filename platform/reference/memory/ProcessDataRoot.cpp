@@ -2,9 +2,14 @@
 // Root of a source's process-data tree: finds leaves by URL.
 #include "ProcessDataRoot.h"
 
+#include "ConfigurationAndProcessDataDefinitions.h"
 #include "SelectorUrlParser.h"
 
+#include <algorithm>
+
 namespace {
+
+constexpr int notFound = -1;
 
 // A pointer to one leaf keeps all of them: they are destroyed together, by their block.
 ConfigurationAndProcessDataBase::ProcessDataValueSharedPointer
@@ -14,12 +19,35 @@ leafPointer(const QSharedPointer<LeafBlock> &block, int position)
     return QSharedPointer<ProcessDataLeaf>(block->leaves + position, release);
 }
 
+bool readsAsWritten(QChar c)
+{
+    return c != QLatin1Char('%') && c != QLatin1Char('?') && c != QLatin1Char('#');
+}
+
+bool isPlainName(const QString &name)
+{
+    return std::all_of(name.begin(), name.end(), readsAsWritten)
+        && !name.contains(QLatin1Char('/'));
+}
+
+// How the URL of each leaf begins; empty when names have to be encoded in it.
+QString plainBeginOfUrls(const ProcessDataDescription &source)
+{
+    if (!isPlainName(source.module) || !isPlainName(source.object)
+        || !isPlainName(source.instance)) {
+        return QString();
+    }
+    return ConfigurationAndProcessDataDefinitions::getSelectorUrlSchemeProcessData()
+        + QStringLiteral("://%1/%2/%3/").arg(source.module, source.object, source.instance);
+}
+
 }
 
 ProcessDataRoot::ProcessDataRoot(ProcessDataDescription description,
                                  QSharedPointer<SharedMemoryPrivate> memory)
     : block(QSharedPointer<LeafBlock>::create(std::move(description), std::move(memory)))
 {
+    beginOfUrls = plainBeginOfUrls(block->description);
     const QVector<LeafDescription> &described = block->description.leaves;
     leaves.reserve(described.size());
     positions.reserve(described.size());
@@ -29,9 +57,29 @@ ProcessDataRoot::ProcessDataRoot(ProcessDataDescription description,
     }
 }
 
+// A URL that is spelled without encoding is not taken apart a second time: whoever asks has checked
+// it, and only a valid one spells the path of a leaf.
+int ProcessDataRoot::positionOfPlainUrl(const QString &url) const
+{
+    if (beginOfUrls.isEmpty() || url.size() > selectorUrlSurelyShortEnough
+        || !url.startsWith(beginOfUrls)) {
+        return notFound;
+    }
+    const int begin = beginOfUrls.size();
+    if (!std::all_of(url.begin() + begin, url.end(), readsAsWritten)) {
+        return notFound;
+    }
+    const QString path = QString::fromRawData(url.constData() + begin, url.size() - begin);
+    return positions.value(path, notFound);
+}
+
 ConfigurationAndProcessDataBase::ProcessDataValueSharedPointer
 ProcessDataRoot::getLeafProcessDataValue(const QString &url)
 {
+    const int plain = positionOfPlainUrl(url);
+    if (plain != notFound) {
+        return leaves.at(plain);
+    }
     const SelectorUrlParts parts = parseSelectorUrl(url);
     const ProcessDataDescription &source = block->description;
     if (!parts.valid || parts.moduleName != source.module || parts.objectName != source.object

@@ -22,9 +22,12 @@ public:
     bool hasLeafProperty(const QString &name) const override;
 
 private:
+    int positionOfPlainUrl(const QString &url) const;
+
     const QSharedPointer<LeafBlock> block;
     QVector<ProcessDataValueSharedPointer> leaves; // in the description's order
     QHash<QString, int> positions; // by path
+    QString beginOfUrls; // of URLs that are spelled without encoding
 };
 
 #endif

@@ -5,7 +5,7 @@
 #include <QByteArray>
 #include <QStringRef>
 #include <QTextCodec>
-#include <QVector>
+#include <QVarLengthArray>
 
 #include <algorithm>
 
@@ -25,10 +25,15 @@ bool isScheme(const QStringRef &text)
         && std::all_of(text.begin(), text.end(), isSchemeCharacter);
 }
 
-bool hasControlCharacter(const QString &text)
+// Unicode's category Cc: C0, delete, C1.
+bool isControlCharacter(QChar c)
 {
-    return std::any_of(text.begin(), text.end(),
-                       [](QChar c) { return c.category() == QChar::Other_Control; });
+    return c.unicode() < 0x20 || (c.unicode() >= 0x7f && c.unicode() < 0xa0);
+}
+
+bool hasControlCharacter(const QStringRef &text)
+{
+    return std::any_of(text.begin(), text.end(), isControlCharacter);
 }
 
 int hexDigit(char c)
@@ -62,8 +67,11 @@ bool decodePercent(const QByteArray &encoded, QByteArray &decoded)
 bool decodePart(const QStringRef &part, QString &decoded)
 {
     if (!part.contains(QLatin1Char('%'))) {
+        if (hasControlCharacter(part)) {
+            return false;
+        }
         decoded = part.toString();
-        return !hasControlCharacter(decoded);
+        return true;
     }
     QByteArray bytes;
     if (!decodePercent(part.toUtf8(), bytes)) {
@@ -72,7 +80,8 @@ bool decodePart(const QStringRef &part, QString &decoded)
     static QTextCodec *const utf8 = QTextCodec::codecForName("UTF-8");
     QTextCodec::ConverterState state(QTextCodec::IgnoreHeader);
     decoded = utf8->toUnicode(bytes.constData(), bytes.size(), &state);
-    return state.invalidChars == 0 && state.remainingChars == 0 && !hasControlCharacter(decoded);
+    return state.invalidChars == 0 && state.remainingChars == 0
+        && !hasControlCharacter(QStringRef(&decoded));
 }
 
 QString undecodable(const QStringRef &part)
@@ -81,7 +90,23 @@ QString undecodable(const QStringRef &part)
         .arg(part.toString());
 }
 
-QString decodePath(const QVector<QStringRef> &segments, int first, QString &path)
+using Segments = QVarLengthArray<QStringRef, 16>; // on the stack for all but very deep leaves
+
+Segments split(const QStringRef &text)
+{
+    Segments segments;
+    int begin = 0;
+    for (int i = 0; i < text.size(); ++i) {
+        if (text.at(i) == QLatin1Char('/')) {
+            segments.append(text.mid(begin, i - begin));
+            begin = i + 1;
+        }
+    }
+    segments.append(text.mid(begin));
+    return segments;
+}
+
+QString decodePath(const Segments &segments, int first, QString &path)
 {
     bool addressable = true;
     for (int i = first; i < segments.size(); ++i) {
@@ -94,9 +119,10 @@ QString decodePath(const QVector<QStringRef> &segments, int first, QString &path
         }
         addressable = addressable && !name.contains(QLatin1Char('/'));
         if (i > first) {
-            path += QLatin1Char('/');
+            path += QLatin1Char('/') + name;
+        } else {
+            path = name;
         }
-        path += name;
     }
     if (!addressable) {
         path = QString();
@@ -124,8 +150,7 @@ QString parseParts(const QStringRef &text, SelectorUrlParts &parts)
         return QStringLiteral("it does not begin with a scheme and \"://\"");
     }
     parts.scheme = text.left(schemeEnd).toString();
-    const QVector<QStringRef> segments
-        = text.mid(schemeEnd + separator.size()).split(QLatin1Char('/'));
+    const Segments segments = split(text.mid(schemeEnd + separator.size()));
     constexpr int firstOfPath = 3;
     if (segments.size() <= firstOfPath) {
         return QStringLiteral("it has %1 of at least 4 parts (MODULE/OBJECT/INSTANCE/LEAF)")
@@ -157,6 +182,9 @@ QString checkText(const QString &text)
     }
     if (!text.isValidUtf16()) {
         return QStringLiteral("it is no valid Unicode");
+    }
+    if (text.size() <= selectorUrlSurelyShortEnough) {
+        return QString();
     }
     const int size = text.toUtf8().size();
     return size > selectorUrlMaximumLength

@@ -25,6 +25,9 @@ struct SelectorUrlParts
 /// Longest URL, in bytes of UTF-8.
 constexpr int selectorUrlMaximumLength = 4096;
 
+/// A text of so many UTF-16 units keeps that length: each has at most 3 bytes of UTF-8, a pair 4.
+constexpr int selectorUrlSurelyShortEnough = selectorUrlMaximumLength / 3;
+
 /// Splits scheme://module/object/instance/group/…/leaf[?deactivated] and decodes the parts
 /// (RFC 3986, section 2.1; their bytes are UTF-8).
 ///
