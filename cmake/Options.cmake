@@ -16,11 +16,16 @@ set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib)
 
-add_library(SelectorHandlerOptions INTERFACE)
-target_compile_options(SelectorHandlerOptions INTERFACE
+# For programs that see the project as users do, without the rules of its own sources.
+add_library(SelectorHandlerWarnings INTERFACE)
+target_compile_options(SelectorHandlerWarnings INTERFACE
     -Wall -Wextra -Wpedantic -Wnon-virtual-dtor
     $<$<CXX_COMPILER_ID:Clang>:-Wno-gnu-zero-variadic-macro-arguments> # qCWarning(category) of Qt 5.15
-    $<$<BOOL:${SELECTORHANDLER_WERROR}>:-Werror>
+    $<$<BOOL:${SELECTORHANDLER_WERROR}>:-Werror>)
+
+add_library(SelectorHandlerOptions INTERFACE)
+target_link_libraries(SelectorHandlerOptions INTERFACE SelectorHandlerWarnings)
+target_compile_options(SelectorHandlerOptions INTERFACE
     -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=)
 # Qt drops file, line and function from warnings in release builds unless told otherwise.
 target_compile_definitions(SelectorHandlerOptions INTERFACE

@@ -132,8 +132,8 @@ void SelectorTest::exitCodesTellScriptsWhatHappened_data()
     const QString bad = "processdata://MODULE/Controller/1/nothing";
     const QString writable = "processdata://MODULE/Controller/1/setpoint";
     const QString readOnly = "processdata://MODULE/Controller/1/name";
-    for (const QString &format : {"table", "json", "csv"}) {
-        const auto row = [&format](const char *what) -> QTestData & {
+    for (const char *const format : {"table", "json", "csv"}) {
+        const auto row = [format](const char *what) -> QTestData & {
             return QTest::newRow(qPrintable(QString("%1, %2").arg(what, format)));
         };
         const QStringList formatted{"--format", format};

@@ -2,8 +2,7 @@
 
 # Clients and publishers on private buses. The helper is a service in a process of its own.
 add_executable(bus-service-helper BusServiceHelper.cpp)
-target_link_libraries(bus-service-helper PRIVATE Qt5::DBus)
-target_compile_options(bus-service-helper PRIVATE -Wall -Wextra -Wpedantic)
+target_link_libraries(bus-service-helper PRIVATE SelectorHandlerWarnings Qt5::DBus)
 
 function(add_bus_test name)
     add_platform_test(${name} ${ARGN})
