@@ -3,6 +3,7 @@
 #include "BusLink.h"
 
 #include "BusLog.h"
+#include "BusThread.h"
 
 #include <QAtomicInt>
 #include <QDBusError>
@@ -93,6 +94,9 @@ bool BusLink::isConnected() const
 
 bool BusLink::connectNow(QString &error)
 {
+    if (!BusThread::canStart(error)) {
+        return false;
+    }
     const QString name = uniqueConnectionName();
     QDBusConnection fresh = choice.connectTo(name);
     liftReceiveLimit(fresh);

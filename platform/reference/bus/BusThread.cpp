@@ -2,7 +2,14 @@
 // A thread whose event loop serves objects of the bus.
 #include "BusThread.h"
 
+#include "FileDescriptor.h"
+
 #include <QDBusConnection>
+
+#include <array>
+#include <cerrno>
+#include <sys/eventfd.h>
+#include <unistd.h>
 
 BusThread::BusThread(const QString &name)
 {
@@ -11,6 +18,30 @@ BusThread::BusThread(const QString &name)
     const QDBusConnection touched(name);
     worker.setObjectName(name);
     context.moveToThread(&worker);
+}
+
+bool BusThread::canStart(QString &reason)
+{
+    // Two threads (QtDBus has one of its own) with two files each at most, a socket, and some room
+    // for what other threads open meanwhile.
+    constexpr int needed = 10;
+    std::array<int, needed> taken{};
+    taken.fill(-1);
+    bool enough = true;
+    for (int &descriptor : taken) {
+        descriptor = ::eventfd(0, EFD_CLOEXEC);
+        if (descriptor == -1) {
+            reason = errorText(errno);
+            enough = false;
+            break;
+        }
+    }
+    for (const int descriptor : taken) {
+        if (descriptor != -1) {
+            ::close(descriptor);
+        }
+    }
+    return enough;
 }
 
 BusThread::~BusThread()

@@ -4,6 +4,7 @@
 #define BUSTHREAD_H
 
 #include <QObject>
+#include <QString>
 #include <QThread>
 
 #include <utility>
@@ -20,6 +21,13 @@ public:
     ~BusThread();
     BusThread(const BusThread &) = delete;
     BusThread &operator=(const BusThread &) = delete;
+
+    /// Whether this process can open as many files as a bus thread and its connection take, to be
+    /// asked before either is made: GLib, on which Qt's event loops stand, ends a process that
+    /// cannot.
+    ///
+    /// @param reason  receives the system's; left alone on success
+    static bool canStart(QString &reason);
 
     bool isRunning() const { return worker.isRunning(); }
     void start() { worker.start(); }

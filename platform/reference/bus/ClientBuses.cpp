@@ -7,6 +7,7 @@
 #include <QHash>
 #include <QMutexLocker>
 
+#include <atomic>
 #include <utility>
 
 namespace {
@@ -22,11 +23,18 @@ public:
         return buses;
     }
 
+    /// Asked before all(), which makes the thread's object.
+    static bool canStart(QString &reason)
+    {
+        return isRunning.load() || BusThread::canStart(reason);
+    }
+
     QSharedPointer<ClientBus> find(const BusChoice &choice)
     {
         const QMutexLocker lock(&mutex);
         if (!thread.isRunning()) {
             thread.start();
+            isRunning = true;
             qAddPostRoutine(&ClientBuses::endOfApplication);
         }
         QSharedPointer<ClientBus> &bus = buses[choice.key()];
@@ -60,12 +68,16 @@ private:
             }
         });
         thread.stop();
+        isRunning = false;
     }
 
+    static std::atomic<bool> isRunning;
     QMutex mutex;
     QHash<QString, QSharedPointer<ClientBus>> buses;
     BusThread thread; // destroyed before the buses
 };
+
+std::atomic<bool> ClientBuses::isRunning{false};
 }
 
 QSharedPointer<ClientBus> ClientBus::instance(QString &error)
@@ -75,6 +87,11 @@ QSharedPointer<ClientBus> ClientBus::instance(QString &error)
     if (QCoreApplication::instance() == nullptr) {
         error = QStringLiteral("Cannot connect to %1: there is no QCoreApplication")
                     .arg(choice.label());
+        return bus;
+    }
+    QString reason;
+    if (!ClientBuses::canStart(reason)) {
+        error = QStringLiteral("Cannot connect to %1: %2").arg(choice.label(), reason);
         return bus;
     }
     bus = ClientBuses::all().find(choice);

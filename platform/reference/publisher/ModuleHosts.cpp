@@ -2,13 +2,14 @@
 // All module hosts of the process and the thread that they share.
 #include "ModuleHosts.h"
 
-#include "BusSettings.h"
 #include "ModuleHost.h"
 
 #include <QCoreApplication>
 #include <QMutexLocker>
 
 #include <utility>
+
+std::atomic<bool> ModuleHosts::isRunning{false};
 
 ModuleHosts &ModuleHosts::instance()
 {
@@ -44,20 +45,32 @@ void ModuleHosts::stop()
         }
     });
     thread.stop();
+    isRunning = false;
 }
 
 ModuleHost *ModuleHosts::acquire(const QString &moduleName, QString &error)
 {
     const BusChoice choice = BusChoice::fromEnvironment();
-    const QString key = moduleName + QChar::Null + choice.key();
     if (QCoreApplication::instance() == nullptr) {
         error = QStringLiteral("Cannot connect to %1: there is no QCoreApplication")
                     .arg(choice.label());
         return nullptr;
     }
+    QString reason;
+    if (!isRunning.load() && !BusThread::canStart(reason)) {
+        error = QStringLiteral("Cannot connect to %1: %2").arg(choice.label(), reason);
+        return nullptr;
+    }
+    return instance().acquire(moduleName, choice, error);
+}
+
+ModuleHost *ModuleHosts::acquire(const QString &moduleName, const BusChoice &choice, QString &error)
+{
+    const QString key = moduleName + QChar::Null + choice.key();
     const QMutexLocker lock(&mutex);
     if (!thread.isRunning()) {
         thread.start();
+        isRunning = true;
         qAddPostRoutine(&ModuleHosts::endOfApplication);
     }
     const auto found = entries.find(key);

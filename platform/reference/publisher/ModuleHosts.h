@@ -3,12 +3,14 @@
 #ifndef MODULEHOSTS_H
 #define MODULEHOSTS_H
 
+#include "BusSettings.h"
 #include "BusThread.h"
 
 #include <QHash>
 #include <QMutex>
 #include <QString>
 
+#include <atomic>
 #include <utility>
 
 class ModuleHost;
@@ -24,7 +26,7 @@ public:
 
     /// Finds or makes and starts the module's host on the bus that the environment chooses; null
     /// with the reason on failure. Each success takes one release().
-    ModuleHost *acquire(const QString &moduleName, QString &error);
+    static ModuleHost *acquire(const QString &moduleName, QString &error);
     void release(ModuleHost *host);
 
     template <typename Function> void runAndWait(Function &&function)
@@ -42,8 +44,11 @@ private:
     ModuleHosts();
     ~ModuleHosts();
     static void endOfApplication();
+    ModuleHost *acquire(const QString &moduleName, const BusChoice &choice, QString &error);
     void stop();
     void end(ModuleHost *host);
+
+    static std::atomic<bool> isRunning; // the thread is
 
     // Held while a host starts or ends, so that nobody asks for a name that is just being given
     // back. The hosts' thread never takes it.

@@ -36,6 +36,9 @@ QByteArray PublisherCommands::run(const QByteArray &line)
     if (verb == "playRegistry") {
         return playRegistry();
     }
+    if (verb == "starve") {
+        return starve(command.value("of").toString());
+    }
     if (verb == "announceStartupReady" && status) {
         status->setReady(true);
         return "ok";
@@ -97,6 +100,13 @@ QByteArray PublisherCommands::playRegistry()
     QString error;
     registry = ProviderRegistryService::create(&error);
     return answer(!registry.isNull(), error);
+}
+
+QByteArray PublisherCommands::starve(const QString &what)
+{
+    descriptorShortage.reset(what == "descriptors" ? new DescriptorShortage : nullptr);
+    memoryShortage.reset(what == "memory" ? new MemoryShortage : nullptr);
+    return "ok";
 }
 
 void printLine(const QByteArray &line)

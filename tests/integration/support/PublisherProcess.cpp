@@ -4,8 +4,9 @@
 
 #include <QJsonDocument>
 
-PublisherProcess::PublisherProcess(const QStringList &arguments)
-    : child(QStringLiteral(INTEGRATION_PUBLISHER), arguments)
+PublisherProcess::PublisherProcess(const QStringList &arguments, const QStringList &prefix)
+    : child((prefix + QStringList{INTEGRATION_PUBLISHER}).first(),
+            (prefix + QStringList{INTEGRATION_PUBLISHER}).mid(1) + arguments)
 {
 }
 
@@ -50,6 +51,11 @@ QByteArray PublisherProcess::playStatusManager()
 QByteArray PublisherProcess::playRegistry()
 {
     return command({{"do", "playRegistry"}});
+}
+
+QByteArray PublisherProcess::starve(const QString &what)
+{
+    return command({{"do", "starve"}, {"of", what}});
 }
 
 QByteArray PublisherProcess::announceStartupReady()

@@ -14,7 +14,8 @@
 class PublisherProcess
 {
 public:
-    explicit PublisherProcess(const QStringList &arguments = {});
+    /// @param prefix  a command that runs the one behind it
+    explicit PublisherProcess(const QStringList &arguments = {}, const QStringList &prefix = {});
 
     QByteArray start();
     QByteArray create(const QString &module, const QString &object, const QString &instance,
@@ -24,6 +25,9 @@ public:
     QByteArray replaceProperties(const QJsonObject &description);
     QByteArray playStatusManager();
     QByteArray playRegistry();
+
+    /// Takes "descriptors" or "memory" from it; "nothing" gives both back.
+    QByteArray starve(const QString &what);
     QByteArray announceStartupReady();
 
     /// Waits until the publisher reports that a client wrote this leaf.
