@@ -62,7 +62,7 @@ bool ProcessDescriptionObject::handleMessage(const QDBusMessage &message,
         return false; // QtDBus answers the standard interfaces, and refuses the others
     }
     if (message.member() == QLatin1String("GetProcessDataDescription")) {
-        return connection.send(answerFetch(message));
+        return sendAnswer(message, connection);
     }
     if (message.member() == QLatin1String("ListInstances")) {
         return connection.send(message.createReply(QVariant(instances())));

@@ -26,6 +26,7 @@ public:
 
 private:
     QDBusMessage answerFetch(const QDBusMessage &message) const;
+    bool sendAnswer(const QDBusMessage &message, const QDBusConnection &connection);
 
     const QString source;
     QMap<QString, QString> descriptions;
