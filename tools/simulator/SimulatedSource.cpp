@@ -25,16 +25,28 @@ SimulatedSource::~SimulatedSource() = default;
 
 bool SimulatedSource::start(QString &error)
 {
-    if (!readFile(name, content, error) || !parseDescriptionFile(name, content, current, error)) {
+    if (!readFile(name, content, error)) {
+        return false;
+    }
+    published = content;
+    return publish(error);
+}
+
+bool SimulatedSource::publish(QString &error)
+{
+    DescriptionFile file;
+    if (!parseDescriptionFile(name, published, file, error)) {
         return false;
     }
     QString problem;
-    publisher = ProcessDataPublisher::create(current.module, current.object, current.instance,
-                                             current.description, firstValues(current), &problem);
+    publisher = ProcessDataPublisher::create(file.module, file.object, file.instance,
+                                             file.description, firstValues(file), &problem);
     if (!publisher) {
         error = QStringLiteral("%1: %2").arg(name, problem);
         return false;
     }
+    current = std::move(file);
+    current.movingLeaves.clear();
     QObject::connect(publisher.data(), &ProcessDataPublisher::valueWritten, publisher.data(),
                      [file = name](const QString &path, const ProcessValue &value) {
                          qCDebug(simulator).noquote() << file + QStringLiteral(": a client wrote")
@@ -91,7 +103,9 @@ void SimulatedSource::takeMotions(std::vector<MovingLeaf> &&leaves)
 
 void SimulatedSource::step()
 {
-    step(*publisher);
+    if (isPublished()) {
+        step(*publisher);
+    }
 }
 
 void SimulatedSource::step(ProcessDataPublisher &to)
@@ -134,6 +148,9 @@ void SimulatedSource::publishOneByOne(ProcessDataPublisher &to, const std::vecto
 
 void SimulatedSource::reload()
 {
+    if (!isPublished()) {
+        return; // looked at again when it is
+    }
     QByteArray newContent;
     QString error;
     if (!readFile(name, newContent, error)) {
@@ -148,13 +165,21 @@ void SimulatedSource::reload()
         return;
     }
     content = newContent;
-    DescriptionFile file;
-    if (!parseDescriptionFile(name, content, file, error) || !apply(file, error)) {
+    if (!replace(content, error)) {
         qCWarning(simulator).noquote() << error + QStringLiteral("; the old description goes on");
-        return;
     }
+}
+
+bool SimulatedSource::replace(const QByteArray &newContent, QString &error)
+{
+    DescriptionFile file;
+    if (!parseDescriptionFile(name, newContent, file, error) || !apply(file, error)) {
+        return false;
+    }
+    published = newContent;
     current = std::move(file);
     current.movingLeaves.clear();
+    return true;
 }
 
 bool SimulatedSource::apply(DescriptionFile &file, QString &error)

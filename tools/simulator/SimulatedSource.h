@@ -28,7 +28,12 @@ public:
     SimulatedSource(const SimulatedSource &) = delete;
     SimulatedSource &operator=(const SimulatedSource &) = delete;
 
-    const QString &fileName() const { return name; }
+    const QString &module() const { return current.module; }
+    /// module/object/instance
+    QString source() const;
+    bool isPublished() const { return !publisher.isNull(); }
+    /// The description as clients fetch it; only while it is published.
+    QByteArray served() const;
 
     /// Publishes all leaves that moved since the last step, as one batch.
     void step();
@@ -36,6 +41,21 @@ public:
     /// Reads the file again if it changed and announces what is different. A broken file is
     /// reported once and the old description goes on.
     void reload();
+
+    /// Ends the publication, as when the service is stopped.
+    void vanish();
+    /// Publishes again what vanished; does nothing when nothing did.
+    bool comeBack(QString &error);
+
+    // Only while it is published:
+
+    /// Gives a leaf another type, as a new version of the service would.
+    ///
+    /// @param capacity  bytes; 0 keeps the leaf's own
+    bool retype(const QString &path, const QString &type, int capacity, QString &error);
+
+    /// Announces over and over that the description, or the properties, changed.
+    bool announce(int count, bool ofProperties, QString &error);
 
 private:
     struct Track
@@ -47,6 +67,8 @@ private:
 
     explicit SimulatedSource(const QString &fileName);
     bool start(QString &error);
+    bool publish(QString &error);
+    bool replace(const QByteArray &newContent, QString &error);
     ProcessDataPublisher::FirstValues firstValues(DescriptionFile &file);
     void step(ProcessDataPublisher &to);
     void publishFirstValues(ProcessDataPublisher &to);
@@ -56,6 +78,7 @@ private:
 
     const QString name;
     QByteArray content; ///< last seen, also when it was refused
+    QByteArray published; ///< what is published: the file, or what a step made of it
     bool missing = false;
     DescriptionFile current; ///< without its motions, which the tracks hold
     QElapsedTimer clock;

@@ -2,10 +2,13 @@
 // Start and life of a simulator.
 #include "Simulator.h"
 
+#include "ControlService.h"
+#include "DescriptionFile.h"
 #include "ExitCode.h"
 #include "FileChanges.h"
 #include "ProviderRegistryService.h"
 #include "SimulatedSource.h"
+#include "SimulatorLog.h"
 #include "SystemStatusManagerDBusConnector.h"
 #include "SystemStatusService.h"
 
@@ -21,6 +24,9 @@ Simulator::~Simulator() = default;
 
 int Simulator::start(QString &error)
 {
+    if (!options.scenario.isEmpty() && !readScenario(error)) {
+        return ExitSomeFailed;
+    }
     if (SystemStatusManagerDBusConnector::createAndConnect().isNull()) {
         error = QStringLiteral("the bus is out of reach (PROCESSDATA_BUS chooses which one)");
         return ExitNotReachable;
@@ -44,7 +50,38 @@ int Simulator::start(QString &error)
     if (status) {
         status->setReady(true);
     }
+    return options.control ? startFaults(error) : int(ExitAllGood);
+}
+
+bool Simulator::readScenario(QString &error)
+{
+    QByteArray content;
+    return readFile(options.scenario, content, error)
+        && parseScenario(options.scenario, content, scenario, error);
+}
+
+int Simulator::startFaults(QString &error)
+{
+    control = std::make_unique<ControlService>(
+        scenario,
+        [this](const ScenarioStep &step, QString &problem) { return faults.run(step, problem); });
+    if (!control->start(error)) {
+        return ExitNotReachable;
+    }
+    for (const ScenarioStep &timed : qAsConst(scenario.steps)) {
+        if (timed.at >= 0) {
+            QTimer::singleShot(timed.at, this, [this, timed] { play(timed); });
+        }
+    }
     return ExitAllGood;
+}
+
+void Simulator::play(const ScenarioStep &step)
+{
+    QString error;
+    if (!faults.run(step, error)) {
+        qCWarning(simulator).noquote() << error;
+    }
 }
 
 bool Simulator::startServices(QString &error)

@@ -3,6 +3,8 @@
 #ifndef SIMULATOR_H
 #define SIMULATOR_H
 
+#include "FaultRunner.h"
+#include "Scenario.h"
 #include "SimulatorOptions.h"
 
 #include <QObject>
@@ -12,6 +14,7 @@
 #include <memory>
 #include <vector>
 
+class ControlService;
 class FileChanges;
 class ProviderRegistryService;
 class SimulatedSource;
@@ -32,6 +35,9 @@ public:
 
 private:
     bool startServices(QString &error);
+    bool readScenario(QString &error);
+    int startFaults(QString &error);
+    void play(const ScenarioStep &step);
     void step();
     void reload();
 
@@ -39,6 +45,9 @@ private:
     QSharedPointer<ProviderRegistryService> registry;
     QSharedPointer<SystemStatusService> status;
     std::vector<std::unique_ptr<SimulatedSource>> sources;
+    Scenario scenario;
+    FaultRunner faults{sources};
+    std::unique_ptr<ControlService> control;
     std::unique_ptr<FileChanges> fileChanges;
     QTimer timer;
 };

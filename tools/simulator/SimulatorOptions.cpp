@@ -13,11 +13,14 @@ struct Parser
     Parser()
     {
         parser.addPositionalArgument(QStringLiteral("FILE"), QString(), QStringLiteral("FILE..."));
-        parser.addOptions({interval, services, verbose, help, version});
+        parser.addOptions({interval, services, scenario, control, verbose, help, version});
     }
 
     const QCommandLineOption interval{QStringLiteral("interval"), QString(), QStringLiteral("MS")};
     const QCommandLineOption services{QStringLiteral("system-services")};
+    const QCommandLineOption scenario{QStringLiteral("scenario"), QString(),
+                                      QStringLiteral("FILE")};
+    const QCommandLineOption control{QStringLiteral("control")};
     const QCommandLineOption verbose{QStringLiteral("verbose")};
     const QCommandLineOption help{{QStringLiteral("h"), QStringLiteral("help")}};
     const QCommandLineOption version{QStringLiteral("version")};
@@ -37,8 +40,14 @@ bool parseSimulatorOptions(const QStringList &arguments, SimulatorOptions &optio
     parsed.help = line.parser.isSet(line.help);
     parsed.version = line.parser.isSet(line.version);
     parsed.systemServices = line.parser.isSet(line.services);
+    parsed.scenario = line.parser.value(line.scenario);
+    parsed.control = line.parser.isSet(line.control) || line.parser.isSet(line.scenario);
     parsed.verbose = line.parser.isSet(line.verbose);
     parsed.fileNames = line.parser.positionalArguments();
+    if (line.parser.isSet(line.scenario) && parsed.scenario.isEmpty()) {
+        error = QStringLiteral("--scenario takes the name of a file");
+        return false;
+    }
     if (line.parser.isSet(line.interval)) {
         bool ok = false;
         const QString text = line.parser.value(line.interval);
@@ -71,6 +80,8 @@ QString simulatorHelp()
         "Options:\n"
         "  --interval MS      milliseconds between two steps of the values (100)\n"
         "  --system-services  also play the system status manager and the provider registry\n"
+        "  --scenario FILE    make the faults that FILE times, and serve them over D-Bus\n"
+        "  --control          serve faults over D-Bus without a scenario\n"
         "  --verbose          also print what clients write, and the libraries' messages\n"
         "  -h, --help         print this and exit\n"
         "  --version          print the version and exit\n"

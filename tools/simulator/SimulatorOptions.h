@@ -9,8 +9,10 @@
 struct SimulatorOptions
 {
     QStringList fileNames;
+    QString scenario; ///< file name; empty: none
     int interval = 100; ///< milliseconds between two steps
     bool systemServices = false;
+    bool control = false; ///< serve the control interface, also without a scenario
     bool verbose = false;
     bool help = false;
     bool version = false;

@@ -9,7 +9,11 @@ PrivateBus::PrivateBus()
     QFile configuration(directory.filePath("bus.conf"));
     if (configuration.open(QIODevice::WriteOnly)) {
         configuration.write("<busconfig><type>session</type><listen>" + address().toUtf8()
-                            + "</listen><auth>EXTERNAL</auth><policy context=\"default\">"
+                            + "</listen><auth>EXTERNAL</auth>"
+                              "<limit name=\"max_message_size\">134217728</limit>"
+                              "<limit name=\"max_incoming_bytes\">1000000000</limit>"
+                              "<limit name=\"max_outgoing_bytes\">1000000000</limit>"
+                              "<policy context=\"default\">"
                               "<allow send_destination=\"*\"/><allow receive_sender=\"*\"/>"
                               "<allow own=\"*\"/></policy></busconfig>\n");
     }

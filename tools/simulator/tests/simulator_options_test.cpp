@@ -21,14 +21,16 @@ void SimulatorOptionsTest::allOptionsAreTaken()
     SimulatorOptions options;
     QString error;
 
-    QVERIFY(parseSimulatorOptions(
-        {"simulator", "a.pdd", "--interval", "20", "--system-services", "--verbose", "b.pdd"},
-        options, error));
+    QVERIFY(parseSimulatorOptions({"simulator", "a.pdd", "--interval", "20", "--system-services",
+                                   "--verbose", "b.pdd", "--scenario", "s.json"},
+                                  options, error));
 
     QCOMPARE(options.fileNames, QStringList({"a.pdd", "b.pdd"}));
     QCOMPARE(options.interval, 20);
     QVERIFY(options.systemServices);
     QVERIFY(options.verbose);
+    QCOMPARE(options.scenario, QString("s.json"));
+    QVERIFY(options.control);
     QVERIFY(!options.help);
 }
 
@@ -41,6 +43,10 @@ void SimulatorOptionsTest::defaultsHold()
 
     QCOMPARE(options.interval, 100);
     QVERIFY(options.fileNames.isEmpty());
+    QVERIFY(options.scenario.isEmpty());
+    QVERIFY(!options.control);
+    QVERIFY(parseSimulatorOptions({"simulator", "--control", "a.pdd"}, options, error));
+    QVERIFY(options.control);
 }
 
 void SimulatorOptionsTest::wrongUsageIsNamed_data()
@@ -53,6 +59,8 @@ void SimulatorOptionsTest::wrongUsageIsNamed_data()
         << QStringList{"--fast", "a.pdd"} << "Unknown option 'fast'.";
     QTest::newRow("no time at all") << QStringList{"--interval", "0", "a.pdd"}
                                     << "--interval must be 1 to 60000 milliseconds, not \"0\"";
+    QTest::newRow("a scenario without a name")
+        << QStringList{"--scenario", "", "a.pdd"} << "--scenario takes the name of a file";
     QTest::newRow("a time with unit") << QStringList{"--interval", "5ms", "a.pdd"}
                                       << "--interval must be 1 to 60000 milliseconds, not \"5ms\"";
 }
@@ -71,8 +79,8 @@ void SimulatorOptionsTest::wrongUsageIsNamed()
 
 void SimulatorOptionsTest::helpNamesEveryOption()
 {
-    for (const char *option :
-         {"--interval", "--system-services", "--verbose", "--help", "--version"}) {
+    for (const char *option : {"--interval", "--system-services", "--scenario", "--control",
+                               "--verbose", "--help", "--version"}) {
         QVERIFY2(simulatorHelp().contains(option), option);
     }
 }

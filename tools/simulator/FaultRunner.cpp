@@ -1,0 +1,131 @@
+// SPDX-License-Identifier: MIT
+// Makes the faults of a scenario happen.
+#include "FaultRunner.h"
+
+#include "BufferFaults.h"
+#include "FetchFaults.h"
+#include "SimulatedSource.h"
+#include "SimulatorLog.h"
+
+#include <algorithm>
+#include <csignal>
+#include <unistd.h>
+
+namespace {
+
+bool isForFetches(Fault fault)
+{
+    return fault == Fault::ReplyNormally || fault == Fault::ReplyLate || fault == Fault::ReplyNever
+        || fault == Fault::ReplyError || fault == Fault::ReplyText || fault == Fault::ReplyHuge;
+}
+
+// Still JSON, and right but for its size.
+QString padded(const QByteArray &description, int bytes)
+{
+    return QString::fromUtf8(description.leftJustified(bytes, ' '));
+}
+
+void setFetchFault(const ScenarioStep &step, const SimulatedSource &source)
+{
+    FetchFault fault;
+    fault.delay = step.delay;
+    fault.error = step.error;
+    fault.text = step.text;
+    fault.count = step.count;
+    switch (step.fault) {
+    case Fault::ReplyLate:
+        fault.kind = FetchFault::Late;
+        break;
+    case Fault::ReplyNever:
+        fault.kind = FetchFault::Never;
+        break;
+    case Fault::ReplyError:
+        fault.kind = FetchFault::Error;
+        break;
+    case Fault::ReplyText:
+        fault.kind = FetchFault::Text;
+        break;
+    case Fault::ReplyHuge:
+        fault.kind = FetchFault::Text;
+        fault.text = padded(source.served(), step.bytes);
+        break;
+    default:
+        break;
+    }
+    FetchFaults::instance().set(step.source, fault);
+}
+
+} // namespace
+
+bool FaultRunner::run(const ScenarioStep &step, QString &error)
+{
+    QString problem;
+    bool done = false;
+    if (step.fault == Fault::Kill) {
+        static_cast<void>(kill(getpid(), SIGKILL));
+    } else if (step.fault == Fault::Vanish || step.fault == Fault::Return) {
+        done = runOnModule(step, problem);
+    } else if (SimulatedSource *source = find(step.source)) {
+        done = runOnSource(step, *source, problem);
+    } else {
+        problem = QStringLiteral("key \"source\": no file publishes \"%1\"").arg(step.source);
+    }
+    if (!done) {
+        error = QStringLiteral("step %1: %2").arg(step.name, problem);
+        return false;
+    }
+    qCInfo(simulator).noquote() << QStringLiteral("step %1: done").arg(step.name);
+    return true;
+}
+
+bool FaultRunner::runOnModule(const ScenarioStep &step, QString &error)
+{
+    bool found = false;
+    for (const auto &source : sources) {
+        if (source->module() != step.module) {
+            continue;
+        }
+        found = true;
+        if (step.fault == Fault::Vanish) {
+            source->vanish();
+        } else if (!source->comeBack(error)) {
+            return false;
+        }
+    }
+    if (!found) {
+        error = QStringLiteral("key \"module\": no file publishes \"%1\"").arg(step.module);
+    }
+    return found;
+}
+
+bool FaultRunner::runOnSource(const ScenarioStep &step, SimulatedSource &source, QString &error)
+{
+    if (!source.isPublished()) {
+        error = QStringLiteral("key \"source\": \"%1\" has vanished").arg(step.source);
+        return false;
+    }
+    if (isForFetches(step.fault)) {
+        setFetchFault(step, source);
+        return true;
+    }
+    switch (step.fault) {
+    case Fault::KillInWrite:
+        return dieInWrite(source.served(), step.leaf, step.byClient, error);
+    case Fault::Retype:
+        return source.retype(step.leaf, step.type, step.capacity, error);
+    case Fault::Storm:
+        return source.announce(step.count, step.ofProperties, error);
+    case Fault::Permissions:
+        return changeBufferMode(source.served(), step.mode, error);
+    default:
+        return false;
+    }
+}
+
+SimulatedSource *FaultRunner::find(const QString &source) const
+{
+    const auto found = std::find_if(sources.begin(), sources.end(), [&](const auto &candidate) {
+        return candidate->source() == source;
+    });
+    return found == sources.end() ? nullptr : found->get();
+}
