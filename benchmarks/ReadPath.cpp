@@ -1,10 +1,14 @@
 // SPDX-License-Identifier: MIT
-// Reading by index against the floor: many values, one value, properties of the length of a run.
+// Reading by index against the floor: many values, one value, beside writers and other readers.
+#include "BackgroundThread.h"
 #include "Floor.h"
 #include "InProcessSource.h"
 #include "SelectorHandlerProcessValue.h"
 
 #include <benchmark/benchmark.h>
+
+#include <chrono>
+#include <thread>
 
 namespace {
 
@@ -58,9 +62,61 @@ void handlerOneValue(benchmark::State &state)
     state.SetItemsProcessed(state.iterations());
 }
 
+void readThousand(benchmark::State &state)
+{
+    SelectorHandlerProcessValue &handler = fixtureOf(1000).handler;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(handler.getValues(0, 1000));
+    }
+}
+
+void besideNobody(benchmark::State &state)
+{
+    readThousand(state);
+}
+
+void publishAll(int round)
+{
+    for (int leaf = 0; leaf < 1000; ++leaf) {
+        fixtureOf(1000).source.publish(leaf, leaf + round);
+    }
+}
+
+void besideAFastWriter(benchmark::State &state)
+{
+    int round = 0;
+    const BackgroundThread writer([&round] { publishAll(++round); });
+    readThousand(state);
+}
+
+void besideAWriterOfOneKilohertz(benchmark::State &state)
+{
+    int round = 0;
+    const BackgroundThread writer([&round] {
+        fixtureOf(1000).source.publish(round % 1000, round);
+        ++round;
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    });
+    readThousand(state);
+}
+
+void oneValueBesideAnotherReader(benchmark::State &state)
+{
+    SelectorHandlerProcessValue &handler = fixtureOf(1000).handler;
+    const BackgroundThread reader(
+        [&handler] { benchmark::DoNotOptimize(handler.getValues(7, 1)); });
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(handler.getValues(500, 1));
+    }
+}
+
 } // namespace
 
 BENCHMARK(floorValues)->Arg(1)->Arg(1000)->Arg(10000);
 BENCHMARK(handlerValues)->Arg(1)->Arg(1000)->Arg(10000);
 BENCHMARK(handlerOneValue);
+BENCHMARK(besideNobody);
+BENCHMARK(besideAFastWriter);
+BENCHMARK(besideAWriterOfOneKilohertz);
+BENCHMARK(oneValueBesideAnotherReader)->UseRealTime();
 BENCHMARK_MAIN();
