@@ -52,6 +52,7 @@ private Q_SLOTS:
     void aReplyOutlivesItsConnector();
     void aReplyAskedForInAnotherThreadReportsInTheConnectors();
     void withoutABusThereIsNoReply();
+    void whatWasUnderWayWhenTheBusDiedHoldsNothingUp();
 
 private:
     QSharedPointer<DBusPendingReply> ask(const QString &instance)
@@ -249,6 +250,29 @@ void ConnectorPendingReplyTest::withoutABusThereIsNoReply()
     QVERIFY(connector->getProcessDataDescription("1", QString()).isError());
 
     QVERIFY(bus.start());
+}
+
+// Later fetches of an instance wait for the end of the one before, also when nobody else does.
+void ConnectorPendingReplyTest::whatWasUnderWayWhenTheBusDiedHoldsNothingUp()
+{
+    QCOMPARE(service->order({"mode", "silent"}), QString("ok"));
+    Receiver receiver;
+    auto released = ask("1");
+    const auto waiting = ask("1");
+    listen(waiting.data(), &receiver);
+    QTRY_COMPARE(service->fetches(), 1);
+    released.reset();
+    bus.stop();
+    QTRY_COMPARE(receiver.errors, 1);
+
+    QVERIFY(bus.start());
+    service.reset(new BusService);
+    QVERIFY(service->serve(pumpService, path, "1", "new"));
+    QTRY_VERIFY(connector->isDBusInterfaceValid());
+    const auto next = ask("1");
+    QSignalSpy nextFinished(next.data(), &DBusPendingReply::dBusServiceFinished);
+    QTRY_COMPARE(nextFinished.size(), 1);
+    QCOMPARE(next->getReply(), QVariant("new"));
 }
 
 QTEST_GUILESS_MAIN(ConnectorPendingReplyTest)
