@@ -24,6 +24,13 @@ add_selector_test(selector_doctor_clean)
 add_selector_test(selector_check)
 add_selector_test(selector_apply)
 add_selector_test(selector_completion)
+add_selector_test(selector_exit_codes)
+target_link_libraries(integration_selector_exit_codes_test PRIVATE Qt5::DBus)
+target_compile_definitions(integration_selector_exit_codes_test PRIVATE
+    MAN_PAGES="${PROJECT_SOURCE_DIR}/tools/selector/man")
+add_selector_test(selector_golden)
+target_compile_definitions(integration_selector_golden_test PRIVATE
+    GOLDEN="${CMAKE_CURRENT_SOURCE_DIR}/golden")
 add_selector_test(selector_script)
 
 # Every example of the document, the man pages and the helps, run as written.

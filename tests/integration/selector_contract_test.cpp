@@ -23,8 +23,6 @@ private Q_SLOTS:
     void theSchemaCheckRefusesWhatASchemaDoesNotSay_data();
     void theSchemaCheckRefusesWhatASchemaDoesNotSay();
     void jStandsForJson();
-    void missingAnswersExitWithFour_data();
-    void missingAnswersExitWithFour();
     void missingPermissionExitsWithFive_data();
     void missingPermissionExitsWithFive();
     void oneTimeLimitHoldsForAllServicesTogether();
@@ -167,31 +165,6 @@ void SelectorContractTest::jStandsForJson()
     QVERIFY(shortly.start() && shortly.waitForEnd() && fully.start() && fully.waitForEnd());
     QVERIFY2(fully.output().startsWith('{'), fully.report().constData());
     QCOMPARE(shortly.output(), fully.output());
-}
-
-void SelectorContractTest::missingAnswersExitWithFour_data()
-{
-    QTest::addColumn<QStringList>("arguments");
-    const QString url = "processdata://MODULE/Controller/1/speed";
-    QTest::newRow("read") << QStringList{"read", url, "processdata://NotHere/a/1/b"};
-    QTest::newRow("write") << QStringList{"write", url, "1"};
-    QTest::newRow("properties") << QStringList{"properties", url};
-    QTest::newRow("browse a module") << QStringList{"browse", "MODULE"};
-    QTest::newRow("browse an object") << QStringList{"browse", "MODULE/Controller"};
-    QTest::newRow("browse leaves") << QStringList{"browse", "MODULE/Controller/1"};
-    QTest::newRow("modules") << QStringList{"modules"};
-    QTest::newRow("doctor") << QStringList{"doctor", "MODULE"};
-}
-
-void SelectorContractTest::missingAnswersExitWithFour()
-{
-    QFETCH(const QStringList, arguments);
-    publisher->process().suspend();
-    system->suspend();
-    ChildProcess client(SELECTOR, filledIn(arguments) + QStringList{"--timeout", "0.3"});
-    QVERIFY(client.start() && client.waitForEnd());
-    QVERIFY2(client.exitCode() == 4, client.report().constData());
-    QVERIFY2(!client.errors().isEmpty(), client.report().constData());
 }
 
 void SelectorContractTest::missingPermissionExitsWithFive_data()

@@ -6,17 +6,7 @@
 
 PrivateBus::PrivateBus()
 {
-    QFile configuration(directory.filePath("bus.conf"));
-    if (configuration.open(QIODevice::WriteOnly)) {
-        configuration.write("<busconfig><type>session</type><listen>" + address().toUtf8()
-                            + "</listen><auth>EXTERNAL</auth>"
-                              "<limit name=\"max_message_size\">134217728</limit>"
-                              "<limit name=\"max_incoming_bytes\">1000000000</limit>"
-                              "<limit name=\"max_outgoing_bytes\">1000000000</limit>"
-                              "<policy context=\"default\">"
-                              "<allow send_destination=\"*\"/><allow receive_sender=\"*\"/>"
-                              "<allow own=\"*\"/></policy></busconfig>\n");
-    }
+    configure({});
     qputenv("PROCESSDATA_BUS", address().toUtf8());
 }
 
@@ -31,6 +21,34 @@ bool PrivateBus::start()
                                   {"--config-file=" + directory.filePath("bus.conf"), "--nofork",
                                    "--nopidfile", "--print-address=1"}));
     return daemon->start() && !daemon->waitForLineWith("unix:").isEmpty();
+}
+
+bool PrivateBus::refuseCalls(const QStringList &interfaces)
+{
+    ChildProcess reload("dbus-send",
+                        {"--bus=" + address(), "--print-reply", "--dest=org.freedesktop.DBus",
+                         "/org/freedesktop/DBus", "org.freedesktop.DBus.ReloadConfig"});
+    return configure(interfaces) && reload.start() && reload.waitForEnd() && reload.exitCode() == 0;
+}
+
+bool PrivateBus::configure(const QStringList &refusedInterfaces) const
+{
+    QByteArray refused;
+    for (const QString &interface : refusedInterfaces) {
+        refused += "<deny send_interface=\"" + interface.toUtf8() + "\"/>";
+    }
+    QFile configuration(directory.filePath("bus.conf"));
+    return configuration.open(QIODevice::WriteOnly)
+        && configuration.write("<busconfig><type>session</type><listen>" + address().toUtf8()
+                               + "</listen><auth>EXTERNAL</auth>"
+                                 "<limit name=\"max_message_size\">134217728</limit>"
+                                 "<limit name=\"max_incoming_bytes\">1000000000</limit>"
+                                 "<limit name=\"max_outgoing_bytes\">1000000000</limit>"
+                                 "<policy context=\"default\">"
+                                 "<allow send_destination=\"*\"/><allow receive_sender=\"*\"/>"
+                                 "<allow own=\"*\"/>"
+                               + refused + "</policy></busconfig>\n")
+        > 0;
 }
 
 void PrivateBus::stop()

@@ -22,10 +22,16 @@ public:
     bool start();
     void stop();
 
+    /// Denies everybody all calls of these interfaces from now on, as a policy file would.
+    /// Returns when the daemon has taken it in.
+    bool refuseCalls(const QStringList &interfaces);
+
     QString address() const;
     QByteArray report() const;
 
 private:
+    bool configure(const QStringList &refusedInterfaces) const;
+
     QTemporaryDir directory;
     QScopedPointer<ChildProcess> daemon;
 };
