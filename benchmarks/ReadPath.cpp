@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Reading by index against the floor: many values, one value, beside writers and other readers.
 #include "BackgroundThread.h"
+#include "ColdCache.h"
 #include "Floor.h"
 #include "InProcessSource.h"
 #include "SelectorHandlerProcessValue.h"
@@ -110,6 +111,29 @@ void oneValueBesideAnotherReader(benchmark::State &state)
     }
 }
 
+template <typename Read> void readCold(benchmark::State &state, Read read)
+{
+    using Clock = std::chrono::steady_clock;
+    fixtureOf(1000); // mapped before the memory is looked through
+    const ColdCache cache;
+    for (auto _ : state) {
+        cache.flush();
+        const auto begin = Clock::now();
+        benchmark::DoNotOptimize(read());
+        state.SetIterationTime(std::chrono::duration<double>(Clock::now() - begin).count());
+    }
+}
+
+void floorCold(benchmark::State &state)
+{
+    readCold(state, [] { return fixtureOf(1000).floor.read(0, 1000); });
+}
+
+void handlerCold(benchmark::State &state)
+{
+    readCold(state, [] { return fixtureOf(1000).handler.getValues(0, 1000); });
+}
+
 } // namespace
 
 BENCHMARK(floorValues)->Arg(1)->Arg(1000)->Arg(10000);
@@ -119,4 +143,6 @@ BENCHMARK(besideNobody);
 BENCHMARK(besideAFastWriter);
 BENCHMARK(besideAWriterOfOneKilohertz);
 BENCHMARK(oneValueBesideAnotherReader)->UseRealTime();
+BENCHMARK(floorCold)->UseManualTime()->Iterations(30);
+BENCHMARK(handlerCold)->UseManualTime()->Iterations(30);
 BENCHMARK_MAIN();

@@ -21,6 +21,7 @@ class Run:
             for case in json.loads(file.read_text())["benchmarks"]:
                 if case.get("aggregate_name") == "median":
                     self.cases[file.stem, case["run_name"]] = case
+        self.heap = int((folder / "heap").read_text())
         lines = (folder / "instructions").read_text().split("\n")
         self.counts = {(w, int(n)): int(c) for w, n, c in (l.split() for l in lines if l)}
 
@@ -69,6 +70,9 @@ def rows(run):
         row("1,000 values beside a writer at 1 kHz, against no writer", read("besideAWriterOfOneKilohertz"),
             read("besideNobody"), "ns", 1.1),
         row("one value beside a second reading thread, against one thread", one, read("handlerValues/1"), "ns", 3.0),
+        row("1,000 values from cold caches, against slot pointers in a row",
+            run.time("read-path", "handlerCold", "real_time") / 1000,
+            run.time("read-path", "floorCold", "real_time") / 1000, "ns", 1.25),
         row("one value, times faster than QtDBus `Properties.Get`", real("handlerOne"), real("dbusGet"), "ns", 1000,
             True),
         row("1,000 values, times faster than a QtDBus map", real("handlerMany"), real("dbusMap"), "ns", 150, True),
@@ -88,13 +92,15 @@ def rows(run):
             setup("handlerSetUp/1/1000", 1000), "ns", 1.1),
         row("set-up a leaf, 10,000 in one source against 1,000", setup("handlerSetUp/1/10000", 10000),
             setup("handlerSetUp/1/1000", 1000), "ns", 1.4),
+        {"what": "heap a selector, library and platform", "measured": run.heap, "against": "", "unit": "bytes",
+         "ratio": "", "goal": "≤ 1536", "met": run.heap <= 1536},
         row("description change of 1,000 leaves, signal to slot, against the floor", change("handlerChange"),
             change("floorChange"), "ns", 1.5),
     ]
 
 
 def number(value):
-    return f"{value:,.0f}" if value >= 1000 else f"{value:g}"
+    return value if isinstance(value, str) else f"{value:,.0f}" if value >= 1000 else f"{value:g}"
 
 
 def table(all_rows):
