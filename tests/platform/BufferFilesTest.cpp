@@ -5,6 +5,7 @@
 #include "BufferLayout.h"
 #include "BufferName.h"
 #include "BufferSource.h"
+#include "RequireRoot.h"
 
 #include <QFile>
 #include <QtTest>
