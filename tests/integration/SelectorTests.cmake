@@ -37,3 +37,5 @@ add_selector_test(selector_script)
 add_test(NAME integration.cli_examples
     COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/cli_examples_test.sh ${PROJECT_SOURCE_DIR} ${PROJECT_BINARY_DIR})
 set_tests_properties(integration.cli_examples PROPERTIES LABELS integration TIMEOUT 120)
+# One process after the other for each row: slow under a sanitizer.
+set_tests_properties(integration.selector_exit_codes PROPERTIES TIMEOUT 240)
