@@ -22,7 +22,7 @@ public:
     void appendTo(QByteArray &bytes);
 
 private:
-    void writeText(const QString &text);
+    void writeText(const QString &content);
     void writeNumber(const QJsonValue &value);
     void writeValue(const QJsonValue &value);
     void writeByQt(const QJsonValue &value);
