@@ -8,8 +8,8 @@
 
 struct Footprint
 {
-    /// First statement of main: starts the program anew when need be, so that the heap is counted
-    /// exactly. Else freed memory that a thread's cache keeps counts as in use.
+    /// First statement of main: starts the program anew when need be, so that memory is counted
+    /// exactly. Else what was freed and is kept for later counts as in use.
     static void prepare(char **argv);
 
     /// As it is now, after freed memory went back to the system.
