@@ -61,4 +61,14 @@ programs=$(find "$work/library" -path '*/CMakeFiles' -prune -o -type f -perm -u+
 
 exported=$(nm -DC --defined-only "$library" | grep -E ' [TVW] ' | grep -vE 'Selector|typeinfo|vtable|std::|Q[A-Z]' || true)
 [ -z "$exported" ] || fail "exports what is not its own: $exported"
+
+# The contract's own tests, as a project outside of this tree would run them.
+# shellcheck disable=SC2086
+cmake $common -S "$source_dir/tests/contract" -B "$work/contract" -DCMAKE_PREFIX_PATH="$work/prefix"
+cmake --build "$work/contract"
+platform_dir=$(dirname "$(find "$work/prefix" -name '*Platform.so*' | head -n 1)")
+LD_LIBRARY_PATH=$platform_dir "$work/contract/platform-form-test" || fail "the contract's form test"
+if CONTRACT_URL='' "$work/contract/platform-live-test"; then
+    fail "the contract's live test passed without a URL"
+fi
 echo "needed: $(echo "$dynamic" | sed -n 's/.*(NEEDED).*\[\(.*\)\].*/\1/p' | tr '\n' ' ')"
