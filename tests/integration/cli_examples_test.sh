@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# Runs every example of the command-line client: of docs/cli.md, of its man pages and of its helps.
+# Runs every example of the command-line client: of the README, docs/cli.md, its man pages and helps.
 #
 # usage: cli_examples_test.sh SOURCE-DIR BUILD-DIR
 #
@@ -69,6 +69,10 @@ do :; done" || {
     cat "$work/simulator"
     exit 1
 }
+
+sed -n 's/^\$ //p' "$source_dir/README.md" >"$work/front"
+run "README.md" "$work/front"
+[[ $(wc -l <"$work/front") -ge 5 ]] || { echo "FAILED: README.md shows too few commands"; failures=1; }
 
 mkdir "$work/blocks"
 blocks "$work/blocks" <"$source_dir/docs/cli.md"
