@@ -141,17 +141,20 @@ void ClientBus::askOwner(const QString &service)
     question << service;
     // Without a connection the question is asked when the bus is back.
     BusCall::send(link.connection(), question, noTimeLimit(), this,
-                  [this, service](const QDBusMessage &answer) {
-                      if (BusErrors::isDisconnected(answer)) {
-                          return;
-                      }
-                      const bool isOwned = answer.type() == QDBusMessage::ReplyMessage;
-                      const QString owner = answer.arguments().value(0).toString();
-                      const QMutexLocker lock(&mutex);
-                      daemonSilent = false;
-                      table.ownerAnswered(service, isOwned ? owner : QString());
-                      changed.wakeAll();
-                  });
+                  [this, service](const QDBusMessage &answer) { handleOwner(service, answer); });
+}
+
+void ClientBus::handleOwner(const QString &service, const QDBusMessage &answer)
+{
+    if (BusErrors::isDisconnected(answer)) {
+        return;
+    }
+    const bool isOwned = answer.type() == QDBusMessage::ReplyMessage;
+    const QString owner = answer.arguments().value(0).toString();
+    const QMutexLocker lock(&mutex);
+    daemonSilent = false;
+    table.ownerAnswered(service, isOwned ? owner : QString());
+    changed.wakeAll();
 }
 
 void ClientBus::handleOwnerChanged(const QDBusMessage &message)
