@@ -17,12 +17,12 @@ BusCall::BusCall(const QDBusConnection &connection, const QDBusMessage &message,
 QDBusMessage BusCall::wait(const QDBusConnection &connection, const QDBusMessage &message,
                            int milliseconds)
 {
-    const QDBusConnection copy = connection; // destroyed after the call
-    if (!copy.isConnected()) {
+    const BusCallConnection held{connection}; // destroyed after the call
+    if (!connection.isConnected()) {
         return message.createErrorReply(QDBusError::Disconnected,
                                         QStringLiteral("Not connected to the bus"));
     }
-    QDBusPendingCall call = copy.asyncCall(message, milliseconds);
+    QDBusPendingCall call = held.connection.asyncCall(message, milliseconds);
     call.waitForFinished();
     return call.reply();
 }
