@@ -52,10 +52,10 @@ void CallRecord::died(const QString &className, const QString &object)
     called(className, object, QStringLiteral("~"));
 }
 
-void CallRecord::during(const QString &operation, std::function<void()> hook)
+void CallRecord::during(const QString &operation, const std::function<void()> &hook)
 {
     const QMutexLocker lock(&mutex);
-    hooks.insert(operation, std::move(hook));
+    hooks.insert(operation, hook);
 }
 
 QStringList CallRecord::texts(const QStringList &classNames) const

@@ -41,7 +41,7 @@ public:
     void died(const QString &className, const QString &object);
 
     /// Runs @p hook inside every later call of an operation written as Class::operation.
-    void during(const QString &operation, std::function<void()> hook);
+    void during(const QString &operation, const std::function<void()> &hook);
 
     QStringList texts(const QStringList &classNames) const;
     int alive(const QString &className) const;

@@ -86,7 +86,7 @@ int ScriptedPlatform::alive(const QString &className) const
     return CallRecord::instance().alive(className);
 }
 
-void ScriptedPlatform::during(const QString &operation, std::function<void()> hook)
+void ScriptedPlatform::during(const QString &operation, const std::function<void()> &hook)
 {
-    CallRecord::instance().during(operation, std::move(hook));
+    CallRecord::instance().during(operation, hook);
 }

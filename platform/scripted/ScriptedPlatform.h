@@ -72,7 +72,7 @@ public:
     int alive(const QString &className) const;
     /// Runs @p hook inside every call of an operation, written as "ProcessDataValue::getValue", in
     /// the thread of the call.
-    void during(const QString &operation, std::function<void()> hook);
+    void during(const QString &operation, const std::function<void()> &hook);
 
 private:
     const QScopedPointer<Script> d;

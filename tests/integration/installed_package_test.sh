@@ -45,7 +45,7 @@ prefix=$work/prefix
 check "the build installs" cmake --install "$build_dir" --prefix "$prefix"
 libdir=$(dirname "$(find "$prefix" -name libSelectorHandler.so.1)")
 testing=$libdir/selectorhandler-testing
-runtime='libQt5Core\.so\.5|lib(stdc\+\+|c|m|gcc_s|asan|ubsan)\.so\.[0-9]+'
+runtime='libQt5Core\.so\.5|ld-linux[a-z0-9_-]*\.so\.[0-9]+|lib(stdc\+\+|c|m|gcc_s|asan|ubsan)\.so\.[0-9]+'
 check "the library needs Qt Core, the platform and the C++ runtime alone" \
     expect_needed "$libdir/libSelectorHandler.so.1" "libProcessDataPlatform\\.so\\.1|$runtime"
 check "the scripted platform needs Qt Core and the C++ runtime alone" \
