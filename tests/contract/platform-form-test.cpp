@@ -40,6 +40,8 @@ static_assert(std::is_copy_constructible<ErrorContainer>::value, "an error can b
 static_assert(std::is_base_of<DBusConnectorBase, DBusProcessDescriptionConnector>::value,
               "the connector of descriptions is a connector");
 
+Q_DECLARE_METATYPE(const QMetaObject *)
+
 class PlatformFormTest : public QObject
 {
     Q_OBJECT
@@ -124,8 +126,6 @@ private Q_SLOTS:
         QVERIFY(!manager.isBufferValid());
     }
 };
-
-Q_DECLARE_METATYPE(const QMetaObject *)
 
 QTEST_GUILESS_MAIN(PlatformFormTest)
 #include "platform-form-test.moc"
