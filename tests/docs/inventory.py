@@ -1,0 +1,82 @@
+#!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
+"""Sees that each block of each page is tested, and compares those that repeat a file of the source tree.
+
+usage: inventory.py SOURCE-DIR BUILD-DIR MOST-NOT-RUN"""
+import json
+import pathlib
+import re
+import subprocess
+import sys
+
+from pages import DIRECTIVES, blocks_of, is_run, tested_elsewhere
+
+
+def pages_of(source):
+    return [source / "README.md", *sorted(source.glob("docs/**/*.md"))]
+
+
+def code_of(path):
+    """A file's lines without the comment at its head."""
+    lines = path.read_text(encoding="utf-8").splitlines()
+    while lines and re.match(r"//|#(?!include)|<!--", lines[0]):
+        lines.pop(0)
+    return lines
+
+
+def stands_in(lines, whole):
+    """The first line that does not stand in the file (an iterator: behind the lines before it), or None."""
+    return next((line for line in lines if line.strip() and line.strip() not in whole), None)
+
+
+def problem_of(block, source, tests):
+    name, value = block.directive, block.value
+    if name and name not in DIRECTIVES:
+        return f"unknown comment \"{name}\""
+    if block.language not in ("console", "sh", "cpp", "cmake", "json", "text", "run"):
+        return f"unknown language \"{block.language}\""
+    if name == "same as" and block.lines != code_of(source / value):
+        return f"is not the same as {value}"
+    if name in ("excerpt of", "lines of"):
+        whole = [line.strip() for line in (source / value).read_text(encoding="utf-8").splitlines()]
+        missing = stands_in(block.lines, iter(whole) if name == "excerpt of" else whole)
+        return missing and f"{value} has no such line there: {missing}"
+    if name == "tested by" and value not in tests:
+        return f"there is no test {value}"
+    if name == "not run" and len(value) < 10:
+        return "has no reason why it is not run"
+    if block.language == "json" and name != "file":
+        json.loads(block.text)
+    if block.language == "cmake" and not name:
+        return "is neither a file nor an excerpt"
+    if block.language == "text" and any(line.startswith("$ ") for line in block.lines):
+        return "shows commands, so it is no plain text"
+    return None
+
+
+def main():
+    source, build = pathlib.Path(sys.argv[1]), sys.argv[2]
+    listing = subprocess.run(["ctest", "--test-dir", build, "-N"], check=True, stdout=subprocess.PIPE, text=True)
+    tests = set(re.findall(r"Test +#\d+: (\S+)", listing.stdout))
+    wrong, untested, count = [], [], 0
+    for path in pages_of(source):
+        page = str(path.relative_to(source))
+        runs = False
+        for block in blocks_of(path, page):
+            count += 1
+            problem = problem_of(block, source, tests)
+            if problem:
+                wrong.append(f"{block.where()}: {problem}")
+            if block.directive == "not run":
+                untested.append(f"{block.where()}: not run: {block.value}")
+            runs |= is_run(block)
+        test = tested_elsewhere(path) or f"docs.session.{path.stem}"
+        if runs and test not in tests:
+            wrong.append(f"{page}: shows commands, but there is no test {test}")
+    print("\n".join(wrong + untested))
+    print(f"{count} blocks, {len(untested)} not run, {len(wrong)} wrong")
+    return 1 if wrong or len(untested) > int(sys.argv[3]) or count < 30 else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
