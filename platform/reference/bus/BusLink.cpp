@@ -92,6 +92,21 @@ bool BusLink::isConnected() const
     return connected;
 }
 
+bool BusLink::subscribe(const BusSignal &signal, QObject *receiver, const char *slot)
+{
+    return hooks.subscribe(connection(), signal, receiver, slot);
+}
+
+bool BusLink::exportObject(const QString &path, QDBusVirtualObject *object)
+{
+    return hooks.exportObject(connection(), path, object);
+}
+
+void BusLink::withdrawObject(const QString &path)
+{
+    hooks.withdrawObject(connection(), path);
+}
+
 bool BusLink::connectNow(QString &error)
 {
     if (!BusThread::canStart(error)) {
@@ -101,15 +116,18 @@ bool BusLink::connectNow(QString &error)
     QDBusConnection fresh = choice.connectTo(name);
     liftReceiveLimit(fresh);
     // libdbus makes this signal itself when the socket closes; it never crosses the bus.
+    const BusSignal disconnected{QStringLiteral("/org/freedesktop/DBus/Local"),
+                                 QStringLiteral("org.freedesktop.DBus.Local"),
+                                 QStringLiteral("Disconnected"),
+                                 {}};
     const bool watched = fresh.isConnected()
-        && fresh.connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
-                         QStringLiteral("org.freedesktop.DBus.Local"),
-                         QStringLiteral("Disconnected"), this, SLOT(handleDisconnected()));
+        && hooks.subscribe(fresh, disconnected, this, SLOT(handleDisconnected()));
     if (!watched || !fresh.isConnected()) {
         error = fresh.lastError().message();
         if (error.isEmpty()) {
             error = QStringLiteral("the connection was closed at once");
         }
+        hooks.releaseAll(fresh);
         QDBusConnection::disconnectFromBus(name);
         return false;
     }
@@ -148,6 +166,7 @@ void BusLink::retry()
 void BusLink::drop()
 {
     QString name;
+    hooks.releaseAll(connection());
     {
         const QMutexLocker lock(&mutex);
         name = currentName;

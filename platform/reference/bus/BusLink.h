@@ -4,6 +4,7 @@
 #define BUSLINK_H
 
 #include "BusSettings.h"
+#include "ConnectionHooks.h"
 
 #include <QDBusConnection>
 #include <QMutex>
@@ -35,6 +36,15 @@ public:
     bool isConnected() const;
     const BusChoice &bus() const { return choice; }
 
+    /// Both hold until the connection is lost or closed, and run in the link's thread. Nothing else
+    /// may give the connection an object to call: see ConnectionHooks.
+    ///
+    /// @param slot  as SLOT() names it; takes one QDBusMessage
+    /// @return false if the connection refused
+    bool subscribe(const BusSignal &signal, QObject *receiver, const char *slot);
+    bool exportObject(const QString &path, QDBusVirtualObject *object);
+    void withdrawObject(const QString &path);
+
 Q_SIGNALS:
     /// The bus daemon is gone. All that was set up on the connection is lost.
     void lost();
@@ -53,6 +63,7 @@ private:
     const BusChoice choice;
     QTimer retryTimer;
     int nextDelay;
+    ConnectionHooks hooks;
     mutable QMutex mutex; // guards the three below
     QDBusConnection current;
     QString currentName;

@@ -76,23 +76,28 @@ void ClientBus::connectInBusThread()
 // match rules on a system bus connection, and an application may have more sources.
 bool ClientBus::subscribe(QString &error)
 {
-    QDBusConnection connection = link.connection();
     const QString any;
-    const bool done = connection.connect(any, BusNames::daemonPath(), BusNames::daemonInterface(),
-                                         QStringLiteral("NameOwnerChanged"), this,
-                                         SLOT(handleOwnerChanged(QDBusMessage)))
-        && connection.connect(any, any, BusNames::processDescriptionInterface(),
-                              BusNames::processDescriptionChangedSignal(), this,
-                              SLOT(handleSignal(QDBusMessage)))
-        && connection.connect(any, any, BusNames::processDescriptionInterface(),
-                              BusNames::propertyChangedSignal(), this,
-                              SLOT(handleSignal(QDBusMessage)))
-        && connection.connect(any, any, BusNames::statusManagerInterface(),
-                              BusNames::startupReadySignal(), this,
-                              SLOT(handleSignal(QDBusMessage)))
-        && connection.connect(any, BusNames::statusManagerPath(), BusNames::propertiesInterface(),
-                              BusNames::propertiesChangedSignal(), this,
-                              SLOT(handleProperties(QDBusMessage)));
+    const bool done = link.subscribe({BusNames::daemonPath(),
+                                      BusNames::daemonInterface(),
+                                      QStringLiteral("NameOwnerChanged"),
+                                      {}},
+                                     this, SLOT(handleOwnerChanged(QDBusMessage)))
+        && link.subscribe({any,
+                           BusNames::processDescriptionInterface(),
+                           BusNames::processDescriptionChangedSignal(),
+                           {}},
+                          this, SLOT(handleSignal(QDBusMessage)))
+        && link.subscribe(
+            {any, BusNames::processDescriptionInterface(), BusNames::propertyChangedSignal(), {}},
+            this, SLOT(handleSignal(QDBusMessage)))
+        && link.subscribe(
+            {any, BusNames::statusManagerInterface(), BusNames::startupReadySignal(), {}}, this,
+            SLOT(handleSignal(QDBusMessage)))
+        && link.subscribe({BusNames::statusManagerPath(),
+                           BusNames::propertiesInterface(),
+                           BusNames::propertiesChangedSignal(),
+                           {}},
+                          this, SLOT(handleProperties(QDBusMessage)));
     if (!done) {
         error = QStringLiteral("the bus connection refuses subscriptions");
     }

@@ -58,13 +58,13 @@ ServiceEndpoint::~ServiceEndpoint()
 void ServiceEndpoint::exportObject(const QString &path, QDBusVirtualObject *object)
 {
     objects.insert(path, object);
-    link.connection().registerVirtualObject(path, object);
+    link.exportObject(path, object);
 }
 
 void ServiceEndpoint::withdrawObject(const QString &path)
 {
     objects.remove(path);
-    link.connection().unregisterObject(path);
+    link.withdrawObject(path);
 }
 
 bool ServiceEndpoint::start(QString &error)
@@ -100,7 +100,7 @@ bool ServiceEndpoint::takeName(QString &error)
 {
     QDBusConnection connection = link.connection();
     for (auto it = objects.cbegin(); it != objects.cend(); ++it) {
-        connection.registerVirtualObject(it.key(), it.value());
+        link.exportObject(it.key(), it.value());
     }
     QDBusMessage call = daemonCall(QStringLiteral("RequestName"));
     call << serviceName << doNotQueue;

@@ -32,6 +32,12 @@ public:
     void exportObject(const QString &path, QDBusVirtualObject *object);
     void withdrawObject(const QString &path);
 
+    /// BusLink::subscribe() on the connection as it is now.
+    bool subscribe(const BusSignal &signal, QObject *receiver, const char *slot)
+    {
+        return link.subscribe(signal, receiver, slot);
+    }
+
     /// Connects, exports the objects and takes the name; waits for the bus daemon's answers.
     ///
     /// @param error  receives one sentence that names the bus, the name and the reason. Nothing is

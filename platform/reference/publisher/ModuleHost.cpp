@@ -144,7 +144,7 @@ void ModuleHost::announce(const Instance &instance, AnnouncedChange change)
 
 void ModuleHost::handleAvailable()
 {
-    registration->setConnection(endpoint->connection());
+    registration->setEndpoint(*endpoint);
     for (const Instance &instance : std::as_const(instances)) {
         if (instance.served) {
             announce(instance, AnnouncedChange::Description);

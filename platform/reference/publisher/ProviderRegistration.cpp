@@ -8,6 +8,7 @@
 #include "BusSettings.h"
 #include "ConfigurationAndProcessDataDefinitions.h"
 #include "PublisherLog.h"
+#include "ServiceEndpoint.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -38,13 +39,14 @@ ProviderRegistration::ProviderRegistration(QString moduleName, QObject *parent)
     QObject::connect(&timer, &QTimer::timeout, this, &ProviderRegistration::sendRegistration);
 }
 
-void ProviderRegistration::setConnection(const QDBusConnection &newConnection)
+void ProviderRegistration::setEndpoint(ServiceEndpoint &endpoint)
 {
-    connection = newConnection;
-    connection.connect(QString(), BusNames::daemonPath(), BusNames::daemonInterface(),
-                       QStringLiteral("NameOwnerChanged"),
-                       QStringList{BusNames::informationManagerService()}, QString(), this,
-                       SLOT(handleRegistryOwner(QDBusMessage)));
+    connection = endpoint.connection();
+    endpoint.subscribe({BusNames::daemonPath(),
+                        BusNames::daemonInterface(),
+                        QStringLiteral("NameOwnerChanged"),
+                        {BusNames::informationManagerService()}},
+                       this, SLOT(handleRegistryOwner(QDBusMessage)));
     timer.start();
 }
 

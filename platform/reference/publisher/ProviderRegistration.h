@@ -10,6 +10,8 @@
 #include <QStringList>
 #include <QTimer>
 
+class ServiceEndpoint;
+
 /// Registers when the registry is there, whenever it comes, and again when the data changes. Waits
 /// for nothing: a system without a registry publishes all the same.
 ///
@@ -21,8 +23,8 @@ class ProviderRegistration : public QObject
 public:
     explicit ProviderRegistration(QString moduleName, QObject *parent = nullptr);
 
-    /// The connection that owns the module's name stands.
-    void setConnection(const QDBusConnection &connection);
+    /// The endpoint has a connection, which owns the module's name.
+    void setEndpoint(ServiceEndpoint &endpoint);
 
     /// The connection is gone.
     void clearConnection();

@@ -20,10 +20,11 @@ public:
     // interest.
     void watchProviders()
     {
-        QDBusConnection connection = endpoint.connection();
-        const bool watching = connection.connect(
-            QString(), BusNames::daemonPath(), BusNames::daemonInterface(),
-            QStringLiteral("NameOwnerChanged"), &object, SLOT(handleOwnerChanged(QDBusMessage)));
+        const bool watching = endpoint.subscribe({BusNames::daemonPath(),
+                                                  BusNames::daemonInterface(),
+                                                  QStringLiteral("NameOwnerChanged"),
+                                                  {}},
+                                                 &object, SLOT(handleOwnerChanged(QDBusMessage)));
         if (!watching) {
             qCWarning(systemLog) << "Providers that end without a word will stay in the list";
         }
