@@ -99,6 +99,12 @@ check "the application's test passes without a bus" env PROCESSDATA_BUS=unix:pat
 check "none of its tests is left out" grep -F "9 passed, 0 failed, 0 skipped" "$work/previous"
 check "the test's libraries resolve" ldd "$work/application/pump-guard-test"
 check "the test takes the scripted platform" grep -F " $testing/libProcessDataPlatform.so.1 " "$work/previous"
+for name in publish-counter read-cyclically table-model watch-changes worker-thread; do
+    example=$source_dir/examples/$name
+    check "$name configures" cmake -G Ninja -S "$example" -B "$work/$name" \
+        -DCMAKE_PREFIX_PATH="$prefix" -DCMAKE_CXX_FLAGS="${flags[*]}"
+    check "$name builds" cmake --build "$work/$name"
+done
 mkdir "$work/unknown"
 cat >"$work/unknown/CMakeLists.txt" <<'UNKNOWN'
 cmake_minimum_required(VERSION 3.16)
