@@ -49,8 +49,8 @@ for file in "$work"/*.pdd; do
     jq -e '.buffer' "$file.served" >/dev/null || failed "$file is served without a buffer"
     served+=("$file.served")
 done
-python3 "$corpus/check_schema_of_descriptions.py" "$source_dir/docs/description.schema.json" "$corpus" \
-    "${served[@]}" || failed "what is served breaks the schema"
+python3 "$corpus/check_schema_of_descriptions.py" "$source_dir/docs/description.schema.json" \
+    "$source_dir/docs/guides/descriptions.md" "$corpus" "${served[@]}" || failed "what is served breaks the schema"
 kill "$simulator"
 wait "$simulator" || failed "the simulator ended with $?"
 simulator=

@@ -13,6 +13,7 @@ DIRECTIVES = (
     "lines of",  # the same in any order
     "tested by",  # this test of ctest runs the commands
     "numbers vary",  # numbers in the output are compared as "a number"
+    "output of",  # %N: what the N-th command in the background prints next; numbers vary
     "not run",  # with the reason
 )
 
@@ -43,7 +44,7 @@ def blocks_of(path, page):
             else:
                 current.lines.append(line)
         elif line.startswith("```"):
-            comment = re.fullmatch(r"<!-- (.*) -->", before)
+            comment = re.fullmatch(r"<!-- (?!run: )(.*) -->", before)
             current = Block(page, number, line[3:], comment.group(1) if comment else "")
             blocks.append(current)
         elif line.startswith("<!-- run: "):
@@ -63,7 +64,7 @@ def tested_elsewhere(path):
 def is_run(block):
     """Whether session.py runs the block as it stands."""
     return block.language == "run" or (
-        block.language in ("console", "sh") and block.directive in ("", "numbers vary"))
+        block.language in ("console", "sh") and block.directive in ("", "numbers vary", "output of"))
 
 
 def has_session(path):

@@ -17,8 +17,10 @@ if grep -qE '^(\$ |<!-- run: )?(cmake|c\+\+) ' "$page"; then
     libdir=$(dirname "$(find "$work" -name libSelectorHandler.so.1)")
     export CMAKE_PREFIX_PATH=$work PKG_CONFIG_PATH=$libdir/pkgconfig LD_LIBRARY_PATH=$libdir
     export CXXFLAGS="${*:4}" LDFLAGS="${*:4}" PATH=$work/bin:$PATH
+    printf '#!/bin/sh\nexec %s %s "$@"\n' "${CXX:-/usr/bin/c++}" "${*:4}" >"$work/bin/c++"
+    chmod +x "$work/bin/c++"
 fi
-export SELECTORHANDLER_SOURCE=$source_dir
+export SELECTORHANDLER_SOURCE=$source_dir PAGE=$page
 export PROCESSDATA_BUS=$DBUS_SESSION_BUS_ADDRESS NO_COLOR=1 LC_ALL=C.UTF-8
 python3 "$source_dir/tests/docs/session.py" "$page" "$source_dir/examples/data" \
     PumpStation TankFarm HeatingPlant Boiler Greenhouse

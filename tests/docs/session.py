@@ -5,9 +5,10 @@
 usage: session.py PAGE DATA-DIR [MODULE…]
 
 Commands run in order, in a folder that holds copies of DATA-DIR. Each must end with 0, unless the next one is
-"echo $?". One that ends with "&" goes on in the background until the end of the page or a "kill %N"; a block
-without a command shows what the last of those prints next. "…" alone on a line stands for any lines. Times,
-blanks and, where the page says so, numbers are not compared. Each MODULE gets a name that no other test has."""
+"echo $?". One that ends with "&" goes on in the background until the end of the page or a "kill %N"; what it
+prints later stands in blocks of its own. "…" alone on a line stands for any lines, at a line's end for its rest.
+Times, blanks and, where the page says so, numbers are not compared. Each MODULE gets a name that no other test
+has."""
 import os
 import pathlib
 import re
@@ -37,7 +38,8 @@ def matches(shown, printed, whole):
             if matches(shown[1:], printed[start:], whole) is not None:
                 return start
         return None
-    if printed and shown[0] == printed[0]:
+    if printed and (shown[0] == printed[0]
+                    or (shown[0].endswith("…") and printed[0].startswith(shown[0][:-1]))):
         rest = matches(shown[1:], printed[1:], whole)
         return None if rest is None else rest + 1
     return None
@@ -82,7 +84,7 @@ class Session:
 
     def own(self, text):
         for module, name in self.names.items():
-            text = re.sub(rf"\b{module}\b", name, text)
+            text = re.sub(rf"(?<![A-Za-z0-9]){module}(?![A-Za-z0-9])", name, text)
         return text
 
     def plain(self, lines, numbers_vary):
@@ -103,8 +105,8 @@ class Session:
         if matches(shown, printed, True) is None:
             raise Mismatch("\n  ".join(["the page shows", *shown, "but it prints", *printed]))
 
-    def await_output(self, shown, numbers_vary):
-        job, shown, deadline = self.jobs[-1], self.plain(shown, numbers_vary), time.monotonic() + LIMIT
+    def await_output(self, job, shown, numbers_vary):
+        shown, deadline = self.plain(shown, numbers_vary), time.monotonic() + LIMIT
         while True:
             printed = self.plain(job.lines[job.seen:], numbers_vary)
             taken = matches(shown, printed, False)
@@ -125,7 +127,7 @@ class Session:
             return
         if command.endswith(" &"):
             self.jobs.append(Background(command[:-2], self.current_folder(), self.environment()))
-            self.await_output(shown, numbers_vary)
+            self.await_output(self.jobs[-1], shown, numbers_vary)
             return
         # Variables and folder live on in a file that the next command reads.
         script = (f'. "{self.state}"; set -a; (exit {self.last})\n{command}\n'
@@ -157,8 +159,7 @@ class Session:
             elif steps:
                 steps[-1][1].append(line)
             else:
-                self.await_output(block.lines, vary)
-                return 1
+                raise Mismatch("it begins with no command, and does not say whose output it is")
         for position, (command, shown) in enumerate(steps):
             asked = position + 1 < len(steps) and steps[position + 1][0] == "echo $?"
             try:
@@ -171,11 +172,15 @@ class Session:
         if block.directive == "file":
             (pathlib.Path(self.current_folder()) / block.value).write_text(self.own(block.text), "utf-8")
             return 1
+        if block.directive == "output of":
+            self.await_output(self.jobs[int(block.value.removeprefix("%")) - 1], block.lines, True)
+            return 1
         if block.directive in ("", "numbers vary") and block.language == "console":
             return self.do_console(block)
         if block.language == "run" and block.lines[0].endswith(" &"):
             self.run(self.own(block.lines[0]), ["ready"], False, False)
-        elif block.language == "run" or (not block.directive and block.language == "sh"):
+            return 1
+        if block.language == "run" or (not block.directive and block.language == "sh"):
             self.run(self.own(block.text), None, False, False)
             return 1
         return 0
@@ -183,6 +188,9 @@ class Session:
     def end(self):
         for job in self.jobs:
             job.end()
+        for name in self.names.values():  # what a killed publisher, or a page that fails, leaves behind
+            for buffer in pathlib.Path("/dev/shm").glob(f"*{name}*"):
+                buffer.unlink()
         shutil.rmtree(self.folder)
         self.state.unlink(missing_ok=True)
 
