@@ -10,7 +10,6 @@
 #include "RenderableNode.h"
 
 struct LeafBlock;
-struct NumberCopy;
 
 /// State of a leaf, held inside it. Immutable: any number of threads may read and write values.
 class ProcessDataValuePrivate
@@ -26,7 +25,6 @@ public:
     bool read(ProcessValue &value) const;
     bool readAny(ProcessValue &value) const;
     bool readBytes(ProcessValue &value) const;
-    ProcessDataDefinitions::ErrorTypes errorTypeNow(const NumberCopy &copy) const;
     bool write(const ProcessValue &value, QString &error) const;
 };
 

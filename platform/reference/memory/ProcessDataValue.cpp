@@ -10,24 +10,20 @@
 #include "SharedLock.h"
 #include "SlotValue.h"
 
+// A slot that is read after its publisher was seen gone holds the last value. One that was read before may not:
+// the publisher could write once more and go in between.
+
 // What is read most, straight through; all else, the first meeting with a writer too, goes round by
 // readAny, whose registers need not be saved here.
 inline bool ProcessDataValuePrivate::read(ProcessValue &value) const
 {
     NumberCopy copy;
     if (Q_LIKELY(type == ValueType::Float64 && slot != nullptr && tryReadNumberSlot(slot, copy)
-                 && copy.head.length == sizeof(double))) {
-        value.setNumber(numberIn<double>(copy), errorTypeNow(copy), copy.head.timestamp);
+                 && copy.head.length == sizeof(double) && isBufferLive(*header))) {
+        value.setNumber(numberIn<double>(copy), errorTypeOf(copy.head.status), copy.head.timestamp);
         return true;
     }
     return readAny(value);
-}
-
-inline ProcessDataDefinitions::ErrorTypes
-ProcessDataValuePrivate::errorTypeNow(const NumberCopy &copy) const
-{
-    return Q_LIKELY(isBufferLive(*header)) ? errorTypeOf(copy.head.status)
-                                           : ProcessDataDefinitions::SourceLost;
 }
 
 ProcessDataValue::ProcessDataValue(ProcessDataValuePrivate *state)
@@ -66,7 +62,14 @@ bool ProcessDataValuePrivate::readAny(ProcessValue &value) const
     if (!readNumberSlot(slot, copy)) {
         return false;
     }
-    setFromNumber(value, type, payloadSize, copy, errorTypeNow(copy));
+    auto errorType = errorTypeOf(copy.head.status);
+    if (!isBufferLive(*header)) {
+        if (!readNumberSlot(slot, copy)) {
+            return false;
+        }
+        errorType = ProcessDataDefinitions::SourceLost;
+    }
+    setFromNumber(value, type, payloadSize, copy, errorType);
     return true;
 }
 
@@ -78,6 +81,9 @@ bool ProcessDataValuePrivate::readBytes(ProcessValue &value) const
         return false;
     }
     if (!isBufferLive(*header)) {
+        if (!readSlot(slot, payloadSize, head, payload)) {
+            return false;
+        }
         head.status = ProcessDataDefinitions::SourceLost;
     }
     setFromSlot(value, type, head, payload);
