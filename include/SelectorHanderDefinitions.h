@@ -11,7 +11,9 @@
 /// SelectorHandlerConvenienceFunctions::getModuleDataFromRegisteredProviderList takes them.
 ///
 /// Each getter returns a reference to a string that lives for the whole process; no object is
-/// needed. Threads: any, also for the first call.
+/// needed.
+///
+/// Threads: any, also for the first call.
 class SELECTORHANDLER_EXPORT SelectorHanderDefinitions
 {
 public:

@@ -13,7 +13,9 @@
 /// Helps a client to choose selectors: which modules offer selectors of a type?
 ///
 /// All functions are static, keep nothing between calls and never throw; bad entries are left out
-/// with one warning each. Threads: any, also at the same time.
+/// with one warning each.
+///
+/// Threads: any, also at the same time.
 class SELECTORHANDLER_EXPORT SelectorHandlerConvenienceFunctions
 {
 public:

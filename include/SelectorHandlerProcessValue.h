@@ -30,19 +30,34 @@ class SystemStatusManagerDBusConnector;
 ///          and property operations may be called in any thread. They wait while another one, or a
 ///          refresh of a source, holds the handler's lock: at most for one blocking D-Bus call for
 ///          each source that is being attached.
+///
+/// A client that reads once:
+/// @include read-once/main.cpp
+/// One that follows changes:
+/// @include watch-changes/main.cpp
 class SELECTORHANDLER_EXPORT SelectorHandlerProcessValue : public QObject
 {
     Q_OBJECT
 
 public:
     /// Makes a handler without selectors that refreshes its unattached sources once, when the
-    /// system has finished starting up. Warns when there is no connection to the bus.
+    /// system has finished starting up.
+    ///
+    /// @param parent  owner, or null
+    /// Errors:  warns when there is no connection to the bus; it never refreshes by itself then.
+    /// Threads: the one whose event loop shall deliver announcements.
     explicit SelectorHandlerProcessValue(QObject *parent);
 
     /// Makes a handler and applies a list at once. Such a handler does not listen for the end of
     /// the system's start-up.
+    ///
+    /// @param selectorUrls  as for setSelectorUrls
+    /// @param parent        owner, or null
+    /// Errors:  as setSelectorUrls; there is a handler in any case.
+    /// Threads: as above. Blocks as setSelectorUrls does.
     SelectorHandlerProcessValue(const QVector<QString> &selectorUrls, QObject *parent);
 
+    /// Lets go of all sources. Threads: the one that made the handler, when no other uses it.
     ~SelectorHandlerProcessValue() override;
 
     /// Replaces the whole list of selectors. Sources are built anew, also those that come back.
@@ -75,19 +90,26 @@ public:
     /// Threads: any.
     virtual QVector<ProcessValue> getValues(int startIndex, int count);
 
-    /// Reads all selectors. As above; empty and silent without selectors.
+    /// Reads all selectors.
+    ///
+    /// @returns one value for each URL, in list order; empty, silently, without selectors
+    /// Units:   each leaf's own.
+    /// Errors:  a selector that cannot be read holds the error value in its place.
+    /// Threads: any.
     virtual QVector<ProcessValue> getValues();
 
     /// Reads one property of one selector's leaf.
     ///
     /// @param propertyName  a key of the leaf's description, such as "unit"
-    /// @returns the property; what the leaf answers for a name that it lacks; an invalid QVariant,
+    /// @param index         position in the URL list, 0-based
+    /// @returns the property, as of the last change of its source; what the leaf answers for a name that it lacks; an invalid QVariant,
     ///          after one warning, for an index outside the list or a selector without a leaf
     /// Threads: any.
     virtual QVariant getProperty(const QString &propertyName, int index);
 
     /// Reads the same property of all selectors.
     ///
+    /// @param propertyName  as above
     /// @returns one entry for each selector in list order; an invalid one where the leaf lacks the
     ///          property, or, after one warning each, where there is no leaf
     /// Threads: any.
@@ -95,31 +117,41 @@ public:
 
     /// All properties of one selector as compact JSON text, as of the last change of its source.
     ///
+    /// @param index  position in the URL list, 0-based
     /// @returns the text; that of an empty object for a selector that was never resolved; a null
     ///          string, after one warning, for an index outside the list
     /// Threads: any.
     virtual QString getPropertyAsJsonString(int index);
 
-    /// The same of all selectors, in list order.
+    /// The same of all selectors.
+    ///
+    /// @returns one text for each URL, in list order; empty, silently, without selectors
+    /// Threads: any.
     virtual QVector<QString> getPropertiesAsJsonString();
 
     /// Writes one selector.
     ///
-    /// @param value  in the leaf's unit
+    /// @param value  in the leaf's unit; must convert to the leaf's type without loss and lie
+    ///               within its minimum and maximum
+    /// @param index  position in the URL list, 0-based
     /// @returns whether it was written; false, silently, for a read-only or unresolved selector.
     ///          What the result is for a deactivated selector: true, nothing was to be done.
-    /// Errors:  warns when the index lies past the list.
-    /// Threads: any.
+    /// Errors:  warns when the index lies past the list; silent when it is negative. The platform
+    ///          warns of a value that it refuses; nothing is written then.
+    /// Threads: any. Waits for other writers of the same buffer, for 100 ms at most on the
+    ///          reference platform.
     virtual bool setValue(const ProcessValue &value, int index);
 
-    /// Writes a run of selectors, in list order.
+    /// Writes a run of selectors, in list order. What is refused ends nothing: the ones behind it
+    /// are tried.
     ///
     /// @param values      one for each position; each in its leaf's unit
-    /// @param startIndex  position of the first
+    /// @param startIndex  position of the first, 0-based
     /// @returns the outcome of the last write that was tried, not of all: to know each outcome,
     ///          write one by one. False when the run leaves the list (warns when it ends past it)
     ///          or is empty; nothing is written then.
-    /// Threads: any.
+    /// Errors:  the platform warns of each value that it refuses.
+    /// Threads: any, as setValue.
     virtual bool setValues(const QVector<ProcessValue> &values, int startIndex);
 
 Q_SIGNALS:
@@ -135,7 +167,10 @@ Q_SIGNALS:
     void
     processDataDescriptionChanged(QVector<int> indexList); // clazy:exclude=function-args-by-ref
 
-    /// Properties of these selectors changed. As above.
+    /// Properties of these selectors changed, such as their unit.
+    ///
+    /// @param indexList  positions in the URL list, never empty
+    /// Threads: as above.
     void propertyChanged(QVector<int> indexList); // clazy:exclude=function-args-by-ref
 
 private Q_SLOTS:

@@ -37,13 +37,17 @@ public:
     /// @param moduleName       module that publishes the source
     /// @param objectName       object within the module
     /// @param instanceName     instance within the object; may be empty
+    /// @param parent           owner, or null
     /// Errors:  warns when there is no connection to the bus; the source then never gets a tree.
     SelectorSharedMemoryHandler(const QString &sharedMemoryKey, const QString &moduleName,
                                 const QString &objectName, const QString &instanceName,
                                 QObject *parent);
     ~SelectorSharedMemoryHandler() override;
 
-    /// Whether the source's service is reachable. Warns when there is no connection to the bus.
+    /// Whether the source's service is reachable.
+    ///
+    /// Errors:  warns when there is no connection to the bus.
+    /// Threads: may ask the bus daemon once, for no longer than the time limit of a call.
     bool isDBusInterfaceValid();
 
     /// Whether a tree was built and its buffer is usable. Silent; never blocks.
@@ -61,7 +65,10 @@ public:
 
     /// The working part of attachToProcessBuffer, for any instance of the object.
     ///
+    /// @param instanceName  whose description is fetched and whose buffer is attached
     /// @returns whether a tree was built whose buffer is usable; its root may be null all the same
+    /// Errors:  one warning, except for a service that answers without a description (silent).
+    /// Threads: blocks for the length of one D-Bus call.
     bool updateRootElement(const QString &instanceName);
 
     /// Finds a leaf of the current tree.
@@ -79,15 +86,22 @@ public:
     /// were added; duplicates are kept.
     QVector<int> getConnectedLeafIndexList() const;
 
-    /// Appends a position to that list, unchecked.
+    /// Appends a position to that list.
+    ///
+    /// @param index  unchecked
     void addConnectedLeafIndex(int index);
 
 Q_SIGNALS:
     /// The description changed and the new one has arrived. The tree is still the old one: whoever
     /// uses it attaches again.
+    ///
+    /// @param sharedMemoryKey  as given to the constructor
+    /// Threads: emitted in the thread that made the handler, from its event loop.
     void processDataDescriptionChanged(const QString &sharedMemoryKey);
 
     /// Properties changed and the new description has arrived; the same applies.
+    ///
+    /// @param sharedMemoryKey  as given to the constructor
     void propertyChanged(const QString &sharedMemoryKey);
 
 private Q_SLOTS:

@@ -21,6 +21,7 @@ class ProcessDataValue;
 class PROCESSDATAPLATFORM_EXPORT ConfigurationAndProcessDataBase
 {
 public:
+    /// A leaf; null means unresolved.
     using ProcessDataValueSharedPointer = QSharedPointer<ProcessDataValue>;
 
     virtual ~ConfigurationAndProcessDataBase();
@@ -43,12 +44,16 @@ public:
     /// Called by the library on leaves: for the read-only flag, for each getProperty of a client
     /// without asking hasLeafProperty first, and for getProperties after hasLeafProperty.
     ///
+    /// @param name  a key of the description, compared with case
     /// @returns the property as its description gives it, in its own unit; an invalid QVariant for
     ///          a name that the node lacks.
     virtual QVariant readLeafProperty(const QString &name) const = 0;
 
     /// Whether the node carries a property of that name. Called by the library before
     /// readLeafProperty when one property is read across all selectors.
+    ///
+    /// @param name  as above
+    /// @returns whether readLeafProperty has something to give
     virtual bool hasLeafProperty(const QString &name) const = 0;
 
 protected:

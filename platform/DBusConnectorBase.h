@@ -32,7 +32,7 @@ protected:
     /// @param state  the implementation's, owned by this object
     explicit DBusConnectorBase(DBusConnectorBasePrivate *state);
 
-    const QScopedPointer<DBusConnectorBasePrivate> d;
+    const QScopedPointer<DBusConnectorBasePrivate> d; ///< the implementation's state
 };
 
 #endif

@@ -25,6 +25,8 @@ public:
     /// Called by the library once for each source, with the URL's module and object. Must not wait
     /// for the service.
     ///
+    /// @param moduleName  decoded, as SelectorUrlHandler::getModuleName() gives it
+    /// @param objectName  decoded, as SelectorUrlHandler::getObjectName() gives it
     /// @returns the connector; null when no connection to the bus could be made
     static QSharedPointer<DBusProcessDescriptionConnector>
     createAndConnect(const QString &moduleName, const QString &objectName);
@@ -44,8 +46,10 @@ public:
 
     /// Asks for the description of one instance without waiting for it.
     ///
-    /// Called by the library for each announcement of its instance; arguments as above.
+    /// Called by the library for each announcement of its instance.
     ///
+    /// @param instanceName  of the source's URL
+    /// @param reserved      without meaning in this platform; the library passes an empty string
     /// @returns the pending reply, which reports when the call has ended; null when the call could
     ///          not be placed
     QSharedPointer<DBusPendingReply>
@@ -53,9 +57,14 @@ public:
 
 Q_SIGNALS:
     /// The service announced a new description of an instance, or came up with it.
+    ///
+    /// @param instanceName  which; may be empty
+    /// Threads: any; the library's slots run in the thread of the connector.
     void processDataDescriptionChanged(const QString &instanceName);
 
-    /// The service announced changed properties of an instance.
+    /// The service announced changed properties of an instance; the same applies.
+    ///
+    /// @param instanceName  which; may be empty
     void propertyChanged(const QString &instanceName);
 
 private:

@@ -19,10 +19,16 @@
 class PROCESSDATAPLATFORM_EXPORT DBusReply
 {
 public:
-    /// A reply that arrived. An invalid value means that the service has no description.
+    /// A reply that arrived.
+    ///
+    /// @param value  what the service sent; an invalid one means that it has no description
+    /// @returns a reply that is no error
     static DBusReply fromValue(QVariant value) { return {false, std::move(value), QString()}; }
 
     /// A call that failed.
+    ///
+    /// @param message  why, for people
+    /// @returns a reply that is an error
     static DBusReply fromError(QString message) { return {true, QVariant(), std::move(message)}; }
 
     ~DBusReply() = default;

@@ -22,6 +22,7 @@
 class PROCESSDATAPLATFORM_EXPORT ErrorContainer
 {
 public:
+    /// No error: code 0 and a null text.
     ErrorContainer() = default;
 
     /// @param code  the platform's number of the error, 0 for none
@@ -38,7 +39,10 @@ public:
     ErrorContainer &operator=(const ErrorContainer &) = default;
     ErrorContainer &operator=(ErrorContainer &&) = default;
 
+    /// The platform's number of the error, 0 for none.
     qint32 getCode() const { return code; }
+
+    /// What went wrong, for people.
     QString getText() const { return text; }
 
 private:

@@ -26,6 +26,8 @@ public:
     /// A value that holds nothing but an error type.
     ///
     /// The library makes each value with the error type whose number is 3 before it asks a leaf.
+    ///
+    /// @param errorType  why there is no value
     explicit ProcessValue(ProcessDataDefinitions::ErrorTypes errorType)
         : errorType(errorType)
     {
@@ -63,6 +65,10 @@ public:
     qint64 getTimestamp() const { return timestamp; }
 
     /// Replaces all three at once, so that they always belong together.
+    ///
+    /// @param newValue      in the leaf's own unit
+    /// @param newErrorType  how far it can be trusted
+    /// @param newTimestamp  nanoseconds since 1970-01-01 00:00 UTC, 0 for never
     void set(QVariant newValue, ProcessDataDefinitions::ErrorTypes newErrorType,
              qint64 newTimestamp)
     {
@@ -74,6 +80,10 @@ public:
     /// The same for a number. A value that holds none yet, as the library hands it out, takes the
     /// number in its place: a variant made beside it and thrown away would cost more than the
     /// reading.
+    ///
+    /// @param number        of a type that QVariant holds
+    /// @param newErrorType  as above
+    /// @param newTimestamp  as above
     template <typename Number>
     void setNumber(Number number, ProcessDataDefinitions::ErrorTypes newErrorType,
                    qint64 newTimestamp)

@@ -11,11 +11,11 @@
 /// selector URLs and property names that it will meet there.
 struct ScriptedNames
 {
-    QString urlScheme = QStringLiteral("processdata");
+    QString urlScheme = QStringLiteral("processdata"); ///< of selector URLs
     QString deactivatedQuery = QStringLiteral("?deactivated"); ///< end of a deactivated selector
-    QString readOnlyProperty = QStringLiteral("readOnly");
-    QString selectorTypeListKey = QStringLiteral("selectorTypeList");
-    QString descriptionFileExtension = QStringLiteral("pdd");
+    QString readOnlyProperty = QStringLiteral("readOnly"); ///< flag among a leaf's properties
+    QString selectorTypeListKey = QStringLiteral("selectorTypeList"); ///< in a provider's data
+    QString descriptionFileExtension = QStringLiteral("pdd"); ///< without a dot
     QString providerModuleKey = QStringLiteral("moduleName"); ///< in the list of providers
     QString providerDataKey = QStringLiteral("additionalData"); ///< in the list of providers
 };

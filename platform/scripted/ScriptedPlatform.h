@@ -18,13 +18,13 @@ class Script;
 /// What the platform says of the text of one selector.
 struct ScriptedUrl
 {
-    QString url;
-    QString scheme;
-    QString moduleName;
-    QString objectName;
-    QString instance;
-    bool valid = true;
-    bool deactivated = false;
+    QString url; ///< what SelectorUrlHandler::getUrl() gives
+    QString scheme; ///< what getScheme() gives
+    QString moduleName; ///< what getModuleName() gives
+    QString objectName; ///< what getObjectName() gives
+    QString instance; ///< what getInstance() gives
+    bool valid = true; ///< what isValid() gives
+    bool deactivated = false; ///< what isSelectorDeactivated() gives
     QString path = QString(); ///< names of groups and leaf, joined by "/"
 };
 
@@ -36,10 +36,15 @@ struct ScriptedUrl
 ///
 /// Threads: script, announcements and handlers belong to one thread; values may be scripted, read
 /// and written in any.
+///
+/// A test of an application:
+/// @include test-an-application/pump_guard_test.cpp
 class PROCESSDATAPLATFORM_EXPORT ScriptedPlatform
 {
 public:
+    /// @param names  what the device's platform has otherwise than the reference platform
     explicit ScriptedPlatform(const ScriptedNames &names = ScriptedNames());
+    /// Ends the script; the handlers that used it are gone by then.
     ~ScriptedPlatform();
     ScriptedPlatform(const ScriptedPlatform &) = delete;
     ScriptedPlatform &operator=(const ScriptedPlatform &) = delete;
@@ -63,15 +68,19 @@ public:
     /// What the library has asked since the start or the last forgetCalls(), in order.
     ///
     /// @param classNames  only these contract classes; all when empty
-    /// @returns one line a call: Class[object]::operation(arguments), or ~Class[object]
+    /// @returns one line a call: class, object in brackets, "::", operation and its arguments in
+    ///          parentheses; for a destruction a tilde, class and object
     QStringList calls(const QStringList &classNames = {}) const;
+    /// Begins the record anew.
     void forgetCalls();
     /// For long loops: stops writing calls down.
     void stopRecording();
     /// Living objects of a contract class. Roots count as ConfigurationAndProcessDataBase.
     int alive(const QString &className) const;
-    /// Runs @p hook inside every call of an operation, written as "ProcessDataValue::getValue", in
-    /// the thread of the call.
+    /// Runs code of the test inside every call of an operation, in the thread of the call.
+    ///
+    /// @param operation  written as "ProcessDataValue::getValue"
+    /// @param hook       must not call the handler, which holds its lock during most calls
     void during(const QString &operation, const std::function<void()> &hook);
 
 private:

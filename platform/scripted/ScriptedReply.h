@@ -17,7 +17,9 @@
 class PROCESSDATAPLATFORM_EXPORT ScriptedReply
 {
 public:
+    /// A dead handle.
     ScriptedReply() = default;
+    /// @param reply  the call that it is to stand for
     explicit ScriptedReply(const QSharedPointer<DBusPendingReply> &reply)
         : reply(reply)
     {

@@ -68,10 +68,13 @@ public:
     void announceDescription();
     /// @param instanceName  announced in place of this source's own
     void announceDescription(const QString &instanceName);
+    /// The same for a change of properties.
     void announceProperties();
+    /// @param instanceName  announced in place of this source's own
     void announceProperties(const QString &instanceName);
     /// The fetches that clients began, in order; a dead handle past the last one.
     ScriptedReply reply(int position) const;
+    /// How many fetches clients began, ended ones included.
     int replyCount() const;
 
 private:

@@ -43,6 +43,11 @@ same "runtime holds libraries by number, bus policies and groups alone" "" \
     "$(files "$work/runtime" | grep -vE '\.so\.[0-9.]+$|^share/dbus-1/system\.d/|^lib/sysusers\.d/' || true)"
 same "development holds no program" "" "$(find "$work/development" -path '*/bin/*')"
 same "tools hold no library and no header" "" "$(files "$work/tools" | grep -E '\.so|\.h$' || true)"
+same "the API reference covers every installed header" "" \
+    "$(find "$work/all/include" -name '*.h' -printf '%f\n' | while read -r header; do
+        [[ -f $source_dir/include/$header ]] ||
+            grep -qE "^ +platform/(.*/)?$header( \\\\)?$" "$source_dir/docs/doxygen/Doxyfile" || echo "$header"
+    done)"
 
 # Moved, so that nothing can hold on to the place of installation.
 mv "$work/all" "$work/moved"

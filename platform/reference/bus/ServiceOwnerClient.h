@@ -15,7 +15,7 @@ struct ServiceOwner
     QString service; ///< bus name that the module's service must own
     QString connection; ///< unique name of its owner
     quint32 processId = 0; ///< 0 where the bus cannot tell
-    quint32 userId = 0;
+    quint32 userId = 0; ///< user of that connection; 0 also where the bus cannot tell
 };
 
 /// Fetches the owner of a module's service from the bus, and waits for it, at most for the
@@ -32,8 +32,8 @@ PROCESSDATAPLATFORM_EXPORT BusQueryResult fetchServiceOwner(const QString &modul
 struct ServicesOnBus
 {
     QStringList modules; ///< sorted; without those whose name was too long to be told from the bus
-    bool statusManager = false;
-    bool informationManager = false;
+    bool statusManager = false; ///< whether the system status manager is there
+    bool informationManager = false; ///< whether the system information manager is there
 };
 
 /// Fetches all services; otherwise like fetchServiceOwner.

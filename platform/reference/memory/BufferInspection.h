@@ -10,6 +10,7 @@
 /// What was found on the way, for people; each text is empty until its step is reached.
 struct BufferInspection
 {
+    /// Steps of the way, in order.
     enum Step {
         Description, ///< the description breaks a rule
         File, ///< the buffer does not exist
@@ -23,9 +24,9 @@ struct BufferInspection
     QString problem; ///< why; empty when nothing is wrong
     QString path; ///< of the buffer's file
     QString permission; ///< owner, group, mode, and whether this process may write
-    quint64 generation = 0;
+    quint64 generation = 0; ///< of the buffer; told from File on
     quint64 size = 0; ///< bytes
-    int leafCount = 0;
+    int leafCount = 0; ///< of the description; told from File on
     bool writable = false; ///< told from Layout on
 };
 

@@ -32,6 +32,9 @@ class ProcessDataPublisherPrivate;
 ///          delivers the signals. A thread of the platform answers clients' fetches, so that a busy
 ///          publisher keeps nobody waiting and a client in the publisher's own thread can wait for
 ///          it.
+///
+/// A service that publishes a counter and takes a step from clients:
+/// @include publish-counter/main.cpp
 class PROCESSDATAPLATFORM_EXPORT ProcessDataPublisher : public QObject
 {
     Q_OBJECT
@@ -42,6 +45,11 @@ public:
     /// description (that fails).
     using FirstValues = std::function<void(ProcessDataPublisher &)>;
 
+    /// Publishes an instance.
+    ///
+    /// @param moduleName    not empty, without "_" and control characters
+    /// @param objectName    the same
+    /// @param instanceName  may be empty; without control characters
     /// @param description   document without "buffer" and "offset" keys; its "module", "object" and
     ///                      "instance", where present, must be the ones given
     /// @param errorMessage  when given, receives one sentence that names what is wrong
@@ -54,11 +62,21 @@ public:
 
     /// The same, with values: a client that is told of the instance reads them at once. Without,
     /// it may read NotInitialized until they are published.
+    ///
+    /// @param moduleName    as above, and so on
+    /// @param objectName    as above
+    /// @param instanceName  as above
+    /// @param description   as above
+    /// @param firstValues   called once, when the buffer is made and before it is announced
+    /// @param errorMessage  as above
+    /// @returns as above
     static QSharedPointer<ProcessDataPublisher>
     create(const QString &moduleName, const QString &objectName, const QString &instanceName,
            const QJsonObject &description, const FirstValues &firstValues,
            QString *errorMessage = nullptr);
 
+    /// Retires the buffer and removes its name: attached clients read the last values as
+    /// SourceLost. Unregisters the module with its last publisher.
     ~ProcessDataPublisher() override;
 
     /// Publishes one value.
@@ -70,13 +88,23 @@ public:
     /// @returns whether it was published
     /// Errors:  an unknown path, a value that does not fit: one warning, nothing written.
     bool publish(const QString &path, const ProcessValue &value);
+
+    /// Publishes one value with NoError and the time of now; otherwise as above.
     bool publish(const QString &path, const QVariant &value);
 
     /// Publishes several values under one lock. All are checked first; with one bad value none is
     /// written.
+    ///
+    /// @param values  paths and values, as above
+    /// @returns whether all were published
+    /// Errors:  one warning for the first that is bad. Readers see each leaf whole, perhaps some
+    ///          leaves before others.
     bool publish(const QVector<QPair<QString, ProcessValue>> &values);
 
-    /// What the buffer holds now, whoever wrote it; error type NoValue for an unknown path.
+    /// What the buffer holds now, whoever wrote it.
+    ///
+    /// @param path  names from the top joined by "/"
+    /// @returns the value; one with error type NoValue for an unknown path
     ProcessValue value(const QString &path) const;
 
     /// Paths of all leaves in the order of the description.
@@ -88,29 +116,47 @@ public:
     /// Replaces the description. A new buffer is made; values of leaves that keep path and type
     /// carry over; clients are told by a description announcement.
     ///
+    /// @param description   as for create
+    /// @param errorMessage  when given, receives one sentence that names what is wrong
     /// @returns whether it was replaced; on failure the old description goes on
     bool replaceDescription(const QJsonObject &description, QString *errorMessage = nullptr);
 
     /// The same, with values for the leaves that are new or have another type.
+    ///
+    /// @param description   as above
+    /// @param firstValues   called once, when the new buffer is made and before it is announced
+    /// @param errorMessage  as above
+    /// @returns as above
     bool replaceDescription(const QJsonObject &description, const FirstValues &firstValues,
                             QString *errorMessage = nullptr);
 
     /// Changes properties that do not touch the layout (unit, description, limits and the like);
     /// clients are told by a property announcement. Buffer and values stay.
     ///
-    /// @returns false when a leaf was added, removed, moved, retyped, resized or its readOnly
+    /// @param description   the whole of it, as for create
+    /// @param errorMessage  when given, receives one sentence that names what is wrong
+    /// @returns false when a rule is broken, or a leaf was added, removed, moved, retyped, resized or its readOnly
     ///          changed: that takes replaceDescription
     bool replaceProperties(const QJsonObject &description, QString *errorMessage = nullptr);
 
-    /// How often client writes are looked for. Units: milliseconds; default 20, 0 never.
+    /// How often client writes are looked for.
+    ///
+    /// @param milliseconds  between two looks; 20 unless told, 0 or less: never
     void setWriteDetectionInterval(int milliseconds);
 
 Q_SIGNALS:
     /// A client wrote a leaf. Several writes between two looks are reported once, with the last
     /// value.
+    ///
+    /// @param path   names from the top joined by "/"
+    /// @param value  as value(path) gives it
+    /// Threads: emitted in the publisher's thread, from its event loop or from within
+    ///          replaceDescription. A slot may publish, and end the publisher.
     void valueWritten(const QString &path, const ProcessValue &value);
 
     /// The bus went away, or came back and all is exported and announced again.
+    ///
+    /// @param connected  whether it is there
     void connectedChanged(bool connected);
 
 private:

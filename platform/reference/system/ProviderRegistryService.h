@@ -25,6 +25,8 @@ class PROCESSDATAPLATFORM_EXPORT ProviderRegistryService : public QObject
     Q_OBJECT
 
 public:
+    /// Takes the name and serves an empty list.
+    ///
     /// @param errorMessage  when given, receives one sentence that names what is wrong
     /// @returns the running service; null when the bus is out of reach or another process owns the
     ///          name

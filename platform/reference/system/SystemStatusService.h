@@ -14,7 +14,7 @@ class SystemStatusServicePrivate;
 
 /// Owns the bus name of the system status manager and tells clients when the system has started up.
 ///
-/// Starts as not ready. Survives a restart of the bus daemon: it comes back with the same state.
+/// Starts as not ready. Survives a restart of the bus daemon: it comes back with the same state
 /// and announces a start-up that is over.
 ///
 /// Threads: create, use and destroy it in one thread that runs an event loop, which answers
@@ -24,6 +24,8 @@ class PROCESSDATAPLATFORM_EXPORT SystemStatusService : public QObject
     Q_OBJECT
 
 public:
+    /// Takes the name and tells that the system is not ready.
+    ///
     /// @param errorMessage  when given, receives one sentence that names what is wrong
     /// @returns the running service; null when the bus is out of reach or another process owns the
     ///          name
@@ -32,10 +34,13 @@ public:
     /// Gives the name back.
     ~SystemStatusService() override;
 
+    /// Whether the system has started up, as clients are told.
     bool isReady() const;
 
     /// Sets the property Ready. A change is announced to clients; the change to true also by the
     /// signal StartupReady.
+    ///
+    /// @param ready  whether the system has started up
     void setReady(bool ready);
 
 private:
