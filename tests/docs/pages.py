@@ -4,6 +4,7 @@ import re
 
 # A comment "run: COMMAND" by itself is a command that readers do not see, such as one that prepares something.
 # "commands tested by: TEST" anywhere says that another test runs the commands of the page.
+# A paragraph "*Not run by a test…*" behind a block tells readers that it is not, and why.
 # What the comment right before a block may say. A block without one is run or compiled as it stands.
 DIRECTIVES = (
     "file",  # the block becomes this file in the page's folder, for the commands that follow
@@ -14,7 +15,6 @@ DIRECTIVES = (
     "tested by",  # this test of ctest runs the commands
     "numbers vary",  # numbers in the output are compared as "a number"
     "output of",  # %N: what the N-th command in the background prints next; numbers vary
-    "not run",  # with the reason
 )
 
 
@@ -47,6 +47,8 @@ def blocks_of(path, page):
             comment = re.fullmatch(r"<!-- (?!run: )(.*) -->", before)
             current = Block(page, number, line[3:], comment.group(1) if comment else "")
             blocks.append(current)
+        elif blocks and re.fullmatch(r"\*Not run by a test\b.*\*", line):
+            blocks[-1].directive, blocks[-1].value = "not run", line.strip("*")
         elif line.startswith("<!-- run: "):
             hidden = Block(page, number, "run", "")
             hidden.lines.append(line.removeprefix("<!-- run: ").removesuffix(" -->"))
