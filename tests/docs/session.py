@@ -22,7 +22,7 @@ import time
 
 from pages import blocks_of
 
-LIMIT = 50  # seconds for one command, or for output to come
+LIMIT = 100  # seconds for one command, or for output to come
 
 
 class Mismatch(Exception):
