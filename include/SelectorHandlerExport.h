@@ -5,6 +5,7 @@
 
 #include <QtGlobal>
 
+/// Stands before each class of the library that clients use.
 #define SELECTORHANDLER_EXPORT Q_DECL_EXPORT
 
 #endif

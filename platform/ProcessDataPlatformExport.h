@@ -5,6 +5,7 @@
 
 #include <QtGlobal>
 
+/// Stands before each class and function of the platform that others use.
 #define PROCESSDATAPLATFORM_EXPORT Q_DECL_EXPORT
 
 #endif

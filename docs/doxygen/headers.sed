@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: MIT
-# What Doxygen sees of a header: paragraphs for units, errors, threads; nothing private, and no lines that copy
-# and move as everywhere.
+# What Doxygen sees of a header: the job of the file, paragraphs for units, errors, threads; nothing private, and
+# no lines that copy and move as everywhere.
+2s,^// ,/// @thisfile ,
 s/^ .*[^ ].* = (default|delete);$//
 s,^( *///) (Errors|Lifetime|Shape|Threads|Units): +,\1 @\L\2 ,
 s,^( *///.*) (Threads|Units): +,\1 @\L\2 ,

@@ -3,6 +3,7 @@
 #ifndef BUSQUERYRESULT_H
 #define BUSQUERYRESULT_H
 
+/// How it ended. What is asked for is there with Ok alone.
 enum class BusQueryResult {
     Ok, ///< the answer is there
     BusNotReachable, ///< no connection to the bus: the whole system is out of reach

@@ -12,8 +12,10 @@
 /// Fetches the names of a module's objects, sorted, from the introspection of its service, and
 /// waits for them, at most for the platform's time limit.
 ///
+/// @param moduleName    whose service is asked
 /// @param objects       receives the names, unescaped; left alone on failure
 /// @param errorMessage  receives one sentence that names what is wrong; left alone on success
+/// @returns how it ended
 /// Threads: any. Runs no event loop.
 PROCESSDATAPLATFORM_EXPORT BusQueryResult fetchObjects(const QString &moduleName,
                                                        QStringList &objects, QString &errorMessage);

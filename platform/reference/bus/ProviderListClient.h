@@ -13,6 +13,7 @@
 ///
 /// @param json          receives the JSON text of the list; left alone on failure
 /// @param errorMessage  receives one sentence that names what is wrong; left alone on success
+/// @returns how it ended
 /// Threads: any. Runs no event loop.
 PROCESSDATAPLATFORM_EXPORT BusQueryResult fetchRegisteredProviderList(QString &json,
                                                                       QString &errorMessage);

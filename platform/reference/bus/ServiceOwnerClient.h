@@ -21,8 +21,10 @@ struct ServiceOwner
 /// Fetches the owner of a module's service from the bus, and waits for it, at most for the
 /// platform's time limit. The service itself is not asked.
 ///
+/// @param moduleName    whose service is looked for
 /// @param owner         receives the service's name in any case, the rest on success
 /// @param errorMessage  receives one sentence that names what is wrong; left alone on success
+/// @returns how it ended
 /// Threads: any. Runs no event loop.
 PROCESSDATAPLATFORM_EXPORT BusQueryResult fetchServiceOwner(const QString &moduleName,
                                                             ServiceOwner &owner,

@@ -33,6 +33,7 @@ struct BufferInspection
 /// Does all that a client does when it attaches, and lets go of the buffer again.
 ///
 /// @param description  text as a service sends it
+/// @returns how far it got, and what stood in the way
 /// Threads: any. Logs nothing.
 PROCESSDATAPLATFORM_EXPORT BufferInspection inspectBuffer(const QString &description);
 
