@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What reading costs, in exact counts: heap allocations and system calls.
+// What reading and setting up cost, in exact counts: heap allocations, heap and system calls.
 #include "InProcessBus.h"
 #include "InProcessSource.h"
 #include "SelectorHandlerProcessValue.h"
@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <linux/filter.h>
 #include <linux/seccomp.h>
+#include <malloc.h>
 #include <sys/prctl.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
@@ -100,6 +101,8 @@ private Q_SLOTS:
     void aReadOfNumbersAllocatesOnceAndCallsTheKernelNever_data();
     void aReadOfNumbersAllocatesOnceAndCallsTheKernelNever();
     void aRefusedRangeCostsNothing();
+    void settingUpAllocatesAFewTimesASelector();
+    void aSelectorTakesLittleHeap();
     void settingUpFetchesEachSourceOnce();
     void aChangeFetchesTwice();
 };
@@ -141,6 +144,33 @@ void ReadingCountsTest::aRefusedRangeCostsNothing()
     QCOMPARE(allocationsOf([&] { handler.getValues(0, 0); }), 0);
     QCOMPARE(systemCallsOf([&] { handler.getValues(-1, 2); }), 0);
     QCOMPARE(systemCallsOf([&] { handler.getValues(0, 0); }), 0);
+}
+
+void ReadingCountsTest::settingUpAllocatesAFewTimesASelector()
+{
+    constexpr int count = 1000;
+    const InProcessSource source(uniqueModule(), QStringLiteral("1"), count);
+    const QVector<QString> urls = source.urls();
+
+    const int made
+        = allocationsOf([&] { const SelectorHandlerProcessValue handler(urls, nullptr); });
+
+    QVERIFY2(made <= 13 * count, qPrintable(QString::number(made)));
+}
+
+void ReadingCountsTest::aSelectorTakesLittleHeap()
+{
+    constexpr int count = 1000;
+    const InProcessSource source(uniqueModule(), QStringLiteral("1"), count);
+    const QVector<QString> urls = source.urls();
+    SelectorHandlerProcessValue(urls, nullptr); // what is made once for a process is there
+    const auto heap = [] { return mallinfo2().uordblks + mallinfo2().hblkhd; };
+    const size_t before = heap();
+
+    const SelectorHandlerProcessValue handler(urls, nullptr);
+    const size_t taken = heap() - before;
+
+    QVERIFY2(taken <= 1150 * count, qPrintable(QString::number(taken)));
 }
 
 void ReadingCountsTest::settingUpFetchesEachSourceOnce()

@@ -8,6 +8,7 @@
 #include "ProcessDataManager.h"
 #include "ProcessDataValue.h"
 #include "ProcessValue.h"
+#include "QtJsonOracle.h"
 #include "SelectorUrlBuilder.h"
 #include "SelectorUrlParser.h"
 #include "SlotLayout.h"
@@ -55,6 +56,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
     dropWarnings();
     const QByteArray text(reinterpret_cast<const char *>(data), int(size));
+    FUZZ_REQUIRE(QtJsonOracle::difference(text, DescriptionForm::Published).isEmpty());
+    FUZZ_REQUIRE(QtJsonOracle::difference(text, DescriptionForm::Template).isEmpty());
     QString error;
     const auto published = parseDescription(text, DescriptionForm::Published, error);
     FUZZ_REQUIRE(published.has_value() == error.isEmpty());

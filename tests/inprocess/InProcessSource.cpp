@@ -37,7 +37,7 @@ static QByteArray servedText(QJsonObject document, const ProcessDataDescription 
 {
     QJsonArray elements;
     for (const LeafDescription &leaf : description.leaves) {
-        QJsonObject element = leaf.properties;
+        QJsonObject element = leaf.properties.toObject();
         element.insert(QStringLiteral("offset"), qint64(leaf.offset));
         elements.append(element);
     }

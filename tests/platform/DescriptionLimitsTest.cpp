@@ -43,6 +43,7 @@ class DescriptionLimitsTest : public QObject
 
 private Q_SLOTS:
     void sixtyFourLevelsAreReadAndOneMoreIsNot();
+    void aValueNestedDeeperThanJsonsReaderTakesIsRefused();
     void textOfMoreThan64MiBIsRefused();
     void aMillionLeavesAreReadAndOneMoreIsNot();
     void aPathAsLongAsAUrlIsReadAndOneCharacterMoreIsNot();
@@ -61,6 +62,19 @@ void DescriptionLimitsTest::sixtyFourLevelsAreReadAndOneMoreIsNot()
     QVERIFY2(parseDescription(nested(64), DescriptionForm::Published, error), qPrintable(error));
     QVERIFY(!parseDescription(nested(65), DescriptionForm::Published, error));
     QVERIFY2(error.endsWith(": more than 64 levels"), qPrintable(error));
+}
+
+void DescriptionLimitsTest::aValueNestedDeeperThanJsonsReaderTakesIsRefused()
+{
+    QJsonArray value;
+    for (int i = 0; i < 1022; ++i) {
+        value = QJsonArray{QJsonValue(value)};
+    }
+    QString error;
+
+    QVERIFY(!parseDescription(withLeaf("vendor", value), DescriptionForm::Published, error));
+
+    QVERIFY2(error.startsWith("description: no JSON: too deeply nested"), qPrintable(error));
 }
 
 void DescriptionLimitsTest::textOfMoreThan64MiBIsRefused()

@@ -48,7 +48,7 @@ void DescriptionTest::everythingThatADescriptionSaysIsRead()
     QCOMPARE(description->leaves.at(1).path, "drive/speed");
     QCOMPARE(description->leaves.at(1).offset, quint64(256));
     QVERIFY(description->leaves.at(1).readOnly);
-    QCOMPARE(description->leaves.at(1).properties, speed);
+    QCOMPARE(description->leaves.at(1).properties.toObject(), speed);
 }
 
 void DescriptionTest::aTemplateNeedsNoSourceAndNoBuffer()

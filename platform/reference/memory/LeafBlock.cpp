@@ -2,6 +2,9 @@
 // All leaves of one description, side by side, with what they share.
 #include "LeafBlock.h"
 
+#include <QJsonArray>
+#include <QJsonDocument>
+
 #include <memory>
 #include <new>
 
@@ -12,10 +15,25 @@ ProcessDataLeaf *allocateLeaves(int count)
     return std::allocator<ProcessDataLeaf>().allocate(size_t(count));
 }
 
+// Older descriptions name no session.
+QJsonValue sessionOf(const ProcessDataDescription &description)
+{
+    const quint64 generation = description.buffer ? description.buffer->generation : 0;
+    return double(description.session != 0 ? description.session : generation);
+}
+
+QByteArray compactText(const QJsonValue &value)
+{
+    const QByteArray array = QJsonDocument(QJsonArray{value}).toJson(QJsonDocument::Compact);
+    return array.mid(1, array.size() - 2); // without the array's brackets
+}
+
 }
 
 LeafBlock::LeafBlock(ProcessDataDescription description, QSharedPointer<SharedMemoryPrivate> memory)
     : description(std::move(description))
+    , session(sessionOf(this->description))
+    , sessionText(compactText(session))
     , memory(std::move(memory))
     , leaves(allocateLeaves(this->description.leaves.size()))
 {

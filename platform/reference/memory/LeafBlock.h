@@ -7,6 +7,8 @@
 #include "ProcessDataLeaf.h"
 #include "SharedMemoryMapping.h"
 
+#include <QByteArray>
+#include <QJsonValue>
 #include <QSharedPointer>
 
 /// Owns leaves, description and mapping of one tree. Root and leaf pointers share it: it lives
@@ -20,6 +22,8 @@ struct LeafBlock
     LeafBlock &operator=(const LeafBlock &) = delete;
 
     const ProcessDataDescription description;
+    const QJsonValue session; // tells clients of a restarted publisher
+    const QByteArray sessionText; // the same as it is rendered
     const QSharedPointer<SharedMemoryPrivate> memory;
     ProcessDataLeaf *const leaves; // one for each of the description, in its order
 };

@@ -16,7 +16,9 @@ namespace {
 std::optional<QByteArray> descriptionText(const QVariant &description)
 {
     if (description.userType() == QMetaType::QString) {
-        return description.toString().toUtf8();
+        QByteArray text = description.toString().toUtf8();
+        text.squeeze(); // Qt takes room for the worst, three bytes a character; the tree keeps it
+        return text;
     }
     if (description.userType() == QMetaType::QByteArray) {
         return description.toByteArray();

@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr int notFound = -1;
+constexpr int notFound = -1; // as groups are in the description
 
 // A pointer to one leaf keeps all of them: they are destroyed together, by their block.
 ConfigurationAndProcessDataBase::ProcessDataValueSharedPointer
@@ -48,12 +48,10 @@ ProcessDataRoot::ProcessDataRoot(ProcessDataDescription description,
     : block(QSharedPointer<LeafBlock>::create(std::move(description), std::move(memory)))
 {
     beginOfUrls = plainBeginOfUrls(block->description);
-    const QVector<LeafDescription> &described = block->description.leaves;
-    leaves.reserve(described.size());
-    positions.reserve(described.size());
-    for (int i = 0; i < described.size(); ++i) {
+    const int count = block->description.leaves.size();
+    leaves.reserve(count);
+    for (int i = 0; i < count; ++i) {
         leaves.append(leafPointer(block, i));
-        positions.insert(described.at(i).path, i);
     }
 }
 
@@ -70,7 +68,7 @@ int ProcessDataRoot::positionOfPlainUrl(const QString &url) const
         return notFound;
     }
     const QString path = QString::fromRawData(url.constData() + begin, url.size() - begin);
-    return positions.value(path, notFound);
+    return block->description.positions.value(path, notFound);
 }
 
 ConfigurationAndProcessDataBase::ProcessDataValueSharedPointer
@@ -86,9 +84,8 @@ ProcessDataRoot::getLeafProcessDataValue(const QString &url)
         || parts.instance != source.instance || parts.path.isNull()) {
         return {};
     }
-    const auto position = positions.constFind(parts.path);
-    return position == positions.constEnd() ? ProcessDataValueSharedPointer()
-                                            : leaves.at(*position);
+    const int position = source.positions.value(parts.path, notFound);
+    return position == notFound ? ProcessDataValueSharedPointer() : leaves.at(position);
 }
 
 QVariant ProcessDataRoot::readLeafProperty(const QString &name) const

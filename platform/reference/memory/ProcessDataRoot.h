@@ -6,7 +6,6 @@
 #include "ConfigurationAndProcessDataBase.h"
 #include "LeafBlock.h"
 
-#include <QHash>
 #include <QVector>
 
 /// Holds every leaf of its description, so that a URL finds the same leaf for as long as the tree
@@ -26,7 +25,6 @@ private:
 
     const QSharedPointer<LeafBlock> block;
     QVector<ProcessDataValueSharedPointer> leaves; // in the description's order
-    QHash<QString, int> positions; // by path
     QString beginOfUrls; // of URLs that are spelled without encoding
 };
 

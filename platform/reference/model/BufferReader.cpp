@@ -23,18 +23,17 @@ bool isBufferName(const QString &name)
 
 } // namespace
 
-std::optional<BufferDescription> readBuffer(const QJsonObject &document, QString &error)
+std::optional<BufferDescription> readBuffer(const JsonNode &document, QString &error)
 {
-    const QJsonValue value = document.value(Keys::buffer);
-    if (!value.isObject()) {
+    const JsonNode object = document.value(Keys::buffer);
+    if (object.kind() != JsonKind::Object) {
         error = QStringLiteral("description: \"%1\" must be an object, but is %2")
-                    .arg(Keys::buffer, jsonTypeName(value));
+                    .arg(Keys::buffer.name, jsonTypeName(object.kind()));
         return std::nullopt;
     }
     constexpr quint64 highest = std::numeric_limits<qint64>::max();
     constexpr quint64 highestUid = std::numeric_limits<quint32>::max();
-    const QJsonObject object = value.toObject();
-    const JsonPlace place(Keys::buffer);
+    const JsonPlace place(Keys::buffer.name);
     const auto name = readText(object, Keys::name, false, place, error);
     if (!name) {
         return std::nullopt;

@@ -1,95 +1,125 @@
 // SPDX-License-Identifier: MIT
-// Writes JSON objects as compact text.
+// Writes a JSON object as compact text without losing a digit.
 #include "CompactJson.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QVariant>
 
-#include <charconv>
-#include <cmath>
+#include <algorithm>
 
 namespace {
 
-constexpr double highestExactWhole = 9007199254740992.0; // 2^53
-
-// Ascii that is not escaped.
+// Stands in a text as it is.
 bool isPlain(QChar c)
 {
     return c.unicode() >= 0x20 && c.unicode() < 0x80 && c != QLatin1Char('"')
         && c != QLatin1Char('\\');
 }
 
+class Writer
+{
+public:
+    QByteArray bytes;
+
+    void write(const QJsonObject &object)
+    {
+        bytes += '{';
+        for (auto member = object.begin(); member != object.end(); ++member) {
+            separate('{');
+            writeText(member.key());
+            bytes += ':';
+            write(member.value());
+        }
+        bytes += '}';
+    }
+
+private:
+    void write(const QJsonArray &array)
+    {
+        bytes += '[';
+        for (const QJsonValue &entry : array) {
+            separate('[');
+            write(entry);
+        }
+        bytes += ']';
+    }
+
+    void write(const QJsonValue &value)
+    {
+        switch (value.type()) {
+        case QJsonValue::Object:
+            write(value.toObject());
+            break;
+        case QJsonValue::Array:
+            write(value.toArray());
+            break;
+        case QJsonValue::String:
+            writeContent(value.toString());
+            break;
+        default:
+            writeScalar(value);
+        }
+    }
+
+    void writeScalar(const QJsonValue &value)
+    {
+        const QVariant content = value.toVariant();
+        if (content.userType() == QMetaType::LongLong) {
+            bytes += QByteArray::number(content.toLongLong());
+        } else {
+            writeByQt(value);
+        }
+    }
+
+    void writeText(const QString &text)
+    {
+        if (std::all_of(text.begin(), text.end(), isPlain)) {
+            bytes += '"';
+            bytes += text.toLatin1();
+            bytes += '"';
+        } else {
+            writeByQt(text);
+        }
+    }
+
+    void writeContent(const QString &text)
+    {
+        if (text.startsWith(QChar(QChar::ByteOrderMark))) {
+            writeMarked(text);
+        } else {
+            writeText(text);
+        }
+    }
+
+    // A byte-order mark at the begin of a text is lost when it is read as it is.
+    void writeMarked(const QString &text)
+    {
+        constexpr int markSize = 3; // bytes, in UTF-8
+        const int begin = bytes.size() + 1;
+        writeText(text);
+        bytes.replace(begin, markSize, "\\ufeff");
+    }
+
+    void writeByQt(const QJsonValue &value)
+    {
+        const QByteArray array = QJsonDocument(QJsonArray{value}).toJson(QJsonDocument::Compact);
+        bytes.append(array.constData() + 1, array.size() - 2); // without the array's brackets
+    }
+
+    void separate(char open)
+    {
+        if (!bytes.endsWith(open)) {
+            bytes += ',';
+        }
+    }
+};
+
 } // namespace
 
-void CompactJsonObjectWriter::write(const QString &key, const QJsonValue &value)
+QByteArray compactJson(const QJsonObject &object)
 {
-    text.append(text.isEmpty() ? '{' : ',');
-    writeText(key);
-    text.append(':');
-    writeValue(value);
-}
-
-void CompactJsonObjectWriter::appendTo(QByteArray &bytes)
-{
-    if (text.isEmpty()) {
-        text.append('{');
-    }
-    text.append('}');
-    bytes.append(text.constData(), text.size());
-}
-
-void CompactJsonObjectWriter::writeValue(const QJsonValue &value)
-{
-    switch (value.type()) {
-    case QJsonValue::String:
-        writeText(value.toString());
-        break;
-    case QJsonValue::Double:
-        writeNumber(value);
-        break;
-    case QJsonValue::Bool: {
-        const QLatin1String word(value.toBool() ? "true" : "false");
-        text.append(word.data(), word.size());
-        break;
-    }
-    default:
-        writeByQt(value);
-    }
-}
-
-void CompactJsonObjectWriter::writeText(const QString &content)
-{
-    constexpr int quotes = 2;
-    const int begin = text.size();
-    text.resize(begin + content.size() + quotes);
-    char *byte = text.data() + begin;
-    *byte++ = '"';
-    for (const QChar c : content) {
-        if (!isPlain(c)) {
-            text.resize(begin);
-            writeByQt(content);
-            return;
-        }
-        *byte++ = char(c.unicode());
-    }
-    *byte = '"';
-}
-
-void CompactJsonObjectWriter::writeNumber(const QJsonValue &value)
-{
-    const double number = value.toDouble();
-    if (std::abs(number) >= highestExactWhole || std::trunc(number) != number) {
-        writeByQt(value);
-        return;
-    }
-    constexpr int mostDigits = 20;
-    char digits[mostDigits];
-    const auto result = std::to_chars(digits, digits + mostDigits, qint64(number));
-    text.append(digits, int(result.ptr - digits));
-}
-
-void CompactJsonObjectWriter::writeByQt(const QJsonValue &value)
-{
-    const QByteArray array = QJsonDocument(QJsonArray{value}).toJson(QJsonDocument::Compact);
-    text.append(array.constData() + 1, array.size() - 2); // without the array's brackets
+    Writer writer;
+    writer.write(object);
+    return writer.bytes;
 }

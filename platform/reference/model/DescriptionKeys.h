@@ -3,32 +3,52 @@
 #ifndef DESCRIPTIONKEYS_H
 #define DESCRIPTIONKEYS_H
 
-#include <QLatin1String>
+#include "JsonKey.h"
 
 namespace DescriptionKeys {
 
-const QLatin1String format("format");
 const QLatin1String formatVersion1("process-data-description/1");
-const QLatin1String module("module");
-const QLatin1String object("object");
-const QLatin1String instance("instance");
-const QLatin1String session("session");
-const QLatin1String buffer("buffer");
-const QLatin1String bufferGeneration("generation");
-const QLatin1String bufferSize("size");
-const QLatin1String bufferOwnerUid("ownerUid");
-const QLatin1String elements("elements");
-const QLatin1String name("name");
-const QLatin1String type("type");
-const QLatin1String capacity("capacity");
-const QLatin1String offset("offset");
-const QLatin1String readOnly("readOnly");
-const QLatin1String minimum("minimum");
-const QLatin1String maximum("maximum");
-const QLatin1String unit("unit");
-const QLatin1String description("description");
-const QLatin1String selectorType("selectorType");
-const QLatin1String simulate("simulate");
+
+constexpr JsonKey format{"format", 0};
+constexpr JsonKey module{"module", 1};
+constexpr JsonKey object{"object", 2};
+constexpr JsonKey instance{"instance", 3};
+constexpr JsonKey session{"session", 4};
+constexpr JsonKey buffer{"buffer", 5};
+constexpr JsonKey bufferGeneration{"generation", 6};
+constexpr JsonKey bufferSize{"size", 7};
+constexpr JsonKey bufferOwnerUid{"ownerUid", 8};
+constexpr JsonKey elements{"elements", 9};
+constexpr JsonKey name{"name", 10};
+constexpr JsonKey type{"type", 11};
+constexpr JsonKey capacity{"capacity", 12};
+constexpr JsonKey offset{"offset", 13};
+constexpr JsonKey readOnly{"readOnly", 14};
+constexpr JsonKey minimum{"minimum", 15};
+constexpr JsonKey maximum{"maximum", 16};
+constexpr JsonKey unit{"unit", 17};
+constexpr JsonKey description{"description", 18};
+constexpr JsonKey selectorType{"selectorType", 19};
+constexpr JsonKey simulate{"simulate", 20};
+
+/// Each at the position that is its number.
+constexpr JsonKey all[]
+    = {format,     module,         object,   instance, session,     buffer,       bufferGeneration,
+       bufferSize, bufferOwnerUid, elements, name,     type,        capacity,     offset,
+       readOnly,   minimum,        maximum,  unit,     description, selectorType, simulate};
+
+constexpr bool areNumbered()
+{
+    quint32 number = 0;
+    for (const JsonKey &key : all) {
+        if (key.number != number) {
+            return false;
+        }
+        ++number;
+    }
+    return true;
+}
+static_assert(areNumbered(), "a key is found by its number");
 
 constexpr int maximumTextSize = 64 * 1024 * 1024; // bytes
 constexpr int maximumLeaves = 1'000'000;

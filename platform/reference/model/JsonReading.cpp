@@ -5,96 +5,118 @@
 #include "ValueConversion.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 
 namespace {
 
 // Sizes and offsets are exact as they are; higher numbers need their digits.
-std::optional<quint64> wholeNumber(const QJsonValue &value)
+std::optional<quint64> wholeNumber(const JsonNode &value)
 {
+    if (const auto spelled = shortWholeNumber(value)) {
+        return *spelled >= 0 ? std::optional(quint64(*spelled)) : std::nullopt;
+    }
     constexpr double highestExact = 9007199254740992.0; // 2^53
-    const double number = value.toDouble();
+    const QVariant read = numberOf(value);
+    const double number = read.toDouble();
     if (number >= 0 && number < highestExact) {
         return std::trunc(number) == number ? std::optional(quint64(number)) : std::nullopt;
     }
     QString reason;
-    const auto converted = convertToType(ValueType::UInt64, value.toVariant(), reason);
+    const auto converted = convertToType(ValueType::UInt64, read, reason);
     return converted ? std::optional(quint64(converted->toULongLong())) : std::nullopt;
 }
 
-bool checkText(const QJsonValue &value, QLatin1String key, bool mayBeMissing,
-               const JsonPlace &place, QString &error)
+// Unicode's category Cc: C0, delete, C1.
+bool isControlCharacter(QChar c)
 {
-    if (value.isString() || (mayBeMissing && value.isUndefined())) {
-        return true;
-    }
-    error = QStringLiteral("%1: \"%2\" must be a string, but is %3")
-                .arg(place.text(), key, jsonTypeName(value));
-    return false;
+    return c.unicode() < 0x20 || (c.unicode() >= 0x7f && c.unicode() < 0xa0);
 }
 
 } // namespace
 
-QString jsonTypeName(const QJsonValue &value)
+QString jsonTypeName(JsonKind kind)
 {
-    switch (value.type()) {
-    case QJsonValue::Null:
+    switch (kind) {
+    case JsonKind::Null:
         return QStringLiteral("null");
-    case QJsonValue::Bool:
+    case JsonKind::Bool:
         return QStringLiteral("a boolean");
-    case QJsonValue::Double:
+    case JsonKind::Number:
         return QStringLiteral("a number");
-    case QJsonValue::String:
+    case JsonKind::String:
         return QStringLiteral("a string");
-    case QJsonValue::Array:
+    case JsonKind::Array:
         return QStringLiteral("an array");
-    case QJsonValue::Object:
+    case JsonKind::Object:
         return QStringLiteral("an object");
-    case QJsonValue::Undefined:
+    case JsonKind::Undefined:
         break;
     }
     return QStringLiteral("missing");
 }
 
-std::optional<quint64> readWholeNumber(const QJsonObject &object, QLatin1String key, quint64 lowest,
+std::optional<qint64> shortWholeNumber(const JsonNode &value)
+{
+    if (value.kind() != JsonKind::Number || !value.isPlain()) {
+        return std::nullopt;
+    }
+    const QLatin1String digits = value.bytes();
+    const char *const end = digits.data() + digits.size();
+    qint64 number = 0;
+    const auto result = std::from_chars(digits.data(), end, number);
+    return result.ptr == end ? std::optional(number) : std::nullopt; // a fraction ends it earlier
+}
+
+QVariant numberOf(const JsonNode &value)
+{
+    const auto spelled = shortWholeNumber(value);
+    return spelled ? QVariant(qlonglong(*spelled)) : value.toJsonValue().toVariant();
+}
+
+std::optional<quint64> readWholeNumber(const JsonNode &object, const JsonKey &key, quint64 lowest,
                                        quint64 highest, const JsonPlace &place, QString &error)
 {
-    const QJsonValue value = object.value(key);
-    if (!value.isDouble()) {
+    const JsonNode value = object.value(key);
+    if (value.kind() != JsonKind::Number) {
         error = QStringLiteral("%1: \"%2\" must be a whole number, but is %3")
-                    .arg(place.text(), key, jsonTypeName(value));
+                    .arg(place.text(), key.name, jsonTypeName(value.kind()));
         return std::nullopt;
     }
     const auto number = wholeNumber(value);
     if (!number || *number < lowest || *number > highest) {
         error = QStringLiteral("%1: \"%2\" must be a whole number from %3 to %4, but is %5")
-                    .arg(place.text(), key)
+                    .arg(place.text(), key.name)
                     .arg(lowest)
                     .arg(highest)
-                    .arg(value.toVariant().toString());
+                    .arg(numberOf(value).toString());
         return std::nullopt;
     }
     return number;
 }
 
-std::optional<QString> readText(const QJsonObject &object, QLatin1String key, bool mayBeMissing,
-                                const JsonPlace &place, QString &error)
+bool checkText(const JsonNode &value, const JsonKey &key, bool mayBeMissing, const JsonPlace &place,
+               QString &error)
 {
-    const QJsonValue value = object.value(key);
-    return checkText(value, key, mayBeMissing, place, error) ? std::optional(value.toString())
-                                                             : std::nullopt;
+    if (value.kind() == JsonKind::String || (mayBeMissing && value.isUndefined())) {
+        return true;
+    }
+    error = QStringLiteral("%1: \"%2\" must be a string, but is %3")
+                .arg(place.text(), key.name, jsonTypeName(value.kind()));
+    return false;
 }
 
-bool checkOptionalText(const QJsonObject &object, QLatin1String key, const JsonPlace &place,
-                       QString &error)
+std::optional<QString> readText(const JsonNode &object, const JsonKey &key, bool mayBeMissing,
+                                const JsonPlace &place, QString &error)
 {
-    return checkText(object.value(key), key, true, place, error);
+    const JsonNode value = object.value(key);
+    return checkText(value, key, mayBeMissing, place, error) ? std::optional(value.toText())
+                                                             : std::nullopt;
 }
 
 bool hasControlCharacter(const QString &text)
 {
-    return std::any_of(text.begin(), text.end(),
-                       [](QChar c) { return c.category() == QChar::Other_Control; });
+    return std::any_of(text.begin(), text.end(), isControlCharacter);
 }
 
 bool isNameText(const QString &text)

@@ -3,8 +3,10 @@
 #ifndef JSONREADING_H
 #define JSONREADING_H
 
-#include <QJsonObject>
+#include "JsonText.h"
+
 #include <QString>
+#include <QVariant>
 
 #include <optional>
 
@@ -28,23 +30,30 @@ private:
     const QLatin1String after;
 };
 
+/// The number that the value spells in at most 15 digits; nothing for any other value.
+std::optional<qint64> shortWholeNumber(const JsonNode &value);
+
+/// A number as Qt's reader understands it: qlonglong or double.
+QVariant numberOf(const JsonNode &value);
+
 /// Reads a whole number between limits.
 ///
-/// @param place  what holds the key, for the message
+/// @param object  an opened object
+/// @param place   what holds the key, for the message
 /// @returns nothing, with an error, when the key is missing or holds anything else
-std::optional<quint64> readWholeNumber(const QJsonObject &object, QLatin1String key, quint64 lowest,
+std::optional<quint64> readWholeNumber(const JsonNode &object, const JsonKey &key, quint64 lowest,
                                        quint64 highest, const JsonPlace &place, QString &error);
 
 /// Reads text. A missing key gives an empty text when it may be missing.
-std::optional<QString> readText(const QJsonObject &object, QLatin1String key, bool mayBeMissing,
+std::optional<QString> readText(const JsonNode &object, const JsonKey &key, bool mayBeMissing,
                                 const JsonPlace &place, QString &error);
 
-/// Whether a key is missing or holds text.
-bool checkOptionalText(const QJsonObject &object, QLatin1String key, const JsonPlace &place,
-                       QString &error);
+/// Whether a key holds text, or is missing when it may be.
+bool checkText(const JsonNode &value, const JsonKey &key, bool mayBeMissing, const JsonPlace &place,
+               QString &error);
 
 /// Name of a JSON value's type, for messages.
-QString jsonTypeName(const QJsonValue &value);
+QString jsonTypeName(JsonKind kind);
 
 /// Whether a text holds a character that has no place in a name.
 bool hasControlCharacter(const QString &text);

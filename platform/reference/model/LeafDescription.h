@@ -3,9 +3,9 @@
 #ifndef LEAFDESCRIPTION_H
 #define LEAFDESCRIPTION_H
 
+#include "LeafProperties.h"
 #include "ValueType.h"
 
-#include <QJsonObject>
 #include <QString>
 #include <QVariant>
 
@@ -20,7 +20,7 @@ struct LeafDescription
     bool readOnly = false;
     QVariant minimum; ///< in the leaf's unit, of the leaf's type; invalid when there is none
     QVariant maximum;
-    QJsonObject properties; ///< every key of the leaf as described
+    LeafProperties properties; ///< every key of the leaf as described
 };
 Q_DECLARE_TYPEINFO(LeafDescription, Q_MOVABLE_TYPE);
 

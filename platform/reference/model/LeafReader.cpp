@@ -18,16 +18,17 @@ bool hasRange(ValueType type)
     return type != ValueType::Bool && type != ValueType::String && type != ValueType::Bytes;
 }
 
-bool readType(const QJsonObject &element, const JsonPlace &place, LeafDescription &leaf,
+bool readType(const JsonNode &element, const JsonPlace &place, LeafDescription &leaf,
               QString &error)
 {
-    const auto name = readText(element, Keys::type, false, place, error);
-    if (!name) {
+    const JsonNode name = element.value(Keys::type);
+    if (!checkText(name, Keys::type, false, place, error)) {
         return false;
     }
-    const auto type = valueTypeFromName(*name);
+    const auto type
+        = name.isPlain() ? valueTypeFromName(name.bytes()) : valueTypeFromName(name.toText());
     if (!type) {
-        error = QStringLiteral("%1: unknown type %2").arg(place.text(), printable(*name));
+        error = QStringLiteral("%1: unknown type %2").arg(place.text(), printable(name.toText()));
         return false;
     }
     leaf.type = *type;
@@ -58,36 +59,42 @@ QVariant unroundedMaximum(ValueType type, const QVariant &number)
     return number;
 }
 
-bool readLimit(const QJsonObject &element, QLatin1String key, const JsonPlace &place,
+bool readLimit(const JsonNode &element, const JsonKey &key, const JsonPlace &place,
                const LeafDescription &leaf, QVariant &limit, QString &error)
 {
-    const QJsonValue value = element.value(key);
+    const JsonNode value = element.value(key);
     if (value.isUndefined()) {
         return true;
     }
     if (!hasRange(leaf.type)) {
         error = QStringLiteral("%1: a leaf of type %2 has no \"%3\"")
-                    .arg(place.text(), valueTypeName(leaf.type), key);
+                    .arg(place.text(), valueTypeName(leaf.type), key.name);
         return false;
     }
-    if (!value.isDouble()) {
+    if (value.kind() != JsonKind::Number) {
         error = QStringLiteral("%1: \"%2\" must be a number, but is %3")
-                    .arg(place.text(), key, jsonTypeName(value));
+                    .arg(place.text(), key.name, jsonTypeName(value.kind()));
         return false;
     }
-    const QVariant number = unroundedMaximum(leaf.type, value.toVariant());
+    const auto whole = shortWholeNumber(value);
+    if (whole && leaf.type == ValueType::Float64) { // what is read most, without a detour
+        limit = QVariant(double(*whole));
+        return true;
+    }
+    const QVariant number = unroundedMaximum(leaf.type, numberOf(value));
     QString reason;
     const auto converted = convertToType(leaf.type, number, reason);
     if (!converted) {
-        error = QStringLiteral("%1: \"%2\" is %3, which does not convert to %4: it %5")
-                    .arg(place.text(), key, printable(number), valueTypeName(leaf.type), reason);
+        error
+            = QStringLiteral("%1: \"%2\" is %3, which does not convert to %4: it %5")
+                  .arg(place.text(), key.name, printable(number), valueTypeName(leaf.type), reason);
         return false;
     }
     limit = *converted;
     return true;
 }
 
-bool readRange(const QJsonObject &element, const JsonPlace &place, LeafDescription &leaf,
+bool readRange(const JsonNode &element, const JsonPlace &place, LeafDescription &leaf,
                QString &error)
 {
     if (!readLimit(element, Keys::minimum, place, leaf, leaf.minimum, error)
@@ -103,7 +110,7 @@ bool readRange(const QJsonObject &element, const JsonPlace &place, LeafDescripti
     return true;
 }
 
-bool readOffset(const QJsonObject &element, const JsonPlace &place, quint64 bufferSize,
+bool readOffset(const JsonNode &element, const JsonPlace &place, quint64 bufferSize,
                 LeafDescription &leaf, QString &error)
 {
     const auto offset = readWholeNumber(element, Keys::offset, slotLayoutHeaderSize,
@@ -132,30 +139,30 @@ bool readOffset(const QJsonObject &element, const JsonPlace &place, quint64 buff
     return true;
 }
 
-bool readReadOnly(const QJsonObject &element, const JsonPlace &place, LeafDescription &leaf,
+bool readReadOnly(const JsonNode &element, const JsonPlace &place, LeafDescription &leaf,
                   QString &error)
 {
-    const QJsonValue value = element.value(Keys::readOnly);
-    if (!value.isUndefined() && !value.isBool()) {
+    const JsonNode value = element.value(Keys::readOnly);
+    if (!value.isUndefined() && value.kind() != JsonKind::Bool) {
         error = QStringLiteral("%1: \"%2\" must be a boolean, but is %3")
-                    .arg(place.text(), Keys::readOnly, jsonTypeName(value));
+                    .arg(place.text(), Keys::readOnly.name, jsonTypeName(value.kind()));
         return false;
     }
-    leaf.readOnly = value.toBool(false);
+    leaf.readOnly = value.isTrue();
     return true;
 }
 
-bool checkOtherKeys(const QJsonObject &element, const JsonPlace &place, QString &error)
+bool checkOtherKeys(const JsonNode &element, const JsonPlace &place, QString &error)
 {
-    for (const QLatin1String key : {Keys::unit, Keys::description, Keys::selectorType}) {
-        if (!checkOptionalText(element, key, place, error)) {
+    for (const JsonKey &key : {Keys::unit, Keys::description, Keys::selectorType}) {
+        if (!checkText(element.value(key), key, true, place, error)) {
             return false;
         }
     }
-    const QJsonValue simulate = element.value(Keys::simulate);
-    if (!simulate.isUndefined() && !simulate.isObject()) {
+    const JsonNode simulate = element.value(Keys::simulate);
+    if (!simulate.isUndefined() && simulate.kind() != JsonKind::Object) {
         error = QStringLiteral("%1: \"%2\" must be an object, but is %3")
-                    .arg(place.text(), Keys::simulate, jsonTypeName(simulate));
+                    .arg(place.text(), Keys::simulate.name, jsonTypeName(simulate.kind()));
         return false;
     }
     return true;
@@ -163,25 +170,22 @@ bool checkOtherKeys(const QJsonObject &element, const JsonPlace &place, QString 
 
 } // namespace
 
-std::optional<LeafDescription> readLeaf(const QJsonObject &element, const QString &path,
-                                        DescriptionForm form, quint64 bufferSize, QString &error)
+bool readLeaf(const JsonNode &element, const QString &path, DescriptionForm form,
+              quint64 bufferSize, LeafDescription &leaf, QString &error)
 {
     const JsonPlace place(QLatin1String("leaf \""), path, QLatin1String("\""));
-    LeafDescription leaf;
     leaf.path = path;
-    leaf.properties = element;
     if (!readType(element, place, leaf, error) || !readRange(element, place, leaf, error)
         || !readReadOnly(element, place, leaf, error) || !checkOtherKeys(element, place, error)) {
-        return std::nullopt;
+        return false;
     }
     if (form == DescriptionForm::Published) {
-        if (!readOffset(element, place, bufferSize, leaf, error)) {
-            return std::nullopt;
-        }
-    } else if (element.contains(Keys::offset)) {
-        error = QStringLiteral("%1: \"%2\" is the publisher's to add")
-                    .arg(place.text(), Keys::offset);
-        return std::nullopt;
+        return readOffset(element, place, bufferSize, leaf, error);
     }
-    return leaf;
+    if (element.contains(Keys::offset)) {
+        error = QStringLiteral("%1: \"%2\" is the publisher's to add")
+                    .arg(place.text(), Keys::offset.name);
+        return false;
+    }
+    return true;
 }

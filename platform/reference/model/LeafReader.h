@@ -3,13 +3,16 @@
 #ifndef LEAFREADER_H
 #define LEAFREADER_H
 
+#include "JsonText.h"
 #include "ProcessDataDescription.h"
 
 /// Reads a leaf that is known to have a name and a type key.
 ///
+/// @param element     an opened object of the text
 /// @param bufferSize  bytes that the leaf's slot must lie in; used in a published description
-/// @returns the leaf; nothing, with an error that names the path, when a rule is broken
-std::optional<LeafDescription> readLeaf(const QJsonObject &element, const QString &path,
-                                        DescriptionForm form, quint64 bufferSize, QString &error);
+/// @param leaf        receives everything but the properties
+/// @returns false, with an error that names the path, when a rule is broken
+bool readLeaf(const JsonNode &element, const QString &path, DescriptionForm form,
+              quint64 bufferSize, LeafDescription &leaf, QString &error);
 
 #endif

@@ -4,13 +4,10 @@
 
 #include "BufferReader.h"
 #include "DescriptionKeys.h"
+#include "DescriptionText.h"
 #include "JsonReading.h"
 #include "LeafReader.h"
 #include "ValueConversion.h"
-
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QSet>
 
 #include <limits>
 
@@ -23,24 +20,26 @@ const QLatin1String documentPlace("description");
 class DescriptionReader
 {
 public:
-    DescriptionReader(DescriptionForm form, QString &error)
-        : form(form)
+    DescriptionReader(JsonTextPointer text, DescriptionForm form, QString &error)
+        : text(std::move(text))
+        , form(form)
         , error(error)
     {
     }
 
-    std::optional<ProcessDataDescription> read(const QJsonObject &document)
+    std::optional<ProcessDataDescription> read()
     {
+        const JsonNode document(*text, text->root);
         if (readFormat(document) && readSource(document) && readBufferKey(document)
             && readElements(document, QString(), 1)
             && (form == DescriptionForm::Template || slotsStandApart(description.leaves, error))) {
-            return description;
+            return std::move(description);
         }
         return std::nullopt;
     }
 
 private:
-    bool readFormat(const QJsonObject &document)
+    bool readFormat(const JsonNode &document)
     {
         const auto format = readText(document, Keys::format, false, documentPlace, error);
         if (format && *format != Keys::formatVersion1) {
@@ -51,7 +50,7 @@ private:
         return format.has_value();
     }
 
-    bool readSourceName(const QJsonObject &document, QLatin1String key, QString &name)
+    bool readSourceName(const JsonNode &document, const JsonKey &key, QString &name)
     {
         const auto text
             = readText(document, key, form == DescriptionForm::Template, documentPlace, error);
@@ -63,14 +62,14 @@ private:
             && (text->isEmpty() || text->contains(QLatin1Char('_')) || !isNameText(*text))) {
             error = QStringLiteral(
                         "%1: \"%2\" is %3, which is empty or holds \"_\" or a control character")
-                        .arg(documentPlace, key, printable(*text));
+                        .arg(documentPlace, key.name, printable(*text));
             return false;
         }
         name = *text;
         return true;
     }
 
-    bool readSource(const QJsonObject &document)
+    bool readSource(const JsonNode &document)
     {
         if (!readSourceName(document, Keys::module, description.module)
             || !readSourceName(document, Keys::object, description.object)) {
@@ -83,7 +82,7 @@ private:
         }
         if (!isNameText(*instance)) {
             error = QStringLiteral("%1: \"%2\" holds a control character")
-                        .arg(documentPlace, Keys::instance);
+                        .arg(documentPlace, Keys::instance.name);
             return false;
         }
         description.instance = *instance;
@@ -96,7 +95,7 @@ private:
         return session.has_value();
     }
 
-    bool readBufferKey(const QJsonObject &document)
+    bool readBufferKey(const JsonNode &document)
     {
         if (form == DescriptionForm::Published) {
             description.buffer = readBuffer(document, error);
@@ -104,45 +103,45 @@ private:
         }
         if (document.contains(Keys::buffer)) {
             error = QStringLiteral("%1: \"%2\" is the publisher's to add")
-                        .arg(documentPlace, Keys::buffer);
+                        .arg(documentPlace, Keys::buffer.name);
             return false;
         }
         return true;
     }
 
-    bool readElements(const QJsonObject &parent, const QString &path, int level)
+    bool readElements(const JsonNode &parent, const QString &path, int level)
     {
         const QString place
             = path.isEmpty() ? QString(documentPlace) : QStringLiteral("group \"%1\"").arg(path);
-        const QJsonValue value = parent.value(Keys::elements);
-        if (!value.isArray()) {
+        const JsonNode elements = parent.value(Keys::elements);
+        if (elements.kind() != JsonKind::Array) {
             error = QStringLiteral("%1: \"%2\" must be an array, but is %3")
-                        .arg(place, Keys::elements, jsonTypeName(value));
+                        .arg(place, Keys::elements.name, jsonTypeName(elements.kind()));
             return false;
         }
         if (level > Keys::maximumLevels) {
             error = QStringLiteral("%1: more than %2 levels").arg(place).arg(Keys::maximumLevels);
             return false;
         }
-        const QJsonArray elements = value.toArray();
         if (level == 1) {
             description.leaves.reserve(elements.size());
+            description.positions.reserve(elements.size());
         }
-        for (const QJsonValue &element : elements) {
-            if (!element.isObject()) {
+        for (int i = 0; i < elements.size(); ++i) {
+            if (elements.at(i).kind() != JsonKind::Object) {
                 error = QStringLiteral("%1: an element must be an object, but is %2")
-                            .arg(place, jsonTypeName(element));
+                            .arg(place, jsonTypeName(elements.at(i).kind()));
                 return false;
             }
-            if (!readElement(element.toObject(), path, place, level)) {
+            if (!readElement(elements.at(i), path, place, level)) {
                 return false;
             }
         }
         return true;
     }
 
-    bool readElement(const QJsonObject &element, const QString &parentPath,
-                     const QString &parentPlace, int level)
+    bool readElement(const JsonNode &element, const QString &parentPath, const QString &parentPlace,
+                     int level)
     {
         const auto name = readText(element, Keys::name, false,
                                    {QLatin1String("an element of "), parentPlace}, error);
@@ -159,17 +158,17 @@ private:
             return false;
         }
         const QString path = parentPath.isEmpty() ? *name : parentPath + QLatin1Char('/') + *name;
-        const int pathCount = paths.size();
-        paths.insert(path);
-        if (paths.size() == pathCount) {
+        const bool isGroup = element.contains(Keys::elements);
+        const int pathCount = description.positions.size();
+        description.positions.insert(path, isGroup ? -1 : description.leaves.size());
+        if (description.positions.size() == pathCount) {
             error = QStringLiteral("%1: path \"%2\" is given twice").arg(parentPlace, path);
             return false;
         }
 
-        const bool isGroup = element.contains(Keys::elements);
         if (isGroup == element.contains(Keys::type)) {
             error = QStringLiteral("element \"%1\" must have either \"%2\" or \"%3\"")
-                        .arg(path, Keys::type, Keys::elements);
+                        .arg(path, Keys::type.name, Keys::elements.name);
             return false;
         }
         return isGroup ? readElements(element, path, level + 1) : appendLeaf(element, path);
@@ -195,7 +194,7 @@ private:
         return true;
     }
 
-    bool appendLeaf(const QJsonObject &element, const QString &path)
+    bool appendLeaf(const JsonNode &element, const QString &path)
     {
         if (description.leaves.size() == Keys::maximumLeaves) {
             error = QStringLiteral("%1: more than %2 leaves")
@@ -204,17 +203,19 @@ private:
             return false;
         }
         const quint64 bufferSize = description.buffer ? description.buffer->size : 0;
-        auto leaf = readLeaf(element, path, form, bufferSize, error);
-        if (leaf) {
-            description.leaves.append(std::move(*leaf));
+        LeafDescription leaf;
+        if (!readLeaf(element, path, form, bufferSize, leaf, error)) {
+            return false;
         }
-        return leaf.has_value();
+        leaf.properties = LeafProperties(text, element.place());
+        description.leaves.append(std::move(leaf));
+        return true;
     }
 
+    const JsonTextPointer text;
     const DescriptionForm form;
     QString &error;
     ProcessDataDescription description;
-    QSet<QString> paths;
     qint64 pathText = 0; // characters in all paths
 };
 
@@ -223,30 +224,13 @@ private:
 std::optional<ProcessDataDescription> parseDescription(const QByteArray &json, DescriptionForm form,
                                                        QString &error)
 {
-    if (json.size() > Keys::maximumTextSize) {
-        error = QStringLiteral("%1: %2 bytes of text, at most %3 are taken")
-                    .arg(documentPlace)
-                    .arg(json.size())
-                    .arg(Keys::maximumTextSize);
-        return std::nullopt;
-    }
-    QJsonParseError parseError;
-    const QJsonDocument document = QJsonDocument::fromJson(json, &parseError);
-    if (parseError.error != QJsonParseError::NoError) {
-        error = QStringLiteral("%1: no JSON: %2 at byte %3")
-                    .arg(documentPlace, parseError.errorString())
-                    .arg(parseError.offset);
-        return std::nullopt;
-    }
-    if (!document.isObject()) {
-        error = QStringLiteral("%1: must be a JSON object").arg(documentPlace);
-        return std::nullopt;
-    }
-    return parseDescription(document.object(), form, error);
+    const JsonTextPointer text = scanDescription(json, error);
+    return text ? DescriptionReader(text, form, error).read() : std::nullopt;
 }
 
 std::optional<ProcessDataDescription> parseDescription(const QJsonObject &document,
                                                        DescriptionForm form, QString &error)
 {
-    return DescriptionReader(form, error).read(document);
+    const JsonTextPointer text = scanDescription(document, error);
+    return text ? DescriptionReader(text, form, error).read() : std::nullopt;
 }

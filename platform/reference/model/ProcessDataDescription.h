@@ -6,6 +6,7 @@
 #include "LeafDescription.h"
 
 #include <QByteArray>
+#include <QHash>
 #include <QJsonObject>
 #include <QString>
 #include <QVector>
@@ -30,6 +31,7 @@ struct ProcessDataDescription
     quint64 session = 0; ///< one run of the publisher; 0 when the description names none
     std::optional<BufferDescription> buffer; ///< absent in files for publishers
     QVector<LeafDescription> leaves; ///< in document order
+    QHash<QString, int> positions; ///< of the leaves by path; -1 for the path of a group
 };
 
 /// Whether a description must say where its values stand.

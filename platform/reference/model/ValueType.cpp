@@ -35,9 +35,7 @@ const TypeRow &rowOf(ValueType type)
     return types[static_cast<int>(type)];
 }
 
-} // namespace
-
-std::optional<ValueType> valueTypeFromName(const QString &name)
+template <typename Text> std::optional<ValueType> typeOf(const Text &name)
 {
     const auto *const row = std::find_if(std::begin(types), std::end(types),
                                          [&name](const TypeRow &row) { return row.name == name; });
@@ -45,6 +43,18 @@ std::optional<ValueType> valueTypeFromName(const QString &name)
         return std::nullopt;
     }
     return row->type;
+}
+
+} // namespace
+
+std::optional<ValueType> valueTypeFromName(const QString &name)
+{
+    return typeOf(name);
+}
+
+std::optional<ValueType> valueTypeFromName(QLatin1String name)
+{
+    return typeOf(name);
 }
 
 QString valueTypeName(ValueType type)

@@ -27,6 +27,7 @@ enum class ValueType {
 
 /// Type by its name in descriptions ("bool", "int8" … "bytes"); nothing for any other text.
 std::optional<ValueType> valueTypeFromName(const QString &name);
+std::optional<ValueType> valueTypeFromName(QLatin1String name);
 
 /// Name of a type in descriptions.
 QString valueTypeName(ValueType type);

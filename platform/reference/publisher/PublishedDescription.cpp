@@ -161,7 +161,7 @@ QStringList PublishedDescription::selectorTypes() const
 {
     QStringList result;
     for (const LeafDescription &leaf : description.leaves) {
-        const QString type = leaf.properties.value(QLatin1String("selectorType")).toString();
+        const QString type = leaf.properties.value(QStringLiteral("selectorType")).toString();
         if (!type.isEmpty() && !result.contains(type)) {
             result += type;
         }
