@@ -37,6 +37,8 @@ private:
     bool scanNumber(JsonItem &item);
     bool scanWord(JsonItem &item);
     bool skip(char expected);
+    bool skipIf(char one, char other);
+    bool skipDigits();
     char afterSpace();
     JsonItem itemFrom(const char *begin, JsonKind kind, bool plain) const;
 

@@ -154,37 +154,37 @@ bool JsonScanner::scanEscape()
     return true;
 }
 
+bool JsonScanner::skipIf(char one, char other)
+{
+    const bool skips = next != end && (*next == one || *next == other);
+    next += skips ? 1 : 0;
+    return skips;
+}
+
+bool JsonScanner::skipDigits()
+{
+    const char *const first = next;
+    while (next != end && isDigit(*next)) {
+        ++next;
+    }
+    return next != first;
+}
+
 bool JsonScanner::scanNumber(JsonItem &item)
 {
     const char *const begin = next;
-    const auto skipDigits = [this] {
-        const char *const first = next;
-        while (next != end && isDigit(*next)) {
-            ++next;
-        }
-        return next != first;
-    };
-    if (next != end && *next == '-') {
-        ++next;
-    }
-    const bool zero = next != end && *next == '0';
+    skipIf('-', '-');
     const char *const digits = next;
-    if (!skipDigits() || (zero && next - digits > 1)) {
+    if (!skipDigits() || (*digits == '0' && next - digits > 1)) {
         return false;
     }
     const char *const point = next;
-    if (next != end && *next == '.') {
-        ++next;
-        if (!skipDigits()) {
-            return false;
-        }
+    if (skipIf('.', '.') && !skipDigits()) {
+        return false;
     }
     const char *const mantissaEnd = next;
-    if (next != end && (*next == 'e' || *next == 'E')) {
-        ++next;
-        if (next != end && (*next == '-' || *next == '+')) {
-            ++next;
-        }
+    if (skipIf('e', 'E')) {
+        skipIf('-', '+');
         if (!skipDigits()) {
             return false;
         }
