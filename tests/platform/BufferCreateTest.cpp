@@ -260,9 +260,14 @@ void BufferCreateTest::aFullFileSystemIsAnErrorThatLeavesNothing()
 
     QVERIFY(!PublishedBuffer::create(description, error));
 
-    QVERIFY2(error.startsWith("getting ")
-                 && error.endsWith(" bytes in /dev/shm failed: No space left on device"),
-             qPrintable(error));
+    if (sizeof(void *)
+        == 4) { // it would not fit into the address space either, which is seen first
+        QCOMPARE(error, QString("the buffer is too large from leaf \"\" on"));
+    } else {
+        QVERIFY2(error.startsWith("getting ")
+                     && error.endsWith(" bytes in /dev/shm failed: No space left on device"),
+                 qPrintable(error));
+    }
     QVERIFY(!description.buffer.has_value());
     QCOMPARE(description.leaves.at(0).offset, quint64(0));
     QCOMPARE(filesOf(module), QStringList());

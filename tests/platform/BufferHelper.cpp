@@ -101,14 +101,10 @@ int holdLock(int signal)
     return 0;
 }
 
-// Attaches as another user and tells what it can do.
-int useAs(uid_t user, gid_t group)
+// Attaches and tells what it can do.
+int use()
 {
     const QString text = descriptionFromInput();
-    if (setgroups(0, nullptr) == -1 || setresgid(group, group, group) == -1
-        || setresuid(user, user, user) == -1) {
-        return 1;
-    }
     const BufferClient client(text);
     const auto leaf = client.leaf(setpointUrl(text));
     const bool readable = readLeaf(leaf).getErrorType() != ProcessDataDefinitions::NoValue;
@@ -116,6 +112,15 @@ int useAs(uid_t user, gid_t group)
     say(QByteArray(client.manager->isBufferValid() ? "valid" : "invalid")
         + (readable ? " readable" : " unreadable") + (written ? " written" : " refused"));
     return 0;
+}
+
+int useAs(uid_t user, gid_t group)
+{
+    if (setgroups(0, nullptr) == -1 || setresgid(group, group, group) == -1
+        || setresuid(user, user, user) == -1) {
+        return 1;
+    }
+    return use();
 }
 
 // Looks at a buffer's file as another user and tries to remove it.
@@ -174,13 +179,17 @@ int main(int argc, char **argv)
     if (command == "stop-with-lock") {
         return holdLock(SIGSTOP);
     }
+    if (command == "use") {
+        return use();
+    }
     if (command == "use-as" && argc > 3) {
         return useAs(argument.toUInt(), QString(argv[3]).toUInt());
     }
     if (command == "write") {
         return write(argument.toInt());
     }
-    std::fputs("usage: BufferHelper publish|flood|die-with-lock|stop-with-lock|use-as|write …\n",
-               stderr);
+    std::fputs(
+        "usage: BufferHelper publish|flood|die-with-lock|stop-with-lock|use|use-as|write …\n",
+        stderr);
     return 2;
 }

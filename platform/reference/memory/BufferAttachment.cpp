@@ -7,6 +7,7 @@
 #include "SharedLock.h"
 
 #include <algorithm>
+#include <climits>
 #include <fcntl.h>
 #include <limits>
 #include <sys/mman.h>
@@ -89,6 +90,13 @@ QString checkFile(const struct stat &status, const BufferDescription &expected, 
     return QString();
 }
 
+QString abiText(quint32 tag)
+{
+    return QStringLiteral("%1-bit words and locks of %2 bytes")
+        .arg((tag >> bufferAbiWordShift) * CHAR_BIT)
+        .arg(tag & bufferAbiLockMask);
+}
+
 QString checkHeader(const BufferHeader &header, const ProcessDataDescription &description)
 {
     if (!std::equal(std::begin(bufferMagic), std::end(bufferMagic), header.magic)) {
@@ -97,13 +105,12 @@ QString checkHeader(const BufferHeader &header, const ProcessDataDescription &de
     if (header.layoutVersion != bufferLayoutVersion) {
         return differs("layout version", header.layoutVersion, bufferLayoutVersion);
     }
-    if (header.abiTag != bufferAbiTag || !isSharedLock(header.livenessLock)
-        || !isSharedLock(header.writersLock)) {
-        return QStringLiteral(
-                   "its publisher has another word size or other locks than this process "
-                   "(tag %1, here %2)")
-            .arg(header.abiTag, 0, 16)
-            .arg(bufferAbiTag, 0, 16);
+    if (header.abiTag != bufferAbiTag) {
+        return QStringLiteral("its publisher has %1, this process has %2; they cannot share it")
+            .arg(abiText(header.abiTag), abiText(bufferAbiTag));
+    }
+    if (!isSharedLock(header.livenessLock) || !isSharedLock(header.writersLock)) {
+        return QStringLiteral("its locks are not of the kind that this process uses");
     }
     if (header.headerSize != sizeof(BufferHeader)) {
         return differs("header size", header.headerSize, sizeof(BufferHeader));

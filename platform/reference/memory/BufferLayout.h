@@ -23,7 +23,10 @@ constexpr quint32 bufferLayoutVersion = 1;
 
 /// Word size and size of a lock: processes that disagree on either cannot share a buffer, and
 /// refuse.
-constexpr quint32 bufferAbiTag = quint32(sizeof(void *)) << 8 | quint32(sizeof(pthread_mutex_t));
+constexpr int bufferAbiWordShift = 8;
+constexpr quint32 bufferAbiLockMask = 0xff;
+constexpr quint32 bufferAbiTag
+    = quint32(sizeof(void *)) << bufferAbiWordShift | quint32(sizeof(pthread_mutex_t));
 
 /// Room for one process-shared lock, the same on every machine.
 union BufferLock {
@@ -50,7 +53,10 @@ struct alignas(64) BufferHeader
 
 static_assert(sizeof(BufferHeader) == slotLayoutHeaderSize, "the header is 192 bytes everywhere");
 static_assert(sizeof(BufferLock) == 64, "a lock fits into its room");
-static_assert(offsetof(BufferHeader, bufferSize) == 16 && offsetof(BufferHeader, generation) == 24
+static_assert(offsetof(BufferHeader, layoutVersion) == 8 && offsetof(BufferHeader, headerSize) == 12
+                  && offsetof(BufferHeader, bufferSize) == 16
+                  && offsetof(BufferHeader, generation) == 24
+                  && offsetof(BufferHeader, slotCount) == 32 && offsetof(BufferHeader, abiTag) == 36
                   && offsetof(BufferHeader, state) == 40,
               "32-bit and 64-bit processes can read each other's header far enough to refuse it");
 static_assert(offsetof(BufferHeader, livenessLock) == 64
