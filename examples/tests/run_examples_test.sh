@@ -40,7 +40,7 @@ start() {
 
 # wait_for TEXT FD
 wait_for() {
-    local line seen= end=$((SECONDS + 30))
+    local line seen="" end=$((SECONDS + 30))
     while ((SECONDS < end)) && IFS= read -r -t 20 line <&"$2"; do
         seen+=$line$'\n'
         [[ $line != *"$1"* ]] || return 0
