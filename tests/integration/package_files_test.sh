@@ -54,6 +54,18 @@ mv "$work/all" "$work/moved"
 libdir=$(dirname "$(find "$work/moved" -name libSelectorHandler.so.1)")
 export PKG_CONFIG_PATH=$libdir/pkgconfig
 
+# The version stands in one place; what Debian's tools read cannot take it from there.
+major=${version%%.*}
+same "debian/changelog has the project's version" "$version" \
+    "$(sed -nE '1s/^[^(]*\(([^)-]*)-.*/\1/p' "$source_dir/debian/changelog")"
+same "Debian's packages of the libraries carry the shared objects' number" \
+    "libprocessdataplatform$major libselectorhandler$major" \
+    "$(sed -nE 's/^Package: (lib[a-z]+[0-9]+)$/\1/p' "$source_dir/debian/control" | sort | paste -sd ' ')"
+for program in selector process-data-simulator; do
+    same "$program tells the version" "$program $version" \
+        "$(LD_LIBRARY_PATH=$libdir "$work/moved/bin/$program" --version)"
+done
+
 # pkg-config: read as a client's build does, then word by word.
 for name in SelectorHandler ProcessDataPlatform; do
     pc=${name,,}
