@@ -12,6 +12,7 @@
 #include <dlfcn.h>
 
 #include <limits>
+#include <utility>
 
 namespace {
 
@@ -166,14 +167,14 @@ void BusLink::retry()
 void BusLink::drop()
 {
     QString name;
-    hooks.releaseAll(connection());
+    QDBusConnection old = noConnection();
     {
         const QMutexLocker lock(&mutex);
-        name = currentName;
-        currentName.clear();
+        name = std::exchange(currentName, QString());
+        old = std::exchange(current, noConnection());
         connected = false;
-        current = noConnection();
     }
+    hooks.releaseAll(old);
     if (!name.isEmpty()) {
         QDBusConnection::disconnectFromBus(name);
     }
