@@ -21,7 +21,7 @@ public:
     QSharedPointer<ServiceScript> service;
     QSharedPointer<LeafScript> script;
     LeafDescriptionScript described; ///< as of the tree's making
-    int session; ///< of the service, as of the tree's making
+    int session = 0; ///< of the service, as of the tree's making
 };
 
 class ScriptedLeafNode : private ProcessDataValuePrivate, public ProcessDataValue
