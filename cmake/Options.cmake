@@ -60,6 +60,7 @@ if(SELECTORHANDLER_SANITIZE_THREAD)
 endif()
 
 if(SELECTORHANDLER_COVERAGE)
-    add_compile_options(--coverage)
+    # Threads of one process count too; without care a counter comes out negative, which gcovr refuses.
+    add_compile_options(--coverage -fprofile-update=atomic)
     add_link_options(--coverage)
 endif()
