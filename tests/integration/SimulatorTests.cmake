@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: MIT
 # The simulator's scenarios and faults, set off over D-Bus.
 
-foreach(name simulator_faults simulator_scenario)
+foreach(name simulator_faults simulator_lock simulator_scenario)
     add_integration_test(${name})
     target_sources(integration_${name}_test
         PRIVATE support/SimulatorProcess.cpp support/SimulatorProcess.h)
@@ -10,3 +10,5 @@ foreach(name simulator_faults simulator_scenario)
 endforeach()
 target_compile_definitions(integration_simulator_scenario_test
     PRIVATE EXAMPLE_DATA="${PROJECT_SOURCE_DIR}/examples/data")
+target_include_directories(integration_simulator_lock_test
+    PRIVATE ${PROJECT_SOURCE_DIR}/platform/reference/model) # BufferLayout.h stands on SlotLayout.h

@@ -41,6 +41,17 @@ public:
     }
 };
 
+struct OpenLink : BusLink
+{
+    OpenLink()
+        : BusLink(BusChoice::fromEnvironment())
+    {
+        open(error);
+    }
+
+    QString error;
+};
+
 BusSignal ownerChanges()
 {
     return {BusNames::daemonPath(), BusNames::daemonInterface(), "NameOwnerChanged", {}};
@@ -113,9 +124,8 @@ void BusLinkTest::aClosedLinkKnowsNoReceiver()
 {
     Receiver receiver;
     watched.storeRelease(&receiver);
-    BusLink link(BusChoice::fromEnvironment());
-    QString error;
-    QVERIFY2(link.open(error), qPrintable(error));
+    OpenLink link;
+    QVERIFY2(link.isConnected(), qPrintable(link.error));
     QVERIFY(link.subscribe(ownerChanges(), &receiver, SLOT(handle(QDBusMessage))));
     QVERIFY(link.subscribe(anySignal(), &receiver, SLOT(handle(QDBusMessage))));
     link.close();
@@ -127,9 +137,8 @@ void BusLinkTest::aClosedLinkKnowsNoExportedObject()
 {
     Exported exported;
     watched.storeRelease(&exported);
-    BusLink link(BusChoice::fromEnvironment());
-    QString error;
-    QVERIFY2(link.open(error), qPrintable(error));
+    OpenLink link;
+    QVERIFY2(link.isConnected(), qPrintable(link.error));
     QVERIFY(link.exportObject("/one", &exported));
     QVERIFY(link.exportObject("/two", &exported));
     QVERIFY(!link.exportObject("/two", &exported));
@@ -143,9 +152,8 @@ void BusLinkTest::aLostConnectionKnowsNobody()
 {
     Receiver receiver;
     watched.storeRelease(&receiver);
-    BusLink link(BusChoice::fromEnvironment());
-    QString error;
-    QVERIFY2(link.open(error), qPrintable(error));
+    OpenLink link;
+    QVERIFY2(link.isConnected(), qPrintable(link.error));
     QVERIFY(link.subscribe(ownerChanges(), &receiver, SLOT(handle(QDBusMessage))));
     QSignalSpy lost(&link, &BusLink::lost);
     QSignalSpy restored(&link, &BusLink::restored);
@@ -160,10 +168,9 @@ void BusLinkTest::aLostConnectionKnowsNobody()
 
 void BusLinkTest::theLinkItselfIsReleased()
 {
-    BusLink link(BusChoice::fromEnvironment());
+    OpenLink link;
     watched.storeRelease(&link);
-    QString error;
-    QVERIFY2(link.open(error), qPrintable(error));
+    QVERIFY2(link.isConnected(), qPrintable(link.error));
     link.close();
     waitForQtDBus();
     QCOMPARE(touches.loadAcquire(), 0);

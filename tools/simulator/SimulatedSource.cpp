@@ -123,27 +123,13 @@ void SimulatedSource::step(ProcessDataPublisher &to)
             moved.push_back(&track);
         }
     }
-    if (!batch.isEmpty() && !to.publish(batch)) {
-        publishOneByOne(to, moved);
+    if (batch.isEmpty() || to.publish(batch)) {
+        return;
     }
-}
-
-// One refused value refuses its batch. The leaf that caused it stands still from now on.
-void SimulatedSource::publishOneByOne(ProcessDataPublisher &to, const std::vector<Track *> &moved)
-{
-    QStringList refused;
+    // No value breaks its limits, so it is the buffer that was kept locked: the next step tries again.
     for (Track *track : moved) {
-        if (!to.publish(track->moving.leaf.path, track->last)) {
-            refused.append(track->moving.leaf.path);
-            qCWarning(simulator).noquote()
-                << QStringLiteral("%1: leaf \"%2\" stops: the value %3 was refused")
-                       .arg(name, track->moving.leaf.path, valueToText(track->last));
-        }
+        track->last = QVariant();
     }
-    tracks.erase(std::remove_if(
-                     tracks.begin(), tracks.end(),
-                     [&](const Track &track) { return refused.contains(track.moving.leaf.path); }),
-                 tracks.end());
 }
 
 void SimulatedSource::reload()

@@ -74,7 +74,6 @@ private:
     void publishFirstValues(ProcessDataPublisher &to);
     bool apply(DescriptionFile &file, QString &error);
     void takeMotions(std::vector<MovingLeaf> &&leaves);
-    void publishOneByOne(ProcessDataPublisher &to, const std::vector<Track *> &moved);
 
     const QString name;
     QByteArray content; ///< last seen, also when it was refused
