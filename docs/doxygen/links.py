@@ -60,7 +60,7 @@ def broken(root):
 
 
 root, source = pathlib.Path(sys.argv[1]), pathlib.Path(sys.argv[2])
-sources = ["README.md", "CHANGELOG.md", *(str(path.relative_to(source)) for path in source.glob("docs/**/*.md"))]
+sources = ["README.md", "CHANGELOG.md", "CONTRIBUTING.md", "SECURITY.md", *(str(path.relative_to(source)) for path in source.glob("docs/**/*.md"))]
 texts = {page_name(path): (root / page_name(path)).read_text(encoding="utf-8") for path in sources}
 names_of_headings = {name: anchors(text) for name, text in texts.items()}
 for path in sources:
