@@ -25,6 +25,7 @@ private Q_SLOTS:
     void aPublisherOutlivesTheThreadThatMadeIt();
     void aForkedChildLeavesItsParentsBufferAlone();
     void aForkedChildPublishesByItself();
+    void aLockWordTellsWhetherItsOwnerLives();
     void aThreadHoldsNoMoreLocksThanTheKernelLooksAt();
     void aLockThatIsHeldIsNotTakenAgain();
     void aLockThatIsNotHeldIsNotGivenUp();
@@ -194,6 +195,21 @@ void LivenessTest::aForkedChildPublishesByItself()
     const BufferSource next({leafJson("level", "float64")},
                             module); // takes the child's leftover away
     QCOMPARE(filesOf(module).size(), 1);
+}
+
+void LivenessTest::aLockWordTellsWhetherItsOwnerLives()
+{
+    constexpr quint32 waiters = 0x80000000;
+    constexpr quint32 ownerDied = 0x40000000;
+    constexpr quint32 highestOwner = 0x3fffffff;
+    for (const quint32 others : {0U, waiters}) {
+        QVERIFY(isLockOwnerAlive(others | 1));
+        QVERIFY(isLockOwnerAlive(others | highestOwner));
+        QVERIFY(!isLockOwnerAlive(others)); // free
+        QVERIFY(!isLockOwnerAlive(others | ownerDied)); // as the kernel leaves it
+        QVERIFY(!isLockOwnerAlive(others | ownerDied | 1));
+        QVERIFY(!isLockOwnerAlive(others | ownerDied | highestOwner));
+    }
 }
 
 void LivenessTest::aThreadHoldsNoMoreLocksThanTheKernelLooksAt()

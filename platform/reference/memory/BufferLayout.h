@@ -77,9 +77,8 @@ inline quint32 lockWord(const BufferLock &lock)
 /// Whether a liveness lock has a living owner.
 inline bool isLockOwnerAlive(quint32 word)
 {
-    constexpr quint32 waiters = 0x80000000;
-    constexpr quint32 highestOwner = 0x3fffffff;
-    return (word & ~waiters) - 1 < highestOwner; // neither 0 nor with the bit of a dead owner
+    // Shifted, the bit of waiters is gone and that of a dead owner is the sign.
+    return qint32(word << 1) > 0;
 }
 
 inline quint32 bufferState(const BufferHeader &header)

@@ -35,14 +35,15 @@ LeafBlock::LeafBlock(ProcessDataDescription description, QSharedPointer<SharedMe
     , session(sessionOf(this->description))
     , sessionText(compactText(session))
     , memory(std::move(memory))
+    , header(this->memory.isNull() ? nullptr : &this->memory->header())
     , leaves(allocateLeaves(this->description.leaves.size()))
 {
     for (int i = 0; i < this->description.leaves.size(); ++i) {
         const LeafDescription &leaf = this->description.leaves.at(i);
-        const bool readable = !this->memory.isNull();
-        new (leaves + i) ProcessDataLeaf({readable ? this->memory->at(leaf.offset) : nullptr,
-                                          readable ? &this->memory->header() : nullptr, leaf.type,
-                                          payloadSize(leaf.type, leaf.capacity), &leaf, this});
+        const bool readable = header != nullptr;
+        new (leaves + i) ProcessDataLeaf({readable ? this->memory->at(leaf.offset) : nullptr, this,
+                                          payloadSize(leaf.type, leaf.capacity), leaf.type,
+                                          readable && leaf.type == ValueType::Float64});
     }
 }
 

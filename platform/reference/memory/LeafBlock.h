@@ -25,6 +25,7 @@ struct LeafBlock
     const QJsonValue session; // tells clients of a restarted publisher
     const QByteArray sessionText; // the same as it is rendered
     const QSharedPointer<SharedMemoryPrivate> memory;
+    const BufferHeader *const header; // of the memory; null without one
     ProcessDataLeaf *const leaves; // one for each of the description, in its order
 };
 

@@ -6,6 +6,8 @@
 
 #include <QJsonDocument>
 
+#include <iterator>
+
 namespace {
 
 const QString &sessionKey()
@@ -29,17 +31,23 @@ ProcessDataLeaf::getLeafProcessDataValue(const QString &url)
     return {}; // only the root knows leaves
 }
 
+const LeafDescription &ProcessDataLeaf::description() const
+{
+    const auto position = std::distance<const ProcessDataLeaf *>(state.block->leaves, this);
+    return state.block->description.leaves.at(int(position));
+}
+
 QVariant ProcessDataLeaf::readLeafProperty(const QString &name) const
 {
     if (name == sessionKey()) {
         return state.block->session.toVariant();
     }
-    return state.description->properties.value(name);
+    return description().properties.value(name);
 }
 
 bool ProcessDataLeaf::hasLeafProperty(const QString &name) const
 {
-    return name == sessionKey() || state.description->properties.contains(name);
+    return name == sessionKey() || description().properties.contains(name);
 }
 
 QJsonObject ProcessDataLeaf::renderedProperties() const
@@ -51,5 +59,5 @@ QJsonObject ProcessDataLeaf::renderedProperties() const
 
 void ProcessDataLeaf::renderCompact(QByteArray &bytes) const
 {
-    state.description->properties.render(state.block->sessionText, bytes);
+    description().properties.render(state.block->sessionText, bytes);
 }

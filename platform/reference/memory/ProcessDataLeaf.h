@@ -16,23 +16,24 @@ class ProcessDataValuePrivate
 {
 public:
     const char *slot; // null when there is no buffer to read
-    const BufferHeader *header;
-    ValueType type;
-    quint32 payloadSize; // of a number its exact length
-    const LeafDescription *description; // in the block
     const LeafBlock *block; // owns this leaf, so it lives as long
+    quint32 payloadSize; // of a number its exact length
+    ValueType type;
+    bool isReadableDouble; // of the type that is read most, and with a buffer
 
     bool read(ProcessValue &value) const;
     bool readAny(ProcessValue &value) const;
     bool readBytes(ProcessValue &value) const;
-    bool write(const ProcessValue &value, QString &error) const;
+    bool write(const LeafDescription &description, const ProcessValue &value, QString &error) const;
 };
 
-/// The reference platform's leaf. Aligned so that a read touches one cache line of it.
-class alignas(64) ProcessDataLeaf final : public ProcessDataValue, public RenderableNode
+/// The reference platform's leaf. Small: a long list's leaves shall stay in the processor's cache.
+class ProcessDataLeaf final : public ProcessDataValue, public RenderableNode
 {
 public:
     explicit ProcessDataLeaf(const ProcessDataValuePrivate &state);
+
+    const LeafDescription &description() const;
 
     ProcessDataValueSharedPointer getLeafProcessDataValue(const QString &url) override;
     QVariant readLeafProperty(const QString &name) const override;
@@ -44,6 +45,6 @@ private:
     ProcessDataValuePrivate state;
 };
 
-static_assert(sizeof(ProcessDataLeaf) == 64, "a leaf is one cache line");
+static_assert(sizeof(ProcessDataLeaf) <= 48, "a leaf holds only what a read needs");
 
 #endif

@@ -17,11 +17,15 @@
 // readAny, whose registers need not be saved here.
 inline bool ProcessDataValuePrivate::read(ProcessValue &value) const
 {
-    NumberCopy copy;
-    if (Q_LIKELY(type == ValueType::Float64 && slot != nullptr && tryReadNumberSlot(slot, copy)
-                 && copy.head.length == sizeof(double) && isBufferLive(*header))) {
-        value.setNumber(numberIn<double>(copy), errorTypeOf(copy.head.status), copy.head.timestamp);
-        return true;
+    if (Q_LIKELY(isReadableDouble)) {
+        prefetchSlotsBehind(slot);
+        NumberCopy copy;
+        if (Q_LIKELY(tryReadNumberSlot(slot, copy) && copy.head.length == sizeof(double)
+                     && isBufferLive(*block->header))) {
+            value.setNumber(numberIn<double>(copy), errorTypeOf(copy.head.status),
+                            copy.head.timestamp);
+            return true;
+        }
     }
     return readAny(value);
 }
@@ -42,9 +46,9 @@ bool ProcessDataValue::getValue(ProcessValue &value, bool flag) const
 bool ProcessDataValue::setValue(const ProcessValue &value)
 {
     QString error;
-    if (!d->write(value, error)) {
-        qCWarning(memoryLog).noquote()
-            << "Leaf" << d->description->path << "was not written:" << error;
+    const LeafDescription &description = static_cast<const ProcessDataLeaf *>(this)->description();
+    if (!d->write(description, value, error)) {
+        qCWarning(memoryLog).noquote() << "Leaf" << description.path << "was not written:" << error;
         return false;
     }
     return true;
@@ -63,7 +67,7 @@ bool ProcessDataValuePrivate::readAny(ProcessValue &value) const
         return false;
     }
     auto errorType = errorTypeOf(copy.head.status);
-    if (!isBufferLive(*header)) {
+    if (!isBufferLive(*block->header)) {
         if (!readNumberSlot(slot, copy)) {
             return false;
         }
@@ -80,7 +84,7 @@ bool ProcessDataValuePrivate::readBytes(ProcessValue &value) const
     if (!readSlot(slot, payloadSize, head, payload)) {
         return false;
     }
-    if (!isBufferLive(*header)) {
+    if (!isBufferLive(*block->header)) {
         if (!readSlot(slot, payloadSize, head, payload)) {
             return false;
         }
@@ -90,9 +94,10 @@ bool ProcessDataValuePrivate::readBytes(ProcessValue &value) const
     return true;
 }
 
-bool ProcessDataValuePrivate::write(const ProcessValue &value, QString &error) const
+bool ProcessDataValuePrivate::write(const LeafDescription &description, const ProcessValue &value,
+                                    QString &error) const
 {
-    if (description->readOnly) {
+    if (description.readOnly) {
         error = QStringLiteral("it is read-only");
         return false;
     }
@@ -104,7 +109,7 @@ bool ProcessDataValuePrivate::write(const ProcessValue &value, QString &error) c
         return false;
     }
     QByteArray payload;
-    if (!encodeValue(*description, value.getValue(), payload, error)) {
+    if (!encodeValue(description, value.getValue(), payload, error)) {
         return false;
     }
     BufferHeader &shared = block->memory->header();
@@ -120,7 +125,7 @@ bool ProcessDataValuePrivate::write(const ProcessValue &value, QString &error) c
         return false;
     }
     const qint64 timestamp = value.getTimestamp() != 0 ? value.getTimestamp() : currentTimestamp();
-    writeSlot(block->memory->at(description->offset), payloadSize,
+    writeSlot(block->memory->at(description.offset), payloadSize,
               {quint32(value.getErrorType()), quint32(payload.size()), timestamp},
               payload.constData());
     return true;

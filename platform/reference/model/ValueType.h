@@ -9,7 +9,7 @@
 #include <optional>
 
 /// Type of a leaf's value. The numbers are part of nothing that is stored.
-enum class ValueType {
+enum class ValueType : quint8 {
     Bool,
     Int8,
     Int16,
