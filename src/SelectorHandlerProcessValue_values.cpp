@@ -12,6 +12,9 @@
 
 namespace {
 
+// How many positions before its turn a selector's memory is asked for; twice as many are no faster.
+constexpr int positionsAhead = 8;
+
 ProcessValue errorValue()
 {
     return ProcessValue(static_cast<ProcessDataDefinitions::ErrorTypes>(3));
@@ -81,19 +84,26 @@ bool SelectorHandlerProcessValue::getValuesInternal(int startIndex, int count,
     QVector<ProcessValue> run(count, errorValue());
     ProcessValue *value = run.data();
     const ProcessDataInformation *const records = processDataInformationList.constData();
-    const ProcessDataInformation *const end = records + startIndex + count;
-    for (const auto *record = records + startIndex; record != end; ++record, ++value) {
-        if (Q_UNLIKELY(record->selectorUrlHandler.isNull())) {
-            qWarning() << "No SelectorUrlHander selected (Nullpointer)";
-            ok = false;
-        } else if (record->selectorUrlHandler->isSelectorDeactivated()) {
-            continue; // keeps its place; not a failure
-        } else if (Q_LIKELY(!record->processDataLeaf.isNull()
-                            && record->sharedMemoryIterator != SharedMemoryIterator())) {
-            record->processDataLeaf->getValue(*value, false);
-        } else {
-            *value = getValueInternal(ok, record->sharedMemoryIterator,
-                                      static_cast<int>(record - records));
+    const ProcessDataInformation *record = records + startIndex;
+    const ProcessDataInformation *const end = record + count;
+    // The last ones have nothing ahead of them but themselves.
+    for (int ahead = count > positionsAhead ? positionsAhead : 0; record != end; ahead = 0) {
+        const ProcessDataInformation *const stop = end - ahead;
+        for (; record != stop; ++record, ++value) {
+            __builtin_prefetch(record[ahead].processDataLeaf.data());
+            __builtin_prefetch(record[ahead].selectorUrlHandler.data());
+            if (Q_UNLIKELY(record->selectorUrlHandler.isNull())) {
+                qWarning() << "No SelectorUrlHander selected (Nullpointer)";
+                ok = false;
+            } else if (record->selectorUrlHandler->isSelectorDeactivated()) {
+                continue; // keeps its place; not a failure
+            } else if (Q_LIKELY(!record->processDataLeaf.isNull()
+                                && record->sharedMemoryIterator != SharedMemoryIterator())) {
+                record->processDataLeaf->getValue(*value, false);
+            } else {
+                *value = getValueInternal(ok, record->sharedMemoryIterator,
+                                          static_cast<int>(record - records));
+            }
         }
     }
     if (values.isEmpty()) {

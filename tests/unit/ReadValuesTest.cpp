@@ -34,6 +34,7 @@ class ReadValuesTest : public QObject
 
 private Q_SLOTS:
     void aRunIsReadInListOrder();
+    void aRunOfAnyLengthReadsEachOfItsSelectorsOnce();
     void allSelectorsAreReadWithoutARange();
     void aDeactivatedSelectorKeepsItsPlaceAndReadsAsTheErrorValue();
     void oneValueIsReadThroughTheVirtualRunRead();
@@ -73,6 +74,32 @@ void ReadValuesTest::aRunIsReadInListOrder()
                           "ProcessDataValue[outlet#1]::getValue({, 3}, false)",
                           "ProcessDataValue[inlet#1]::getValue({, 3}, false)"}));
     QCOMPARE(warnings.texts(), QStringList());
+}
+
+void ReadValuesTest::aRunOfAnyLengthReadsEachOfItsSelectorsOnce()
+{
+    constexpr int size = 20; // more than are asked for ahead, twice
+    UnlikePlatform platform;
+    auto &source = platform.source("boiler", "sensors", "1");
+    QVector<QString> urls;
+    for (int i = 0; i < size; ++i) {
+        const QString name = QString("leaf%1").arg(i);
+        source.leaf(name, i);
+        urls.append(on(name));
+    }
+    SelectorHandlerProcessValue handler(urls, nullptr);
+
+    for (int start = 0; start < size; ++start) {
+        for (int count = 1; count <= size - start; ++count) {
+            platform.forgetCalls();
+            const QVector<ProcessValue> values = handler.getValues(start, count);
+            QCOMPARE(values.size(), count);
+            for (int i = 0; i < count; ++i) {
+                QCOMPARE(values.at(i).getValue(), QVariant(start + i));
+            }
+            QCOMPARE(platform.calls({"ProcessDataValue"}).size(), count);
+        }
+    }
 }
 
 void ReadValuesTest::allSelectorsAreReadWithoutARange()
