@@ -2,8 +2,6 @@
 // The keys of a JSON object, kept once for all objects that have the same ones.
 #include "JsonShape.h"
 
-#include "DescriptionKeys.h"
-
 #include <QJsonArray>
 #include <QJsonDocument>
 
@@ -98,6 +96,13 @@ std::optional<quint32> JsonShapeNumbers::numberOf(const quint32 *keys, int count
         const auto *const place
             = std::lower_bound(shape.sorted.constBegin(), shape.sorted.constEnd(), key, isBefore);
         shape.places.append(quint32(place - shape.sorted.constBegin()));
+    }
+    shape.placesOfKnown.fill(-1);
+    for (int place = 0; place < count; ++place) {
+        const quint32 key = shape.sorted.at(place);
+        if (key < shape.placesOfKnown.size()) {
+            shape.placesOfKnown[key] = place;
+        }
     }
     const auto *const session = std::lower_bound(shape.sorted.constBegin(), shape.sorted.constEnd(),
                                                  DescriptionKeys::session.number, isBefore);

@@ -3,11 +3,15 @@
 #ifndef JSONSHAPE_H
 #define JSONSHAPE_H
 
+#include "DescriptionKeys.h"
+
 #include <QByteArray>
 #include <QHash>
 #include <QString>
 #include <QVector>
 
+#include <array>
+#include <iterator>
 #include <optional>
 
 /// A key of any object of a text.
@@ -28,6 +32,7 @@ struct JsonShape
     QVector<quint32> keys; ///< numbers, as they follow one another in the text
     QVector<quint32> places; ///< for each of them the place of its value in the order of names
     QVector<quint32> sorted; ///< numbers in the order of names
+    std::array<int, std::size(DescriptionKeys::all)> placesOfKnown{}; ///< by number; -1: not there
     int sessionPlace = 0; ///< where "session" stands among them, or would stand
 };
 Q_DECLARE_TYPEINFO(JsonShape, Q_MOVABLE_TYPE);

@@ -24,15 +24,3 @@ QJsonValue JsonNode::toJsonValue() const
     const QByteArray array = '[' + quote + QByteArray(spelled.data(), spelled.size()) + quote + ']';
     return QJsonDocument::fromJson(array).array().first();
 }
-
-JsonNode JsonNode::value(const JsonKey &key) const
-{
-    const QVector<quint32> &sorted = whole->shapes.at(int(item.size)).sorted;
-    const quint32 *const numbers = sorted.constData();
-    for (int i = 0; i < sorted.size(); ++i) {
-        if (numbers[i] == key.number) {
-            return {*whole, whole->items.at(int(item.begin) + i)};
-        }
-    }
-    return {};
-}

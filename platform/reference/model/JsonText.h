@@ -48,9 +48,10 @@ public:
     /// Whether the value is a text or a number that stands there just as Qt would write it.
     bool isPlain() const { return item.plain != 0; }
 
-    /// The bytes of the value, of a text without its quotes.
+    /// The bytes of the value, which must not be undefined; of a text without its quotes.
     QLatin1String bytes() const
     {
+        Q_ASSERT(whole != nullptr);
         return QLatin1String(whole->text.constData() + item.begin, int(item.size));
     }
 
@@ -64,7 +65,11 @@ public:
     QJsonValue toJsonValue() const;
 
     /// Member of an opened object, undefined when it has none of that key.
-    JsonNode value(const JsonKey &key) const;
+    JsonNode value(const JsonKey &key) const
+    {
+        const int place = whole->shapes.at(int(item.size)).placesOfKnown[key.number];
+        return place < 0 ? JsonNode() : JsonNode(*whole, whole->items.at(int(item.begin) + place));
+    }
     bool contains(const JsonKey &key) const { return !value(key).isUndefined(); }
 
     /// Entries of an opened array.

@@ -14,25 +14,67 @@ namespace Keys = DescriptionKeys;
 
 namespace {
 
-using Text = QVarLengthArray<char, 512>; // on the stack for usual leaves
-
-void append(Text &rendered, const QByteArray &bytes)
+// Members as they come. Those that follow one another in the text, too, just as Qt would write them,
+// are taken in one piece.
+class Rendering
 {
-    rendered.append(bytes.constData(), bytes.size());
-}
-
-void append(Text &rendered, const JsonNode &value)
-{
-    if (!value.isPlain()) {
-        const QByteArray array
-            = QJsonDocument(QJsonArray{value.toJsonValue()}).toJson(QJsonDocument::Compact);
-        rendered.append(array.constData() + 1, array.size() - 2); // without the array's brackets
-        return;
+public:
+    void append(const JsonKeyText &key, const QByteArray &value)
+    {
+        takePiece();
+        begin(key);
+        append(value.constData(), value.size());
     }
-    const int quote = value.kind() == JsonKind::String ? 1 : 0;
-    const QLatin1String spelled = value.bytes();
-    rendered.append(spelled.data() - quote, spelled.size() + 2 * quote);
-}
+
+    void append(const JsonKeyText &key, const JsonNode &value)
+    {
+        if (!value.isPlain()) {
+            const QByteArray array
+                = QJsonDocument(QJsonArray{value.toJsonValue()}).toJson(QJsonDocument::Compact);
+            append(key, array.mid(1, array.size() - 2)); // without the array's brackets
+            return;
+        }
+        const int quote = value.kind() == JsonKind::String ? 1 : 0;
+        const QLatin1String spelled = value.bytes();
+        const char *const first = spelled.data() - quote;
+        // Nothing shorter than a comma and the key stands between two members, and when it is not
+        // longer, then nothing else does.
+        if (pieceEnd == nullptr || first - pieceEnd != 1 + key.spelled.size()) {
+            takePiece();
+            begin(key);
+            pieceBegin = first;
+        }
+        pieceEnd = spelled.data() + spelled.size() + quote;
+    }
+
+    void finish(QByteArray &bytes)
+    {
+        takePiece();
+        rendered.append('}');
+        bytes.append(rendered.constData(), rendered.size());
+    }
+
+private:
+    void begin(const JsonKeyText &key)
+    {
+        rendered.append(rendered.isEmpty() ? '{' : ',');
+        append(key.spelled.constData(), key.spelled.size());
+    }
+
+    void takePiece()
+    {
+        if (pieceEnd != nullptr) {
+            append(pieceBegin, int(pieceEnd - pieceBegin));
+            pieceEnd = nullptr;
+        }
+    }
+
+    void append(const char *bytes, int size) { rendered.append(bytes, size); }
+
+    QVarLengthArray<char, 512> rendered; // on the stack for usual leaves
+    const char *pieceBegin = nullptr; // of the text, not appended yet
+    const char *pieceEnd = nullptr;
+};
 
 } // namespace
 
@@ -88,24 +130,17 @@ QJsonObject LeafProperties::toObject() const
 
 void LeafProperties::render(const QByteArray &session, QByteArray &bytes) const
 {
-    Text rendered;
-    const auto begin = [&](quint32 number) {
-        rendered.append(rendered.isEmpty() ? '{' : ',');
-        append(rendered, text->keys.at(int(number)).spelled);
-    };
+    Rendering rendering;
     const int sessionPlace = text->shapes.at(int(object.size)).sessionPlace;
     const QVector<quint32> &numbers = keys();
     for (int i = 0; i <= numbers.size(); ++i) {
         if (i == sessionPlace) {
-            begin(Keys::session.number);
-            append(rendered, session);
+            rendering.append(text->keys.at(int(Keys::session.number)), session);
         }
         const quint32 number = i < numbers.size() ? numbers.at(i) : Keys::session.number;
         if (number != Keys::offset.number && number != Keys::session.number) {
-            begin(number);
-            append(rendered, at(i));
+            rendering.append(text->keys.at(int(number)), at(i));
         }
     }
-    rendered.append('}');
-    bytes.append(rendered.constData(), rendered.size());
+    rendering.finish(bytes);
 }
