@@ -4,6 +4,8 @@
 
 #include <QtTest>
 
+#include <array>
+
 namespace {
 
 class Recorder : public ServiceListener
@@ -19,10 +21,14 @@ public:
     void signalReceived(const QString &member, const QString &argument) override
     {
         heard += member + " " + argument;
+        order += this;
     }
+    bool hasAskedFor(const QString &argument) const override { return argument == asked; }
 
     QStringList heard;
     QString lastOwner;
+    QString asked;
+    static inline QVector<Recorder *> order; // in which signals were received
 };
 
 const QString service("com.orvalis.ProcessData.Pump");
@@ -41,6 +47,8 @@ private Q_SLOTS:
     void aServiceTakenForAbsentIsFoundAgain();
     void afterTheBusWasLostAServiceIsFoundAgainOrAppears();
     void signalsReachEachListenerOfThePathOnce();
+    void whoAskedForWhatASignalNamesHearsItBeforeTheOthers_data();
+    void whoAskedForWhatASignalNamesHearsItBeforeTheOthers();
     void aRemovedListenerHearsNothing();
     void oneProbeIsUnderWayToAHungService();
     void aServiceThatChangesHandsIsNotHungAndItsOldProbeCountsForNothing();
@@ -158,6 +166,36 @@ void BusServiceTableTest::signalsReachEachListenerOfThePathOnce()
     QCOMPARE(second.heard, (QStringList{"found", "Changed 1"}));
     QCOMPARE(otherPath.heard, QStringList{"found"});
     QCOMPARE(otherService.heard, QStringList{"found"});
+}
+
+void BusServiceTableTest::whoAskedForWhatASignalNamesHearsItBeforeTheOthers_data()
+{
+    QTest::addColumn<int>("asking");
+    QTest::newRow("the first listener") << 0;
+    QTest::newRow("one in between") << 1;
+    QTest::newRow("the last listener") << 2;
+}
+
+void BusServiceTableTest::whoAskedForWhatASignalNamesHearsItBeforeTheOthers()
+{
+    QFETCH(int, asking);
+    ServiceTable table;
+    std::array<Recorder, 3> listeners;
+    for (Recorder &listener : listeners) {
+        table.addListener(service, path, &listener);
+        listener.asked = "another instance";
+    }
+    listeners.at(asking).asked = "1";
+    table.ownerAnswered(service, ":1.7");
+    Recorder::order.clear();
+
+    table.signalReceived(":1.7", path, "Changed", "1");
+
+    QCOMPARE(Recorder::order.size(), 3);
+    QCOMPARE(Recorder::order.first(), &listeners.at(asking));
+    for (const Recorder &listener : listeners) {
+        QCOMPARE(listener.heard, (QStringList{"found", "Changed 1"}));
+    }
 }
 
 void BusServiceTableTest::aRemovedListenerHearsNothing()

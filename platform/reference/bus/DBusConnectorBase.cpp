@@ -76,6 +76,12 @@ void DBusConnectorBasePrivate::serviceAnswersAgain()
     enqueue(event);
 }
 
+bool DBusConnectorBasePrivate::hasAskedFor(const QString &argument) const
+{
+    Q_UNUSED(argument)
+    return false; // it asks for nothing that has a name
+}
+
 void DBusConnectorBasePrivate::signalReceived(const QString &member, const QString &argument)
 {
     Event event;

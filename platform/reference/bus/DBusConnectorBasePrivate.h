@@ -31,6 +31,7 @@ public:
 
     void servicePresent(Presence presence, const QString &owner) override;
     void serviceAnswersAgain() override;
+    bool hasAskedFor(const QString &argument) const override;
     void signalReceived(const QString &member, const QString &argument) override;
 
     const QSharedPointer<ClientBus> bus;

@@ -91,6 +91,11 @@ void DBusProcessDescriptionConnectorPrivate::servicePresent(Presence presence, c
     DBusConnectorBasePrivate::servicePresent(presence, owner);
 }
 
+bool DBusProcessDescriptionConnectorPrivate::hasAskedFor(const QString &instanceName) const
+{
+    return memory->wasAsked(instanceName);
+}
+
 void DBusProcessDescriptionConnectorPrivate::handlePresence(Presence presence, const QString &owner)
 {
     Q_UNUSED(owner)

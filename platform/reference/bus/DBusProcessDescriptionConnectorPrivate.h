@@ -20,6 +20,7 @@ public:
     of(const DBusProcessDescriptionConnector &q);
 
     void servicePresent(Presence presence, const QString &owner) override;
+    bool hasAskedFor(const QString &instanceName) const override;
 
     const QSharedPointer<FetchMemory> memory;
     DBusProcessDescriptionConnector *q = nullptr;

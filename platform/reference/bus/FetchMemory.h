@@ -46,6 +46,12 @@ public:
         return std::exchange(missed, QStringList());
     }
 
+    bool wasAsked(const QString &instanceName) const
+    {
+        const QMutexLocker lock(&mutex);
+        return asked.contains(instanceName);
+    }
+
     QStringList allAsked() const
     {
         const QMutexLocker lock(&mutex);

@@ -28,6 +28,10 @@ public:
     /// A service that was remembered as hung has answered again.
     virtual void serviceAnswersAgain() = 0;
 
+    /// Whether it has asked the service for what a signal's argument names. Then it is told of the
+    /// signal before the others.
+    virtual bool hasAskedFor(const QString &argument) const = 0;
+
     /// The service's present owner sent a signal from the listener's path.
     ///
     /// @param argument  the signal's only argument; null when it has none

@@ -3,6 +3,7 @@
 #include "ServiceTable.h"
 
 #include <QStringList>
+#include <QVarLengthArray>
 
 #include <utility>
 
@@ -122,13 +123,24 @@ void ServiceTable::signalReceived(const QString &sender, const QString &path, co
     }
 }
 
+// A client has a listener for each instance of an object, and all hear of each: the one that has
+// asked for the instance does not wait for them.
 void ServiceTable::deliver(const QString &service, const Signal &signal)
 {
+    QVarLengthArray<ServiceListener *, 16> others;
     for (auto it = listenersByPath.constFind(signal.path);
          it != listenersByPath.constEnd() && it.key() == signal.path; ++it) {
-        if (it->service == service) {
-            it->listener->signalReceived(signal.member, signal.argument);
+        if (it->service != service) {
+            continue;
         }
+        if (it->listener->hasAskedFor(signal.argument)) {
+            it->listener->signalReceived(signal.member, signal.argument);
+        } else {
+            others.append(it->listener);
+        }
+    }
+    for (ServiceListener *const listener : others) {
+        listener->signalReceived(signal.member, signal.argument);
     }
 }
 
