@@ -57,7 +57,8 @@ done
 check "nothing is left" nothing_is_left
 
 # Interrupted in the middle it cleans up as well.
-"$demo" --build-dir "$build_dir" >"$work/interrupted" 2>&1 </dev/null &
+: >"$work/interrupted" # the reader may come before the demo's shell makes it
+"$demo" --build-dir "$build_dir" >>"$work/interrupted" 2>&1 </dev/null &
 demo_pid=$!
 timeout 20 grep -q -m 1 'Watching' < <(env -u DEMO_TEST tail --pid="$demo_pid" -n +1 -f "$work/interrupted")
 kill -TERM "$demo_pid"
