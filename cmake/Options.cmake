@@ -30,6 +30,10 @@ target_compile_options(SelectorHandlerOptions INTERFACE
 # Qt drops file, line and function from warnings in release builds unless told otherwise.
 target_compile_definitions(SelectorHandlerOptions INTERFACE
     QT_MESSAGELOGCONTEXT QT_NO_KEYWORDS QT_NO_CAST_FROM_ASCII QT_DEPRECATED_WARNINGS)
+if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+    # Else times end in January 2038, and a file with a large inode number cannot be looked at.
+    target_compile_definitions(SelectorHandlerOptions INTERFACE _FILE_OFFSET_BITS=64 _TIME_BITS=64)
+endif()
 target_link_options(SelectorHandlerOptions INTERFACE -Wl,--no-undefined -Wl,--as-needed)
 
 if(SELECTORHANDLER_FUZZ)

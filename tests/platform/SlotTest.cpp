@@ -49,6 +49,7 @@ class SlotTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void theClockGoesOnAfterJanuary2038();
     void theLastWriteIsRead();
     void aWriteLeavesTheOtherCopyAlone();
     void theSequenceWrapsAround();
@@ -65,6 +66,11 @@ private Q_SLOTS:
     void numbersAreNeverTorn();
     void textsAreNeverTorn();
 };
+
+void SlotTest::theClockGoesOnAfterJanuary2038()
+{
+    QCOMPARE(sizeof(timespec::tv_sec), sizeof(qint64)); // also where a word has 32 bits
+}
 
 void SlotTest::theLastWriteIsRead()
 {

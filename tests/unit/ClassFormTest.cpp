@@ -218,7 +218,9 @@ private Q_SLOTS:
         QCOMPARE(offsetOf(memberOf(SelectorSharedMemoryHandler_connectedLeafIndexList())),
                  next(pointer));
         QCOMPARE(offsetOf(memberOf(SelectorSharedMemoryHandler_pendingReply())), next(2 * pointer));
-        QCOMPARE(std::ptrdiff_t(sizeof(Source)), expected);
+        const std::ptrdiff_t alignment = alignof(Source); // 32-bit processors fill the last word up
+        QCOMPARE(std::ptrdiff_t(sizeof(Source)),
+                 (expected + alignment - 1) / alignment * alignment);
     }
 };
 
