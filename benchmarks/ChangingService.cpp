@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A publisher in a process of its own that replaces its description on request.
+// A publisher in a process of its own that replaces a description on request.
 #include "ChangingService.h"
 
 #include "ProcessDataPublisher.h"
@@ -13,13 +13,22 @@
 
 namespace {
 
-const QString objectName = QStringLiteral("Bench");
-const QString instanceName = QStringLiteral("1");
+int leavesOf(int instance)
+{
+    constexpr int leavesOfOthers = 100;
+    return instance == 1 ? ChangingService::leafCount : leavesOfOthers;
+}
 
-QJsonObject describe(int version)
+QString nextModule()
+{
+    static int last = 0;
+    return QStringLiteral("Change%1x%2").arg(getpid()).arg(++last);
+}
+
+QJsonObject describe(int instance, int version)
 {
     QJsonArray elements;
-    for (int i = 0; i < ChangingService::leafCount; ++i) {
+    for (int i = 0; i < leavesOf(instance); ++i) {
         elements.append(QJsonObject{{QStringLiteral("name"), QStringLiteral("leaf%1").arg(i)},
                                     {QStringLiteral("type"), QStringLiteral("float64")},
                                     {QStringLiteral("unit"), QStringLiteral("u%1").arg(version)},
@@ -34,11 +43,13 @@ QJsonObject describe(int version)
 
 } // namespace
 
-ChangingService::ChangingService()
-    : module(QStringLiteral("Change%1").arg(getpid()))
+ChangingService::ChangingService(int sources)
+    : sources(sources)
+    , module(nextModule())
 {
     process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    process.start(QCoreApplication::applicationFilePath(), {QStringLiteral("--service"), module});
+    process.start(QCoreApplication::applicationFilePath(),
+                  {QStringLiteral("--service"), module, QString::number(sources)});
     if (!process.waitForReadyRead()) {
         qFatal("the publisher does not start");
     }
@@ -58,10 +69,10 @@ QString ChangingService::busName() const
 
 QString ChangingService::path() const
 {
-    return QStringLiteral("/com/orvalis/ProcessData/") + objectName;
+    return QStringLiteral("/com/orvalis/ProcessData/") + module;
 }
 
-QString ChangingService::interface() const
+QString ChangingService::interface()
 {
     return QStringLiteral("com.orvalis.ProcessDescription1");
 }
@@ -69,10 +80,11 @@ QString ChangingService::interface() const
 QVector<QString> ChangingService::urls() const
 {
     QVector<QString> result;
-    for (int i = 0; i < leafCount; ++i) {
-        result.append(QStringLiteral("processdata://%1/%2/%3/leaf%4")
-                          .arg(module, objectName, instanceName)
-                          .arg(i));
+    for (int instance = 1; instance <= sources; ++instance) {
+        for (int i = 0; i < leavesOf(instance); ++i) {
+            result.append(
+                QStringLiteral("processdata://%1/%1/%2/leaf%3").arg(module).arg(instance).arg(i));
+        }
     }
     return result;
 }
@@ -83,22 +95,25 @@ void ChangingService::change()
     process.waitForBytesWritten();
 }
 
-int ChangingService::serve(const QString &module)
+int ChangingService::serve(const QString &module, int sources)
 {
     QString error;
-    const auto publisher
-        = ProcessDataPublisher::create(module, objectName, instanceName, describe(0), &error);
-    if (publisher.isNull()) {
-        qFatal("%s", qPrintable(error));
+    QVector<QSharedPointer<ProcessDataPublisher>> publishers;
+    for (int instance = 1; instance <= sources; ++instance) {
+        publishers += ProcessDataPublisher::create(module, module, QString::number(instance),
+                                                   describe(instance, 0), &error);
+        if (publishers.last().isNull()) {
+            qFatal("%s", qPrintable(error));
+        }
     }
     QFile input;
     static_cast<void>(input.open(0, QIODevice::ReadOnly | QIODevice::Unbuffered));
     int version = 0;
     const QSocketNotifier orders(0, QSocketNotifier::Read);
-    QObject::connect(&orders, &QSocketNotifier::activated, publisher.data(), [&] {
+    QObject::connect(&orders, &QSocketNotifier::activated, publishers.first().data(), [&] {
         if (input.readLine().isEmpty()) {
             QCoreApplication::quit();
-        } else if (!publisher->replaceDescription(describe(++version), &error)) {
+        } else if (!publishers.first()->replaceDescription(describe(1, ++version), &error)) {
             qFatal("%s", qPrintable(error));
         }
     });

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A publisher in a process of its own that replaces its description on request.
+// A publisher in a process of its own that replaces a description on request.
 #ifndef CHANGINGSERVICE_H
 #define CHANGINGSERVICE_H
 
@@ -7,28 +7,33 @@
 #include <QString>
 #include <QVector>
 
-/// One instance with 1,000 leaves; each replacement changes a property of every leaf.
+/// Instances of one object. The first, with 1,000 leaves, is the one that changes: each replacement
+/// changes a property of every leaf. The others have 100 leaves.
 class ChangingService
 {
 public:
-    static constexpr int leafCount = 1000;
+    static constexpr int leafCount = 1000; // of the first
 
-    ChangingService();
+    explicit ChangingService(int sources = 1);
     ~ChangingService();
 
+    const QString &moduleName() const { return module; }
     QString busName() const;
     QString path() const;
-    QString interface() const;
+    static QString interface();
+
+    /// Of all leaves of all instances, those of the first first.
     QVector<QString> urls() const;
 
-    /// Replaces the description and announces it; returns when the service has been told.
+    /// Replaces the first description and announces it; returns when the service has been told.
     void change();
 
     /// Main function of the service; ends when its standard input does.
-    static int serve(const QString &module);
+    static int serve(const QString &module, int sources);
 
 private:
-    const QString module;
+    const int sources;
+    const QString module; // names the object, too
     QProcess process;
 };
 

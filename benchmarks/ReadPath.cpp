@@ -6,6 +6,9 @@
 #include "InProcessSource.h"
 #include "SelectorHandlerProcessValue.h"
 
+#include <QMutex>
+#include <QMutexLocker>
+
 #include <benchmark/benchmark.h>
 
 #include <chrono>
@@ -111,6 +114,16 @@ void oneValueBesideAnotherReader(benchmark::State &state)
     }
 }
 
+// What two threads pay for the lock alone, with nothing done under it.
+void lockBesideAnotherThread(benchmark::State &state)
+{
+    QMutex mutex;
+    const BackgroundThread other([&mutex] { const QMutexLocker lock(&mutex); });
+    for (auto _ : state) {
+        const QMutexLocker lock(&mutex);
+    }
+}
+
 template <typename Read> void readCold(benchmark::State &state, Read read)
 {
     using Clock = std::chrono::steady_clock;
@@ -143,6 +156,7 @@ BENCHMARK(besideNobody);
 BENCHMARK(besideAFastWriter);
 BENCHMARK(besideAWriterOfOneKilohertz);
 BENCHMARK(oneValueBesideAnotherReader)->UseRealTime();
+BENCHMARK(lockBesideAnotherThread)->UseRealTime();
 BENCHMARK(floorCold)->UseManualTime()->Iterations(30);
 BENCHMARK(handlerCold)->UseManualTime()->Iterations(30);
 BENCHMARK_MAIN();
