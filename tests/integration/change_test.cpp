@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Changed descriptions and properties, and the exact lists of selectors that clients are told.
+#include "BusTestMain.h"
 #include "SelectorHandlerProcessValue.h"
 #include "SystemTest.h"
 
@@ -203,5 +204,5 @@ void ChangeTest::aReadOnlyLeafIsNotWritten()
     QCOMPARE(handler.getValue(3).getValue(), QVariant("north"));
 }
 
-QTEST_GUILESS_MAIN(ChangeTest)
+BUS_TEST_MAIN(ChangeTest)
 #include "change_test.moc"

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Shared memory, descriptors or memory used up: the operation that hits it fails with its reason,
 // and everything before it goes on.
+#include "BusTestMain.h"
 #include "RequireRoot.h"
 #include "SelectorHandlerProcessValue.h"
 #include "Shortage.h"
@@ -255,5 +256,5 @@ void ExhaustionTest::whoeverHasNoDescriptorsForTheBusSaysSo()
     QVERIFY2(client.errors().contains("Too many open files"), client.report());
 }
 
-QTEST_GUILESS_MAIN(ExhaustionTest)
+BUS_TEST_MAIN(ExhaustionTest)
 #include "exhaustion_test.moc"

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // A service that answers with what is no description, never, late, twice or for another instance.
+#include "BusTestMain.h"
 #include "DBusProcessDescriptionConnector.h"
 #include "DBusReply.h"
 #include "ProcessDataPublisher.h"
@@ -295,5 +296,5 @@ void HostileBusTest::theSecondOfTwoAnswersIsNotTaken()
     QCOMPARE(warnings.texts().size(), 2); // of the truncated one
 }
 
-QTEST_GUILESS_MAIN(HostileBusTest)
+BUS_TEST_MAIN(HostileBusTest)
 #include "hostilebus_test.moc"

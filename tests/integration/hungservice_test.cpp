@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // A service that stops answering: clients wait a bounded time, and are served again afterwards.
+#include "BusTestMain.h"
 #include "SelectorHandlerProcessValue.h"
 #include "SystemTest.h"
 #include "WarningLog.h"
@@ -112,5 +113,5 @@ void HungServiceTest::otherSourcesAreServedMeanwhile()
     QTRY_COMPARE(indexLists(spy), IndexLists({{1}}));
 }
 
-QTEST_GUILESS_MAIN(HungServiceTest)
+BUS_TEST_MAIN(HungServiceTest)
 #include "hungservice_test.moc"

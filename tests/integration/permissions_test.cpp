@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Publishers, clients and strangers as different users under the installed bus policies.
+#include "BusTestMain.h"
 #include "Descriptions.h"
 #include "PolicedBus.h"
 #include "ProviderListClient.h"
@@ -238,5 +239,5 @@ void PermissionsTest::aStrangersAnnouncementsAndRegistrationsAreNotTaken()
     QTRY_COMPARE_WITH_TIMEOUT(indexLists(spy), IndexLists({{0}}), 20000);
 }
 
-QTEST_GUILESS_MAIN(PermissionsTest)
+BUS_TEST_MAIN(PermissionsTest)
 #include "permissions_test.moc"

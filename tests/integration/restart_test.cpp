@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // A publisher that ends, cleanly or not, and comes back; a bus that does.
+#include "BusTestMain.h"
 #include "SelectorHandlerProcessValue.h"
 #include "SystemTest.h"
 
@@ -182,5 +183,5 @@ void RestartTest::announcementsArriveAgainAfterTheBusRestarted()
     QCOMPARE(indexLists(descriptions).size() + indexLists(properties).size(), 1);
 }
 
-QTEST_GUILESS_MAIN(RestartTest)
+BUS_TEST_MAIN(RestartTest)
 #include "restart_test.moc"

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Each fault of the simulator, set off over D-Bus, and what a client gets to see of it.
+#include "BusTestMain.h"
 #include "SelectorHandlerProcessValue.h"
 #include "SimulatorProcess.h"
 #include "SystemTest.h"
@@ -324,5 +325,5 @@ void SimulatorFaultsTest::permissionsReallyChange()
     QVERIFY2(allowed.exitCode() == 0, allowed.report());
 }
 
-QTEST_GUILESS_MAIN(SimulatorFaultsTest)
+BUS_TEST_MAIN(SimulatorFaultsTest)
 #include "simulator_faults_test.moc"

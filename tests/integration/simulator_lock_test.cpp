@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // A simulator whose buffer another process keeps locked: its values stand still no longer than that.
 #include "BufferLayout.h"
+#include "BusTestMain.h"
 #include "SelectorHandlerProcessValue.h"
 #include "SimulatorProcess.h"
 #include "SystemTest.h"
@@ -62,5 +63,5 @@ void SimulatorLockTest::allValuesMoveAgainOnceTheLockIsFree()
     QTRY_VERIFY_WITH_TIMEOUT(valueOf(handler, 0) > one && valueOf(handler, 1) > two, 20000);
 }
 
-QTEST_GUILESS_MAIN(SimulatorLockTest)
+BUS_TEST_MAIN(SimulatorLockTest)
 #include "simulator_lock_test.moc"

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Scenarios of the simulator: files that time faults, and the interface that runs their steps.
+#include "BusTestMain.h"
 #include "SelectorHandlerProcessValue.h"
 #include "SimulatorProcess.h"
 #include "SystemTest.h"
@@ -185,5 +186,5 @@ void SimulatorScenarioTest::theNameOfTheControlServiceIsTakenOnce()
              other.process().report());
 }
 
-QTEST_GUILESS_MAIN(SimulatorScenarioTest)
+BUS_TEST_MAIN(SimulatorScenarioTest)
 #include "simulator_scenario_test.moc"

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Client, publishers, system services and bus, started in any order.
+#include "BusTestMain.h"
 #include "SelectorHandlerProcessValue.h"
 #include "SystemTest.h"
 #include "WarningLog.h"
@@ -195,5 +196,5 @@ void StartOrderTest::aLateClientLearnsThatTheStartUpIsOver()
     QTRY_COMPARE(indexLists(spy), IndexLists({{0}}));
 }
 
-QTEST_GUILESS_MAIN(StartOrderTest)
+BUS_TEST_MAIN(StartOrderTest)
 #include "startorder_test.moc"

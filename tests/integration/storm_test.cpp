@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Storms of announcements: the client's event loop turns, it ends in the right state, and it
 // fetches no more than its rules of change notification say.
+#include "BusTestMain.h"
 #include "ClassForm.h"
 #include "DBusProcessDescriptionConnector.h"
 #include "DBusReply.h"
@@ -267,5 +268,5 @@ void StormTest::aStormIsSurvived()
     QVERIFY2(loop.mostWork <= 2 * sources, QByteArray::number(loop.mostWork));
 }
 
-QTEST_GUILESS_MAIN(StormTest)
+BUS_TEST_MAIN(StormTest)
 #include "storm_test.moc"

@@ -3,6 +3,7 @@
 #include "BusLink.h"
 #include "BusDaemon.h"
 #include "BusNames.h"
+#include "BusTestMain.h"
 
 #include <QAtomicInt>
 #include <QAtomicPointer>
@@ -176,5 +177,5 @@ void BusLinkTest::theLinkItselfIsReleased()
     QCOMPARE(touches.loadAcquire(), 0);
 }
 
-QTEST_GUILESS_MAIN(BusLinkTest)
+BUS_TEST_MAIN(BusLinkTest)
 #include "BusLinkTest.moc"

@@ -11,6 +11,7 @@ function(add_bus_test name)
     add_dependencies(platform_test_${name} bus-service-helper)
 endfunction()
 
+add_platform_test(bus-test-main BusTestMainTest.cpp)
 add_platform_test(bus-link BusLinkTest.cpp)
 add_bus_test(bus-names BusNamesTest.cpp)
 add_bus_test(bus-service-table BusServiceTableTest.cpp)

@@ -2,6 +2,7 @@
 // Announcements: whose are believed, what gets through, and how services come and go.
 #include "BusDaemon.h"
 #include "BusService.h"
+#include "BusTestMain.h"
 #include "DBusProcessDescriptionConnector.h"
 
 #include <QDBusConnection>
@@ -216,6 +217,6 @@ void ConnectorAnnouncementTest::aConnectorMayBeReleasedInsideItsSignal()
     QVERIFY(connector.isNull());
 }
 
-QTEST_GUILESS_MAIN(ConnectorAnnouncementTest)
+BUS_TEST_MAIN(ConnectorAnnouncementTest)
 
 #include "ConnectorAnnouncementTest.moc"

@@ -2,6 +2,7 @@
 // Blocking fetches of descriptions: what comes back, and how long a hung service may hold a client.
 #include "BusDaemon.h"
 #include "BusService.h"
+#include "BusTestMain.h"
 #include "DBusPendingReply.h"
 #include "DBusProcessDescriptionConnector.h"
 #include "WarningList.h"
@@ -286,6 +287,6 @@ void ConnectorFetchTest::anAsynchronousTimeoutIsRememberedToo()
     QCOMPARE(changed.at(0).at(0).toString(), QString("1"));
 }
 
-QTEST_GUILESS_MAIN(ConnectorFetchTest)
+BUS_TEST_MAIN(ConnectorFetchTest)
 
 #include "ConnectorFetchTest.moc"

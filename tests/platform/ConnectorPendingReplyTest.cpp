@@ -2,6 +2,7 @@
 // Asynchronous fetches: they report once, from the event loop, and never after their release.
 #include "BusDaemon.h"
 #include "BusService.h"
+#include "BusTestMain.h"
 #include "DBusPendingReply.h"
 #include "DBusProcessDescriptionConnector.h"
 
@@ -275,6 +276,6 @@ void ConnectorPendingReplyTest::whatWasUnderWayWhenTheBusDiedHoldsNothingUp()
     QCOMPARE(next->getReply(), QVariant("new"));
 }
 
-QTEST_GUILESS_MAIN(ConnectorPendingReplyTest)
+BUS_TEST_MAIN(ConnectorPendingReplyTest)
 
 #include "ConnectorPendingReplyTest.moc"

@@ -3,6 +3,7 @@
 // lost.
 #include "BusDaemon.h"
 #include "BusService.h"
+#include "BusTestMain.h"
 #include "DBusProcessDescriptionConnector.h"
 #include "SystemStatusManagerDBusConnector.h"
 
@@ -148,6 +149,6 @@ void ConnectorRestartTest::aConnectorCanBeMadeRightAfterTheRestart()
     QTRY_VERIFY(connector->isDBusInterfaceValid());
 }
 
-QTEST_GUILESS_MAIN(ConnectorRestartTest)
+BUS_TEST_MAIN(ConnectorRestartTest)
 
 #include "ConnectorRestartTest.moc"

@@ -2,6 +2,7 @@
 // The end of the system's start-up is told once, whenever a client comes.
 #include "BusDaemon.h"
 #include "BusService.h"
+#include "BusTestMain.h"
 #include "SystemStatusManagerDBusConnector.h"
 
 #include <QSignalSpy>
@@ -173,6 +174,6 @@ void ConnectorStatusTest::withoutABusThereIsNoConnector()
     qputenv("PROCESSDATA_BUS", address);
 }
 
-QTEST_GUILESS_MAIN(ConnectorStatusTest)
+BUS_TEST_MAIN(ConnectorStatusTest)
 
 #include "ConnectorStatusTest.moc"

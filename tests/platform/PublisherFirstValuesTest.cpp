@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Values that a new buffer holds before any client hears of it.
 #include "BusDaemon.h"
+#include "BusTestMain.h"
 #include "PublisherSupport.h"
 
 #include <QtTest>
@@ -104,6 +105,6 @@ void PublisherFirstValuesTest::aRefusedDescriptionAsksForNone()
     QCOMPARE(asked, 0);
 }
 
-QTEST_GUILESS_MAIN(PublisherFirstValuesTest)
+BUS_TEST_MAIN(PublisherFirstValuesTest)
 
 #include "PublisherFirstValuesTest.moc"

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Publishers that share a module: name, registration, threads, queries and a restarted bus.
 #include "BusDaemon.h"
+#include "BusTestMain.h"
 #include "InstanceListClient.h"
 #include "ProviderRegistryService.h"
 #include "PublisherSupport.h"
@@ -217,6 +218,6 @@ void PublisherModuleTest::valuesGoOnWhileTheBusIsAway()
     QCOMPARE(client.read("drive/speed").getValue(), QVariant(3));
 }
 
-QTEST_GUILESS_MAIN(PublisherModuleTest)
+BUS_TEST_MAIN(PublisherModuleTest)
 
 #include "PublisherModuleTest.moc"

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Replacing a description or its properties while clients are attached.
 #include "BusDaemon.h"
+#include "BusTestMain.h"
 #include "PublisherSupport.h"
 
 #include <QSignalSpy>
@@ -235,6 +236,6 @@ void PublisherReplaceTest::anythingThatTouchesTheLayoutIsNoPropertyChange()
     QCOMPARE(publisher->description(), before);
 }
 
-QTEST_GUILESS_MAIN(PublisherReplaceTest)
+BUS_TEST_MAIN(PublisherReplaceTest)
 
 #include "PublisherReplaceTest.moc"

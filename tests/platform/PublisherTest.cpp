@@ -2,6 +2,7 @@
 // Publishing one instance: what clients fetch, read and write, and what is left at the end.
 #include "BusDaemon.h"
 #include "BusService.h"
+#include "BusTestMain.h"
 #include "PublisherSupport.h"
 #include "WarningList.h"
 
@@ -347,6 +348,6 @@ void PublisherTest::aBusOutOfReachIsAClearError()
              qPrintable(error));
 }
 
-QTEST_GUILESS_MAIN(PublisherTest)
+BUS_TEST_MAIN(PublisherTest)
 
 #include "PublisherTest.moc"

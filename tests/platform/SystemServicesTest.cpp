@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The system services for development machines, asked over the bus.
 #include "BusDaemon.h"
+#include "BusTestMain.h"
 #include "ProviderListClient.h"
 #include "ProviderRegistryService.h"
 #include "SystemStatusManagerDBusConnector.h"
@@ -328,6 +329,6 @@ void SystemServicesTest::bothServicesComeBackWithTheBus()
     QTRY_COMPARE(registry->providerList(), QString("[]")); // watches connections again
 }
 
-QTEST_GUILESS_MAIN(SystemServicesTest)
+BUS_TEST_MAIN(SystemServicesTest)
 
 #include "SystemServicesTest.moc"

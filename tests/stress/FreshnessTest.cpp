@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // A reader without an event loop learns of its publisher's death, and nothing else ever again.
+#include "BusTestMain.h"
 #include "Rounds.h"
 #include "SelectorHandlerProcessValue.h"
 #include "SystemTest.h"
@@ -91,5 +92,5 @@ void FreshnessTest::everyReadAfterItsPublishersDeathSaysSoAndKeepsTheLastValue()
           rounds, microseconds.at(rounds / 2), microseconds.last());
 }
 
-QTEST_GUILESS_MAIN(FreshnessTest)
+BUS_TEST_MAIN(FreshnessTest)
 #include "FreshnessTest.moc"

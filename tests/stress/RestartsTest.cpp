@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // A client that stays up while its publisher is killed, its bus ends or its service hangs, again and
 // again.
+#include "BusTestMain.h"
 #include "Footprint.h"
 #include "Rounds.h"
 #include "SelectorHandlerProcessValue.h"
@@ -243,9 +244,7 @@ void RestartsTest::aHungServiceIsUsedAgainEachTimeItComesBack()
 int main(int argc, char **argv)
 {
     Footprint::prepare(argv);
-    QCoreApplication application(argc, argv);
-    RestartsTest test;
-    return QTest::qExec(&test, argc, argv);
+    return runBusTest<RestartsTest>(argc, argv);
 }
 
 #include "RestartsTest.moc"
