@@ -74,19 +74,17 @@ void ClientBus::connectInBusThread()
 // blocks the thread of all its connections, and forget signals that come before the answer. The
 // sender is compared by ServiceTable instead. No path or name either: the bus daemon allows 512
 // match rules on a system bus connection, and an application may have more sources.
+//
+// Owners come last: a service that is seen to appear announces its instances next, and that must be
+// heard. One that appears earlier is found by asking for its owner, and asked for its instances.
 bool ClientBus::subscribe(QString &error)
 {
     const QString any;
-    const bool done = link.subscribe({BusNames::daemonPath(),
-                                      BusNames::daemonInterface(),
-                                      QStringLiteral("NameOwnerChanged"),
+    const bool done = link.subscribe({any,
+                                      BusNames::processDescriptionInterface(),
+                                      BusNames::processDescriptionChangedSignal(),
                                       {}},
-                                     this, SLOT(handleOwnerChanged(QDBusMessage)))
-        && link.subscribe({any,
-                           BusNames::processDescriptionInterface(),
-                           BusNames::processDescriptionChangedSignal(),
-                           {}},
-                          this, SLOT(handleSignal(QDBusMessage)))
+                                     this, SLOT(handleSignal(QDBusMessage)))
         && link.subscribe(
             {any, BusNames::processDescriptionInterface(), BusNames::propertyChangedSignal(), {}},
             this, SLOT(handleSignal(QDBusMessage)))
@@ -97,7 +95,12 @@ bool ClientBus::subscribe(QString &error)
                            BusNames::propertiesInterface(),
                            BusNames::propertiesChangedSignal(),
                            {}},
-                          this, SLOT(handleProperties(QDBusMessage)));
+                          this, SLOT(handleProperties(QDBusMessage)))
+        && link.subscribe({BusNames::daemonPath(),
+                           BusNames::daemonInterface(),
+                           QStringLiteral("NameOwnerChanged"),
+                           {}},
+                          this, SLOT(handleOwnerChanged(QDBusMessage)));
     if (!done) {
         error = QStringLiteral("the bus connection refuses subscriptions");
     }

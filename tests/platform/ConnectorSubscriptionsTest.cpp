@@ -1,0 +1,106 @@
+// SPDX-License-Identifier: MIT
+// In which order a client asks the bus daemon for what it wants to hear.
+#include "BusDaemon.h"
+#include "BusTestMain.h"
+#include "DBusProcessDescriptionConnector.h"
+
+#include <QRegularExpression>
+#include <QtTest>
+
+namespace {
+
+// What clients ask of the bus daemon, as a line each: "AddMatch rule", "GetNameOwner name".
+class DaemonMonitor
+{
+public:
+    DaemonMonitor() = default;
+    ~DaemonMonitor()
+    {
+        process.kill();
+        process.waitForFinished();
+    }
+    DaemonMonitor(const DaemonMonitor &) = delete;
+    DaemonMonitor &operator=(const DaemonMonitor &) = delete;
+
+    bool start(const QString &address)
+    {
+        process.start(
+            "dbus-monitor",
+            {"--address", address, "type='method_call',interface='org.freedesktop.DBus'"});
+        // It says that it has lost its name: from then on it hears of everything.
+        return process.waitForStarted() && waitFor("NameLost");
+    }
+
+    bool waitFor(const QByteArray &text)
+    {
+        while (!output.contains(text) && process.waitForReadyRead()) {
+            output += process.readAll();
+        }
+        return output.contains(text);
+    }
+
+    QStringList calls() const
+    {
+        static const QRegularExpression call("member=(\\w+)\n   string \"([^\"]*)\"");
+        QStringList found;
+        QRegularExpressionMatchIterator it = call.globalMatch(QString::fromUtf8(output));
+        while (it.hasNext()) {
+            const QRegularExpressionMatch match = it.next();
+            found += match.captured(1) + " " + match.captured(2);
+        }
+        return found;
+    }
+
+private:
+    DyingProcess process;
+    QByteArray output;
+};
+
+// Where the only call stands that matches; -1 when there is none or more than one.
+int placeOf(const QStringList &calls, const QString &pattern)
+{
+    const QRegularExpression expression(pattern);
+    const int place = calls.indexOf(expression);
+    return place == calls.lastIndexOf(expression) ? place : -1;
+}
+}
+
+class ConnectorSubscriptionsTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { QVERIFY(bus.start()); }
+
+    void ownersAreAskedForOnlyWhenTheirAnnouncementsAreHeard();
+
+private:
+    BusDaemon bus;
+};
+
+// In another order a service may appear in between: the client would count on its announcements,
+// and the daemon would not have sent them.
+void ConnectorSubscriptionsTest::ownersAreAskedForOnlyWhenTheirAnnouncementsAreHeard()
+{
+    DaemonMonitor monitor;
+    QVERIFY(monitor.start(bus.address()));
+
+    const auto connector = DBusProcessDescriptionConnector::createAndConnect("Pump", "Controller");
+    QVERIFY(!connector.isNull());
+
+    QVERIFY(monitor.waitFor("com.orvalis.ProcessData.Pump"));
+    const QStringList calls = monitor.calls();
+    const QString all = calls.join('\n');
+    const int description = placeOf(calls, "^AddMatch .*'ProcessDataDescriptionChanged'");
+    const int property = placeOf(calls, "^AddMatch .*'PropertyChanged'");
+    const int owners
+        = placeOf(calls, "^AddMatch .*path='/org/freedesktop/DBus'.*'NameOwnerChanged'");
+    const int question = placeOf(calls, "^GetNameOwner com.orvalis.ProcessData.Pump");
+    QVERIFY2(description >= 0 && property >= 0, qPrintable(all));
+    QVERIFY2(owners > description && owners > property, qPrintable(all));
+    QVERIFY2(question > owners, qPrintable(all));
+}
+
+BUS_TEST_MAIN(ConnectorSubscriptionsTest)
+
+#include "ConnectorSubscriptionsTest.moc"
