@@ -2,10 +2,10 @@
 // Reads selector lists line by line.
 #include "ListFile.h"
 
+#include "InputFile.h"
+
 #include <QFile>
 #include <QRegularExpression>
-
-#include <cstdio>
 
 QVector<ListLine> readListLines(QTextStream &stream)
 {
@@ -29,12 +29,8 @@ QVector<ListLine> readListLines(QTextStream &stream)
 
 bool readListFile(const QString &name, QVector<ListLine> &lines, QString &error)
 {
-    QFile file(name);
-    const bool standardInput = name == QLatin1String("-");
-    const bool opened
-        = standardInput ? file.open(stdin, QIODevice::ReadOnly) : file.open(QIODevice::ReadOnly);
-    if (!opened) {
-        error = QStringLiteral("%1: %2").arg(name, file.errorString());
+    QFile file;
+    if (!openInput(name, file, error)) {
         return false;
     }
     QTextStream stream(&file);

@@ -2,10 +2,10 @@
 // Reads lists of selectors.
 #include "SelectorList.h"
 
+#include "InputFile.h"
+
 #include <QFile>
 #include <QRegularExpression>
-
-#include <cstdio>
 
 bool readSelectorLines(QTextStream &stream, bool withValues, QVector<SelectorInput> &selectors,
                        QString &error)
@@ -37,12 +37,8 @@ namespace {
 bool readSelectorFile(const QString &name, bool withValues, QVector<SelectorInput> &selectors,
                       QString &error)
 {
-    QFile file(name);
-    const bool standardInput = name == QLatin1String("-");
-    const bool opened
-        = standardInput ? file.open(stdin, QIODevice::ReadOnly) : file.open(QIODevice::ReadOnly);
-    if (!opened) {
-        error = QStringLiteral("%1: %2").arg(name, file.errorString());
+    QFile file;
+    if (!openInput(name, file, error)) {
         return false;
     }
     QTextStream stream(&file);
@@ -50,7 +46,7 @@ bool readSelectorFile(const QString &name, bool withValues, QVector<SelectorInpu
     QString problem;
     if (!readSelectorLines(stream, withValues, selectors, problem)) {
         error = QStringLiteral("%1: %2").arg(
-            standardInput ? QStringLiteral("standard input") : name, problem);
+            name == QLatin1String("-") ? QStringLiteral("standard input") : name, problem);
         return false;
     }
     return true;

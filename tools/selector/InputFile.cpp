@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: MIT
+// Files that are named on the command line; - stands for standard input.
+#include "InputFile.h"
+
+#include <QFile>
+
+#include <cstdio>
+
+bool openInput(const QString &name, QFile &file, QString &error)
+{
+    file.setFileName(name);
+    const bool opened = name == QLatin1String("-") ? file.open(stdin, QIODevice::ReadOnly)
+                                                   : file.open(QIODevice::ReadOnly);
+    if (!opened) {
+        error = QStringLiteral("%1: %2").arg(name, file.errorString());
+    }
+    return opened;
+}
