@@ -1,50 +1,11 @@
 // SPDX-License-Identifier: MIT
 // From a source's announcement to the list of the client's positions.
+#include "ChangeClient.h"
 #include "Internals.h"
 #include "ProcessDataValue.h"
-#include "SelectorHandlerProcessValue.h"
 #include "Selectors.h"
-#include "UnlikePlatform.h"
-#include "WarningLog.h"
 
-#include <QSignalSpy>
 #include <QtTest>
-
-namespace {
-
-const QString fields = " ModuleName: \"boiler\" ObjectName: \"sensors\" InstanceName: \"1\"";
-
-QList<QVector<int>> listsOf(const QSignalSpy &spy)
-{
-    QList<QVector<int>> lists;
-    for (const QVariantList &arguments : spy) {
-        lists.append(arguments.at(0).value<QVector<int>>());
-    }
-    return lists;
-}
-
-struct Client
-{
-    UnlikePlatform platform;
-    ScriptedSource &script = platform.source("boiler", "sensors", "1").leaf("a", 1).leaf("b", 2);
-    SelectorHandlerProcessValue handler;
-    QSignalSpy descriptions{&handler, SIGNAL(processDataDescriptionChanged(QVector<int>))};
-    QSignalSpy properties{&handler, SIGNAL(propertyChanged(QVector<int>))};
-    WarningLog warnings;
-
-    explicit Client(const QVector<QString> &urls)
-        : handler(urls, nullptr)
-    {
-        platform.forgetCalls();
-        warnings.clear();
-    }
-    void announce(const char *slot, const QString &key)
-    {
-        QVERIFY(QMetaObject::invokeMethod(&handler, slot, Q_ARG(QString, key)));
-    }
-};
-
-} // namespace
 
 class ChangePropagationTest : public QObject
 {
@@ -53,7 +14,7 @@ class ChangePropagationTest : public QObject
 private Q_SLOTS:
     void anUnknownKeyIsDroppedInSilence()
     {
-        Client client({on("a")});
+        ChangeClient client({on("a")});
         client.script.at("a").property("unit", "K");
         for (const char *slot : {"processDataDescriptionChanged", "propertyChanged"}) {
             for (const QString key :
@@ -68,7 +29,7 @@ private Q_SLOTS:
 
     void eachKindOfAnnouncementHasItsOwnSignal()
     {
-        Client client({on("a"), on("b")});
+        ChangeClient client({on("a"), on("b")});
 
         client.script.at("b").property("unit", "K");
         client.script.changeProperties();
@@ -84,7 +45,7 @@ private Q_SLOTS:
 
     void aPassAttachesAgainAndLooksUpEveryLeaf()
     {
-        Client client({on("b"), off("a"), on("a")});
+        ChangeClient client({on("b"), off("a"), on("a")});
 
         client.script.changeDescription();
 
@@ -115,7 +76,7 @@ private Q_SLOTS:
 
     void withoutAChangedTextNothingIsSignalled()
     {
-        Client client({on("a")});
+        ChangeClient client({on("a")});
         client.script.at("a").holds(99); // a value is no property
 
         client.script.changeDescription();
@@ -132,7 +93,7 @@ private Q_SLOTS:
 
     void positionsAreListedInTheOrderOfTheSource()
     {
-        Client client({on("b"), off("a"), on("a"), on("b")});
+        ChangeClient client({on("b"), off("a"), on("a"), on("b")});
         client.script.at("a").property("unit", "K");
         client.script.at("b").property("unit", "K");
 
@@ -144,7 +105,7 @@ private Q_SLOTS:
 
     void aPositionThatIsConnectedTwiceIsReportedOnce()
     {
-        Client client({on("a")});
+        ChangeClient client({on("a")});
         sourcesOf(client.handler).first()->addConnectedLeafIndex(0);
         client.script.at("a").property("unit", "K");
         client.script.changeDescription();
@@ -153,7 +114,7 @@ private Q_SLOTS:
 
     void onlyTheAnnouncedSourceIsRefreshed()
     {
-        Client client({on("a"), "scripted://pump/drive/1/speed"});
+        ChangeClient client({on("a"), "scripted://pump/drive/1/speed"});
         ScriptedSource &pump = client.platform.source("pump", "drive", "1").leaf("speed", 3);
         client.script.at("a").property("unit", "K");
         pump.at("speed").property("unit", "1/min");
@@ -166,7 +127,7 @@ private Q_SLOTS:
 
     void aSelectorThatIsResolvedForTheFirstTimeIsReported()
     {
-        Client client({on("late"), on("a")});
+        ChangeClient client({on("late"), on("a")});
         client.script.leaf("late", 5);
 
         client.script.changeDescription();
@@ -179,19 +140,20 @@ private Q_SLOTS:
     void aFirstRefreshReportsAlsoWhatIsStillMissing()
     {
         // The text of a missing leaf is not that of a selector that was never resolved.
-        Client client({on("no")});
+        ChangeClient client({on("no")});
         client.script.changeDescription();
         client.script.changeDescription();
         QCOMPARE(listsOf(client.descriptions), QList<QVector<int>>{{0}});
         QCOMPARE(client.handler.getPropertyAsJsonString(0), QString());
-        QCOMPARE(client.warnings.texts(),
-                 (QStringList{"Url isn't valid: \"scripted://boiler/sensors/1/no\"" + fields,
-                              "Url isn't valid: \"scripted://boiler/sensors/1/no\"" + fields}));
+        QCOMPARE(
+            client.warnings.texts(),
+            (QStringList{"Url isn't valid: \"scripted://boiler/sensors/1/no\"" + sourceFields(),
+                         "Url isn't valid: \"scripted://boiler/sensors/1/no\"" + sourceFields()}));
     }
 
     void theReadOnlyFlagIsNotRefreshed()
     {
-        Client client({on("a"), on("b")});
+        ChangeClient client({on("a"), on("b")});
         client.script.at("a").readOnly();
         client.script.changeDescription(); // now read-only, but known as writable
         QVERIFY(client.handler.setValue(valueOf(5), 0));
@@ -207,7 +169,7 @@ private Q_SLOTS:
 
     void theLockIsHeldDuringThePassAndFreeWhenItIsSignalled()
     {
-        Client client({on("a")});
+        ChangeClient client({on("a")});
         QVector<bool> duringPass;
         QVector<bool> duringSignal;
         const auto note = [&] { duringPass.append(isLockFree(client.handler)); };

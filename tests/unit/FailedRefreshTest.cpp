@@ -1,50 +1,11 @@
 // SPDX-License-Identifier: MIT
 // What a refresh does when the source, its leaves or its buffer are gone.
+#include "ChangeClient.h"
 #include "Internals.h"
 #include "ProcessDataValue.h"
-#include "SelectorHandlerProcessValue.h"
 #include "Selectors.h"
-#include "UnlikePlatform.h"
-#include "WarningLog.h"
 
-#include <QSignalSpy>
 #include <QtTest>
-
-namespace {
-
-const QString fields = " ModuleName: \"boiler\" ObjectName: \"sensors\" InstanceName: \"1\"";
-
-QList<QVector<int>> listsOf(const QSignalSpy &spy)
-{
-    QList<QVector<int>> lists;
-    for (const QVariantList &arguments : spy) {
-        lists.append(arguments.at(0).value<QVector<int>>());
-    }
-    return lists;
-}
-
-struct Client
-{
-    UnlikePlatform platform;
-    ScriptedSource &script = platform.source("boiler", "sensors", "1").leaf("a", 1).leaf("b", 2);
-    SelectorHandlerProcessValue handler;
-    QSignalSpy descriptions{&handler, SIGNAL(processDataDescriptionChanged(QVector<int>))};
-    QSignalSpy properties{&handler, SIGNAL(propertyChanged(QVector<int>))};
-    WarningLog warnings;
-
-    explicit Client(const QVector<QString> &urls)
-        : handler(urls, nullptr)
-    {
-        platform.forgetCalls();
-        warnings.clear();
-    }
-    void announce(const char *slot, const QString &key)
-    {
-        QVERIFY(QMetaObject::invokeMethod(&handler, slot, Q_ARG(QString, key)));
-    }
-};
-
-} // namespace
 
 class FailedRefreshTest : public QObject
 {
@@ -53,7 +14,7 @@ class FailedRefreshTest : public QObject
 private Q_SLOTS:
     void aLeafThatVanishesIsReportedAndReadsAsTheErrorValue()
     {
-        Client client({on("a"), on("b")});
+        ChangeClient client({on("a"), on("b")});
         client.platform.nullNodesRenderAs("null");
         client.script.at("a").absent();
 
@@ -65,13 +26,13 @@ private Q_SLOTS:
         QVERIFY(!client.handler.setValue(valueOf(1), 0));
         QVERIFY(!client.handler.getProperty("unit", 0).isValid());
         QCOMPARE(client.warnings.texts(),
-                 (QStringList{"Url isn't valid: \"scripted://boiler/sensors/1/a\"" + fields,
+                 (QStringList{"Url isn't valid: \"scripted://boiler/sensors/1/a\"" + sourceFields(),
                               "Nullpointer access: SharedMemory not connected"}));
     }
 
     void anInvalidInterfaceIsReportedAndTheOldTreeStands()
     {
-        Client client({on("a")});
+        ChangeClient client({on("a")});
         client.script.interfaceInvalid();
         client.script.at("a").property("unit", "K");
 
@@ -102,21 +63,21 @@ private Q_SLOTS:
 
     void aFailedAttachIsReportedAndSelectorsAreResolvedAllTheSame()
     {
-        Client client({on("a")});
+        ChangeClient client({on("a")});
         client.script.at("a").property("unit", "K");
         client.script.bufferInvalid();
 
         client.script.changeProperties();
 
         QCOMPARE(client.warnings.texts(),
-                 (QStringList{"SharedMemory buffer not valid." + fields,
+                 (QStringList{"SharedMemory buffer not valid." + sourceFields(),
                               "Can't attach to SharedMemory: \"boiler_sensors_1\""}));
         QCOMPARE(listsOf(client.properties), QList<QVector<int>>{{0}});
     }
 
     void anInvalidFetchKeepsTheOldTreeAndItsLeaves()
     {
-        Client client({on("a")});
+        ChangeClient client({on("a")});
         client.script.announceDescription();
         const QVariant arrived = client.script.description();
         client.script.fetchesGive(QVariant());
@@ -130,7 +91,7 @@ private Q_SLOTS:
 
     void aNullSourceIsReported()
     {
-        Client client({on("a")});
+        ChangeClient client({on("a")});
         sourcesOf(client.handler).first().clear();
 
         client.announce("processDataDescriptionChanged", "boiler_sensors_1");
@@ -146,7 +107,7 @@ private Q_SLOTS:
 
     void aPositionPastTheListIsSkipped()
     {
-        Client client({on("a"), off("a")});
+        ChangeClient client({on("a"), off("a")});
         const auto source = sourcesOf(client.handler).first();
         source->addConnectedLeafIndex(2);
         source->addConnectedLeafIndex(1);

@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Attaching to a source: fetch, tree, buffer and what happens when one of them fails.
 #include "ProcessDataValue.h"
-#include "SelectorSharedMemoryHandler.h"
+#include "ScriptedSourceHandler.h"
 #include "Selectors.h"
-#include "UnlikePlatform.h"
-#include "WarningLog.h"
 
 #include <QtTest>
 
@@ -13,29 +11,6 @@ namespace {
 const QString connectorClass = "DBusProcessDescriptionConnector";
 const QString managerClass = "ProcessDataManager";
 const QString rootClass = "ConfigurationAndProcessDataBase";
-const QString fields = " ModuleName: \"boiler\" ObjectName: \"sensors\" InstanceName: \"1\"";
-
-struct Source
-{
-    UnlikePlatform platform;
-    ScriptedSource &script = platform.source("boiler", "sensors", "1").leaf("inlet", 21.5);
-    QScopedPointer<SelectorSharedMemoryHandler> handler;
-    WarningLog warnings;
-
-    SelectorSharedMemoryHandler &make()
-    {
-        handler.reset(
-            new SelectorSharedMemoryHandler("the key", "boiler", "sensors", "1", nullptr));
-        return *handler;
-    }
-    SelectorSharedMemoryHandler &makeAttached()
-    {
-        make().attachToProcessBuffer();
-        platform.forgetCalls();
-        warnings.clear();
-        return *handler;
-    }
-};
 
 } // namespace
 
@@ -46,7 +21,7 @@ class SourceAttachTest : public QObject
 private Q_SLOTS:
     void attachingFetchesBuildsAndChecks()
     {
-        Source source;
+        ScriptedSourceHandler source;
         SelectorSharedMemoryHandler &handler = source.make();
         source.platform.forgetCalls();
 
@@ -66,7 +41,7 @@ private Q_SLOTS:
 
     void attachingDoesNotAskForTheInterfaceFirst()
     {
-        Source source;
+        ScriptedSourceHandler source;
         source.script.interfaceInvalid();
         QVERIFY(source.make().attachToProcessBuffer());
         QVERIFY(!source.platform.calls().join(' ').contains("isDBusInterfaceValid"));
@@ -74,7 +49,7 @@ private Q_SLOTS:
 
     void attachingAgainReplacesTheManagerBeforeParsingAndTheTreeAfterwards()
     {
-        Source source;
+        ScriptedSourceHandler source;
         SelectorSharedMemoryHandler &handler = source.makeAttached();
 
         QVERIFY(handler.attachToProcessBuffer());
@@ -94,15 +69,15 @@ private Q_SLOTS:
 
     void aFirstFetchThatFailsLeavesNothing()
     {
-        Source source;
+        ScriptedSourceHandler source;
         source.script.fetchesFail("no such service");
         SelectorSharedMemoryHandler &handler = source.make();
 
         QVERIFY(!handler.attachToProcessBuffer());
 
-        QCOMPARE(
-            source.warnings.texts(),
-            QStringList{"Read processDataDescription error." + fields + " \"no such service\""});
+        QCOMPARE(source.warnings.texts(),
+                 QStringList{"Read processDataDescription error." + sourceFields()
+                             + " \"no such service\""});
         QVERIFY(!handler.getProcessDescription().isValid());
         QVERIFY(!handler.isProcessDataBufferValid());
         QCOMPARE(source.platform.alive(managerClass), 0);
@@ -111,14 +86,15 @@ private Q_SLOTS:
 
     void aLaterFetchThatFailsRebuildsFromTheStoredDescription()
     {
-        Source source;
+        ScriptedSourceHandler source;
         SelectorSharedMemoryHandler &handler = source.makeAttached();
         source.script.fetchesFail("time out");
 
         QVERIFY(handler.attachToProcessBuffer());
 
-        QCOMPARE(source.warnings.texts(),
-                 QStringList{"Read processDataDescription error." + fields + " \"time out\""});
+        QCOMPARE(
+            source.warnings.texts(),
+            QStringList{"Read processDataDescription error." + sourceFields() + " \"time out\""});
         QCOMPARE(handler.getProcessDescription(), QVariant("description of boiler/sensors/1"));
         QVERIFY(source.platform.calls({managerClass})
                     .contains("ProcessDataManager[2]::createProcessDataFromJson("
@@ -127,14 +103,15 @@ private Q_SLOTS:
         source.script.bufferInvalid();
         source.warnings.clear();
         QVERIFY(!handler.attachToProcessBuffer());
-        QCOMPARE(source.warnings.texts(),
-                 (QStringList{"Read processDataDescription error." + fields + " \"time out\"",
-                              "SharedMemory buffer not valid." + fields}));
+        QCOMPARE(
+            source.warnings.texts(),
+            (QStringList{"Read processDataDescription error." + sourceFields() + " \"time out\"",
+                         "SharedMemory buffer not valid." + sourceFields()}));
     }
 
     void aFetchWithoutADescriptionErasesTheStoredOneAndKeepsTheTree()
     {
-        Source source;
+        ScriptedSourceHandler source;
         SelectorSharedMemoryHandler &handler = source.makeAttached();
         const auto leaf = handler.getProcessDataLeaf(on("inlet"));
         source.script.fetchesGive(QVariant());
@@ -151,19 +128,20 @@ private Q_SLOTS:
         source.platform.forgetCalls();
         QVERIFY(!handler.attachToProcessBuffer());
         QCOMPARE(source.warnings.texts(),
-                 QStringList{"Read processDataDescription error." + fields + " \"gone\""});
+                 QStringList{"Read processDataDescription error." + sourceFields() + " \"gone\""});
         QCOMPARE(source.platform.calls({managerClass}), QStringList());
     }
 
     void aTreeWithAnInvalidBufferStaysAndFindsLeaves()
     {
-        Source source;
+        ScriptedSourceHandler source;
         source.script.bufferInvalid();
         SelectorSharedMemoryHandler &handler = source.make();
 
         QVERIFY(!handler.attachToProcessBuffer());
 
-        QCOMPARE(source.warnings.texts(), QStringList{"SharedMemory buffer not valid." + fields});
+        QCOMPARE(source.warnings.texts(),
+                 QStringList{"SharedMemory buffer not valid." + sourceFields()});
         QVERIFY(!handler.isProcessDataBufferValid());
         QVERIFY(!handler.getProcessDataLeaf(on("inlet")).isNull());
         source.script.bufferInvalid(false);
@@ -172,13 +150,14 @@ private Q_SLOTS:
 
     void aMissingRootCannotBeAttachedTo()
     {
-        Source source;
+        ScriptedSourceHandler source;
         SelectorSharedMemoryHandler &handler = source.makeAttached();
         source.script.rootMissing();
 
         QVERIFY(!handler.attachToProcessBuffer());
 
-        QCOMPARE(source.warnings.texts(), QStringList{"Can't attach to sharedMemory." + fields});
+        QCOMPARE(source.warnings.texts(),
+                 QStringList{"Can't attach to sharedMemory." + sourceFields()});
         QVERIFY(handler.isProcessDataBufferValid());
         QVERIFY(handler.getProcessDataLeaf(on("inlet")).isNull());
         QCOMPARE(source.warnings.texts().size(), 1);
@@ -187,15 +166,16 @@ private Q_SLOTS:
 
     void aMissingRootIsNoTopicWhenTheBufferIsInvalid()
     {
-        Source source;
+        ScriptedSourceHandler source;
         source.script.rootMissing().bufferInvalid();
         QVERIFY(!source.make().attachToProcessBuffer());
-        QCOMPARE(source.warnings.texts(), QStringList{"SharedMemory buffer not valid." + fields});
+        QCOMPARE(source.warnings.texts(),
+                 QStringList{"SharedMemory buffer not valid." + sourceFields()});
     }
 
     void updatingTheRootGoesByItsArgument()
     {
-        Source source;
+        ScriptedSourceHandler source;
         source.platform.source("boiler", "sensors", "2").leaf("other");
         SelectorSharedMemoryHandler &handler = source.make();
         source.platform.forgetCalls();
@@ -221,7 +201,7 @@ private Q_SLOTS:
 
     void updatingTheRootSucceedsWithoutARoot()
     {
-        Source source;
+        ScriptedSourceHandler source;
         source.script.rootMissing();
         QVERIFY(source.make().updateRootElement("1"));
         QCOMPARE(source.warnings.texts(), QStringList());

@@ -1,39 +1,14 @@
 // SPDX-License-Identifier: MIT
 // One source: its connector, its lookups, its end.
 #include "ProcessDataValue.h"
-#include "SelectorSharedMemoryHandler.h"
+#include "ScriptedSourceHandler.h"
 #include "Selectors.h"
-#include "UnlikePlatform.h"
-#include "WarningLog.h"
 
 #include <QtTest>
 
 namespace {
 
 const QString connectorClass = "DBusProcessDescriptionConnector";
-const QString fields = " ModuleName: \"boiler\" ObjectName: \"sensors\" InstanceName: \"1\"";
-
-struct Source
-{
-    UnlikePlatform platform;
-    ScriptedSource &script = platform.source("boiler", "sensors", "1").leaf("inlet", 21.5);
-    QScopedPointer<SelectorSharedMemoryHandler> handler;
-    WarningLog warnings;
-
-    SelectorSharedMemoryHandler &make()
-    {
-        handler.reset(
-            new SelectorSharedMemoryHandler("the key", "boiler", "sensors", "1", nullptr));
-        return *handler;
-    }
-    SelectorSharedMemoryHandler &makeAttached()
-    {
-        make().attachToProcessBuffer();
-        platform.forgetCalls();
-        warnings.clear();
-        return *handler;
-    }
-};
 
 } // namespace
 
@@ -44,7 +19,7 @@ class SourceConnectionTest : public QObject
 private Q_SLOTS:
     void makingASourceMakesItsConnectorAndNothingElse()
     {
-        Source source;
+        ScriptedSourceHandler source;
 
         SelectorSharedMemoryHandler &handler = source.make();
 
@@ -72,7 +47,7 @@ private Q_SLOTS:
 
     void withoutAConnectorEachOperationThatNeedsItWarns()
     {
-        Source source;
+        ScriptedSourceHandler source;
         source.script.connectorMissing();
         const QStringList warning{"Invalid pointer to connector!"};
 
@@ -100,7 +75,7 @@ private Q_SLOTS:
 
     void theInterfacesStateIsTheConnectors()
     {
-        Source source;
+        ScriptedSourceHandler source;
         SelectorSharedMemoryHandler &handler = source.make();
 
         QVERIFY(handler.isDBusInterfaceValid());
@@ -111,7 +86,7 @@ private Q_SLOTS:
 
     void aLeafIsLookedUpByTheUnchangedUrl()
     {
-        Source source;
+        ScriptedSourceHandler source;
         SelectorSharedMemoryHandler &handler = source.makeAttached();
 
         const auto leaf = handler.getProcessDataLeaf(on("inlet"));
@@ -125,12 +100,12 @@ private Q_SLOTS:
                               "ConfigurationAndProcessDataBase[1]"
                               "::getLeafProcessDataValue(' Some%20\"text\" ')"}));
         QCOMPARE(source.warnings.texts(),
-                 QStringList{"Url isn't valid: \" Some%20\\\"text\\\" \"" + fields});
+                 QStringList{"Url isn't valid: \" Some%20\\\"text\\\" \"" + sourceFields()});
     }
 
     void positionsAreKeptInOrderWithDuplicates()
     {
-        Source source;
+        ScriptedSourceHandler source;
         SelectorSharedMemoryHandler &handler = source.make();
         for (const int index : {5, -1, 5, 0}) {
             handler.addConnectedLeafIndex(index);
@@ -145,7 +120,7 @@ private Q_SLOTS:
 
     void itsFieldsEndInReverseOrder()
     {
-        Source source;
+        ScriptedSourceHandler source;
         source.makeAttached();
         source.script.announceDescription();
         source.platform.forgetCalls();
@@ -162,7 +137,7 @@ private Q_SLOTS:
 
     void aLeafThatIsHeldOutlivesItsSource()
     {
-        Source source;
+        ScriptedSourceHandler source;
         const auto leaf = source.makeAttached().getProcessDataLeaf(on("inlet"));
         source.handler.reset();
         QCOMPARE(source.platform.alive("ProcessDataValue"), 1);

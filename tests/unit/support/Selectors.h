@@ -20,6 +20,12 @@ inline QString off(const QString &leaf)
     return on(leaf) + QStringLiteral("?off");
 }
 
+/// How warnings name that source.
+inline QString sourceFields()
+{
+    return QStringLiteral(" ModuleName: \"boiler\" ObjectName: \"sensors\" InstanceName: \"1\"");
+}
+
 /// What stands for a value that was not obtained: error type 3 and nothing else.
 inline bool isErrorValue(const ProcessValue &value)
 {

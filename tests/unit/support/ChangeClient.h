@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: MIT
+// A handler with one scripted source, and all that it tells its client.
+#ifndef CHANGECLIENT_H
+#define CHANGECLIENT_H
+
+#include "SelectorHandlerProcessValue.h"
+#include "UnlikePlatform.h"
+#include "WarningLog.h"
+
+#include <QSignalSpy>
+#include <QString>
+#include <QVector>
+#include <QtTest>
+
+/// The index lists that a signal carried, in order.
+inline QList<QVector<int>> listsOf(const QSignalSpy &spy)
+{
+    QList<QVector<int>> lists;
+    for (const QVariantList &arguments : spy) {
+        lists.append(arguments.at(0).value<QVector<int>>());
+    }
+    return lists;
+}
+
+/// Records from the moment on at which the list stands. The source has the leaves a and b.
+struct ChangeClient
+{
+    UnlikePlatform platform;
+    ScriptedSource &script = platform.source("boiler", "sensors", "1").leaf("a", 1).leaf("b", 2);
+    SelectorHandlerProcessValue handler;
+    QSignalSpy descriptions{&handler, SIGNAL(processDataDescriptionChanged(QVector<int>))};
+    QSignalSpy properties{&handler, SIGNAL(propertyChanged(QVector<int>))};
+    WarningLog warnings;
+
+    explicit ChangeClient(const QVector<QString> &urls)
+        : handler(urls, nullptr)
+    {
+        platform.forgetCalls();
+        warnings.clear();
+    }
+    void announce(const char *slot, const QString &key)
+    {
+        QVERIFY(QMetaObject::invokeMethod(&handler, slot, Q_ARG(QString, key)));
+    }
+};
+
+#endif
