@@ -1,17 +1,16 @@
 // SPDX-License-Identifier: MIT
 // Shells complete URLs and places from the live system, and stay silent without one.
-#include "SystemTest.h"
+#include "SelectorSystemTest.h"
 
 #include <QElapsedTimer>
 #include <QTest>
 
-class SelectorCompletionTest : public SystemTest
+class SelectorCompletionTest : public SelectorSystemTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
     void init();
-    void cleanup();
     void eachLevelIsCompleted_data();
     void eachLevelIsCompleted();
     void shellsCompleteUrls_data();
@@ -20,34 +19,14 @@ private Q_SLOTS:
     void withoutASystemNothingIsSaid();
     void aHungServiceHoldsNobodyUp();
     void wrongUsageIsNamed();
-
-private:
-    QByteArray filledIn(QString text) const { return text.replace("MODULE", module).toUtf8(); }
-
-    QScopedPointer<ChildProcess> system;
-    QScopedPointer<PublisherProcess> publisher;
 };
 
 void SelectorCompletionTest::init()
 {
     SystemTest::init();
-    system.reset(new ChildProcess(SIMULATOR, {"--system-services"}));
-    QVERIFY2(system->start() && !system->waitForLineWith("ready").isNull(),
-             system->report().constData());
-    publisher.reset(new PublisherProcess);
-    VERIFY_COMMAND(publisher->start());
     const QJsonObject drive{{"name", "drive"},
                             {"elements", QJsonArray{leaf("speed", "int32"), leaf("on", "bool")}}};
-    VERIFY_COMMAND(publisher->create(
-        module, "Controller", "1",
-        description({drive, leaf("a b", "bool", {{"selectorType", "DigitalSelector"}})})));
-}
-
-void SelectorCompletionTest::cleanup()
-{
-    publisher.reset();
-    system.reset();
-    SystemTest::cleanup();
+    bringUp({drive, leaf("a b", "bool", {{"selectorType", "DigitalSelector"}})});
 }
 
 void SelectorCompletionTest::eachLevelIsCompleted_data()

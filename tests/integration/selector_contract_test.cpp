@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What scripts may rely on: JSON as its schemas say, exit codes, one time limit for a request.
 #include "SchemaCheck.h"
-#include "SystemTest.h"
+#include "SelectorSystemTest.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -10,13 +10,12 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-class SelectorContractTest : public SystemTest
+class SelectorContractTest : public SelectorSystemTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
     void init();
-    void cleanup();
     void outputKeepsItsSchema_data();
     void outputKeepsItsSchema();
     void listsAndSnapshotsKeepTheirSchemas();
@@ -26,15 +25,6 @@ private Q_SLOTS:
     void missingPermissionExitsWithFive_data();
     void missingPermissionExitsWithFive();
     void oneTimeLimitHoldsForAllServicesTogether();
-
-private:
-    QStringList filledIn(QStringList arguments) const
-    {
-        return arguments.replaceInStrings("MODULE", module);
-    }
-
-    QScopedPointer<ChildProcess> system;
-    QScopedPointer<PublisherProcess> publisher;
 };
 
 namespace {
@@ -50,20 +40,8 @@ const QJsonArray elements{
 void SelectorContractTest::init()
 {
     SystemTest::init();
-    system.reset(new ChildProcess(SIMULATOR, {"--system-services"}));
-    QVERIFY2(system->start() && !system->waitForLineWith("ready").isNull(),
-             system->report().constData());
-    publisher.reset(new PublisherProcess);
-    VERIFY_COMMAND(publisher->start());
-    VERIFY_COMMAND(publisher->create(module, "Controller", "1", description(elements)));
+    bringUp(elements);
     VERIFY_COMMAND(publisher->publish("speed", 1450.5));
-}
-
-void SelectorContractTest::cleanup()
-{
-    publisher.reset();
-    system.reset();
-    SystemTest::cleanup();
 }
 
 void SelectorContractTest::outputKeepsItsSchema_data()

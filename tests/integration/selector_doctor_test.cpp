@@ -3,7 +3,7 @@
 #include "DoctorRun.h"
 #include "InstanceListClient.h"
 #include "ProviderListClient.h"
-#include "SystemTest.h"
+#include "SelectorSystemTest.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>
@@ -13,7 +13,7 @@
 
 #include <unistd.h>
 
-class SelectorDoctorTest : public SystemTest
+class SelectorDoctorTest : public SelectorSystemTest
 {
     Q_OBJECT
 
@@ -45,15 +45,12 @@ private Q_SLOTS:
 private:
     QString bufferFile() const;
     QString servedDescription() const;
-    bool isRegistered(const QString &name) const;
     bool serve(const QString &name, const QString &description, const QByteArray &mode = "ok");
     DoctorRun doctor(const QStringList &more = {}, const QStringList &prefix = {}) const
     {
         return DoctorRun(SELECTOR, more + QStringList{module}, prefix);
     }
 
-    QScopedPointer<ChildProcess> system;
-    QScopedPointer<PublisherProcess> publisher;
     QScopedPointer<ChildProcess> impostor;
 };
 
@@ -92,14 +89,7 @@ const QString informationManager("com.orvalis.SystemInformationManager");
 void SelectorDoctorTest::init()
 {
     SystemTest::init();
-    system.reset(new ChildProcess(SIMULATOR, {"--system-services"}));
-    QVERIFY2(system->start() && !system->waitForLineWith("ready").isNull(),
-             system->report().constData());
-    publisher.reset(new PublisherProcess);
-    VERIFY_COMMAND(publisher->start());
-    VERIFY_COMMAND(publisher->create(
-        module, "Controller", "1",
-        description({leaf("speed", "float64", {{"selectorType", "AnalogSelector"}})})));
+    bringUp({leaf("speed", "float64", {{"selectorType", "AnalogSelector"}})});
     VERIFY_COMMAND(publisher->publish("speed", 1450.5));
     QTRY_VERIFY_WITH_TIMEOUT(isRegistered(module), 20000);
 }
@@ -107,9 +97,7 @@ void SelectorDoctorTest::init()
 void SelectorDoctorTest::cleanup()
 {
     impostor.reset();
-    publisher.reset();
-    system.reset();
-    SystemTest::cleanup();
+    SelectorSystemTest::cleanup();
 }
 
 QString SelectorDoctorTest::bufferFile() const
@@ -125,14 +113,6 @@ QString SelectorDoctorTest::servedDescription() const
     QString error;
     fetchDescription(module, "Controller", "1", text, error);
     return text;
-}
-
-bool SelectorDoctorTest::isRegistered(const QString &name) const
-{
-    QString list;
-    QString error;
-    return fetchRegisteredProviderList(list, error) == BusQueryResult::Ok
-        && list.contains('"' + name + '"');
 }
 
 // A service of that module which is no publisher and does not register.

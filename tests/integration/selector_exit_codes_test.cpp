@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Every command ends with each exit code that its man page promises.
 #include "ProviderListClient.h"
-#include "SystemTest.h"
+#include "SelectorSystemTest.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>
@@ -12,7 +12,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-class SelectorExitCodesTest : public SystemTest
+class SelectorExitCodesTest : public SelectorSystemTest
 {
     Q_OBJECT
 
@@ -24,11 +24,8 @@ private Q_SLOTS:
     void everyCodeThatAPagePromisesHasARow();
 
 private:
-    bool isRegistered() const;
     void make(const QString &fault);
 
-    QScopedPointer<ChildProcess> system;
-    QScopedPointer<PublisherProcess> publisher;
     QScopedPointer<QTemporaryDir> folder;
     QScopedPointer<QDBusVirtualObject> registry;
 };
@@ -162,14 +159,9 @@ void SelectorExitCodesTest::init()
 {
     SystemTest::init();
     folder.reset(new QTemporaryDir);
-    system.reset(new ChildProcess(SIMULATOR, {"--system-services"}));
-    QVERIFY2(system->start() && !system->waitForLineWith("ready").isNull(), system->report());
-    publisher.reset(new PublisherProcess);
-    VERIFY_COMMAND(publisher->start());
-    VERIFY_COMMAND(
-        publisher->create(module, "Controller", "1", description({leaf("speed", "float64")})));
+    bringUp({leaf("speed", "float64")});
     VERIFY_COMMAND(publisher->publish("speed", 2));
-    QTRY_VERIFY_WITH_TIMEOUT(isRegistered(), 20000);
+    QTRY_VERIFY_WITH_TIMEOUT(isRegistered(module), 20000);
     const QByteArray head = R"({"module":"M","object":"O","instance":"1","elements":[)";
     QVERIFY(write(folder->filePath("LIST"), selectorUrl(module, "speed").toUtf8() + " 3\n")
             && write(folder->filePath("BAD"), selectorUrl(module, "none").toUtf8() + " 3\n")
@@ -180,17 +172,8 @@ void SelectorExitCodesTest::init()
 void SelectorExitCodesTest::cleanup()
 {
     registry.reset();
-    publisher.reset();
-    system.reset();
+    SelectorSystemTest::cleanup();
     folder.reset();
-    SystemTest::cleanup();
-}
-
-bool SelectorExitCodesTest::isRegistered() const
-{
-    QString list;
-    QString error;
-    return fetchRegisteredProviderList(list, error) == BusQueryResult::Ok && list.contains(module);
 }
 
 void SelectorExitCodesTest::make(const QString &fault)

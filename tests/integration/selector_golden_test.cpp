@@ -3,7 +3,7 @@
 //
 // SELECTOR_UPDATE_GOLDEN=1 in the environment writes the files anew; then read the difference.
 #include "ProviderListClient.h"
-#include "SystemTest.h"
+#include "SelectorSystemTest.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -12,7 +12,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-class SelectorGoldenTest : public SystemTest
+class SelectorGoldenTest : public SelectorSystemTest
 {
     Q_OBJECT
 
@@ -23,12 +23,9 @@ private Q_SLOTS:
     void outputIsAsWritten();
 
 private:
-    bool isRegistered() const;
     QString normalized(QString text) const;
     QString outcome(const QStringList &arguments) const;
 
-    QScopedPointer<ChildProcess> system;
-    QScopedPointer<PublisherProcess> publisher;
     QScopedPointer<QTemporaryDir> folder;
 };
 
@@ -74,15 +71,11 @@ void SelectorGoldenTest::init()
                  .arg(QCoreApplication::applicationPid() % 1000000, 6, 10, QLatin1Char('0'));
     qputenv("TZ", "UTC");
     folder.reset(new QTemporaryDir);
-    system.reset(new ChildProcess(SIMULATOR, {"--system-services"}));
-    QVERIFY2(system->start() && !system->waitForLineWith("ready").isNull(), system->report());
-    publisher.reset(new PublisherProcess);
-    VERIFY_COMMAND(publisher->start());
-    VERIFY_COMMAND(publisher->create(module, "Controller", "1", description(elements)));
+    bringUp(elements);
     VERIFY_COMMAND(publisher->publish("drive/speed", 1450.123456789012));
     VERIFY_COMMAND(publisher->publish("drive/on", true));
     VERIFY_COMMAND(publisher->publish("name", "north,\nline two"));
-    QTRY_VERIFY_WITH_TIMEOUT(isRegistered(), 20000);
+    QTRY_VERIFY_WITH_TIMEOUT(isRegistered(module), 20000);
     const QString list
         = QStringList{speed + " 2000",         name + " x", none + " 1", speed + " 3",
                       idle + "?deactivated 4", "nonsense 1"}
@@ -103,17 +96,8 @@ void SelectorGoldenTest::init()
 
 void SelectorGoldenTest::cleanup()
 {
-    publisher.reset();
-    system.reset();
+    SelectorSystemTest::cleanup();
     folder.reset();
-    SystemTest::cleanup();
-}
-
-bool SelectorGoldenTest::isRegistered() const
-{
-    QString list;
-    QString error;
-    return fetchRegisteredProviderList(list, error) == BusQueryResult::Ok && list.contains(module);
 }
 
 // Without what differs from run to run and from machine to machine.

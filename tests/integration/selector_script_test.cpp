@@ -1,18 +1,17 @@
 // SPDX-License-Identifier: MIT
 // What scripts and terminals ask for: values only, no header, no colour, a clean end by SIGINT.
-#include "SystemTest.h"
+#include "SelectorSystemTest.h"
 
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
 
-class SelectorScriptTest : public SystemTest
+class SelectorScriptTest : public SelectorSystemTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
     void init();
-    void cleanup();
     void quietPrintsValuesAndNothingElse_data();
     void quietPrintsValuesAndNothingElse();
     void quietWatchPrintsEachNewValue();
@@ -26,14 +25,7 @@ private Q_SLOTS:
     void whatAnOptionDoesNotKnowIsWrongUsage();
 
 private:
-    QStringList filledIn(QStringList arguments) const
-    {
-        return arguments.replaceInStrings("MODULE", module);
-    }
     static QByteArray onTerminal(const QByteArray &command);
-
-    QScopedPointer<ChildProcess> system;
-    QScopedPointer<PublisherProcess> publisher;
 };
 
 namespace {
@@ -59,23 +51,10 @@ bool catchesInterrupt(qint64 pid)
 void SelectorScriptTest::init()
 {
     SystemTest::init();
-    system.reset(new ChildProcess(SIMULATOR, {"--system-services"}));
-    QVERIFY2(system->start() && !system->waitForLineWith("ready").isNull(),
-             system->report().constData());
-    publisher.reset(new PublisherProcess);
-    VERIFY_COMMAND(publisher->start());
-    VERIFY_COMMAND(publisher->create(module, "Controller", "1",
-                                     description({leaf("speed", "float64", {{"unit", "1/min"}}),
-                                                  leaf("name", "string", {{"capacity", 32}})})));
+    bringUp({leaf("speed", "float64", {{"unit", "1/min"}}),
+             leaf("name", "string", {{"capacity", 32}})});
     VERIFY_COMMAND(publisher->publish("speed", 0.1));
     VERIFY_COMMAND(publisher->publish("name", "two\nlines, one \"value\""));
-}
-
-void SelectorScriptTest::cleanup()
-{
-    publisher.reset();
-    system.reset();
-    SystemTest::cleanup();
 }
 
 void SelectorScriptTest::quietPrintsValuesAndNothingElse_data()

@@ -1,19 +1,18 @@
 // SPDX-License-Identifier: MIT
 // The command line client against running services: formats, exit codes, watching.
-#include "SystemTest.h"
+#include "SelectorSystemTest.h"
 
 #include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QTest>
 
-class SelectorTest : public SystemTest
+class SelectorTest : public SelectorSystemTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
     void init();
-    void cleanup();
     void aTableNamesUnitErrorAndReason();
     void jsonIsOneDocumentWithARowForEachSelector();
     void csvHasAHeaderAndARowForEachSelector();
@@ -30,10 +29,6 @@ private Q_SLOTS:
 
 private:
     QString url(const QString &path) const { return selectorUrl(module, path); }
-    QStringList filledIn(QStringList arguments) const;
-
-    QScopedPointer<ChildProcess> system;
-    QScopedPointer<PublisherProcess> publisher;
 };
 
 namespace {
@@ -54,29 +49,10 @@ QJsonObject json(const QByteArray &text)
 void SelectorTest::init()
 {
     SystemTest::init();
-    system.reset(new ChildProcess(SIMULATOR, {"--system-services"}));
-    QVERIFY2(system->start() && !system->waitForLineWith("ready").isNull(),
-             system->report().constData());
-    publisher.reset(new PublisherProcess);
-    VERIFY_COMMAND(publisher->start());
-    VERIFY_COMMAND(
-        publisher->create(module, "Controller", "1", description({speed, name, setpoint})));
+    bringUp({speed, name, setpoint});
     VERIFY_COMMAND(publisher->publish("speed", 1450.5));
     VERIFY_COMMAND(publisher->publish("name", "north, \"old\" side"));
     VERIFY_COMMAND(publisher->publish("setpoint", 100));
-}
-
-void SelectorTest::cleanup()
-{
-    publisher.reset();
-    system.reset();
-    SystemTest::cleanup();
-}
-
-// Rows are made before the module has its name.
-QStringList SelectorTest::filledIn(QStringList arguments) const
-{
-    return arguments.replaceInStrings("MODULE", module);
 }
 
 void SelectorTest::aTableNamesUnitErrorAndReason()
