@@ -2,7 +2,6 @@
 // Shells complete URLs and places from the live system, and stay silent without one.
 #include "SelectorSystemTest.h"
 
-#include <QElapsedTimer>
 #include <QTest>
 
 class SelectorCompletionTest : public SelectorSystemTest
@@ -129,13 +128,13 @@ void SelectorCompletionTest::withoutASystemNothingIsSaid()
 void SelectorCompletionTest::aHungServiceHoldsNobodyUp()
 {
     publisher->process().suspend();
-    QElapsedTimer clock;
-    clock.start();
 
-    ChildProcess client(SELECTOR, {"complete", "url", filledIn("processdata://MODULE/")});
+    // Longer than this test waits: completion has a limit of its own.
+    ChildProcess client("env",
+                        {"PROCESSDATA_DBUS_TIMEOUT_MS=600000", SELECTOR, "complete", "url",
+                         filledIn("processdata://MODULE/")});
     QVERIFY(client.start() && client.waitForEnd());
 
-    QVERIFY2(clock.elapsed() < 1900, qPrintable(QString::number(clock.elapsed())));
     QCOMPARE(client.exitCode(), 0);
     QCOMPARE(client.output() + client.errors(), QByteArray());
     publisher->process().resume();

@@ -7,7 +7,6 @@
 #include "DBusProcessDescriptionConnector.h"
 #include "WarningList.h"
 
-#include <QElapsedTimer>
 #include <QSignalSpy>
 #include <QtTest>
 
@@ -15,6 +14,7 @@ namespace {
 
 const QString pumpService("com.orvalis.ProcessData.Pump");
 const QString controllerPath("/com/orvalis/ProcessData/Controller");
+const QString notAskedAgain("did not answer an earlier call in time");
 constexpr int timeLimit = 700;
 
 QSharedPointer<DBusProcessDescriptionConnector> pump()
@@ -102,12 +102,9 @@ void ConnectorFetchTest::aFetchReturnsTheDescriptionOfTheInstance()
 void ConnectorFetchTest::aServiceWithoutOwnerFailsAtOnceAndIsNamed()
 {
     const auto connector = pump();
-    QElapsedTimer timer;
-    timer.start();
 
     const DBusReply reply = connector->getProcessDataDescription("1", QString());
 
-    QVERIFY(timer.elapsed() < timeLimit);
     QVERIFY(reply.isError());
     QVERIFY2(
         reply.getErrorMessage().startsWith("com.orvalis.ProcessData.Pump "
@@ -187,19 +184,16 @@ void ConnectorFetchTest::manySourcesOfOneHungServiceCostOneTimeLimit()
     }
     QTRY_VERIFY(connectors.first()->isDBusInterfaceValid());
     QVERIFY(service.suspend());
-    QElapsedTimer timer;
-    timer.start();
 
+    QStringList messages;
     for (const auto &connector : connectors) {
         QVERIFY(connector->isDBusInterfaceValid());
-        QVERIFY(connector->getProcessDataDescription("1", QString()).isError());
+        messages += connector->getProcessDataDescription("1", QString()).getErrorMessage();
     }
 
-    QVERIFY2(timer.elapsed() >= timeLimit * 9 / 10, qPrintable(QString::number(timer.elapsed())));
-    QVERIFY2(timer.elapsed() < 2 * timeLimit, qPrintable(QString::number(timer.elapsed())));
-    const QString message
-        = connectors.last()->getProcessDataDescription("1", QString()).getErrorMessage();
-    QVERIFY2(message.contains("did not answer an earlier call in time"), qPrintable(message));
+    QVERIFY2(!messages.first().isEmpty() && !messages.first().contains(notAskedAgain),
+             qPrintable(messages.first()));
+    QCOMPARE(messages.filter(notAskedAgain).size(), connectors.size() - 1);
 }
 
 void ConnectorFetchTest::aServiceThatHangsOnlyForOneObjectIsStillRemembered()
@@ -210,12 +204,10 @@ void ConnectorFetchTest::aServiceThatHangsOnlyForOneObjectIsStillRemembered()
              QString("ok")); // its bus library still answers pings
     const auto connector = pump();
     QVERIFY(connector->getProcessDataDescription("1", QString()).isError());
-    QElapsedTimer timer;
-    timer.start();
 
-    QVERIFY(connector->getProcessDataDescription("1", QString()).isError());
+    const QString message = connector->getProcessDataDescription("1", QString()).getErrorMessage();
 
-    QVERIFY2(timer.elapsed() < timeLimit / 2, qPrintable(QString::number(timer.elapsed())));
+    QVERIFY2(message.contains(notAskedAgain), qPrintable(message));
 }
 
 void ConnectorFetchTest::aServiceThatComesBackIsFetchedAgainAndItsMissedInstancesAreAnnounced()
@@ -274,10 +266,8 @@ void ConnectorFetchTest::anAsynchronousTimeoutIsRememberedToo()
     const auto reply = connector->getProcessDataDescriptionAsynchron("1", QString());
     QSignalSpy failed(reply.data(), &DBusPendingReply::dBusServiceError);
     QTRY_COMPARE(failed.size(), 1);
-    QElapsedTimer timer;
-    timer.start();
-    QVERIFY(connector->getProcessDataDescription("1", QString()).isError());
-    QVERIFY2(timer.elapsed() < timeLimit / 2, qPrintable(QString::number(timer.elapsed())));
+    const QString message = connector->getProcessDataDescription("1", QString()).getErrorMessage();
+    QVERIFY2(message.contains(notAskedAgain), qPrintable(message));
     QSignalSpy changed(connector.data(),
                        &DBusProcessDescriptionConnector::processDataDescriptionChanged);
 

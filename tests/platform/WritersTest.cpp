@@ -56,11 +56,9 @@ void WritersTest::aWriterThatDiesWithTheLockIsInherited()
         QCOMPARE(writer.process.exitStatus(), QProcess::CrashExit);
         QCOMPARE(readLeaf(leaf).getValue(), before); // the half-written copy is not seen
 
-        QElapsedTimer timer;
-        timer.start();
+        // Who waited for the lock would be refused.
         QVERIFY(next < 3 ? leaf->setValue(ProcessValue(QVariant(next)))
                          : source.publish(0, ProcessValue(QVariant(next))));
-        QVERIFY2(timer.elapsed() < 200, qPrintable(QString::number(timer.elapsed())));
         QCOMPARE(readLeaf(leaf).getValue(), QVariant(next));
     }
 }
