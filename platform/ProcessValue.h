@@ -50,7 +50,14 @@ public:
     }
 
     virtual ~ProcessValue() = default;
-    ProcessValue(const ProcessValue &) = default;
+    /// The library fills a vector with copies of one that holds nothing: those cost no call, as a
+    /// copy of a QVariant would.
+    ProcessValue(const ProcessValue &other)
+        : value(other.value.isValid() ? QVariant(other.value) : QVariant())
+        , timestamp(other.timestamp)
+        , errorType(other.errorType)
+    {
+    }
     ProcessValue(ProcessValue &&) = default;
     ProcessValue &operator=(const ProcessValue &) = default;
     ProcessValue &operator=(ProcessValue &&) = default;

@@ -66,6 +66,29 @@ private Q_SLOTS:
         QCOMPARE(copy.at(1).getValue(), QVariant(1));
     }
 
+    void aCopyOfAProcessValueHasAllOfIt_data()
+    {
+        QTest::addColumn<QVariant>("value");
+        QTest::newRow("none") << QVariant();
+        QTest::newRow("a number") << QVariant(21.5);
+        QTest::newRow("a text") << QVariant("north");
+        QTest::newRow("a type without a value") << QVariant(QVariant::Int);
+    }
+
+    void aCopyOfAProcessValueHasAllOfIt()
+    {
+        QFETCH(QVariant, value);
+        const ProcessValue original(value, ProcessDataDefinitions::SourceLost, 42);
+
+        const QVector<ProcessValue> copies(3, original);
+        const ProcessValue &copy = copies.last();
+
+        QCOMPARE(copy.getValue(), value);
+        QCOMPARE(copy.getValue().isNull(), value.isNull());
+        QCOMPARE(copy.getErrorType(), ProcessDataDefinitions::SourceLost);
+        QCOMPARE(copy.getTimestamp(), qint64(42));
+    }
+
     void aLeafIsItsBaseWithoutAdjustment()
     {
         using Base = ConfigurationAndProcessDataBase;
