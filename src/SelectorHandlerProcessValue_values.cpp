@@ -15,9 +15,10 @@ namespace {
 // How many positions before its turn a selector's memory is asked for; twice as many are no faster.
 constexpr int positionsAhead = 8;
 
-ProcessValue errorValue()
+const ProcessValue &errorValue()
 {
-    return ProcessValue(static_cast<ProcessDataDefinitions::ErrorTypes>(3));
+    static const ProcessValue value(static_cast<ProcessDataDefinitions::ErrorTypes>(3));
+    return value;
 }
 
 } // namespace
@@ -86,25 +87,29 @@ bool SelectorHandlerProcessValue::getValuesInternal(int startIndex, int count,
     const ProcessDataInformation *const records = processDataInformationList.constData();
     const ProcessDataInformation *record = records + startIndex;
     const ProcessDataInformation *const end = record + count;
-    // The last ones have nothing ahead of them but themselves.
-    for (int ahead = count > positionsAhead ? positionsAhead : 0; record != end; ahead = 0) {
-        const ProcessDataInformation *const stop = end - ahead;
-        for (; record != stop; ++record, ++value) {
-            __builtin_prefetch(record[ahead].processDataLeaf.data());
-            __builtin_prefetch(record[ahead].selectorUrlHandler.data());
-            if (Q_UNLIKELY(record->selectorUrlHandler.isNull())) {
-                qWarning() << "No SelectorUrlHander selected (Nullpointer)";
-                ok = false;
-            } else if (record->selectorUrlHandler->isSelectorDeactivated()) {
-                continue; // keeps its place; not a failure
-            } else if (Q_LIKELY(!record->processDataLeaf.isNull()
-                                && record->sharedMemoryIterator != SharedMemoryIterator())) {
-                record->processDataLeaf->getValue(*value, false);
-            } else {
-                *value = getValueInternal(ok, record->sharedMemoryIterator,
-                                          static_cast<int>(record - records));
-            }
+    const auto readNext = [&] {
+        if (Q_UNLIKELY(record->selectorUrlHandler.isNull())) {
+            qWarning() << "No SelectorUrlHander selected (Nullpointer)";
+            ok = false;
+        } else if (record->selectorUrlHandler->isSelectorDeactivated()) {
+            // keeps its place; not a failure
+        } else if (Q_LIKELY(!record->processDataLeaf.isNull()
+                            && record->sharedMemoryIterator != SharedMemoryIterator())) {
+            record->processDataLeaf->getValue(*value, false);
+        } else {
+            *value = getValueInternal(ok, record->sharedMemoryIterator,
+                                      static_cast<int>(record - records));
         }
+        ++record;
+        ++value;
+    };
+    while (end - record > positionsAhead) {
+        __builtin_prefetch(record[positionsAhead].processDataLeaf.data());
+        __builtin_prefetch(record[positionsAhead].selectorUrlHandler.data());
+        readNext();
+    }
+    while (record != end) {
+        readNext();
     }
     if (values.isEmpty()) {
         values.swap(run);
