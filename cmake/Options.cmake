@@ -34,6 +34,11 @@ if(CMAKE_SIZEOF_VOID_P EQUAL 4)
     # Else times end in January 2038, and a file with a large inode number cannot be looked at.
     target_compile_definitions(SelectorHandlerOptions INTERFACE _FILE_OFFSET_BITS=64 _TIME_BITS=64)
 endif()
+if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64)$")
+    # Reading a value takes three calls into other libraries; without a stub between, each of a long
+    # list took a fifth less time. Measured on this processor alone.
+    target_compile_options(SelectorHandlerOptions INTERFACE -fno-plt)
+endif()
 target_link_options(SelectorHandlerOptions INTERFACE -Wl,--no-undefined -Wl,--as-needed)
 
 if(SELECTORHANDLER_FUZZ)
