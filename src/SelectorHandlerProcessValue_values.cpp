@@ -26,7 +26,10 @@ const ProcessValue &errorValue()
 ProcessValue SelectorHandlerProcessValue::getValue(int index)
 {
     QVector<ProcessValue> values = getValues(index, 1);
-    return values.isEmpty() ? errorValue() : std::move(values.first());
+    if (values.isEmpty()) {
+        return errorValue();
+    }
+    return std::move(values.first());
 }
 
 QVector<ProcessValue> SelectorHandlerProcessValue::getValues(int startIndex, int count)
