@@ -6,11 +6,16 @@
 
 #include <cstdio>
 
+bool isStandardInput(const QString &name)
+{
+    return name == QLatin1String("-");
+}
+
 bool openInput(const QString &name, QFile &file, QString &error)
 {
     file.setFileName(name);
-    const bool opened = name == QLatin1String("-") ? file.open(stdin, QIODevice::ReadOnly)
-                                                   : file.open(QIODevice::ReadOnly);
+    const bool opened = isStandardInput(name) ? file.open(stdin, QIODevice::ReadOnly)
+                                              : file.open(QIODevice::ReadOnly);
     if (!opened) {
         error = QStringLiteral("%1: %2").arg(name, file.errorString());
     }

@@ -7,6 +7,8 @@
 
 class QFile;
 
+bool isStandardInput(const QString &name);
+
 /// Opens a file, which has no name yet, for reading.
 ///
 /// @param error  receives the file's name and the system's reason on failure

@@ -46,7 +46,7 @@ bool readSelectorFile(const QString &name, bool withValues, QVector<SelectorInpu
     QString problem;
     if (!readSelectorLines(stream, withValues, selectors, problem)) {
         error = QStringLiteral("%1: %2").arg(
-            name == QLatin1String("-") ? QStringLiteral("standard input") : name, problem);
+            isStandardInput(name) ? QStringLiteral("standard input") : name, problem);
         return false;
     }
     return true;
