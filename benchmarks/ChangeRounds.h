@@ -85,7 +85,8 @@ template <typename World> int main(int argc, char **argv, World *&world)
     const QCoreApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
     if (arguments.value(1) == QLatin1String("--service")) {
-        return ChangingService::serve(arguments.value(2), arguments.value(3).toInt());
+        return ChangingService::serve(arguments.value(2), arguments.value(3).toInt(),
+                                      arguments.value(4).toInt());
     }
     World all;
     world = &all;

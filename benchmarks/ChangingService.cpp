@@ -13,10 +13,10 @@
 
 namespace {
 
-int leavesOf(int instance)
+int leavesOf(int instance, int leavesOfFirst)
 {
     constexpr int leavesOfOthers = 100;
-    return instance == 1 ? ChangingService::leafCount : leavesOfOthers;
+    return instance == 1 ? leavesOfFirst : leavesOfOthers;
 }
 
 QString nextModule()
@@ -25,10 +25,10 @@ QString nextModule()
     return QStringLiteral("Change%1x%2").arg(getpid()).arg(++last);
 }
 
-QJsonObject describe(int instance, int version)
+QJsonObject describe(int leaves, int version)
 {
     QJsonArray elements;
-    for (int i = 0; i < leavesOf(instance); ++i) {
+    for (int i = 0; i < leaves; ++i) {
         elements.append(QJsonObject{{QStringLiteral("name"), QStringLiteral("leaf%1").arg(i)},
                                     {QStringLiteral("type"), QStringLiteral("float64")},
                                     {QStringLiteral("unit"), QStringLiteral("u%1").arg(version)},
@@ -43,14 +43,17 @@ QJsonObject describe(int instance, int version)
 
 } // namespace
 
-ChangingService::ChangingService(int sources)
+ChangingService::ChangingService(int sources, int leaves)
     : sources(sources)
+    , leaves(leaves)
     , module(nextModule())
 {
     process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    process.start(QCoreApplication::applicationFilePath(),
-                  {QStringLiteral("--service"), module, QString::number(sources)});
-    if (!process.waitForReadyRead()) {
+    process.start(
+        QCoreApplication::applicationFilePath(),
+        {QStringLiteral("--service"), module, QString::number(sources), QString::number(leaves)});
+    constexpr int startLimit = 120000; // milliseconds
+    if (!process.waitForReadyRead(startLimit)) {
         qFatal("the publisher does not start");
     }
     process.readAll();
@@ -81,7 +84,7 @@ QVector<QString> ChangingService::urls() const
 {
     QVector<QString> result;
     for (int instance = 1; instance <= sources; ++instance) {
-        for (int i = 0; i < leavesOf(instance); ++i) {
+        for (int i = 0; i < leavesOf(instance, leaves); ++i) {
             result.append(
                 QStringLiteral("processdata://%1/%1/%2/leaf%3").arg(module).arg(instance).arg(i));
         }
@@ -95,13 +98,13 @@ void ChangingService::change()
     process.waitForBytesWritten();
 }
 
-int ChangingService::serve(const QString &module, int sources)
+int ChangingService::serve(const QString &module, int sources, int leaves)
 {
     QString error;
     QVector<QSharedPointer<ProcessDataPublisher>> publishers;
     for (int instance = 1; instance <= sources; ++instance) {
         publishers += ProcessDataPublisher::create(module, module, QString::number(instance),
-                                                   describe(instance, 0), &error);
+                                                   describe(leavesOf(instance, leaves), 0), &error);
         if (publishers.last().isNull()) {
             qFatal("%s", qPrintable(error));
         }
@@ -113,7 +116,7 @@ int ChangingService::serve(const QString &module, int sources)
     QObject::connect(&orders, &QSocketNotifier::activated, publishers.first().data(), [&] {
         if (input.readLine().isEmpty()) {
             QCoreApplication::quit();
-        } else if (!publishers.first()->replaceDescription(describe(1, ++version), &error)) {
+        } else if (!publishers.first()->replaceDescription(describe(leaves, ++version), &error)) {
             qFatal("%s", qPrintable(error));
         }
     });

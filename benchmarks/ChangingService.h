@@ -14,7 +14,8 @@ class ChangingService
 public:
     static constexpr int leafCount = 1000; // of the first
 
-    explicit ChangingService(int sources = 1);
+    /// @param leaves  of the first instance
+    explicit ChangingService(int sources = 1, int leaves = leafCount);
     ~ChangingService();
 
     const QString &moduleName() const { return module; }
@@ -29,10 +30,11 @@ public:
     void change();
 
     /// Main function of the service; ends when its standard input does.
-    static int serve(const QString &module, int sources);
+    static int serve(const QString &module, int sources, int leaves);
 
 private:
     const int sources;
+    const int leaves;
     const QString module; // names the object, too
     QProcess process;
 };

@@ -88,6 +88,15 @@ if(SELECTORHANDLER_PLATFORM STREQUAL "reference")
         DESTINATION ${CMAKE_INSTALL_DATADIR}/dbus-1/interfaces COMPONENT development)
 endif()
 
+# All that cmake --install takes, for trees in which not everything is built.
+add_custom_target(installed)
+foreach(target SelectorHandler ProcessDataPlatform ScriptedPlatform SelectorHandlerTesting selector
+        process-data-simulator)
+    if(TARGET ${target})
+        add_dependencies(installed ${target})
+    endif()
+endforeach()
+
 # For script/abi: what an installed header declares is part of the binary interface.
 get_property(interface_headers GLOBAL PROPERTY INSTALLED_HEADERS)
 list(TRANSFORM interface_headers REPLACE "^.*/|\\.h$" "")

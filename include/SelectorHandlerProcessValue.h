@@ -23,7 +23,7 @@ class SystemStatusManagerDBusConnector;
 /// Reads and writes live process values by their position in a list of selector URLs.
 ///
 /// Create it in a thread that runs an event loop: announcements of changes arrive through it.
-/// Nothing throws; a failure shows in the result and, where noted, in one warning. Deactivated and
+/// Nothing throws; a failure shows in the result and, where noted, in a warning. Deactivated and
 /// unresolved selectors keep their place, so position i always means URL i.
 ///
 /// Threads: setSelectorUrls and destruction belong to the thread that made the handler; all value
@@ -45,7 +45,7 @@ public:
     ///
     /// @param parent  owner, or null
     /// Errors:  warns when there is no connection to the bus; it never refreshes by itself then.
-    /// Threads: the one whose event loop shall deliver announcements.
+    /// Threads: the one whose event loop is to deliver announcements.
     explicit SelectorHandlerProcessValue(QObject *parent);
 
     /// Makes a handler and applies a list at once. Such a handler does not listen for the end of
@@ -102,8 +102,9 @@ public:
     ///
     /// @param propertyName  a key of the leaf's description, such as "unit"
     /// @param index         position in the URL list, 0-based
-    /// @returns the property, as of the last change of its source; what the leaf answers for a name that it lacks; an invalid QVariant,
-    ///          after one warning, for an index outside the list or a selector without a leaf
+    /// @returns the property, as of the last change of its source; what the leaf answers for a name
+    ///          that it lacks; an invalid QVariant, after one warning, for an index outside the list
+    ///          or a selector without a leaf
     /// Threads: any.
     virtual QVariant getProperty(const QString &propertyName, int index);
 
@@ -118,8 +119,11 @@ public:
     /// All properties of one selector as compact JSON text, as of the last change of its source.
     ///
     /// @param index  position in the URL list, 0-based
-    /// @returns the text; that of an empty object for a selector that was never resolved; a null
-    ///          string, after one warning, for an index outside the list
+    /// @returns the text, UTF-8 up to the first zero byte of what the platform rendered. For a
+    ///          selector without a leaf: an indented empty object ("{", line feed, "}", line feed)
+    ///          as long as no change of its source was followed; after that what the platform
+    ///          renders for no leaf. A null string, after one warning, for an index outside the
+    ///          list.
     /// Threads: any.
     virtual QString getPropertyAsJsonString(int index);
 

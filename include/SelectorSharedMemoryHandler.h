@@ -24,7 +24,7 @@ class ProcessDataManager;
 /// SelectorHandlerProcessValue makes one for each source that its selectors name. A client needs
 /// the class itself only to look at a source without a list of selectors.
 ///
-/// Nothing throws; a failure shows in the result and, where noted, in one warning that names the
+/// Nothing throws; a failure shows in the result and, where noted, in a warning that names the
 /// source. Threads: use it in the thread that made it; announcements need that thread's event loop.
 class SELECTORHANDLER_EXPORT SelectorSharedMemoryHandler : public QObject
 {
@@ -59,7 +59,9 @@ public:
     /// fails, the tree is rebuilt from the description that is held already, if any.
     ///
     /// @returns whether there is a tree with a usable buffer
-    /// Errors:  one warning, except for a service that answers without a description (silent).
+    /// Errors:  a warning for a fetch that failed, and one more when what was rebuilt from the held
+    ///          description is not usable either; one warning for a buffer or a tree that is not
+    ///          usable. Silent for a service that answers without a description.
     /// Threads: blocks for the length of one D-Bus call.
     bool attachToProcessBuffer();
 
@@ -67,7 +69,9 @@ public:
     ///
     /// @param instanceName  whose description is fetched and whose buffer is attached
     /// @returns whether a tree was built whose buffer is usable; its root may be null all the same
-    /// Errors:  one warning, except for a service that answers without a description (silent).
+    /// Errors:  a warning for a fetch that failed, and one for a buffer that is not usable: both
+    ///          when the held description was used instead. Silent for a service that answers
+    ///          without a description.
     /// Threads: blocks for the length of one D-Bus call.
     bool updateRootElement(const QString &instanceName);
 

@@ -22,7 +22,7 @@ public:
     /// A reply that arrived.
     ///
     /// @param value  what the service sent; an invalid one means that it has no description
-    /// @returns a reply that is no error
+    /// @returns a reply that is not an error
     static DBusReply fromValue(QVariant value) { return {false, std::move(value), QString()}; }
 
     /// A call that failed.

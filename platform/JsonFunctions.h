@@ -27,7 +27,7 @@ PROCESSDATAPLATFORM_EXPORT bool readJsonValue(const QString &key, const QJsonObj
 /// @param key     keys joined by "/"
 /// @param object  where the path begins
 /// @param array   receives the array; not to be relied on when the result is false
-/// @returns false when a step of the path is missing or no object, or its end is no array
+/// @returns false when a step of the path is missing or not an object, or its end is not an array
 /// Errors:  told by the result alone: it must not log.
 /// Threads: reentrant; any, also at the same time.
 PROCESSDATAPLATFORM_EXPORT bool readJsonArrayFromJson(const QString &key, const QJsonObject &object,

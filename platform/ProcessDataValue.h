@@ -18,7 +18,7 @@ class ProcessValue;
 ///
 /// Lifetime: a leaf that outlives its manager keeps what it needs to read its last value.
 /// Threads: getValue may be called in several threads at a time, also while another thread or
-///          process writes; setValue calls of several threads must serialise themselves.
+///          process writes; callers must serialise calls to setValue.
 class PROCESSDATAPLATFORM_EXPORT ProcessDataValue : public ConfigurationAndProcessDataBase
 {
 public:

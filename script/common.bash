@@ -32,6 +32,8 @@ configure() {
         # Beside the build trees: the home directory may be read-only.
         export CCACHE_DIR=${CCACHE_DIR:-$root/.cache/ccache}
         export CMAKE_CXX_COMPILER_LAUNCHER=ccache
+        # Else ccache takes no file that uses a precompiled header.
+        export CCACHE_SLOPPINESS=${CCACHE_SLOPPINESS:-pch_defines,time_macros,include_file_mtime,include_file_ctime}
     fi
     say "configuring build/$preset"
     (cd "$root" && cmake --preset "$preset" "$@" >"$(configure_log "$preset")") || {

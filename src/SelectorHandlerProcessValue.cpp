@@ -22,11 +22,26 @@ const QString &textOfEmptyJsonObject()
     return text;
 }
 
-QString sharedMemoryKeyOf(const SelectorUrlHandler &url)
+// A platform is asked for a source's names in the order in which they form the key. One expression
+// would leave the order to the compiler.
+struct SourceNames
 {
-    return url.getModuleName() + QLatin1Char('_') + url.getObjectName() + QLatin1Char('_')
-        + url.getInstance();
-}
+    explicit SourceNames(const SelectorUrlHandler &url)
+        : moduleName(url.getModuleName())
+        , objectName(url.getObjectName())
+        , instanceName(url.getInstance())
+    {
+    }
+
+    QString key() const
+    {
+        return moduleName + QLatin1Char('_') + objectName + QLatin1Char('_') + instanceName;
+    }
+
+    const QString moduleName; // members are made in the order in which they are declared
+    const QString objectName;
+    const QString instanceName;
+};
 
 } // namespace
 
@@ -93,7 +108,7 @@ void SelectorHandlerProcessValue::setSelectorUrls(const QVector<QString> &select
 void SelectorHandlerProcessValue::connectToSource(ProcessDataInformation &record, int index)
 {
     const SelectorUrlHandler &url = *record.selectorUrlHandler;
-    const QString sharedMemoryKey = sharedMemoryKeyOf(url);
+    const QString sharedMemoryKey = SourceNames(url).key();
     SharedMemoryIterator source = sharedMemoryHandlers.find(sharedMemoryKey);
     const bool isNew = source == sharedMemoryHandlers.end();
     if (isNew) {
@@ -113,8 +128,9 @@ SelectorHandlerProcessValue::SharedMemoryIterator
 SelectorHandlerProcessValue::createSource(const QString &sharedMemoryKey,
                                           const SelectorUrlHandler &url)
 {
+    const SourceNames names(url);
     const auto handler = QSharedPointer<SelectorSharedMemoryHandler>::create(
-        sharedMemoryKey, url.getModuleName(), url.getObjectName(), url.getInstance(), nullptr);
+        sharedMemoryKey, names.moduleName, names.objectName, names.instanceName, nullptr);
     connect(handler.data(), SIGNAL(processDataDescriptionChanged(QString)), this,
             SLOT(processDataDescriptionChanged(QString)));
     connect(handler.data(), SIGNAL(propertyChanged(QString)), this, SLOT(propertyChanged(QString)));

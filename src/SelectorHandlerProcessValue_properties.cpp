@@ -9,6 +9,7 @@
 #include <QJsonDocument>
 #include <QMutexLocker>
 
+#include <cstring>
 #include <utility>
 
 QVariant SelectorHandlerProcessValue::getProperty(const QString &propertyName, int index)
@@ -75,5 +76,7 @@ SelectorHandlerProcessValue::getPropertiesAsJsonString(QSharedPointer<ProcessDat
     QByteArray bytes;
     const ConfigurationAndProcessDataParser parser;
     parser.frameToByteArray(node, bytes, QJsonDocument::Compact);
-    return QString::fromUtf8(bytes.constData()); // ends at the first zero byte
+    // Ends at the first zero byte, which a platform need not have put behind its bytes.
+    const size_t size = strnlen(bytes.constData(), static_cast<size_t>(bytes.size()));
+    return QString::fromUtf8(bytes.constData(), static_cast<int>(size));
 }

@@ -8,6 +8,7 @@
 #include <QDebug>
 #include <QMutexLocker>
 
+#include <new>
 #include <utility>
 
 namespace {
@@ -15,19 +16,26 @@ namespace {
 // How many positions before its turn a selector's memory is asked for; twice as many are no faster.
 constexpr int positionsAhead = 8;
 
-const ProcessValue &errorValue()
-{
-    static const ProcessValue value(static_cast<ProcessDataDefinitions::ErrorTypes>(3));
-    return value;
-}
+constexpr auto noValue = static_cast<ProcessDataDefinitions::ErrorTypes>(3);
 
 } // namespace
+
+// What a vector of a given length is filled with: error values, each made by its constructor, as a
+// platform may expect, and in its place. A value has no default constructor; copies, or values made
+// elsewhere and moved in, would cost more than reading them.
+template <>
+inline void QVector<ProcessValue>::defaultConstruct(ProcessValue *from, ProcessValue *to)
+{
+    while (from != to) {
+        new (from++) ProcessValue(noValue);
+    }
+}
 
 ProcessValue SelectorHandlerProcessValue::getValue(int index)
 {
     QVector<ProcessValue> values = getValues(index, 1);
     if (values.isEmpty()) {
-        return errorValue();
+        return ProcessValue(noValue);
     }
     return std::move(values.first());
 }
@@ -83,14 +91,16 @@ bool SelectorHandlerProcessValue::getValuesInternal(int startIndex, int count,
     if (!ok) {
         return false;
     }
-    // Error values for all, then each is read in its place: making it elsewhere and moving it in
-    // would cost more than the reading.
-    QVector<ProcessValue> run(count, errorValue());
+    QVector<ProcessValue> run(count); // error values, see above; each is read in its place
     ProcessValue *value = run.data();
     const ProcessDataInformation *const records = processDataInformationList.constData();
     const ProcessDataInformation *record = records + startIndex;
     const ProcessDataInformation *const end = record + count;
-    const auto readNext = [&] {
+    for (; record != end; ++record, ++value) {
+        if (Q_LIKELY(end - record > positionsAhead)) {
+            __builtin_prefetch(record[positionsAhead].processDataLeaf.data());
+            __builtin_prefetch(record[positionsAhead].selectorUrlHandler.data());
+        }
         if (Q_UNLIKELY(record->selectorUrlHandler.isNull())) {
             qWarning() << "No SelectorUrlHander selected (Nullpointer)";
             ok = false;
@@ -103,16 +113,6 @@ bool SelectorHandlerProcessValue::getValuesInternal(int startIndex, int count,
             *value = getValueInternal(ok, record->sharedMemoryIterator,
                                       static_cast<int>(record - records));
         }
-        ++record;
-        ++value;
-    };
-    while (end - record > positionsAhead) {
-        __builtin_prefetch(record[positionsAhead].processDataLeaf.data());
-        __builtin_prefetch(record[positionsAhead].selectorUrlHandler.data());
-        readNext();
-    }
-    while (record != end) {
-        readNext();
     }
     if (values.isEmpty()) {
         values.swap(run);
@@ -126,7 +126,7 @@ ProcessValue
 SelectorHandlerProcessValue::getValueInternal(bool &ok, SharedMemoryIterator sharedMemoryIterator,
                                               int index) const
 {
-    ProcessValue value = errorValue();
+    ProcessValue value(noValue);
     const ProcessDataInformation &record = processDataInformationList.at(index);
     if (record.processDataLeaf.isNull()) {
         ok = false;

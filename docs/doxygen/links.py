@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""Mends the links that Doxygen leaves as they stand in the Markdown pages, and fails for one that leads nowhere.
+"""Fixes the links that Doxygen leaves as they stand in the Markdown pages, and fails for one that leads nowhere.
 
 usage: links.py HTML-DIRECTORY SOURCE-DIR
 
@@ -31,7 +31,7 @@ def anchors(text):
     return {slug(html.unescape(re.sub(r"<[^>]+>", "", heading)).strip()): name for name, heading in found}
 
 
-def mend(match, folder, pages, root):
+def fix(match, folder, pages, root):
     link = html.unescape(match.group(1))
     target, _, anchor = link.partition("#")
     if re.match(r"[a-z]+:", link) or (target and (root / urllib.parse.unquote(target)).is_file()):
@@ -66,9 +66,9 @@ names_of_headings = {name: anchors(text) for name, text in texts.items()}
 for path in sources:
     name = page_name(path)
     place = (posixpath.dirname(path), name, path)
-    mended = re.sub(r'<a href="([^"]+)">(.*?)</a>',
-                    lambda match, place=place: mend(match, place, names_of_headings, root), texts[name])
-    (root / name).write_text(mended, encoding="utf-8")
+    fixed = re.sub(r'<a href="([^"]+)">(.*?)</a>',
+                   lambda match, place=place: fix(match, place, names_of_headings, root), texts[name])
+    (root / name).write_text(fixed, encoding="utf-8")
 wrong = list(broken(root))
 print("\n".join(wrong), end="\n" if wrong else "")
 sys.exit(1 if wrong else 0)

@@ -33,7 +33,9 @@ bool ConfigurationAndProcessDataParser::frameToByteArray(
                                   {id, CallRecord::quoted(QString::fromUtf8(bytes)),
                                    format == QJsonDocument::Compact ? QStringLiteral("Compact")
                                                                     : QStringLiteral("Indented")});
-    if (leaf != nullptr) {
+    if (leaf != nullptr && bytes.isEmpty()) {
+        bytes = leaf->rendering(); // as the script has it, also without a zero byte behind its end
+    } else if (leaf != nullptr) {
         bytes.append(leaf->rendering());
     } else if (Script::current() != nullptr) {
         bytes.append(Script::current()->nullRendering);

@@ -8,7 +8,7 @@
 #include <QMutex>
 #include <QVariantMap>
 
-/// The part of a leaf that a description tells: copied into the leaf when a tree is built.
+/// The part of a leaf that a description gives: copied into the leaf when a tree is built.
 struct LeafDescriptionScript
 {
     QVariantMap properties;

@@ -13,7 +13,7 @@
 /// Handle of a fetch that a client began after an announcement.
 ///
 /// Does not keep the call alive unless told to. Ending a call that was released does nothing.
-/// Threads: the one in which clients shall be told.
+/// Threads: the one in which clients are to be notified.
 class PROCESSDATAPLATFORM_EXPORT ScriptedReply
 {
 public:

@@ -79,10 +79,14 @@ def problem_of(block, source, tests):
     return None
 
 
-def main():
-    source, build = pathlib.Path(sys.argv[1]), sys.argv[2]
+def tests_of(build):
+    """The names of all tests that ctest knows."""
     listing = subprocess.run(["ctest", "--test-dir", build, "-N"], check=True, stdout=subprocess.PIPE, text=True)
-    tests = set(re.findall(r"Test +#\d+: (\S+)", listing.stdout))
+    return set(re.findall(r"Test +#\d+: (\S+)", listing.stdout))
+
+
+def main():
+    source, tests = pathlib.Path(sys.argv[1]), tests_of(sys.argv[2])
     wrong, untested, count = list(unexplained_warnings(source)), [], 0
     for path in pages_of(source):
         page = str(path.relative_to(source))

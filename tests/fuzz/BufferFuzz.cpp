@@ -12,13 +12,15 @@
 
 namespace {
 
-// Meaning of the first byte of an input; the bytes of the buffer follow, and changes after them.
+// Meaning of the first byte of an input, beside FuzzBuffer's; the bytes of the files follow, and changes
+// after them.
 enum Flag : uint8_t {
-    SoundHeader = 1, // only state and lock words of the header are the input's
     ChangeDuringReads = 2,
-    ShortFile = 4, // the file ends where the input does
     Write = 8,
 };
+constexpr uint8_t soundHeader = FuzzBuffer::SoundHeader;
+constexpr uint8_t shortFile = FuzzBuffer::ShortFile;
+constexpr uint8_t ownRecord = FuzzBuffer::OwnRecord;
 
 using Leaves = QVector<QSharedPointer<ProcessDataValue>>;
 
@@ -88,8 +90,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     }
     FuzzBuffer &buffer = FuzzBuffer::instance();
     const uint8_t flags = data[0];
-    const size_t used
-        = buffer.fill(data + 1, size - 1, (flags & SoundHeader) != 0, (flags & ShortFile) != 0);
+    const size_t used = buffer.fill(data + 1, size - 1, flags);
     {
         ProcessDataManager manager;
         const auto root = manager.createProcessDataFromJson(buffer.description(), "pdd",
@@ -102,9 +103,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         }
         ProcessValue value(ProcessDataDefinitions::NoValue);
         const bool attached = leaves.first()->getValue(value, false);
-        FUZZ_REQUIRE(attached || (flags & SoundHeader) == 0 || (flags & ShortFile) != 0);
+        FUZZ_REQUIRE(attached || (flags & (soundHeader | shortFile | ownRecord)) != soundHeader);
         readAll(leaves);
-        if ((flags & ShortFile) == 0) {
+        if ((flags & shortFile) == 0) {
             FuzzChanges changes(data + 1 + used, size - 1 - used);
             const FuzzChanges all = changes;
             while (changes.applyNext()) {

@@ -4,6 +4,7 @@
 
 #include "FuzzInput.h"
 
+#include "BufferFiles.h"
 #include "BufferName.h"
 #include "Leftovers.h"
 #include "SelectorUrlBuilder.h"
@@ -62,27 +63,57 @@ FuzzBuffer::~FuzzBuffer()
     remove();
 }
 
-size_t FuzzBuffer::fill(const uint8_t *data, size_t size, bool soundHeader, bool shortFile)
+void *FuzzBuffer::makeFile(const QByteArray &name, size_t size, int &file) const
+{
+    file = open(name.constData(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR);
+    FUZZ_REQUIRE(file != -1 && ftruncate(file, off_t(size)) == 0);
+    void *mapped = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
+    FUZZ_REQUIRE(mapped != MAP_FAILED);
+    return mapped;
+}
+
+size_t FuzzBuffer::fillRecord(const uint8_t *data, size_t size, uint8_t flags)
+{
+    int file = -1;
+    record = static_cast<LifeRecord *>(makeFile(path + lifeNameEnd, sizeof(LifeRecord), file));
+    close(file);
+    if ((flags & OwnRecord) != 0) {
+        const size_t used = std::min(size, sizeof(LifeRecord));
+        std::memcpy(static_cast<void *>(record), data, used);
+        return used;
+    }
+    std::copy(std::begin(lifeMagic), std::end(lifeMagic), record->magic);
+    record->layoutVersion = bufferLayoutVersion;
+    record->recordSize = sizeof(LifeRecord);
+    record->generation = generation;
+    record->abiTag = bufferAbiTag;
+    record->state = (flags & Retired) != 0 ? BufferRetired : BufferActive;
+    constexpr quint32 ownerDied = 0x40000000;
+    const quint32 word = (flags & Dead) != 0 ? ownerDied : 1;
+    std::memcpy(record->lock.room, &word, sizeof(word));
+    const QByteArray name = prefix + QByteArray::number(generation);
+    std::copy(name.cbegin(), name.cend(), record->bufferName);
+    return 0;
+}
+
+size_t FuzzBuffer::fill(const uint8_t *data, size_t size, uint8_t flags)
 {
     remove();
-    const int file
-        = open(path.constData(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR);
-    FUZZ_REQUIRE(file != -1 && ftruncate(file, off_t(bufferSize)) == 0);
-    void *mapped = mmap(nullptr, bufferSize, PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
-    FUZZ_REQUIRE(mapped != MAP_FAILED);
-    base = static_cast<char *>(mapped);
-    const size_t used = std::min(size, bufferSize);
-    std::memcpy(base, data, used);
-    if (soundHeader) {
+    const size_t usedByRecord = fillRecord(data, size, flags);
+    int file = -1;
+    base = static_cast<char *>(makeFile(path, bufferSize, file));
+    const size_t used = std::min(size - usedByRecord, bufferSize);
+    std::memcpy(base, data + usedByRecord, used);
+    if ((flags & SoundHeader) != 0) {
         BufferHeader input{};
         std::memcpy(&input, base, sizeof(input));
         repairHeader(input);
     }
-    if (shortFile) {
+    if ((flags & ShortFile) != 0) {
         FUZZ_REQUIRE(ftruncate(file, off_t(used)) == 0);
     }
     close(file);
-    return used;
+    return usedByRecord + used;
 }
 
 void FuzzBuffer::repairHeader(const BufferHeader &input)
@@ -95,10 +126,7 @@ void FuzzBuffer::repairHeader(const BufferHeader &input)
     sound.generation = generation;
     sound.slotCount = quint32(parsed.leaves.size());
     sound.abiTag = bufferAbiTag;
-    sound.state = input.state % 2 == 0 ? BufferActive : BufferRetired;
-    FUZZ_REQUIRE(initializeSharedLock(sound.livenessLock) == 0
-                 && initializeSharedLock(sound.writersLock) == 0);
-    std::memcpy(sound.livenessLock.room, input.livenessLock.room, sizeof(quint32));
+    FUZZ_REQUIRE(initializeSharedLock(sound.writersLock) == 0);
     std::memcpy(sound.writersLock.room, input.writersLock.room, sizeof(quint32));
     std::memcpy(base, &sound, sizeof(sound));
 }
@@ -109,10 +137,14 @@ void FuzzBuffer::remove()
         return;
     }
     munmap(base, bufferSize);
+    munmap(record, sizeof(LifeRecord));
     base = nullptr;
-    const quint64 highest = removeLeftovers(prefix);
-    FUZZ_REQUIRE(highest == generation);
+    BufferFile file;
+    inspectBufferFile(QString::fromUtf8(path), file);
+    inspectBufferFile(QString::fromUtf8(path + lifeNameEnd), file);
+    removeLeftovers(prefix);
     unlink(path.constData());
+    unlink((path + lifeNameEnd).constData());
 }
 
 bool FuzzChanges::applyNext()
@@ -123,9 +155,14 @@ bool FuzzChanges::applyNext()
         return false;
     }
     const FuzzBuffer &buffer = FuzzBuffer::instance();
-    const size_t position = (data[0] | unsigned(data[1]) << bitsOfByte) % buffer.size();
-    const size_t length = std::min({size_t(data[2]), left - headSize, buffer.size() - position});
-    std::memcpy(buffer.memory() + position, data + headSize, length);
+    const size_t all = buffer.size() + sizeof(LifeRecord);
+    const size_t position = (data[0] | unsigned(data[1]) << bitsOfByte) % all;
+    const bool inBuffer = position < buffer.size();
+    const size_t room = inBuffer ? buffer.size() - position : all - position;
+    const size_t length = std::min({size_t(data[2]), left - headSize, room});
+    char *life = reinterpret_cast<char *>(&buffer.life());
+    std::memcpy(inBuffer ? buffer.memory() + position : life + position - buffer.size(),
+                data + headSize, length);
     data += headSize + length;
     left -= headSize + length;
     return true;

@@ -3,7 +3,7 @@
 #ifndef FUZZBUFFER_H
 #define FUZZBUFFER_H
 
-#include "BufferLayout.h"
+#include "LifeRecord.h"
 #include "ProcessDataDescription.h"
 
 #include <QByteArray>
@@ -18,18 +18,26 @@ public:
     FuzzBuffer(const FuzzBuffer &) = delete;
     FuzzBuffer &operator=(const FuzzBuffer &) = delete;
 
-    /// Makes the file anew.
-    ///
-    /// @param soundHeader  keeps all of a right header but state and the locks' words
-    /// @param shortFile    ends the file with the input, where that is shorter than the buffer
-    /// @returns the number of bytes of the input that went into the file
-    size_t fill(const uint8_t *data, size_t size, bool soundHeader, bool shortFile);
+    /// What the bytes of an input are, and what the record of the publisher's life says.
+    enum Flag : uint8_t {
+        SoundHeader = 1, // only the lock's word of the header is the input's
+        ShortFile = 4, // the file ends where the input does
+        OwnRecord = 16, // the record is the input's, before the buffer; else it is a sound one
+        Dead = 32,
+        Retired = 64,
+    };
 
-    /// Lets the clean-up for publishers see the file, then removes it.
+    /// Makes the files anew.
+    ///
+    /// @returns the number of bytes of the input that went into them
+    size_t fill(const uint8_t *data, size_t size, uint8_t flags);
+
+    /// Lets the clean-up for publishers and the list for tools see the files, then removes them.
     void remove();
 
     BufferHeader &header() const { return *reinterpret_cast<BufferHeader *>(base); }
     char *memory() const { return base; }
+    LifeRecord &life() const { return *record; }
     size_t size() const { return bufferSize; }
     QString description() const { return text; }
     const QVector<LeafDescription> &leaves() const { return parsed.leaves; }
@@ -39,6 +47,8 @@ private:
     FuzzBuffer();
     ~FuzzBuffer();
     void repairHeader(const BufferHeader &input);
+    size_t fillRecord(const uint8_t *data, size_t size, uint8_t flags);
+    void *makeFile(const QByteArray &path, size_t size, int &file) const;
 
     ProcessDataDescription parsed;
     QByteArray prefix;
@@ -46,10 +56,11 @@ private:
     QString text;
     QStringList leafUrls;
     size_t bufferSize = 0;
-    char *base = nullptr; // this side's mapping; the platform makes its own
+    char *base = nullptr; // this side's mappings; the platform makes its own
+    LifeRecord *record = nullptr;
 };
 
-/// Changes to the buffer's bytes, read from what an input has left: position (2 bytes), length (1
+/// Changes to the bytes of buffer and record, which follow one another, read from what an input has left: position (2 bytes), length (1
 /// byte), content.
 class FuzzChanges
 {

@@ -16,8 +16,11 @@ find_package(Qt5 5.15 REQUIRED COMPONENTS DBus)
 
 add_selector_test(selector)
 add_selector_test(selector_watch)
+add_selector_test(selector_watch_presence)
 add_selector_test(selector_contract)
 add_selector_test(explain)
+add_selector_test(explain_agrees)
+add_selector_test(selector_input)
 add_selector_test(selector_doctor)
 target_link_libraries(integration_selector_doctor_test PRIVATE Qt5::DBus)
 add_selector_test(selector_doctor_clean)
@@ -32,6 +35,9 @@ add_selector_test(selector_golden)
 target_compile_definitions(integration_selector_golden_test PRIVATE
     GOLDEN="${CMAKE_CURRENT_SOURCE_DIR}/golden")
 add_selector_test(selector_script)
+add_selector_test(selector_values)
+add_selector_test(selector_output)
+target_include_directories(integration_selector_output_test PRIVATE ${PROJECT_SOURCE_DIR}/tests/platform)
 
 # Every example of the document, the man pages and the helps, run as written.
 add_test(NAME integration.cli_examples

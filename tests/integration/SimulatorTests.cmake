@@ -1,10 +1,8 @@
 # SPDX-License-Identifier: MIT
 # The simulator's scenarios and faults, set off over D-Bus.
 
-foreach(name simulator_faults simulator_lock simulator_scenario)
+foreach(name exactlimits simulator_faults simulator_lock simulator_scenario)
     add_integration_test(${name})
-    target_sources(integration_${name}_test
-        PRIVATE support/SimulatorProcess.cpp support/SimulatorProcess.h)
     target_link_libraries(integration_${name}_test PRIVATE Qt5::DBus)
     add_dependencies(integration_${name}_test process-data-simulator selector)
 endforeach()

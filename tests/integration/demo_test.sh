@@ -38,7 +38,7 @@ nothing_is_left() {
     local left
     left=$(marked_processes)
     left+=$(find "$TMPDIR" -mindepth 1)
-    left+=$(find /dev/shm -name "processdata.*" -newer "$work/start" \( -name '*.PumpStation_*' -o \
+    left+=$(find /dev/shm -name "processdata.*" -newer "$work/start" \( -name '*.PumpStation*_*' -o \
         -name '*.TankFarm_*' -o -name '*.HeatingPlant_*' \))
     [[ -z $left ]] || printf '%s\n' "$left"
     [[ -z $left ]]
@@ -74,4 +74,38 @@ status=0
 check "the shell ends well" test "$status" -eq 0
 check "a command in the shell reads a value" grep -q 'Pump station' "$work/shell"
 check "nothing is left after the shell" nothing_is_left
+check "and it says so" grep -q 'nothing is left behind' "$work/shell"
+
+# What is killed, changed or left running in the shell goes with it. The shell's parent is the demo.
+in_shell() {
+    status=0
+    "$demo" --shell --build-dir "$build_dir" >"$work/shell" 2>&1 || status=$?
+    cat "$work/shell"
+    check "the shell ends well" test "$status" -eq 0
+    check "nothing is left" nothing_is_left
+    check "it says so" grep -q 'nothing is left behind' "$work/shell"
+}
+in_shell <<'SHELL'
+kill -KILL $(pgrep -P $PPID -f process-data-simulator)
+SHELL
+check "it removed what the killed simulator left" grep -q 'removed 3 buffers that killed' "$work/shell"
+
+in_shell <<'SHELL'
+folder=$(dirname "$(tr '\0' '\n' <"/proc/$(pgrep -P $PPID -f process-data-simulator)/cmdline" | grep pump-station)")
+sed -i '/"name": "temperature"/,+1d' "$folder/pump-station.pdd"
+for _ in {1..400}; do
+    selector read -q processdata://PumpStation/Pump/1/drive/temperature >/dev/null 2>&1 || break
+done
+kill -KILL $(pgrep -P $PPID -f process-data-simulator)
+SHELL
+check "it removed the buffer that came with a change too" grep -q 'removed 3 buffers' "$work/shell"
+
+in_shell <<'SHELL'
+sed 's/PumpStation/PumpStation2/' "$(tr '\0' '\n' <"/proc/$(pgrep -P $PPID -f process-data-simulator)/cmdline" |
+    grep pump-station)" >"$DEMO_TEST/second.pdd"
+process-data-simulator "$DEMO_TEST/second.pdd" >"$DEMO_TEST/second" 2>&1 &
+disown
+timeout 20 grep -q -m 1 ready < <(tail --pid=$! -n +1 -f "$DEMO_TEST/second")
+SHELL
+check "it ended what the shell left running" grep -q 'ending what is still running: process-data-sim' "$work/shell"
 ((failures == 0))

@@ -7,7 +7,6 @@
 #include "Shortage.h"
 #include "SystemTest.h"
 
-#include <QDir>
 #include <QTest>
 
 #include <memory>
@@ -92,10 +91,7 @@ private Q_SLOTS:
 
 private:
     bool isPublished(PublisherProcess &publisher, SelectorHandlerProcessValue &handler, int value);
-    QStringList buffers() const
-    {
-        return QDir("/dev/shm").entryList({"*" + module + "*"}, QDir::AllEntries | QDir::System);
-    }
+    QStringList buffers() const { return buffersOf(module); }
 };
 
 // A value goes to the client and one comes back.

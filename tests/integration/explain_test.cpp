@@ -3,7 +3,6 @@
 #include "InstanceListClient.h"
 #include "SystemTest.h"
 
-#include <QDir>
 #include <QFile>
 #include <QJsonDocument>
 #include <QTest>
@@ -100,8 +99,7 @@ void ExplainTest::cleanup()
 
 QString ExplainTest::bufferFile() const
 {
-    const QStringList files
-        = QDir("/dev/shm").entryList({"*" + module + "*"}, QDir::Files | QDir::System);
+    const QStringList files = buffersOf(module);
     return files.size() == 1 ? "/dev/shm/" + files.first() : QString();
 }
 
@@ -295,7 +293,7 @@ void ExplainTest::aBufferOfAnotherOwnerIsDenied()
     buffer["ownerUid"] = double(::geteuid()) + 1;
     foreign["buffer"] = buffer;
     QVERIFY(serve(compact(foreign)));
-    COMPARE_OUTCOME(explain({url("speed")}), "permission", 5, "owner's user id");
+    COMPARE_OUTCOME(explain({url("speed")}), "permission", 5, "its owner is ");
 }
 
 void ExplainTest::anOverwrittenBufferFailsAtItsLayout()
@@ -303,7 +301,7 @@ void ExplainTest::anOverwrittenBufferFailsAtItsLayout()
     QFile file(bufferFile());
     QVERIFY(file.open(QIODevice::ReadWrite) && file.write("rubbish!") == 8);
     file.close();
-    COMPARE_OUTCOME(explain({url("speed")}), "layout", 1, "no process-data buffer");
+    COMPARE_OUTCOME(explain({url("speed")}), "layout", 1, "not a process-data buffer");
 }
 
 void ExplainTest::aDeadPublisherBehindALivingServiceFailsAtLiveness()

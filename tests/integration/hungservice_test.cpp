@@ -64,6 +64,9 @@ void HungServiceTest::aClientReturnsWithinTheTimeLimitAndSaysWhy()
         = QString("ModuleName: \"%1\" ObjectName: \"Controller\" InstanceName: \"1\"").arg(module);
     QVERIFY2(warnings.texts().at(0).startsWith("Read processDataDescription error. " + source),
              qPrintable(warnings.texts().at(0)));
+    QVERIFY2(warnings.texts().at(0).contains(
+                 ": no answer came in time (org.freedesktop.DBus.Error.NoReply)"),
+             qPrintable(warnings.texts().at(0)));
     QCOMPARE(handler.getValue(0).getErrorType(), ProcessDataDefinitions::NoValue);
 }
 

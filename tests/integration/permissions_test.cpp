@@ -2,10 +2,12 @@
 // Publishers, clients and strangers as different users under the installed bus policies.
 #include "BusTestMain.h"
 #include "Descriptions.h"
+#include "OtherUsersDeeds.h"
 #include "PolicedBus.h"
 #include "ProviderListClient.h"
 #include "PublisherProcess.h"
 #include "RequireRoot.h"
+#include "RudeCaller.h"
 #include "SelectorHandlerProcessValue.h"
 #include "SystemTest.h"
 
@@ -19,38 +21,6 @@ namespace {
 
 const QJsonObject pump = description({leaf("setpoint", "int32")});
 const QJsonObject meter = description({leaf("level", "int32", {{"readOnly", true}})});
-
-// What a shell command that the user gives comes to.
-struct Deed
-{
-    Deed(const QString &user, const QString &command)
-    {
-        const QString uid = user.section(':', 0, 0);
-        const QString gid = user.section(':', 1).section(',', 0, 0);
-        ChildProcess shell("setpriv",
-                           {"--reuid", uid, "--regid", gid, "--clear-groups", "sh", "-c", command});
-        done = shell.start() && shell.waitForEnd() && shell.exitCode() == 0;
-        errors = shell.errors();
-    }
-
-    bool done = false;
-    QByteArray errors;
-};
-
-struct Reading
-{
-    Reading(const char *user, const QString &url)
-    {
-        ChildProcess client(INTEGRATION_CLIENT, {user, url});
-        if (client.start() && client.waitForEnd()) {
-            line = client.output().trimmed();
-        }
-        errors = client.errors();
-    }
-
-    QByteArray line;
-    QByteArray errors;
-};
 
 } // namespace
 
@@ -67,6 +37,8 @@ private Q_SLOTS:
     void aBufferOfReadOnlyLeavesIsNotWritableForItsGroup();
     void aSquatterOnTheNamesOfBuffersKeepsNobodyOut();
     void aStrangerMayNotTakeAModulesName();
+    void noMessageLetsAnotherPublisherTakeALivingModulesName();
+    void aCallerThatReadsNothingIsFoundOutUnderTheInstalledPolicies();
     void aStrangersAnnouncementsAndRegistrationsAreNotTaken();
 
 private:
@@ -106,8 +78,7 @@ QByteArray PermissionsTest::publish(const QJsonObject &description, const QStrin
 
 QString PermissionsTest::bufferFile() const
 {
-    const QStringList files
-        = QDir("/dev/shm").entryList({"processdata." + module + "_*"}, QDir::Files);
+    const QStringList files = buffersOf("processdata." + module + '_');
     return files.size() == 1 ? "/dev/shm/" + files.at(0) : "not one: " + files.join(' ');
 }
 
@@ -131,7 +102,7 @@ void PermissionsTest::aReaderWithoutAccessIsToldWhichGroupToJoin()
 
     QCOMPARE(reading.line, QByteArray("3  refused"));
     QVERIFY2(reading.errors.contains("Permission denied; reading it takes membership in the group "
-                                     "with id 61101 (its mode is 660)"),
+                                     "61101 (its mode is 660)"),
              reading.errors);
 }
 
@@ -201,6 +172,49 @@ void PermissionsTest::aStrangerMayNotTakeAModulesName()
     VERIFY_COMMAND(publish(pump, "setpoint"));
     QCOMPARE(Reading(PolicedBus::client, selectorUrl(module, "setpoint")).line,
              QByteArray("0 8 written"));
+}
+
+void PermissionsTest::noMessageLetsAnotherPublisherTakeALivingModulesName()
+{
+    VERIFY_COMMAND(publish(pump, "setpoint"));
+    RudeCaller caller(bus->address());
+    const QByteArray service = "com.orvalis.ProcessData." + module.toUtf8();
+    const QByteArray path = "/" + QByteArray((32 << 20) - 4096, 'x');
+    const RudeCaller::Answer answer = caller.ask({service, path, "a.b", "Any", {}});
+    QCOMPARE(answer.error, QByteArray("org.freedesktop.DBus.Error.LimitsExceeded"));
+
+    PublisherProcess other({"--as", PolicedBus::publisher});
+    VERIFY_COMMAND(other.start());
+    const QByteArray refusal = other.create(module, "Controller", "1", pump);
+    QVERIFY2(refusal.contains("another process owns it"), refusal);
+    QCOMPARE(Reading(PolicedBus::client, selectorUrl(module, "setpoint")).line,
+             QByteArray("0 8 written"));
+}
+
+// It never answers whether it has read, so it gets one large answer, and the bus daemon keeps
+// reading what the publisher sends to others.
+void PermissionsTest::aCallerThatReadsNothingIsFoundOutUnderTheInstalledPolicies()
+{
+    QJsonObject large = description({leaf("setpoint", "int32")});
+    large.insert("remark", QString(9 << 20, 'x'));
+    VERIFY_COMMAND(publish(large, "setpoint"));
+    const RudeCaller::Call fetch{"com.orvalis.ProcessData." + module.toUtf8(),
+                                 "/com/orvalis/ProcessData/Controller",
+                                 "com.orvalis.ProcessDescription1",
+                                 "GetProcessDataDescription",
+                                 {"1", ""}};
+    constexpr int calls = 60;
+    RudeCaller rude(bus->address());
+    rude.stopReading();
+    rude.send(fetch, calls);
+
+    RudeCaller caller(bus->address());
+    for (int i = 0; i < 3; ++i) {
+        const RudeCaller::Answer answer = caller.ask(fetch);
+        QVERIFY2(answer.error.isEmpty() && answer.size > 9 << 20, answer.error);
+    }
+    rude.readAgain();
+    QCOMPARE(rude.takeAnswers(calls).size(), calls);
 }
 
 void PermissionsTest::aStrangersAnnouncementsAndRegistrationsAreNotTaken()

@@ -4,7 +4,6 @@
 #include "SelectorHandlerProcessValue.h"
 #include "SystemTest.h"
 
-#include <QDir>
 #include <QTest>
 
 class RestartTest : public SystemTest
@@ -43,11 +42,6 @@ bool end(PublisherProcess &publisher, bool killed)
     }
     publisher.process().kill();
     return true;
-}
-
-QStringList buffersOf(const QString &module)
-{
-    return QDir("/dev/shm").entryList({"*" + module + "*"}, QDir::Files | QDir::System);
 }
 
 } // namespace

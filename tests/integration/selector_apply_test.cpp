@@ -121,7 +121,7 @@ void SelectorApplyTest::wrongUsageIsNamed_data()
     QTest::newRow("a dry run that verifies")
         << QStringList{"--dry-run", "--verify"} << QStringList{"a 1"} << QByteArray("--dry-run");
     QTest::newRow("two lists") << QStringList{"other"} << QStringList{"a 1"}
-                               << QByteArray("One FILE is wanted.");
+                               << QByteArray("Expected one FILE.");
 }
 
 void SelectorApplyTest::wrongUsageIsNamed()

@@ -185,15 +185,15 @@ void SelectorCheckTest::wrongUsageIsNamed_data()
 {
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<QByteArray>("reason");
-    QTest::newRow("no list") << QStringList{"check"} << QByteArray("One FILE is wanted.");
+    QTest::newRow("no list") << QStringList{"check"} << QByteArray("Expected one FILE.");
     QTest::newRow("no such list") << QStringList{"check", "/nowhere/list"}
                                   << QByteArray("/nowhere/list: No such file or directory");
     QTest::newRow("no such snapshot") << QStringList{"diff", "/nowhere/a", "/nowhere/b"}
                                       << QByteArray("/nowhere/a: No such file or directory");
     QTest::newRow("one snapshot alone")
-        << QStringList{"diff", "a"} << QByteArray("Two snapshots are wanted.");
+        << QStringList{"diff", "a"} << QByteArray("Expected two snapshots.");
     QTest::newRow("no directory") << QStringList{"snapshot"}
-                                  << QByteArray("--output DIRECTORY is wanted.");
+                                  << QByteArray("Expected --output DIRECTORY.");
     QTest::newRow("a directory that cannot be")
         << QStringList{"snapshot", "-o", "/dev/null/x"}
         << QByteArray("/dev/null/x: the directory cannot be made");

@@ -12,6 +12,8 @@ private Q_SLOTS:
     void init();
     void eachLevelIsCompleted_data();
     void eachLevelIsCompleted();
+    void shellsOfferOnlyWhatIsAccepted_data();
+    void shellsOfferOnlyWhatIsAccepted();
     void shellsCompleteUrls_data();
     void shellsCompleteUrls();
     void withoutASystemNothingIsSaid_data();
@@ -45,6 +47,12 @@ void SelectorCompletionTest::eachLevelIsCompleted_data()
         "x=processdata://MODULE/Controller/1/drive/speed\n");
     url("no such module", "processdata://Nowhere/", "");
     url("no such instance", "processdata://MODULE/Controller/2/", "");
+    QTest::newRow("modules, as doctor takes them") << "module"
+                                                   << "MOD"
+                                                   << "";
+    QTest::newRow("all modules") << "module"
+                                 << ""
+                                 << "MODULE\n";
     QTest::newRow("places: instances") << "place"
                                        << "MODULE/Controller/"
                                        << "MODULE/Controller/1\n";
@@ -65,6 +73,61 @@ void SelectorCompletionTest::eachLevelIsCompleted()
     QVERIFY2(client.exitCode() == 0, client.report().constData());
     QCOMPARE(client.output(), filledIn(expected));
     QCOMPARE(client.errors(), QByteArray());
+}
+
+// What doctor would refuse, or a command that takes no more, is not offered.
+void SelectorCompletionTest::shellsOfferOnlyWhatIsAccepted_data()
+{
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<QString>("expected");
+    QTest::newRow("doctor takes modules") << "doctor MOD"
+                                          << "MODULE\n";
+    QTest::newRow("doctor takes no places") << "doctor MODULE/"
+                                            << "";
+    QTest::newRow("browse takes places") << "browse MODULE/"
+                                         << "MODULE/Controller/\n";
+    QTest::newRow("browse takes one place") << "browse MODULE/Controller/1 MOD"
+                                            << "";
+    QTest::newRow("explain takes one URL") << "explain processdata://MODULE/Controller/1/drive/on p"
+                                           << "";
+    QTest::newRow("write takes a value") << "write processdata://MODULE/Controller/1/drive/on p"
+                                         << "";
+    QTest::newRow("write takes a second URL")
+        << "write processdata://MODULE/Controller/1/drive/on 1 processdata://MODULE/"
+        << "processdata://MODULE/Controller/\n";
+    QTest::newRow("options are no arguments") << "explain --property unit processdata://MODULE/"
+                                              << "processdata://MODULE/Controller/\n";
+    QTest::newRow("read takes no labels") << "read x=processdata://MODULE/"
+                                          << "";
+    QTest::newRow("watch takes labels") << "watch x=processdata://MODULE/"
+                                        << "x=processdata://MODULE/Controller/\n";
+}
+
+void SelectorCompletionTest::shellsOfferOnlyWhatIsAccepted()
+{
+    QFETCH(QString, line);
+    QFETCH(QString, expected);
+    QTRY_VERIFY_WITH_TIMEOUT(isRegistered(module), 20000);
+    line.replace("MODULE", module).replace("MOD", module.left(2));
+    const QString program = "selector() { " SELECTOR " \"$@\"; };";
+    const QString bash = "source " COMPLETIONS
+                         "/selector.bash; compopt() { :; }; COMP_WORDBREAKS=' ';"
+        + program + "COMP_LINE='selector " + line + "'; COMP_POINT=${#COMP_LINE};"
+        + "COMP_WORDS=($COMP_LINE); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _selector;"
+          "for one in \"${COMPREPLY[@]}\"; do echo \"$one\"; done";
+    const QString zsh = program + "compadd() { print -l -- $names };" + "words=(selector " + line
+        + "); CURRENT=${#words}; PREFIX=${words[-1]};"
+        + "complete_it() { source " COMPLETIONS "/_selector }; complete_it | grep . || true";
+    const QString fish = "function selector; " SELECTOR " $argv; end;"
+                         "source " COMPLETIONS "/selector.fish; complete -C 'selector "
+        + line + "'";
+    const QVector<QStringList> shells{
+        {"bash", "-c", bash}, {"zsh", "-fc", zsh}, {"fish", "--no-config", "-c", fish}};
+    for (QStringList command : shells) {
+        ChildProcess shell(command.takeFirst(), command);
+        QVERIFY(shell.start() && shell.waitForEnd());
+        QVERIFY2(shell.output() == filledIn(expected) && shell.errors().isEmpty(), shell.report());
+    }
 }
 
 void SelectorCompletionTest::shellsCompleteUrls_data()
@@ -145,7 +208,8 @@ void SelectorCompletionTest::wrongUsageIsNamed()
     ChildProcess client(SELECTOR, {"complete", "everything"});
     QVERIFY(client.start() && client.waitForEnd());
     QCOMPARE(client.exitCode(), 2);
-    QVERIFY2(client.errors().contains("\"url\" or \"place\""), client.report().constData());
+    QVERIFY2(client.errors().contains("expected \"url\", \"place\" or \"module\""),
+             client.report().constData());
 }
 
 QTEST_GUILESS_MAIN(SelectorCompletionTest)

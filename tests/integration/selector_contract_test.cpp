@@ -3,7 +3,6 @@
 #include "SchemaCheck.h"
 #include "SelectorSystemTest.h"
 
-#include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QJsonDocument>
@@ -158,7 +157,7 @@ void SelectorContractTest::missingPermissionExitsWithFive()
 {
     QFETCH(const QStringList, arguments);
     QFETCH(const bool, readable);
-    const QStringList files = QDir("/dev/shm").entryList({"*" + module + "*"}, QDir::Files);
+    const QStringList files = buffersOf(module);
     QCOMPARE(files.size(), 1);
     QVERIFY(QFile::setPermissions("/dev/shm/" + files.first(),
                                   readable ? QFile::ReadOwner | QFile::ReadUser

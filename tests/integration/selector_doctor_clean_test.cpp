@@ -5,7 +5,6 @@
 #include "SchemaCheck.h"
 #include "SystemTest.h"
 
-#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
@@ -20,6 +19,8 @@ private Q_SLOTS:
     void withoutYesNothingIsRemoved();
     void leftoversAreRemovedAndLiveBuffersUntouched();
     void aStoppedPublisherKeepsItsBuffer();
+    void whatAWriterForgesIsNotBelieved();
+    void aBufferThatWasCutToNothingIsRemoved();
     void cleaningNeedsNoBus();
     void whatCannotBeProvedDeadIsKept();
     void theReportTellsEverythingButValues();
@@ -31,10 +32,7 @@ private Q_SLOTS:
     void tableAndCsvReadAsWritten();
 
 private:
-    QStringList buffers() const
-    {
-        return QDir("/dev/shm").entryList({"*" + module + "*"}, QDir::Files);
-    }
+    QStringList buffers() const { return buffersOf(module); }
     QString leftBehind();
     QStringList modules() const { return {module, module + "dead"}; }
 
@@ -129,6 +127,27 @@ void SelectorDoctorCleanTest::aStoppedPublisherKeepsItsBuffer()
     VERIFY_COMMAND(publisher->publish("speed", 7));
 }
 
+void SelectorDoctorCleanTest::whatAWriterForgesIsNotBelieved()
+{
+    QFile buffer("/dev/shm/" + buffers().value(0));
+    QVERIFY(buffer.open(QIODevice::ReadWrite));
+    constexpr int headerSize = 192;
+    QCOMPARE(buffer.write(QByteArray(headerSize, '\x40')), qint64(headerSize)); // dead, all of it
+    buffer.close();
+    COMPARE_DOCTOR(DoctorRun(SELECTOR, QStringList{"--clean", "--yes"} + modules()), 0,
+                   QStringList());
+    QCOMPARE(buffers().size(), 1);
+}
+
+void SelectorDoctorCleanTest::aBufferThatWasCutToNothingIsRemoved()
+{
+    const QString left = leftBehind();
+    QVERIFY(QFile::resize(left, 0));
+    COMPARE_DOCTOR(DoctorRun(SELECTOR, QStringList{"--clean", "--yes"} + modules()), 0,
+                   QStringList());
+    QCOMPARE(buffers().size(), 1);
+}
+
 void SelectorDoctorCleanTest::cleaningNeedsNoBus()
 {
     const QString left = leftBehind();
@@ -145,7 +164,7 @@ void SelectorDoctorCleanTest::whatCannotBeProvedDeadIsKept()
     QVERIFY(foreign.open(QIODevice::WriteOnly) && foreign.write("mine") == 4);
     foreign.close();
     const QString left = leftBehind();
-    QVERIFY(QFile::setPermissions(left, QFile::Permissions()));
+    QVERIFY(QFile::setPermissions(left + ".life", QFile::Permissions()));
     const DoctorRun run(SELECTOR, QStringList{"--clean", "--yes"} + modules(), powerless());
     COMPARE_DOCTOR(run, 5, QStringList{"warning buffers denied " + left});
     QCOMPARE(run.text("denied", "action"), QString("kept"));

@@ -112,10 +112,10 @@ QString SelectorGoldenTest::normalized(QString text) const
         {R"((session"?[ ,:]+)\d+)", "\\1SESSION"},
         {R"((?m)^\d{7,}$)", "SESSION"},
         {R"(("timestampNs":")\d{19})", "\\1NANOSECONDS"},
-        {R"(process \d+, user \d+)", "process PID, user UID"},
+        {R"(process \d+, user [\w-]+)", "process PID, user UID"},
         {R"( :1\.\d+)", " :1.N"},
         {R"((Controller_1\.|generation )\d+)", "\\1GENERATION"},
-        {R"(owner \d+, group \d+)", "owner UID, group GID"},
+        {R"(owner [\w-]+, group [\w-]+)", "owner UID, group GID"},
         {R"(selector \d+\.\d+\.\d+)", "selector VERSION"},
         {R"(Qt 5\.\d+\.\d+)", "Qt VERSION"},
     };

@@ -6,6 +6,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <csignal>
+
 class SelectorScriptTest : public SelectorSystemTest
 {
     Q_OBJECT
@@ -20,6 +22,8 @@ private Q_SLOTS:
     void aTerminalGetsColourUnlessNoColorIsSet();
     void interruptEndsEveryCommandThatWaits_data();
     void interruptEndsEveryCommandThatWaits();
+    void otherSignalsEndWhatWaitsAsShellsReportThem_data();
+    void otherSignalsEndWhatWaitsAsShellsReportThem();
     void anInterruptThatTheParentSwitchedOffStaysOff();
     void whatAnOptionDoesNotKnowIsWrongUsage_data();
     void whatAnOptionDoesNotKnowIsWrongUsage();
@@ -34,8 +38,8 @@ const QString speedUrl("processdata://MODULE/Controller/1/speed");
 const QString nameUrl("processdata://MODULE/Controller/1/name");
 const QString noneUrl("processdata://MODULE/Controller/1/none");
 
-// Whether a process has taken SIGINT into its own hands.
-bool catchesInterrupt(qint64 pid)
+// Whether a process has taken a signal into its own hands.
+bool catches(int signalNumber, qint64 pid)
 {
     QFile status(QString("/proc/%1/status").arg(pid));
     if (!status.open(QIODevice::ReadOnly)) {
@@ -43,7 +47,8 @@ bool catchesInterrupt(qint64 pid)
     }
     const QByteArray text = status.readAll();
     const int start = text.indexOf("SigCgt:\t") + 8;
-    return (text.mid(start, 16).toULongLong(nullptr, 16) & 2) != 0; // bit 1 is signal 2
+    const quint64 caught = text.mid(start, 16).toULongLong(nullptr, 16);
+    return (caught >> (signalNumber - 1) & 1) != 0; // bit 0 is signal 1
 }
 
 } // namespace
@@ -203,11 +208,31 @@ void SelectorScriptTest::interruptEndsEveryCommandThatWaits()
 
     ChildProcess client(SELECTOR, filledIn(arguments) + QStringList{"--timeout", "120"});
     QVERIFY(client.start());
-    QTRY_VERIFY_WITH_TIMEOUT(catchesInterrupt(client.pid()), 20000);
+    QTRY_VERIFY_WITH_TIMEOUT(catches(SIGINT, client.pid()), 20000);
     client.interrupt();
     QVERIFY(client.waitForEnd());
 
     QVERIFY2(client.exitCode() == 130, client.report());
+}
+
+void SelectorScriptTest::otherSignalsEndWhatWaitsAsShellsReportThem_data()
+{
+    QTest::addColumn<int>("signalNumber");
+    QTest::addColumn<int>("exitCode");
+    QTest::newRow("SIGTERM") << SIGTERM << 143;
+    QTest::newRow("SIGHUP") << SIGHUP << 129;
+}
+
+void SelectorScriptTest::otherSignalsEndWhatWaitsAsShellsReportThem()
+{
+    QFETCH(const int, signalNumber);
+    QFETCH(const int, exitCode);
+    ChildProcess client(SELECTOR, {"apply", "-", "--rollback"});
+    QVERIFY(client.start());
+    QTRY_VERIFY_WITH_TIMEOUT(catches(signalNumber, client.pid()), 20000);
+    QCOMPARE(::kill(static_cast<pid_t>(client.pid()), signalNumber), 0);
+    QVERIFY(client.waitForEnd());
+    QVERIFY2(client.exitCode() == exitCode, client.report());
 }
 
 void SelectorScriptTest::anInterruptThatTheParentSwitchedOffStaysOff()

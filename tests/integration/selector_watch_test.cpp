@@ -12,6 +12,7 @@ private Q_SLOTS:
     void init();
     void cleanup();
     void aConditionThatHoldsAlreadyEndsAtOnce();
+    void aConditionThatHoldsWithTheLastLineCounts();
     void aConditionIsWaitedFor();
     void aChangeIsWaitedFor();
     void theTimeLimitEndsWithItsOwnCode_data();
@@ -22,6 +23,7 @@ private Q_SLOTS:
     void anInterruptEndsCleanly();
     void aTerminationEndsWithTheStateOfTheSelectors();
     void aChartIsPrintedOnceWithoutATerminal();
+    void selectorsWithoutALineDoNotCountAtTheEnd();
 
 private:
     QStringList arguments(const QStringList &more) const
@@ -62,6 +64,14 @@ void SelectorWatchTest::aConditionThatHoldsAlreadyEndsAtOnce()
     QVERIFY2(client.exitCode() == 0, client.report().constData());
     QCOMPARE(client.output().count('\n'), 3);
     QCOMPARE(client.errors(), QByteArray());
+}
+
+void SelectorWatchTest::aConditionThatHoldsWithTheLastLineCounts()
+{
+    ChildProcess client(SELECTOR, arguments({"--until", "on==true", "--count", "2"}));
+    QVERIFY(client.start() && client.waitForEnd());
+
+    QVERIFY2(client.exitCode() == 0 && client.errors().isEmpty(), client.report());
 }
 
 void SelectorWatchTest::aConditionIsWaitedFor()
@@ -205,6 +215,13 @@ void SelectorWatchTest::aChartIsPrintedOnceWithoutATerminal()
     QCOMPARE(client.output().count("***\n"), 2);
     QCOMPARE(client.output().count('\n'), 20);
     QVERIFY2(!client.output().contains('\x1b'), client.report().constData());
+}
+
+void SelectorWatchTest::selectorsWithoutALineDoNotCountAtTheEnd()
+{
+    ChildProcess client(SELECTOR, arguments({"--count", "1"}));
+    QVERIFY(client.start() && client.waitForEnd());
+    QVERIFY2(client.exitCode() == 0 && client.errors().isEmpty(), client.report());
 }
 
 QTEST_GUILESS_MAIN(SelectorWatchTest)

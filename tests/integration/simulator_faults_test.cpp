@@ -7,7 +7,6 @@
 #include "WarningLog.h"
 
 #include <QDBusPendingCall>
-#include <QDir>
 #include <QFile>
 #include <QTest>
 #include <QtEndian>
@@ -69,10 +68,8 @@ const int endedBySignal = -1;
 
 QByteArray bufferOf(const QString &module)
 {
-    QDir sharedMemory("/dev/shm");
-    const QStringList names
-        = sharedMemory.entryList({"*" + module + "*"}, QDir::Files | QDir::System);
-    QFile file(sharedMemory.filePath(names.value(0)));
+    const QStringList names = buffersOf(module);
+    QFile file("/dev/shm/" + names.value(0));
     return names.size() == 1 && file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 

@@ -6,7 +6,6 @@
 #include "SimulatorProcess.h"
 #include "SystemTest.h"
 
-#include <QDir>
 #include <QFile>
 #include <QTest>
 
@@ -27,11 +26,9 @@ QJsonObject counter(const QString &name, const QJsonObject &more = {})
     return leaf(name, "uint32", properties);
 }
 
-QString bufferOf(const QString &module)
+QString onlyBufferOf(const QString &module)
 {
-    QDir sharedMemory("/dev/shm");
-    return sharedMemory.filePath(
-        sharedMemory.entryList({"*" + module + "*"}, QDir::Files | QDir::System).value(0));
+    return "/dev/shm/" + buffersOf(module).value(0);
 }
 
 uint valueOf(SelectorHandlerProcessValue &handler, int index)
@@ -49,7 +46,7 @@ void SimulatorLockTest::allValuesMoveAgainOnceTheLockIsFree()
                                         nullptr);
     QTRY_VERIFY_WITH_TIMEOUT(valueOf(handler, 0) > 0 && valueOf(handler, 1) > 0, 20000);
 
-    QFile file(bufferOf(module));
+    QFile file(onlyBufferOf(module));
     QVERIFY(file.open(QIODevice::ReadWrite));
     auto *const header = reinterpret_cast<BufferHeader *>(file.map(0, sizeof(BufferHeader)));
     QVERIFY(header != nullptr);

@@ -35,8 +35,7 @@ class HiddenBuffer
 {
 public:
     explicit HiddenBuffer(const QString &module)
-        : path(sharedMemory.filePath(
-            sharedMemory.entryList({"*" + module + "*"}, QDir::Files | QDir::System).value(0)))
+        : path(sharedMemory.filePath(buffersOf(module).value(0)))
         , hidden(sharedMemory.rename(path, path + ".hidden"))
     {
     }

@@ -2,9 +2,9 @@
 // Tools list the buffers in shared memory and remove only what is proved to be left over.
 #include "BufferFiles.h"
 #include "BufferChild.h"
-#include "BufferLayout.h"
 #include "BufferName.h"
 #include "BufferSource.h"
+#include "LifeRecord.h"
 #include "RequireRoot.h"
 
 #include <QFile>
@@ -68,9 +68,7 @@ private:
 
 void BufferFilesTest::cleanup()
 {
-    for (const QString &file : filesOf(module)) {
-        QFile::remove("/dev/shm/" + file);
-    }
+    removeFilesOf(module);
 }
 
 void BufferFilesTest::aLiveBufferIsListedAndNeverRemoved()
@@ -122,7 +120,7 @@ void BufferFilesTest::aRetiredBufferIsALeftover()
 {
     const BufferSource source({leafJson("level", "float64")}, module);
     const quint32 retired = BufferRetired;
-    QVERIFY(overwrite(source.file(), offsetof(BufferHeader, state),
+    QVERIFY(overwrite(source.life(), offsetof(LifeRecord, state),
                       QByteArray(reinterpret_cast<const char *>(&retired), sizeof(retired))));
     const BufferFile file = fileOf(module);
     QCOMPARE(file.state, BufferFile::Retired);
@@ -177,7 +175,7 @@ void BufferFilesTest::whatIsNoBufferIsToldAndKept_data()
     QTest::newRow("one byte short")
         << QByteArray(191, 'x') << "its 191 bytes are fewer than a buffer's header has";
     QTest::newRow("other content") << QByteArray(192, 'x') << "it does not begin like a buffer";
-    QTest::newRow("a named pipe") << QByteArray() << "it is no regular file";
+    QTest::newRow("a named pipe") << QByteArray() << "it is not a regular file";
 }
 
 void BufferFilesTest::whatIsNoBufferIsToldAndKept()
@@ -206,7 +204,9 @@ void BufferFilesTest::aBufferOfAnotherLayoutIsKept()
     BufferChild publisher({"publish", module});
     QVERIFY(!publisher.line().isEmpty());
     publisher.kill();
-    QVERIFY(overwrite(fileOf(module).path, offsetof(BufferHeader, layoutVersion), "\x07"));
+    const QString path = fileOf(module).path;
+    QVERIFY(overwrite(path, offsetof(BufferHeader, layoutVersion), "\x07"));
+    QVERIFY(QFile::remove(path + ".life"));
     const BufferFile file = fileOf(module);
     QCOMPARE(file.state, BufferFile::OtherLayout);
     QCOMPARE(file.layoutVersion, 7U);
@@ -224,7 +224,9 @@ void BufferFilesTest::aBufferThatMayNotBeReadOrRemovedIsTold()
     publisher.kill();
     BufferChild stranger({"remove-as", "65534", fileOf(module).path});
     QCOMPARE(stranger.line(), QString("unreadable not-removable kept"));
-    QVERIFY(QFile::setPermissions(fileOf(module).path, QFile::ReadOwner | QFile::ReadOther));
+    for (const QString &path : {fileOf(module).path, fileOf(module).path + ".life"}) {
+        QVERIFY(QFile::setPermissions(path, QFile::ReadOwner | QFile::ReadOther));
+    }
     BufferChild reader({"remove-as", "65534", fileOf(module).path});
     QCOMPARE(reader.line(), QString("dead not-removable denied"));
     QVERIFY(QFile::exists(fileOf(module).path));

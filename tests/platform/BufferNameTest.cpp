@@ -75,15 +75,16 @@ void BufferNameTest::aNameThatIsTooLongIsShortenedWithAHash()
     const QByteArray one = bufferNamePrefix("M", "O", common + '1');
     const QByteArray two = bufferNamePrefix("M", "O", common + '2');
     QVERIFY(one != two);
-    QCOMPARE(one.size() + QByteArray::number(maximumGeneration).size(), 255);
+    QCOMPARE(one.size() + QByteArray::number(maximumGeneration).size() + int(qstrlen(lifeNameEnd)),
+             255);
     QVERIFY(one.startsWith("processdata.M_O_xxx"));
     QVERIFY(one.contains('~'));
 
     // The longest name that needs no hash, and one byte more.
-    const QByteArray longest = bufferNamePrefix("M", "O", QString(226 - 4, 'x'));
-    QCOMPARE(longest.size() + 16, 255);
+    const QByteArray longest = bufferNamePrefix("M", "O", QString(221 - 4, 'x'));
+    QCOMPARE(longest.size() + 16 + int(qstrlen(lifeNameEnd)), 255);
     QVERIFY(!longest.contains('~'));
-    QVERIFY(bufferNamePrefix("M", "O", QString(226 - 3, 'x')).contains('~'));
+    QVERIFY(bufferNamePrefix("M", "O", QString(221 - 3, 'x')).contains('~'));
 }
 
 void BufferNameTest::aGenerationIsReadFromAFileOfTheSourceOnly_data()

@@ -9,6 +9,7 @@
 #include "PublishedBuffer.h"
 
 #include <QDir>
+#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -88,6 +89,9 @@ struct BufferSource
     /// Path of the buffer's file.
     QString file() const { return "/dev/shm" + description.buffer->name; }
 
+    /// Path of the record of its publisher's life.
+    QString life() const { return file() + ".life"; }
+
     QString url(const QString &leaf) const
     {
         return QString("processdata://%1/Tank/%2/%3")
@@ -126,11 +130,29 @@ inline ProcessValue readLeaf(const QSharedPointer<ProcessDataValue> &leaf)
     return value;
 }
 
-/// Files of a module in shared memory.
+/// Files of a module in shared memory. A record of a publisher's life counts only where its buffer
+/// is not there.
 inline QStringList filesOf(const QString &module)
 {
-    return QDir("/dev/shm")
-        .entryList({"processdata." + module + "_*"}, QDir::AllEntries | QDir::System);
+    const QStringList all
+        = QDir("/dev/shm")
+              .entryList({"processdata." + module + "_*"}, QDir::AllEntries | QDir::System);
+    QStringList files;
+    for (const QString &name : all) {
+        if (!name.endsWith(".life") || !all.contains(name.left(name.size() - 5))) {
+            files += name;
+        }
+    }
+    return files;
+}
+
+/// Removes them, with the records.
+inline void removeFilesOf(const QString &module)
+{
+    for (const QString &name : filesOf(module)) {
+        QFile::remove("/dev/shm/" + name);
+        QFile::remove("/dev/shm/" + name + ".life");
+    }
 }
 
 #endif

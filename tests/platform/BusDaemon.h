@@ -16,19 +16,28 @@ class BusDaemon
 public:
     BusDaemon()
     {
+        limitConnections(256);
+        qputenv("PROCESSDATA_BUS", address().toUtf8());
+        process.setProcessChannelMode(QProcess::SeparateChannels);
+    }
+
+    /// Lets each user have so many connections, once the daemon is started again.
+    void limitConnections(int count)
+    {
         QFile configuration(directory.filePath("bus.conf"));
         if (configuration.open(QIODevice::WriteOnly)) {
             configuration.write(
                 "<busconfig><type>session</type><listen>" + address().toUtf8()
                 + "</listen><auth>EXTERNAL</auth>"
+                  "<limit name=\"max_connections_per_user\">"
+                + QByteArray::number(count)
+                + "</limit>"
                   "<limit name=\"max_message_size\">134217728</limit>"
                   "<limit name=\"max_incoming_bytes\">1000000000</limit>"
                   "<limit name=\"max_outgoing_bytes\">1000000000</limit><policy context=\"default\">"
                   "<allow send_destination=\"*\"/><allow receive_sender=\"*\"/>"
                   "<allow own=\"*\"/></policy></busconfig>\n");
         }
-        qputenv("PROCESSDATA_BUS", address().toUtf8());
-        process.setProcessChannelMode(QProcess::SeparateChannels);
     }
 
     ~BusDaemon()

@@ -5,6 +5,7 @@
 // own NAME | unown NAME           takes or gives back a bus name
 // export PATH                     answers at a path
 // set INSTANCE TEXT | drop INSTANCE
+// once INSTANCE TEXT              answers one fetch with this instead; several wait in line
 // mode ok|number|two|large|silent|twice
 //                                 how fetches are answered
 // flush                           answers what was kept silent
@@ -120,7 +121,10 @@ private:
                 message.createErrorReply("com.orvalis.Error.UnknownInstance", "no such instance"));
         }
         const QString revision = QString::number(revisions.value(instance));
-        const QString text = QString(descriptions.value(instance)).replace('@', revision);
+        const QString served = answersInLine[instance].isEmpty()
+            ? descriptions.value(instance)
+            : answersInLine[instance].takeFirst();
+        const QString text = QString(served).replace('@', revision);
         if (mode == "twice") {
             connection.send(message.createReply(text));
             return connection.send(message.createReply(QString("the second answer")));
@@ -158,6 +162,8 @@ private:
     {
         if (verb == "set") {
             descriptions.insert(first, second);
+        } else if (verb == "once") {
+            answersInLine[first].append(second);
         } else if (verb == "drop") {
             descriptions.remove(first);
         } else if (verb == "mode") {
@@ -193,6 +199,7 @@ private:
 
     QDBusConnection connection;
     QMap<QString, QString> descriptions;
+    QMap<QString, QStringList> answersInLine;
     QList<QDBusMessage> kept;
     QString mode = "ok";
     bool ready = false;

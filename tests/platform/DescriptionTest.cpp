@@ -117,15 +117,15 @@ void DescriptionTest::aBrokenRuleIsNamedWithItsPlace_data()
     row("buffer name of wrong type", withBuffer("name", QJsonValue::Null),
         "buffer: \"name\" must be a string, but is null");
     row("buffer name without slash", withBuffer("name", "x"),
-        "buffer: \"x\" is no name of a shared-memory object");
+        "buffer: \"x\" is not the name of a shared-memory object");
     row("buffer name in a folder", withBuffer("name", "/../x"),
-        "buffer: \"/../x\" is no name of a shared-memory object");
+        "buffer: \"/../x\" is not the name of a shared-memory object");
     row("buffer name of a slash", withBuffer("name", "/"),
-        "buffer: \"/\" is no name of a shared-memory object");
+        "buffer: \"/\" is not the name of a shared-memory object");
     row("buffer name too long", withBuffer("name", "/" + QString(255, 'n')),
-        "buffer: \"/nnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnn\u2026\" is no name of a shared-memory object");
+        "buffer: \"/nnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnn\u2026\" is not the name of a shared-memory object");
     row("buffer name with a control character", withBuffer("name", "/a\n"),
-        "buffer: \"/a\n\" is no name of a shared-memory object");
+        "buffer: \"/a\n\" is not the name of a shared-memory object");
     row("generation zero", withBuffer("generation", 0),
         "buffer: \"generation\" must be a whole number from 1 to 9223372036854775807, but is 0");
     row("generation with a fraction", withBuffer("generation", 1.5),
@@ -136,6 +136,8 @@ void DescriptionTest::aBrokenRuleIsNamedWithItsPlace_data()
         "buffer: \"size\" must be a whole number, but is a string");
     row("owner too large", withBuffer("ownerUid", 4294967296.0),
         "buffer: \"ownerUid\" must be a whole number from 0 to 4294967295, but is 4294967296");
+    row("revision too large", withBuffer("revision", 4294967296.0),
+        "buffer: \"revision\" must be a whole number from 0 to 4294967295, but is 4294967296");
     row("no elements", without(good, "elements"),
         "description: \"elements\" must be an array, but is missing");
     row("element of wrong type", document({1}),

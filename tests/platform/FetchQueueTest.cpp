@@ -38,7 +38,7 @@ private:
         QDBusMessage call = QDBusMessage::createMethodCall(service, "/o", "i.i", "Get");
         call << instance << QString();
         const Fetch fetch
-            = Fetch::create(call, 1000, this, [this](const QDBusMessage &, bool late) {
+            = Fetch::create(call, 1000, this, [this](const DescriptionReply &, bool late) {
                   reports += late ? "missed" : "answered";
               });
         queue.add(fetch);
@@ -123,10 +123,10 @@ void FetchQueueTest::anAnswerIsReportedFromTheEventLoop()
 {
     reports.clear();
     const Fetch fetch = add("a", "1");
-    fetch->report(QDBusMessage(), false);
+    fetch->report(DescriptionReply(), false);
     QCOMPARE(reports, QStringList());
     QTRY_COMPARE(reports, QStringList({"answered"}));
-    add("a", "2")->report(QDBusMessage(), true);
+    add("a", "2")->report(DescriptionReply(), true);
     QTRY_COMPARE(reports, QStringList({"answered", "missed"}));
 }
 
@@ -135,8 +135,8 @@ void FetchQueueTest::anAbandonedFetchReportsNothing()
     reports.clear();
     const Fetch fetch = add("a", "1");
     fetch->abandon();
-    fetch->report(QDBusMessage(), true);
-    add("a", "2")->report(QDBusMessage(), false);
+    fetch->report(DescriptionReply(), true);
+    add("a", "2")->report(DescriptionReply(), false);
     QTRY_COMPARE(reports, QStringList({"answered"}));
 }
 

@@ -10,14 +10,14 @@
 
 namespace {
 
-// Happens at a reader's next look at the header, before the look succeeds.
+// Happens at a reader's next look at the record of its publisher, before the look succeeds.
 std::function<void()> atNextLook;
-void *header = nullptr;
+void *record = nullptr;
 size_t pageSize = 0;
 
 void onLook(int, siginfo_t *, void *)
 {
-    mprotect(header, pageSize, PROT_READ | PROT_WRITE);
+    mprotect(record, pageSize, PROT_READ);
     const auto deed = std::move(atNextLook);
     atNextLook = nullptr;
     if (!deed) {
@@ -89,14 +89,14 @@ void LastValueTest::withTheSourceLostComesItsLastValue()
     QVERIFY(value);
     QCOMPARE(readLeaf(value).getValue(), earlier);
     QCOMPARE(readLeaf(value).getErrorType(), ProcessDataDefinitions::NoError);
-    header = mappingOf(source.file()); // the client's; the publisher's was made before the name
-    QVERIFY(header != nullptr);
+    record = mappingOf(source.life()); // the client's; the publisher's was made before the name
+    QVERIFY(record != nullptr);
     bool published = false;
     atNextLook = [&] {
         published = source.publish(1, ProcessValue(last));
         source.buffer->retire();
     };
-    QCOMPARE(mprotect(header, pageSize, PROT_NONE), 0);
+    QCOMPARE(mprotect(record, pageSize, PROT_NONE), 0);
 
     const ProcessValue read = readLeaf(value);
 

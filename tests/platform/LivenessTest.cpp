@@ -2,6 +2,7 @@
 // How readers learn that a publisher is gone, and who holds the locks that tell.
 #include "BufferChild.h"
 #include "BufferSource.h"
+#include "LifeRecord.h"
 #include "LivenessKeeper.h"
 #include "SharedLock.h"
 #include "WarningList.h"
@@ -66,9 +67,7 @@ void LivenessTest::aKilledPublisherIsSeenByTheNextRead()
     QVERIFY(warnings.texts().at(0).startsWith(
         "processdata.memory: Leaf setpoint was not written: the publisher of buffer /processdata."
         + module));
-    for (const QString &file : filesOf(module)) {
-        QFile::remove("/dev/shm/" + file);
-    }
+    removeFilesOf(module);
 }
 
 void LivenessTest::aStoppedPublisherIsAlive()
@@ -108,9 +107,7 @@ void LivenessTest::aDeadPublishersBufferIsAttachedForItsLastValues()
     const ProcessValue value = readLeaf(client.leaf("processdata://" + module + "/Tank/1/level"));
     QCOMPARE(value.getValue(), QVariant(1.5));
     QCOMPARE(value.getErrorType(), ProcessDataDefinitions::SourceLost);
-    for (const QString &file : filesOf(module)) {
-        QFile::remove("/dev/shm/" + file);
-    }
+    removeFilesOf(module);
 }
 
 void LivenessTest::retirementIsSeenByTheNextRead()
@@ -122,12 +119,12 @@ void LivenessTest::retirementIsSeenByTheNextRead()
     const auto level = client.leaf(source.url("level"));
     QCOMPARE(readLeaf(level).getErrorType(), ProcessDataDefinitions::DeviceFault);
 
-    QFile file(source.file());
+    QFile file(source.life());
     QVERIFY(file.open(QIODevice::ReadOnly));
 
     source.buffer.reset();
 
-    QVERIFY(file.seek(offsetof(BufferHeader, state)));
+    QVERIFY(file.seek(offsetof(LifeRecord, state)));
     QCOMPARE(file.read(1), QByteArray(1, char(BufferRetired)));
     QCOMPARE(readLeaf(level).getErrorType(), ProcessDataDefinitions::SourceLost);
     QCOMPARE(readLeaf(level).getValue(), QVariant(2.5));
@@ -142,9 +139,9 @@ void LivenessTest::aRetiredBufferIsNotLiveAlthoughItsPublisherIs()
 {
     BufferSource source({leafJson("level", "float64")});
     const BufferClient client(source.text());
-    QFile file(source.file());
+    QFile file(source.life());
     QVERIFY(file.open(QIODevice::ReadWrite));
-    QVERIFY(file.seek(offsetof(BufferHeader, state)));
+    QVERIFY(file.seek(offsetof(LifeRecord, state)));
     const char retired = char(BufferRetired);
     QCOMPARE(file.write(&retired, 1), qint64(1));
     file.close();

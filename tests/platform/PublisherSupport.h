@@ -41,10 +41,16 @@ inline QJsonObject pumpDescription()
             {"name":"name","type":"string","capacity":20,"selectorType":"TextSelector"}]}])");
 }
 
-/// Names of the shared-memory objects that a module has left or in use.
+/// Names of the buffers that a module has left or in use, and of records that have no buffer.
 inline QStringList buffersOf(const QString &module)
 {
-    return QDir("/dev/shm").entryList({"processdata." + module + "_*"}, QDir::Files | QDir::System);
+    QStringList names
+        = QDir("/dev/shm").entryList({"processdata." + module + "_*"}, QDir::Files | QDir::System);
+    const QStringList all = names;
+    for (const QString &name : all) {
+        names.removeAll(name + ".life");
+    }
+    return names;
 }
 
 /// Fetches an instance's description and attaches to its buffer.

@@ -149,7 +149,7 @@ void TruncationTest::aBufferCutShortWhileThreadsReadCostsNobodyItsLife()
 void TruncationTest::anotherSourceIsReadOn()
 {
     LargeSource other;
-    LargeSource source; // mended first
+    LargeSource source; // fixed first
     const BufferClient client(source.text());
     const BufferClient otherClient(other.text());
     QVERIFY(source.cut(0));

@@ -96,6 +96,11 @@ void ValueCodecTest::aValueComesBackAsItsTypeTellsIt_data()
     row("string", ValueType::String, QString::fromUtf8("äöü°"), QString::fromUtf8("äöü°"));
     row("empty string", ValueType::String, "", "");
     row("string with a zero", ValueType::String, QString(QChar(0)) + "x", QString(QChar(0)) + "x");
+    const QString mark{QChar(QChar::ByteOrderMark)};
+    row("string that begins with a byte-order mark", ValueType::String, mark + "x", mark + "x");
+    row("string of two", ValueType::String, mark + mark, mark + mark);
+    row("string of bytes that begin with one", ValueType::String, QByteArray("\xef\xbb\xbfx"),
+        mark + "x");
     row("string of a number", ValueType::String, 42, "42");
     row("bytes", ValueType::Bytes, QByteArray("\0\xff", 2), QByteArray("\0\xff", 2));
     row("bytes of text", ValueType::Bytes, QString::fromUtf8("°"), QByteArray("\xc2\xb0"));

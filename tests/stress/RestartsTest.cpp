@@ -9,7 +9,6 @@
 #include "WarningLog.h"
 
 #include <QCoreApplication>
-#include <QDir>
 #include <QLoggingCategory>
 #include <QScopedPointer>
 #include <QTest>
@@ -50,11 +49,6 @@ QJsonObject pump(int round = 0)
     }
     elements += leaf("name", "string", {{"capacity", 32}});
     return description(elements);
-}
-
-QStringList buffersOf(const QString &module)
-{
-    return QDir("/dev/shm").entryList({"*" + module + "*"}, QDir::Files | QDir::System);
 }
 
 const char *const changed = SIGNAL(processDataDescriptionChanged(QVector<int>));

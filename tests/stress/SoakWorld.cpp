@@ -6,8 +6,6 @@
 #include "DBusReply.h"
 #include "Descriptions.h"
 
-#include <QDir>
-
 #include <stdexcept>
 
 namespace {
@@ -148,7 +146,7 @@ QStringList SoakWorld::leafNames(int number) const
 
 QStringList SoakWorld::buffers() const
 {
-    return QDir("/dev/shm").entryList({"*" + prefix + "*"}, QDir::Files | QDir::System);
+    return buffersOf(prefix);
 }
 
 qint64 SoakWorld::valueOf(qint64 publication, int source, const QString &leaf)

@@ -194,6 +194,11 @@ private Q_SLOTS:
                                                                "b")
                                                  << QString(QStringLiteral("a\uFFFDb"));
         QTest::newRow("text that is no JSON") << QByteArray("}{ ,") << "}{ ,";
+        static const char noZeroBehind[] = {'{', '}', 'X', '\0'};
+        QTest::newRow("no zero byte behind its end")
+            << QByteArray::fromRawData(noZeroBehind, 2) << "{}";
+        QTest::newRow("a zero byte, but none behind its end")
+            << QByteArray::fromRawData(noZeroBehind, 4) << "{}X";
     }
 
     void theTextIsUtf8UpToTheFirstZeroByte()

@@ -66,6 +66,27 @@ private Q_SLOTS:
         QVERIFY(platform.calls({"DBusProcessDescriptionConnector"}).isEmpty());
     }
 
+    void theNamesOfASourceAreAskedForInTheOrderInWhichTheyFormItsKey()
+    {
+        UnlikePlatform platform;
+        platform.source("m", "o", "i").leaf("leaf", 1);
+
+        const SelectorHandlerProcessValue handler({"scripted://m/o/i/leaf"}, nullptr);
+
+        QStringList names;
+        const QStringList calls = platform.calls({"SelectorUrlHandler"});
+        for (const QString &call : calls) {
+            const QString name = call.section("::", -1);
+            if (name == "getModuleName()" || name == "getObjectName()" || name == "getInstance()") {
+                names.append(name);
+            }
+        }
+        // Once for the key, once for the source that is new.
+        QCOMPARE(names,
+                 (QStringList{"getModuleName()", "getObjectName()", "getInstance()",
+                              "getModuleName()", "getObjectName()", "getInstance()"}));
+    }
+
     void warningsGiveTheClientsTextOfAnInvalidUrlAndTheWholeUrlOfAForeignOne()
     {
         UnlikePlatform platform;

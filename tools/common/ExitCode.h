@@ -3,7 +3,7 @@
 #ifndef EXITCODE_H
 #define EXITCODE_H
 
-/// What a tool tells the script that ran it. The numbers are documented and never change.
+/// What a tool reports to the script that ran it. The numbers are documented and never change.
 enum ExitCode {
     ExitAllGood = 0,
     ExitSomeFailed = 1, ///< the tool ran, but not all that was asked for succeeded

@@ -41,9 +41,23 @@ QVariant fromUnsigned(int bits, qulonglong number)
     return bits == 64 ? QVariant(number) : QVariant(static_cast<uint>(number));
 }
 
+// The nearest float; infinite when none is near. Out of a float's range the language leaves a cast
+// undefined.
+float nearestFloat(double number)
+{
+    constexpr double pastRounding = 3.4028235677973366e38; // halfway from the largest to 2^128
+    constexpr float largest = std::numeric_limits<float>::max();
+    if (std::abs(number) > static_cast<double>(largest)) {
+        const float magnitude
+            = std::abs(number) < pastRounding ? largest : std::numeric_limits<float>::infinity();
+        return number < 0 ? -magnitude : magnitude;
+    }
+    return static_cast<float>(number);
+}
+
 QVariant fromFloat(int bits, double number)
 {
-    return bits == 32 ? QVariant(static_cast<float>(number)) : QVariant(number);
+    return bits == 32 ? QVariant(nearestFloat(number)) : QVariant(number);
 }
 
 QString rangeError(const LeafType &type)
@@ -81,7 +95,7 @@ bool looksLikeInteger(const QString &text)
 bool integerFromText(const LeafType &type, const QString &text, QVariant &value, QString &error)
 {
     if (!looksLikeInteger(text)) {
-        error = QStringLiteral("is no integer, as %1 needs").arg(type.name);
+        error = QStringLiteral("is not an integer, as %1 needs").arg(type.name);
         return false;
     }
     const QString digits = text.startsWith(QLatin1Char('+')) ? text.mid(1) : text;
@@ -106,20 +120,43 @@ bool integerFromText(const LeafType &type, const QString &text, QVariant &value,
     return false;
 }
 
-bool floatFromText(const LeafType &type, const QString &text, QVariant &value, QString &error)
+// As reading prints it, too, which Qt does not read.
+std::optional<double> realFromText(const QString &text)
 {
+    static const QLatin1String infinity("infinity");
+    const bool isSigned = text.startsWith(QLatin1Char('-')) || text.startsWith(QLatin1Char('+'));
+    if (text.midRef(isSigned ? 1 : 0).compare(infinity, Qt::CaseInsensitive) == 0) {
+        constexpr double infinite = std::numeric_limits<double>::infinity();
+        return text.startsWith(QLatin1Char('-')) ? -infinite : infinite;
+    }
     bool ok = false;
     const double number = text.toDouble(&ok);
-    if (!ok) {
-        error = QStringLiteral("is no number, as %1 needs").arg(type.name);
+    return ok ? std::make_optional(number) : std::nullopt;
+}
+
+bool floatFromText(const LeafType &type, const QString &text, QVariant &value, QString &error)
+{
+    const auto real = realFromText(text);
+    if (!real) {
+        error = QStringLiteral("is not a number, as %1 needs").arg(type.name);
         return false;
     }
-    if (std::isfinite(number) && std::abs(number) > type.highest()) {
+    const double number = *real;
+    if (std::isfinite(number) && type.bits == 32 && std::isinf(nearestFloat(number))) {
         error = QStringLiteral("does not fit into %1").arg(type.name);
         return false;
     }
     value = fromFloat(type.bits, number);
     return true;
+}
+
+// What valueToJson writes as text, because a JSON number would not keep it.
+bool isExactJsonText(const LeafType &type, const QString &text)
+{
+    static const QStringList reals{QStringLiteral("NaN"), QStringLiteral("Infinity"),
+                                   QStringLiteral("-Infinity"), QStringLiteral("-0")};
+    constexpr int digitsOfDoubles = 16;
+    return type.kind == LeafType::Float ? reals.contains(text) : text.size() >= digitsOfDoubles;
 }
 
 bool boolFromText(const QString &text, QVariant &value, QString &error)
@@ -217,6 +254,9 @@ bool valueFromJson(const LeafType &type, const QJsonValue &json, QVariant &value
     if (textual && json.isString()) {
         return valueFromText(type, json.toString(), value, error);
     }
+    if (type.isNumber() && json.isString() && isExactJsonText(type, json.toString())) {
+        return valueFromText(type, json.toString(), value, error);
+    }
     if (type.kind == LeafType::Bool && json.isBool()) {
         value = json.toBool();
         return true;
@@ -247,33 +287,4 @@ QVariant valueFromNumber(const LeafType &type, double number)
     default:
         return fromFloat(type.bits, held);
     }
-}
-
-bool checkLimits(const LeafType &type, const QJsonObject &properties, const QVariant &value,
-                 QString &error)
-{
-    if (!type.isNumber()) {
-        const int size = type.kind == LeafType::Bytes ? value.toByteArray().size()
-                                                      : value.toString().toUtf8().size();
-        const QJsonValue capacity = properties.value(QLatin1String("capacity"));
-        if (type.kind != LeafType::Bool && capacity.isDouble() && size > capacity.toDouble()) {
-            error = QStringLiteral("has %1 bytes, more than the capacity %2")
-                        .arg(size)
-                        .arg(capacity.toVariant().toString());
-            return false;
-        }
-        return true;
-    }
-    const double number = value.toDouble();
-    const QJsonValue minimum = properties.value(QLatin1String("minimum"));
-    const QJsonValue maximum = properties.value(QLatin1String("maximum"));
-    if (minimum.isDouble() && number < minimum.toDouble()) {
-        error = QStringLiteral("is below the minimum %1").arg(minimum.toVariant().toString());
-        return false;
-    }
-    if (maximum.isDouble() && number > maximum.toDouble()) {
-        error = QStringLiteral("is above the maximum %1").arg(maximum.toVariant().toString());
-        return false;
-    }
-    return true;
 }

@@ -2,6 +2,8 @@
 // The message handler of the tools.
 #include "MessageLog.h"
 
+#include "PrintableText.h"
+
 #include <QMutex>
 
 #include <cstdio>
@@ -49,8 +51,9 @@ void handleMessage(QtMsgType type, const QMessageLogContext &context, const QStr
         }
     }
     if (own || type == QtFatalMsg || log.level == MessageLog::AllMessages) {
-        const QString line = QStringLiteral("%1: %2%3\n")
-                                 .arg(log.program, message, own ? QString() : place(context));
+        const QString line
+            = QStringLiteral("%1: %2%3\n")
+                  .arg(log.program, printable(message), own ? QString() : place(context));
         static_cast<void>(std::fputs(line.toLocal8Bit().constData(), stderr));
     }
 }

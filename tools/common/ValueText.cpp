@@ -26,6 +26,11 @@ QString floatText(float number)
     return QString::number(static_cast<double>(number), 'g', 9);
 }
 
+bool isNegativeZero(double number)
+{
+    return number == 0 && std::signbit(number);
+}
+
 QString numberText(const QVariant &value)
 {
     const double number = value.toDouble();
@@ -34,6 +39,9 @@ QString numberText(const QVariant &value)
     }
     if (std::isinf(number)) {
         return number > 0 ? QStringLiteral("Infinity") : QStringLiteral("-Infinity");
+    }
+    if (isNegativeZero(number)) {
+        return QStringLiteral("-0"); // Qt would drop the sign
     }
     if (static_cast<QMetaType::Type>(value.type()) == QMetaType::Float) {
         return floatText(value.toFloat());
@@ -92,7 +100,8 @@ QJsonValue valueToJson(const QVariant &value)
     case QMetaType::Float:
     case QMetaType::Double: {
         const QString text = valueToText(value);
-        return std::isfinite(value.toDouble()) ? QJsonValue(text.toDouble()) : QJsonValue(text);
+        const bool isHeld = std::isfinite(value.toDouble()) && !isNegativeZero(value.toDouble());
+        return isHeld ? QJsonValue(text.toDouble()) : QJsonValue(text);
     }
     default:
         return valueToText(value);

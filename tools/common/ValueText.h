@@ -15,8 +15,8 @@ QString valueToText(const QVariant &value);
 QString valueToShortText(const QVariant &value);
 
 /// JSON of a value: booleans, numbers, strings; bytes as a string as above. Integers beyond
-/// ±9007199254740991, which many readers round, and numbers that JSON lacks (NaN, Infinity,
-/// -Infinity) are strings. null for an invalid value.
+/// ±9007199254740991, which many readers round, numbers that JSON lacks (NaN, Infinity, -Infinity)
+/// and -0, whose sign many readers drop, are strings. null for an invalid value.
 QJsonValue valueToJson(const QVariant &value);
 
 /// Name of an error type ("NoError", …) by its number; "ErrorType7" for one without a name.

@@ -3,6 +3,7 @@
 #include "ApplyPlan.h"
 #include "Command.h"
 #include "ExitCode.h"
+#include "InterruptExit.h"
 #include "LiveLeaves.h"
 #include "SelectorUrlHandler.h"
 
@@ -28,7 +29,7 @@ bool readValues(const QString &file, QVector<ListLine> &lines, QString &error)
 int run(const CommandLine &line, const Console &console, QString &usage)
 {
     if (line.arguments.size() != 1) {
-        usage = QStringLiteral("One FILE is wanted.");
+        usage = QStringLiteral("Expected one FILE.");
         return ExitUsage;
     }
     if (line.dryRun && (line.verify || line.rollback)) {
@@ -55,6 +56,8 @@ int run(const CommandLine &line, const Console &console, QString &usage)
         item.before = before.at(i);
         items.append(item);
     }
+    // The values of a file: all, none, or as many as the report says.
+    const InterruptHold hold;
     apply(items, {line.dryRun, line.verify, line.rollback}, leaves.handler());
     Report report{QStringLiteral("selector.apply/1"), applyColumns(), {}};
     for (const ApplyItem &item : qAsConst(items)) {

@@ -186,7 +186,6 @@ void apply(QVector<ApplyItem> &items, const ApplyOptions &options,
     if (options.dryRun) {
         return;
     }
-    const InterruptHold hold; // the values of a file: all, none, or as many as are told
     writeAll(items, handler);
     if (options.verify && !hasFailed(items)) {
         verifyAll(items, handler);

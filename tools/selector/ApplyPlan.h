@@ -39,7 +39,8 @@ struct ApplyOptions
 
 /// Nothing is written unless the whole list is right; the first write that fails ends the writing.
 /// With verify each written leaf is read back once all are written. With rollback a failure sets
-/// back what was written, last first.
+/// back what was written, last first. A signal that an InterruptHold of the caller keeps back fails
+/// the next write.
 ///
 /// @param handler  has the URLs of the items, in their order
 void apply(QVector<ApplyItem> &items, const ApplyOptions &options,

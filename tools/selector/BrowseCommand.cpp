@@ -5,13 +5,12 @@
 #include "DescriptionLeaves.h"
 #include "Diagnosis.h"
 #include "Entries.h"
+#include "ExactJson.h"
 #include "ExitCode.h"
 #include "InstanceListClient.h"
 #include "ModuleEntries.h"
 #include "SelectorSharedMemoryHandler.h"
 #include "SelectorUrlBuilder.h"
-
-#include <QJsonDocument>
 
 #include <utility>
 
@@ -115,13 +114,13 @@ int browseLeaves(const BrowsePlace &place, const Console &console)
     QSharedPointer<SelectorSharedMemoryHandler> source;
     const Finding finding
         = Diagnosis::explainSource(place.module, place.object, place.instance, source);
-    // A description whose memory cannot be attached still tells the leaves.
+    // A description whose memory cannot be attached still names the leaves.
     const QVariant description = source->getProcessDescription();
     if (!description.isValid()) {
         report.entries.append(failure(name, finding, report.columns.size()));
         return printReport(report, console);
     }
-    const QJsonObject document = QJsonDocument::fromJson(description.toString().toUtf8()).object();
+    const QJsonObject document = exactObject(description.toString().toUtf8());
     const QVector<DescribedLeaf> leaves = leavesBelow(document, place.group);
     for (const DescribedLeaf &leaf : leaves) {
         report.entries.append(

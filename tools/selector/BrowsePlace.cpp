@@ -31,7 +31,7 @@ bool parseBrowsePlace(const QString &text, BrowsePlace &place, QString &error)
     }
     for (int i = 0; i < parts.size(); ++i) {
         if (parts.at(i).isEmpty() && i != firstGroup - 1) {
-            error = QStringLiteral("\"%1\" has an empty part; MODULE/OBJECT/INSTANCE is wanted")
+            error = QStringLiteral("\"%1\" has an empty part; expected MODULE/OBJECT/INSTANCE")
                         .arg(text);
             return false;
         }

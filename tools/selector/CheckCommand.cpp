@@ -37,7 +37,7 @@ Entry checkEntry(const CheckedLine &checked)
 int run(const CommandLine &line, const Console &console, QString &usage)
 {
     if (line.arguments.size() != 1) {
-        usage = QStringLiteral("One FILE is wanted.");
+        usage = QStringLiteral("Expected one FILE.");
         return ExitUsage;
     }
     QVector<ListLine> lines;

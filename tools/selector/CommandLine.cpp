@@ -11,7 +11,7 @@ constexpr int longestInterval = 3600000; // milliseconds
 constexpr double longestTimeout = 86400; // seconds
 constexpr int millisecondsPerSecond = 1000;
 
-// A value such as -5 is no option, though the parser would take it for one.
+// A value such as -5 is not an option, though the parser would take it for one.
 const QChar numberMark(0xE000);
 
 QStringList withMarkedNumbers(const QStringList &arguments)
@@ -20,7 +20,9 @@ QStringList withMarkedNumbers(const QStringList &arguments)
                                            QRegularExpression::CaseInsensitiveOption);
     QStringList result;
     for (const QString &argument : arguments) {
-        result.append(number.match(argument).hasMatch() ? numberMark + argument : argument);
+        // A text that begins with the mark gets a second one, so that it keeps its own.
+        const bool needsMark = number.match(argument).hasMatch() || argument.startsWith(numberMark);
+        result.append(needsMark ? numberMark + argument : argument);
     }
     return result;
 }
@@ -51,6 +53,7 @@ public:
         add(options, OptionVerify, verify);
         add(options, OptionRollback, rollback);
         add(options, OptionQuiet, quiet);
+        add(options, OptionEscapes, escapes);
         for (const QCommandLineOption &option : {clean, yes, report, withValues}) {
             add(options, OptionDoctor, option);
         }
@@ -66,6 +69,7 @@ public:
         line.verbose = isSet(verbose);
         line.noLegend = isSet(noLegend);
         line.quiet = isSet(quiet);
+        line.escapes = isSet(escapes);
         line.hasType = isSet(type);
         line.hasUntil = isSet(until);
         line.until = value(until);
@@ -140,7 +144,7 @@ private:
         return true;
     }
 
-    // A script that fills in an empty variable shall hear of it.
+    // A script that fills in an empty variable should hear of it.
     bool checkNames(QString &error) const
     {
         for (const QCommandLineOption &option : {file, property, against, output, report}) {
@@ -213,6 +217,7 @@ private:
     const QCommandLineOption verify{QStringLiteral("verify")};
     const QCommandLineOption rollback{QStringLiteral("rollback")};
     const QCommandLineOption quiet{{QStringLiteral("q"), QStringLiteral("quiet")}};
+    const QCommandLineOption escapes{{QStringLiteral("e"), QStringLiteral("escapes")}};
     const QCommandLineOption noLegend{QStringLiteral("no-legend")};
     const QCommandLineOption clean{QStringLiteral("clean")};
     const QCommandLineOption yes{QStringLiteral("yes")};

@@ -26,6 +26,7 @@ enum CommandOption {
     OptionRollback = 8192, ///< --rollback
     OptionDoctor = 16384, ///< --clean, --yes, --report, --with-values
     OptionQuiet = 32768, ///< -q, --quiet
+    OptionEscapes = 65536, ///< -e, --escapes
 };
 
 /// What the user asked for.
@@ -57,6 +58,7 @@ struct CommandLine
     bool yes = false;
     bool withValues = false;
     bool quiet = false;
+    bool escapes = false;
     bool noLegend = false;
     bool verbose = false;
     bool help = false;

@@ -10,6 +10,7 @@
 #include "SelectorSharedMemoryHandler.h"
 
 #include <QJsonDocument>
+#include <QRegularExpression>
 
 namespace {
 
@@ -74,16 +75,20 @@ int run(const CommandLine &line, const Console &console, QString &usage)
 {
     const QString kind = line.arguments.value(0);
     const bool isUrl = kind == QLatin1String("url");
-    if ((!isUrl && kind != QLatin1String("place")) || line.arguments.size() > 2) {
-        usage = QStringLiteral("\"url\" or \"place\" and one word are wanted.");
+    const bool isModule = kind == QLatin1String("module");
+    if ((!isUrl && !isModule && kind != QLatin1String("place")) || line.arguments.size() > 2) {
+        usage = QStringLiteral("expected \"url\", \"place\" or \"module\", and one word");
         return ExitUsage;
     }
     if (line.timeout == 0) {
         qputenv("PROCESSDATA_DBUS_TIMEOUT_MS", patience);
     }
-    const QStringList words = candidates(typedPlace(line.arguments.value(1), isUrl), isUrl);
-    for (const QString &word : words) {
-        console.out << word << '\n';
+    const QString word = line.arguments.value(1);
+    const QStringList words = isModule
+        ? modules().filter(QRegularExpression(QLatin1Char('^') + QRegularExpression::escape(word)))
+        : candidates(typedPlace(word, isUrl), isUrl);
+    for (const QString &found : words) {
+        console.out << found << '\n';
     }
     console.out.flush();
     return ExitAllGood;
@@ -96,11 +101,11 @@ Command completeCommand()
     return {
         QStringLiteral("complete"), QStringLiteral("print what may follow a word, for shells"),
         QStringLiteral(
-            "Usage: selector complete url|place [WORD]\n"
+            "Usage: selector complete url|place|module [WORD]\n"
             "Prints, one a line, the words that go on from WORD by one name: modules, objects,\n"
-            "instances, groups and leaves of the running system; for a URL, or for a place as\n"
-            "browse takes it. Prints nothing, and no reason, when the system does not answer. The\n"
-            "completions for bash, zsh and fish use it.\n"
+            "instances, groups and leaves of the running system; for a URL, for a place as browse\n"
+            "takes it, or for the name of a module as doctor takes it. Prints nothing, and no\n"
+            "reason, when the system does not answer. The completions for bash, zsh and fish use it.\n"
             "\n"
             "Options:\n"
             "  --timeout S      seconds that one call to a service may take (0.5)\n")

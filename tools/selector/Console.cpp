@@ -4,18 +4,33 @@
 
 #include "ExitCode.h"
 
+#include <QIODevice>
+
 #include <unistd.h>
 
 int printReport(const Report &report, const Console &console)
 {
     console.out << render(report, console.style);
-    console.out.flush();
+    if (!flushResults(console)) {
+        return report.exitCode(); // why, is said once, at the end
+    }
     for (const Entry &entry : report.entries) {
         if (entry.state == Entry::Failed || entry.state == Entry::Doubtful) {
             printReason(entry.subject, entry.reason, console);
         }
     }
     return report.exitCode();
+}
+
+bool flushResults(const Console &console)
+{
+    console.out.flush();
+    return console.out.status() == QTextStream::Ok;
+}
+
+QString lostResultsReason(const Console &console)
+{
+    return QStringLiteral("standard output: %1").arg(console.out.device()->errorString());
 }
 
 void printReason(const QString &subject, const QString &reason, const Console &console)

@@ -21,6 +21,14 @@ struct Console
 /// @returns the exit code that the report earns
 int printReport(const Report &report, const Console &console);
 
+/// Writes out what is printed so far.
+///
+/// @returns false when some of it, or of what was printed before, could not be written
+bool flushResults(const Console &console);
+
+/// The system's reason, after flushResults() has failed.
+QString lostResultsReason(const Console &console);
+
 /// Prints one reason on standard error.
 void printReason(const QString &subject, const QString &reason, const Console &console);
 

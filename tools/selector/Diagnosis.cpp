@@ -8,12 +8,28 @@
 #include "MessageLog.h"
 #include "SelectorSharedMemoryHandler.h"
 #include "SelectorUrlHandler.h"
+#include "ServiceOwnerClient.h"
 
 namespace {
 
 QString place(const QString &module, const QString &object, const QString &instance)
 {
     return QStringLiteral("%1/%2/%3").arg(module, object, instance);
+}
+
+// A client whose time is up does not learn of a service that runs, and takes it for missing.
+Finding explainMissingService(const QString &module)
+{
+    ServiceOwner owner;
+    QString error;
+    const BusQueryResult result = fetchServiceOwner(module, owner, error);
+    if (result == BusQueryResult::ServiceMissing) {
+        return {Finding::ServiceMissing,
+                QStringLiteral("the service of module %1 is not running").arg(module)};
+    }
+    return Diagnosis::explainQuery(
+        result == BusQueryResult::Ok ? BusQueryResult::TimedOut : result,
+        QStringLiteral("the service of module %1 gives no answer").arg(module));
 }
 
 Finding explainMissingDescription(const QString &module, const QString &object,
@@ -54,7 +70,7 @@ Finding explainFailedAttach(const QString &module, const QString &object, const 
     return {buffer.end == BufferInspection::Permission ? Finding::Denied : Finding::NotReadable,
             QStringLiteral("cannot attach to %1: %2")
                 .arg(place(module, object, instance),
-                     buffer.problem.isEmpty() ? QStringLiteral("its memory came up only now")
+                     buffer.problem.isEmpty() ? QStringLiteral("its memory has only just appeared")
                                               : buffer.problem)};
 }
 
@@ -120,8 +136,7 @@ Finding Diagnosis::explainSource(const QString &module, const QString &object,
     handler.reset(new SelectorSharedMemoryHandler(place(module, object, instance), module, object,
                                                   instance, nullptr));
     if (!handler->isDBusInterfaceValid()) {
-        return {Finding::ServiceMissing,
-                QStringLiteral("the service of module %1 is not running").arg(module)};
+        return explainMissingService(module);
     }
     if (handler->attachToProcessBuffer()) {
         return {};

@@ -90,7 +90,7 @@ Entry diffEntry(const Pair &pair, const QVector<LeafDifference> &differences)
 int run(const CommandLine &line, const Console &console, QString &usage)
 {
     if (line.arguments.size() != 2) {
-        usage = QStringLiteral("Two snapshots are wanted.");
+        usage = QStringLiteral("Expected two snapshots.");
         return ExitUsage;
     }
     Snapshot before;

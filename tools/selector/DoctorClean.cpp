@@ -89,7 +89,8 @@ QVector<DoctorFinding> cleanLeftovers(const QStringList &only, bool really)
                 file.path,
                 DoctorFinding::Warning,
                 {},
-                QStringLiteral("whether its publisher lives cannot be told: %1").arg(file.problem),
+                QStringLiteral("it cannot be determined whether its publisher lives: %1")
+                    .arg(file.problem),
                 {},
                 {},
                 ExitSomeFailed};

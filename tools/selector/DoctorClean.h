@@ -11,7 +11,7 @@
 /// lock in the buffer itself.
 ///
 /// @param only    modules to look at; empty: all
-/// @param really  remove; otherwise only tell
+/// @param really  remove; otherwise only report
 QVector<DoctorFinding> cleanLeftovers(const QStringList &only, bool really);
 
 #endif

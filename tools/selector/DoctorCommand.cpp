@@ -3,11 +3,10 @@
 #include "Command.h"
 #include "DoctorClean.h"
 #include "DoctorReport.h"
-#include "InterruptExit.h"
+#include "OutputFile.h"
 #include "SystemChecks.h"
 
 #include <QJsonDocument>
-#include <QSaveFile>
 
 #include <algorithm>
 
@@ -24,7 +23,7 @@ bool checkUsage(const CommandLine &line, QString &usage)
     }
     for (const QString &module : line.arguments) {
         if (module.isEmpty() || module.contains(QLatin1Char('/'))) {
-            usage = QStringLiteral("\"%1\" is no name of a module.").arg(module);
+            usage = QStringLiteral("\"%1\" is not the name of a module.").arg(module);
         }
     }
     return usage.isEmpty();
@@ -47,8 +46,6 @@ DoctorFinding versions()
 DoctorFinding writeReport(const QString &name, const QJsonObject &report)
 {
     const QByteArray text = QJsonDocument(report).toJson();
-    const InterruptHold hold; // its temporary file would stay
-    QSaveFile file(name);
     DoctorFinding finding{QStringLiteral("report"),
                           name,
                           DoctorFinding::Good,
@@ -57,11 +54,13 @@ DoctorFinding writeReport(const QString &name, const QJsonObject &report)
                           {},
                           {},
                           ExitAllGood};
-    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size() || !file.commit()) {
+    QString problem;
+    if (!writeWholeFile(name, text, problem)) {
         finding.severity = DoctorFinding::Error;
         finding.code = QStringLiteral("notWritten");
-        finding.text = file.errorString();
-        finding.advice = QStringLiteral("name a file in a folder that may be written");
+        finding.text = problem;
+        finding.advice
+            = QStringLiteral("name a file in a folder that may be written and has space left");
         finding.failure = ExitSomeFailed;
     }
     return finding;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Everything that a person who mends a fault wants to know, in one file.
+// Everything that a person who fixes a fault wants to know, in one file.
 #include "DoctorReport.h"
 
 #include "DescriptionLeaves.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Everything that a person who mends a fault wants to know, in one file.
+// Everything that a person who fixes a fault wants to know, in one file.
 #ifndef DOCTORREPORT_H
 #define DOCTORREPORT_H
 
@@ -8,7 +8,7 @@
 
 #include <QJsonObject>
 
-/// @param withValues  also current values; without, nothing in it tells what the system measured
+/// @param withValues  also current values; without, nothing in it says what the system measured
 /// Threads: one; reads all values when they are wanted.
 QJsonObject doctorReport(const SystemState &state, const QVector<DoctorFinding> &findings,
                          bool withValues);

@@ -37,9 +37,16 @@ void copyText(const QJsonObject &from, const char *key, QJsonObject &to)
     }
 }
 
-QString propertyText(const QVariant &value)
+// Single values as they are written everywhere, with all digits.
+QJsonValue propertyJson(const QVariant &value)
 {
     const QJsonValue json = QJsonValue::fromVariant(value);
+    return json.isArray() || json.isObject() ? json : valueToJson(value);
+}
+
+QString propertyText(const QVariant &value)
+{
+    const QJsonValue json = propertyJson(value);
     if (json.isArray() || json.isObject()) {
         const QJsonDocument document
             = json.isArray() ? QJsonDocument(json.toArray()) : QJsonDocument(json.toObject());
@@ -185,7 +192,7 @@ Entry propertiesEntry(const PropertiesResult &result)
     QStringList missing;
     for (const auto &property : result.properties) {
         if (property.second.isValid()) {
-            properties.insert(property.first, QJsonValue::fromVariant(property.second));
+            properties.insert(property.first, propertyJson(property.second));
             entry.rows.append(
                 {result.url, property.first, propertyText(property.second), QString()});
         } else {

@@ -69,7 +69,7 @@ int run(const CommandLine &line, const Console &console, QString &usage)
 Command explainCommand()
 {
     return {
-        QStringLiteral("explain"), QStringLiteral("tell why a selector does or does not work"),
+        QStringLiteral("explain"), QStringLiteral("say why a selector does or does not work"),
         QStringLiteral(
             "Usage: selector explain [OPTIONS] URL\n"
             "Walks the way of the selector step by step: text, scheme, module, bus, service owner,\n"

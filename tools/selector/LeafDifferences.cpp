@@ -8,6 +8,8 @@
 #include <QJsonDocument>
 #include <QStringList>
 
+#include <optional>
+
 namespace {
 
 QString shown(const QJsonValue &value)
@@ -26,17 +28,49 @@ QString shown(const QJsonValue &value)
     }
 }
 
+// In full: as a number that JSON would round, which is a string of its digits, or another.
+std::optional<qlonglong> wholeSigned(const QJsonValue &value)
+{
+    bool ok = false;
+    const qlonglong number = value.toVariant().toString().toLongLong(&ok);
+    return ok ? std::make_optional(number) : std::nullopt;
+}
+
+std::optional<qulonglong> wholeUnsigned(const QJsonValue &value)
+{
+    bool ok = false;
+    const qulonglong number = value.toVariant().toString().toULongLong(&ok);
+    return ok ? std::make_optional(number) : std::nullopt;
+}
+
+bool isNumber(const QJsonValue &value)
+{
+    bool ok = false;
+    value.toVariant().toDouble(&ok);
+    return ok && (value.isDouble() || value.isString());
+}
+
+template <typename Number> bool narrows(const QString &name, Number before, Number after)
+{
+    return name == QLatin1String("minimum") ? after > before : after < before;
+}
+
 // No limit takes more than any limit.
 bool takesLess(const QString &name, const QJsonValue &before, const QJsonValue &after)
 {
     if (after.isUndefined()) {
         return false;
     }
-    if (before.isUndefined() || !before.isDouble() || !after.isDouble()) {
+    if (wholeSigned(before) && wholeSigned(after)) {
+        return narrows(name, *wholeSigned(before), *wholeSigned(after));
+    }
+    if (wholeUnsigned(before) && wholeUnsigned(after)) {
+        return narrows(name, *wholeUnsigned(before), *wholeUnsigned(after));
+    }
+    if (!isNumber(before) || !isNumber(after)) {
         return true;
     }
-    return name == QLatin1String("minimum") ? after.toDouble() > before.toDouble()
-                                            : after.toDouble() < before.toDouble();
+    return narrows(name, before.toVariant().toDouble(), after.toVariant().toDouble());
 }
 
 bool breaks(const QString &name, const QJsonValue &before, const QJsonValue &after)

@@ -4,7 +4,6 @@
 
 #include "InputFile.h"
 
-#include <QFile>
 #include <QRegularExpression>
 
 QVector<ListLine> readListLines(QTextStream &stream)
@@ -12,7 +11,7 @@ QVector<ListLine> readListLines(QTextStream &stream)
     static const QRegularExpression blanks(QStringLiteral("\\s+"));
     QVector<ListLine> lines;
     for (int number = 1; !stream.atEnd(); ++number) {
-        const QString text = stream.readLine().trimmed();
+        const QString text = withoutBlanks(stream.readLine());
         if (text.isEmpty() || text.startsWith(QLatin1Char('#'))) {
             continue;
         }
@@ -29,12 +28,11 @@ QVector<ListLine> readListLines(QTextStream &stream)
 
 bool readListFile(const QString &name, QVector<ListLine> &lines, QString &error)
 {
-    QFile file;
-    if (!openInput(name, file, error)) {
+    QString text;
+    if (!readTextFile(name, text, error)) {
         return false;
     }
-    QTextStream stream(&file);
-    stream.setCodec("UTF-8");
+    QTextStream stream(&text);
     lines = readListLines(stream);
     if (lines.isEmpty()) {
         error = QStringLiteral("%1: no selector in it").arg(name);

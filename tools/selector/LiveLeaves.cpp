@@ -2,7 +2,7 @@
 // Looks leaves up in the running system.
 #include "LiveLeaves.h"
 
-#include <QJsonDocument>
+#include "ExactJson.h"
 
 namespace {
 
@@ -25,14 +25,14 @@ LiveLeaves::LiveLeaves(const QVector<ListLine> &lines)
 
 FoundLeaf LiveLeaves::find(int position, const QString &url)
 {
-    const QJsonDocument document
-        = QJsonDocument::fromJson(values.getPropertyAsJsonString(position).toUtf8());
-    if (!document.object().isEmpty()) {
-        return {{}, document.object()};
+    const QJsonObject properties = exactObject(values.getPropertyAsJsonString(position).toUtf8());
+    if (!properties.isEmpty()) {
+        return {{}, properties};
     }
     const Finding finding = diagnosis.explain(url);
     if (finding.code != Finding::None) {
         return {finding, {}};
     }
-    return {{Finding::NotReadable, QStringLiteral("the leaf came up only now, try again")}, {}};
+    return {{Finding::NotReadable, QStringLiteral("the leaf has only just appeared, try again")},
+            {}};
 }

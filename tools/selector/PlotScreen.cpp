@@ -2,6 +2,8 @@
 // Draws charts over themselves.
 #include "PlotScreen.h"
 
+#include "PlotFrame.h"
+
 #include <QVector>
 
 #include <algorithm>
@@ -12,8 +14,6 @@
 namespace {
 
 constexpr int usualWidth = 80;
-constexpr int usualPanel = 10; // lines
-constexpr int smallestPanel = 3;
 
 struct Size
 {
@@ -56,8 +56,8 @@ PlotScreen::PlotScreen(const QVector<WatchTarget> &targets, const Console &conso
     : console(console)
     , abilities(abilities)
 {
-    for (const WatchTarget &target : targets) {
-        panels.append(PlotPanel(target.name));
+    for (const QString &title : plotTitles(targets)) {
+        panels.append(PlotPanel(title));
     }
 }
 
@@ -65,14 +65,7 @@ QStringList PlotScreen::frame() const
 {
     const Size size = terminalSize();
     // One line less than the terminal has: writing the last one would scroll.
-    const int height = size.height == 0
-        ? usualPanel
-        : std::clamp((size.height - 1) / std::max(1, panels.size()), smallestPanel, usualPanel * 2);
-    QStringList lines;
-    for (const PlotPanel &panel : panels) {
-        lines += panel.render(size.width, height, abilities.dots);
-    }
-    return size.height == 0 ? lines : QStringList(lines.mid(0, size.height - 1));
+    return plotFrame(panels, size.width, std::max(0, size.height - 1), abilities.dots);
 }
 
 void PlotScreen::draw()

@@ -3,11 +3,11 @@
 #include "Command.h"
 #include "Diagnosis.h"
 #include "Entries.h"
+#include "ExactJson.h"
 #include "ExitCode.h"
 #include "SelectorHandlerProcessValue.h"
 #include "SelectorList.h"
 
-#include <QJsonDocument>
 #include <QMap>
 
 namespace {
@@ -42,13 +42,12 @@ int run(const CommandLine &line, const Console &console, QString &usage)
     Report report{QStringLiteral("selector.properties/1"), propertiesColumns(), {}, valueColumn};
     for (int i = 0; i < urls.size(); ++i) {
         PropertiesResult result{urls.at(i), {}, {}};
-        const QJsonObject all
-            = QJsonDocument::fromJson(handler.getPropertyAsJsonString(i).toUtf8()).object();
+        const QJsonObject all = exactObject(handler.getPropertyAsJsonString(i).toUtf8());
         if (all.isEmpty()) {
             result.finding = diagnosis.explain(result.url);
             if (result.finding.code == Finding::None) {
                 result.finding = {Finding::NotReadable,
-                                  QStringLiteral("the leaf came up only now, try again")};
+                                  QStringLiteral("the leaf has only just appeared, try again")};
             }
         } else if (line.properties.isEmpty()) {
             result.properties = allProperties(all);

@@ -2,10 +2,13 @@
 // Renders reports.
 #include "Report.h"
 
+#include "EscapedText.h"
+
 #include <QJsonArray>
 #include <QJsonDocument>
 
 #include <algorithm>
+#include <numeric>
 
 namespace {
 
@@ -106,7 +109,9 @@ QString renderQuiet(const Report &report)
         }
         const int count = report.quietNames ? 1 : entry.rows.size();
         for (int i = 0; i < count; ++i) {
-            text += renderQuietLine(entry.rows.at(i).at(report.quietColumn)) + QLatin1Char('\n');
+            const Cell &cell = entry.rows.at(i).at(report.quietColumn);
+            text += (report.quietNames ? printable(cell.machineText) : renderQuietLine(cell))
+                + QLatin1Char('\n');
         }
     }
     return text;
@@ -146,16 +151,22 @@ QString renderJson(const Report &report, bool pretty)
 
 } // namespace
 
+ExitCode Entry::exitCode() const
+{
+    return state == Failed || state == Doubtful ? failure : ExitAllGood;
+}
+
 ExitCode Report::exitCode() const
 {
-    const auto fails = [this](ExitCode code) {
-        return std::any_of(entries.begin(), entries.end(), [code](const Entry &entry) {
-            return (entry.state == Entry::Failed || entry.state == Entry::Doubtful)
-                && entry.failure == code;
-        });
-    };
+    return std::accumulate(
+        entries.begin(), entries.end(), ExitAllGood,
+        [](ExitCode code, const Entry &entry) { return graver(code, entry.exitCode()); });
+}
+
+ExitCode graver(ExitCode one, ExitCode other)
+{
     for (const ExitCode code : {ExitTimeLimit, ExitDenied, ExitSomeFailed}) {
-        if (fails(code)) {
+        if (one == code || other == code) {
             return code;
         }
     }
@@ -208,22 +219,5 @@ QString renderCsvLine(const QStringList &fields)
 
 QString renderQuietLine(const Cell &cell)
 {
-    return printable(cell.machineText);
-}
-
-QString printable(const QString &text)
-{
-    QString result;
-    for (const QChar c : text) {
-        if (c == QLatin1Char('\n')) {
-            result += QLatin1String("\\n");
-        } else if (c == QLatin1Char('\t')) {
-            result += QLatin1String("\\t");
-        } else if (c.category() == QChar::Other_Control) {
-            result += QStringLiteral("\\x%1").arg(c.unicode(), 2, 16, QLatin1Char('0'));
-        } else {
-            result += c;
-        }
-    }
-    return result;
+    return escapedText(cell.machineText);
 }

@@ -4,6 +4,7 @@
 #define REPORT_H
 
 #include "ExitCode.h"
+#include "PrintableText.h"
 
 #include <QJsonObject>
 #include <QString>
@@ -58,6 +59,9 @@ struct Entry
     ExitCode failure = ExitSomeFailed; ///< what it means for a script when it is not good
     QJsonObject json;
     QVector<Row> rows;
+
+    /// What it means for a script.
+    ExitCode exitCode() const;
 };
 
 struct Report
@@ -71,6 +75,9 @@ struct Report
     /// ExitAllGood; or the gravest of its entries: ExitTimeLimit, ExitDenied, ExitSomeFailed.
     ExitCode exitCode() const;
 };
+
+/// Of two codes the one that decides: ExitTimeLimit, ExitDenied, ExitSomeFailed, ExitAllGood.
+ExitCode graver(ExitCode one, ExitCode other);
 
 struct Style
 {
@@ -94,10 +101,7 @@ QString renderTableHeader(const QVector<Column> &columns, const QVector<int> &wi
 /// One line of CSV without its end.
 QString renderCsvLine(const QStringList &fields);
 
-/// What --quiet leaves of a cell, without the end of its line.
+/// What --quiet leaves of a cell, without the end of its line: its exact text, with escapes.
 QString renderQuietLine(const Cell &cell);
-
-/// Text without control characters, which could steer a terminal: they become \n, \t, \x1b …
-QString printable(const QString &text);
 
 #endif

@@ -2,9 +2,9 @@
 // Reads lists of selectors.
 #include "SelectorList.h"
 
+#include "EscapedText.h"
 #include "InputFile.h"
 
-#include <QFile>
 #include <QRegularExpression>
 
 bool readSelectorLines(QTextStream &stream, bool withValues, QVector<SelectorInput> &selectors,
@@ -13,7 +13,7 @@ bool readSelectorLines(QTextStream &stream, bool withValues, QVector<SelectorInp
     static const QRegularExpression blanks(QStringLiteral("\\s+"));
     int number = 0;
     while (!stream.atEnd()) {
-        const QString line = stream.readLine().trimmed();
+        const QString line = withoutBlanks(stream.readLine());
         ++number;
         if (line.isEmpty() || line.startsWith(QLatin1Char('#'))) {
             continue;
@@ -37,17 +37,29 @@ namespace {
 bool readSelectorFile(const QString &name, bool withValues, QVector<SelectorInput> &selectors,
                       QString &error)
 {
-    QFile file;
-    if (!openInput(name, file, error)) {
+    QString text;
+    if (!readTextFile(name, text, error)) {
         return false;
     }
-    QTextStream stream(&file);
-    stream.setCodec("UTF-8");
+    QTextStream stream(&text);
     QString problem;
     if (!readSelectorLines(stream, withValues, selectors, problem)) {
         error = QStringLiteral("%1: %2").arg(
             isStandardInput(name) ? QStringLiteral("standard input") : name, problem);
         return false;
+    }
+    return true;
+}
+
+bool readEscapes(QVector<SelectorInput> &selectors, QString &error)
+{
+    for (SelectorInput &selector : selectors) {
+        QString problem;
+        if (!textFromEscapes(selector.value, selector.value, problem)) {
+            error = QStringLiteral("The value \"%1\" of %2 %3.")
+                        .arg(selector.value, selector.url, problem);
+            return false;
+        }
     }
     return true;
 }
@@ -66,6 +78,9 @@ bool collectSelectors(const CommandLine &line, bool withValues, QVector<Selector
         selectors.append({line.arguments.at(i), withValues ? line.arguments.at(i + 1) : QString()});
     }
     if (!line.file.isEmpty() && !readSelectorFile(line.file, withValues, selectors, error)) {
+        return false;
+    }
+    if (line.escapes && !readEscapes(selectors, error)) {
         return false;
     }
     if (selectors.isEmpty()) {

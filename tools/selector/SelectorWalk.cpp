@@ -3,8 +3,11 @@
 #include "SelectorWalk.h"
 
 #include "ConfigurationAndProcessDataDefinitions.h"
+#include "Counted.h"
 #include "InstanceListClient.h"
 #include "ServiceOwnerClient.h"
+#include "SourceInspection.h"
+#include "UserNames.h"
 
 namespace {
 
@@ -157,9 +160,9 @@ bool SelectorWalk::checkBus()
         return failQuery(result, error);
     }
     const QString choice = qEnvironmentVariable("PROCESSDATA_BUS");
-    return ok(QStringLiteral("%1, %2 modules on it")
-                  .arg(choice.isEmpty() ? QStringLiteral("system") : choice)
-                  .arg(services.modules.size()));
+    return ok(QStringLiteral("%1, %2 on it")
+                  .arg(choice.isEmpty() ? QStringLiteral("system") : choice,
+                       counted(services.modules.size(), "module", "modules")));
 }
 
 bool SelectorWalk::checkOwner()
@@ -182,7 +185,7 @@ bool SelectorWalk::checkOwner()
     return ok(QStringLiteral("%1 is %2, process %3, user %4")
                   .arg(owner.service, owner.connection)
                   .arg(owner.processId)
-                  .arg(owner.userId));
+                  .arg(UserNames::ofUser(owner.userId)));
 }
 
 bool SelectorWalk::checkObject()
@@ -214,16 +217,19 @@ bool SelectorWalk::checkObject()
 bool SelectorWalk::checkDescription()
 {
     QString error;
+    SourceInspection found;
     const BusQueryResult result
-        = fetchDescription(parts.moduleName, parts.objectName, parts.instance, description, error);
+        = inspectSource(parts.moduleName, parts.objectName, parts.instance, found, error);
     if (result != BusQueryResult::Ok) {
         return failQuery(result, error);
     }
-    buffer = inspectBuffer(description);
+    description = found.description;
+    buffer = found.buffer;
     if (buffer.end == BufferInspection::Description) {
         return fail(buffer.problem,
-                    QStringLiteral("the service serves what clients refuse: mend its description"));
+                    QStringLiteral("the service serves what clients refuse: fix its description"));
     }
-    return ok(
-        QStringLiteral("%1 leaves, generation %2").arg(buffer.leafCount).arg(buffer.generation));
+    return ok(QStringLiteral("%1, generation %2")
+                  .arg(counted(buffer.leafCount, "leaf", "leaves"))
+                  .arg(buffer.generation));
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Walks the way of one selector from its text to its value, and tells what it finds.
+// Walks the way of one selector from its text to its value, and reports what it finds.
 #ifndef SELECTORWALK_H
 #define SELECTORWALK_H
 
@@ -9,9 +9,12 @@
 #include "SelectorUrlParser.h"
 
 #include <QJsonObject>
+#include <QSharedPointer>
 #include <QString>
 #include <QStringList>
 #include <QVector>
+
+class SelectorHandlerProcessValue;
 
 /// One step of the way.
 struct WalkStep
@@ -63,6 +66,7 @@ private:
     bool fail(const QString &finding, const QString &advice, ExitCode exitCode = ExitSomeFailed);
     bool failQuery(BusQueryResult result, const QString &error);
     QString source() const;
+    QSharedPointer<SelectorHandlerProcessValue> client() const;
 
     const QString url;
     const QStringList wantedProperties;

@@ -90,7 +90,7 @@ bool SelectorWalk::checkLayout()
 {
     if (buffer.end == BufferInspection::Layout) {
         return fail(buffer.problem,
-                    QStringLiteral("buffer and description are of different makes: try again, and "
+                    QStringLiteral("buffer and description do not belong together: try again, and "
                                    "restart the service %1 if it stays")
                         .arg(service));
     }
@@ -124,12 +124,36 @@ bool SelectorWalk::checkLeaf()
     return ok(parts.path);
 }
 
+// While a publisher replaces its buffer a client may come too late for the old one.
+QSharedPointer<SelectorHandlerProcessValue> SelectorWalk::client() const
+{
+    constexpr int attempts = 3;
+    QSharedPointer<SelectorHandlerProcessValue> handler;
+    for (int i = 0; i < attempts; ++i) {
+        // The text without its query: a deactivated selector has no value at any client.
+        handler.reset(
+            new SelectorHandlerProcessValue({url.section(QLatin1Char('?'), 0, 0)}, nullptr));
+        const auto errorType = handler->getValue(0).getErrorType();
+        if (errorType != ProcessDataDefinitions::NoValue
+            && errorType != ProcessDataDefinitions::SourceLost) {
+            break;
+        }
+    }
+    return handler;
+}
+
 bool SelectorWalk::checkProperty()
 {
-    for (const QString &name : wantedProperties) {
-        if (!leaf.contains(name)) {
-            return fail(QStringLiteral("the leaf has no property \"%1\"").arg(name),
-                        QStringLiteral("it has: %1").arg(leaf.keys().join(QLatin1String(", "))));
+    if (!wantedProperties.isEmpty()) {
+        // Not the description's keys: clients know properties that are in none.
+        const auto handler = client();
+        const QString text = handler->getPropertyAsJsonString(0);
+        const QStringList known = QJsonDocument::fromJson(text.toUtf8()).object().keys();
+        for (const QString &name : wantedProperties) {
+            if (!handler->getProperties(name).constFirst().isValid()) {
+                return fail(QStringLiteral("the leaf has no property \"%1\"").arg(name),
+                            QStringLiteral("it has: %1").arg(known.join(QLatin1String(", "))));
+            }
         }
     }
     return ok(leafSummary(leaf));
@@ -137,15 +161,12 @@ bool SelectorWalk::checkProperty()
 
 bool SelectorWalk::checkValue()
 {
-    // The text without its query: a deactivated selector has no value at any client.
-    SelectorHandlerProcessValue handler({url.section(QLatin1Char('?'), 0, 0)}, nullptr);
-    const QVector<ProcessValue> values = handler.getValues();
-    const ProcessValue &value = values.constFirst();
+    const ProcessValue value = client()->getValue(0);
     const auto errorType = value.getErrorType();
     if (errorType != ProcessDataDefinitions::NoError) {
         return fail(
             QStringLiteral("%1: %2").arg(errorTypeName(errorType), explainErrorType(errorType)),
-            QStringLiteral("the way is free; the cause is in the service %1").arg(service));
+            QStringLiteral("nothing is in the way; the cause is in the service %1").arg(service));
     }
     return ok(QStringLiteral("NoError, of %1").arg(timeToText(value.getTimestamp())));
 }

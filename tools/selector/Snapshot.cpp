@@ -2,6 +2,7 @@
 // Reads and makes snapshots.
 #include "Snapshot.h"
 
+#include "ExactJson.h"
 #include "PropertyManagerConst.h"
 #include "SelectorUrlHandler.h"
 
@@ -20,20 +21,31 @@ QString place(const QString &module, const QString &object, const QString &insta
     return QStringLiteral("%1/%2/%3").arg(module, object, instance);
 }
 
+// Whether a path is that of a group, in it, or on the way to it.
+bool isOnTheWay(const QString &path, const QString &group)
+{
+    const QLatin1Char slash('/');
+    return group.isEmpty() || (path + slash).startsWith(group + slash)
+        || (group + slash).startsWith(path + slash);
+}
+
 QJsonArray kept(const QJsonArray &elements, const QString &prefix, int level,
-                const QHash<QString, QJsonValue> &values)
+                const QHash<QString, QJsonValue> &values, const QString &group)
 {
     const QLatin1String below("elements");
     QJsonArray result;
     for (const QJsonValue &element : elements) {
         QJsonObject object = element.toObject();
         const QString path = prefix + object.value(QLatin1String("name")).toString();
+        if (!isOnTheWay(path, group)) {
+            continue;
+        }
         object.remove(QLatin1String("offset"));
         object.remove(QLatin1String("simulate"));
         if (object.value(below).isArray() && level < deepestLevel) {
-            object.insert(
-                below,
-                kept(object.value(below).toArray(), path + QLatin1Char('/'), level + 1, values));
+            object.insert(below,
+                          kept(object.value(below).toArray(), path + QLatin1Char('/'), level + 1,
+                               values, group));
         } else if (values.contains(path)) {
             object.insert(QStringLiteral("simulate"),
                           QJsonObject{{QStringLiteral("kind"), QStringLiteral("constant")},
@@ -51,13 +63,15 @@ QString escaped(const QString &name)
 
 } // namespace
 
-QJsonObject snapshotOf(const QJsonObject &document, const QHash<QString, QJsonValue> &values)
+QJsonObject snapshotOf(const QJsonObject &document, const QHash<QString, QJsonValue> &values,
+                       const QString &group)
 {
     QJsonObject result = document;
     result.remove(QLatin1String("buffer"));
     result.remove(QLatin1String("session"));
-    result.insert(QStringLiteral("elements"),
-                  kept(document.value(QLatin1String("elements")).toArray(), QString(), 1, values));
+    result.insert(
+        QStringLiteral("elements"),
+        kept(document.value(QLatin1String("elements")).toArray(), QString(), 1, values, group));
     return result;
 }
 
@@ -105,7 +119,9 @@ bool Snapshot::add(const QString &fileName, QString &error)
         return false;
     }
     QJsonParseError problem;
-    const QJsonObject document = QJsonDocument::fromJson(file.readAll(), &problem).object();
+    const QByteArray text = file.readAll();
+    QJsonDocument::fromJson(text, &problem);
+    const QJsonObject document = exactObject(text);
     const QJsonValue module = document.value(QLatin1String("module"));
     const QJsonValue object = document.value(QLatin1String("object"));
     const QJsonValue instance = document.value(QLatin1String("instance"));

@@ -42,7 +42,10 @@ private:
 ///
 /// @param document  as a service sends it
 /// @param values    by the leaves' paths; a leaf without one does not move and is never published
-QJsonObject snapshotOf(const QJsonObject &document, const QHash<QString, QJsonValue> &values);
+/// @param group     path of a group or a leaf: only what is at or below it, within its groups; empty
+///                  for all
+QJsonObject snapshotOf(const QJsonObject &document, const QHash<QString, QJsonValue> &values,
+                       const QString &group = QString());
 
 /// Name of the file of a source.
 QString snapshotFileName(const QString &module, const QString &object, const QString &instance);

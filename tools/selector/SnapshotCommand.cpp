@@ -3,9 +3,11 @@
 #include "Command.h"
 #include "Diagnosis.h"
 #include "Entries.h"
+#include "ExactJson.h"
 #include "ExitCode.h"
 #include "InterruptExit.h"
 #include "LeafType.h"
+#include "OutputFile.h"
 #include "SelectorHandlerProcessValue.h"
 #include "SelectorSharedMemoryHandler.h"
 #include "SelectorUrlBuilder.h"
@@ -14,10 +16,16 @@
 #include "ValueText.h"
 
 #include <QDir>
-#include <QJsonDocument>
-#include <QSaveFile>
+
+#include <cerrno>
 
 namespace {
+
+struct ChosenSource
+{
+    SourceName name;
+    QString group; ///< empty for all of it
+};
 
 struct SavedSource
 {
@@ -57,7 +65,7 @@ QHash<QString, QJsonValue> currentValues(const SourceName &name,
     return result;
 }
 
-SavedSource save(const SourceName &name, const QDir &directory)
+SavedSource save(const SourceName &name, const QString &group, const QDir &directory)
 {
     SavedSource saved;
     QSharedPointer<SelectorSharedMemoryHandler> source;
@@ -65,19 +73,22 @@ SavedSource save(const SourceName &name, const QDir &directory)
     if (saved.finding.code != Finding::None) {
         return saved;
     }
-    const QJsonObject document
-        = QJsonDocument::fromJson(source->getProcessDescription().toString().toUtf8()).object();
-    const QVector<DescribedLeaf> leaves = leavesBelow(document, QString());
+    const QByteArray description = source->getProcessDescription().toString().toUtf8();
+    const QVector<DescribedLeaf> leaves = leavesBelow(exactObject(description), group);
+    if (leaves.isEmpty() && !group.isEmpty()) {
+        saved.finding
+            = {Finding::NoSuchLeaf,
+               QStringLiteral("%1 has no leaf at or below \"%2\"").arg(name.place(), group)};
+        return saved;
+    }
     const QHash<QString, QJsonValue> values = currentValues(name, leaves);
     saved.leaves = leaves.size();
     saved.values = values.size();
     saved.file = directory.filePath(snapshotFileName(name.module, name.object, name.instance));
-    const QByteArray text = QJsonDocument(snapshotOf(document, values)).toJson();
-    const InterruptHold hold; // its temporary file would stay
-    QSaveFile file(saved.file);
-    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size() || !file.commit()) {
-        saved.finding
-            = {Finding::NotWritten, QStringLiteral("%1: %2").arg(saved.file, file.errorString())};
+    const QByteArray text = exactText(snapshotOf(rewritableObject(description), values, group));
+    QString problem;
+    if (!writeWholeFile(saved.file, text, problem)) {
+        saved.finding = {Finding::NotWritten, QStringLiteral("%1: %2").arg(saved.file, problem)};
     }
     return saved;
 }
@@ -116,21 +127,30 @@ int run(const CommandLine &line, const Console &console, QString &usage)
         places.append(place);
     }
     if (line.output.isEmpty()) {
-        usage = QStringLiteral("--output DIRECTORY is wanted.");
+        usage = QStringLiteral("Expected --output DIRECTORY.");
         return ExitUsage;
     }
+    errno = 0;
     if (!QDir().mkpath(line.output)) {
-        usage = QStringLiteral("%1: the directory cannot be made").arg(line.output);
+        usage = QStringLiteral("%1: the directory cannot be made: %2")
+                    .arg(line.output,
+                         errno == 0 ? QStringLiteral("a file stands in its place")
+                                    : qt_error_string(errno));
         return ExitUsage;
     }
     if (!busIsReachable(console)) {
         return ExitNotReachable;
     }
-    QVector<SourceName> sources;
+    QVector<ChosenSource> sources;
     Finding finding;
     const QVector<BrowsePlace> chosen = places.isEmpty() ? QVector<BrowsePlace>{{}} : places;
     for (const BrowsePlace &place : chosen) {
-        if (!listSources(place, sources, finding)) {
+        QVector<SourceName> found;
+        const bool listed = listSources(place, found, finding);
+        for (const SourceName &source : qAsConst(found)) {
+            sources.append({source, place.group});
+        }
+        if (!listed) {
             console.err << "selector: " << printable(finding.text) << '\n';
             console.err.flush();
             return finding.exitCode() == ExitSomeFailed ? ExitNotReachable : finding.exitCode();
@@ -143,15 +163,17 @@ int run(const CommandLine &line, const Console &console, QString &usage)
                    {QStringLiteral("values"), true},
                    {QStringLiteral("note")}},
                   {}};
-    for (const SourceName &source : qAsConst(sources)) {
+    for (const ChosenSource &chosenOne : qAsConst(sources)) {
+        const SourceName &source = chosenOne.name;
         if (wasInterrupted()) {
             break;
         }
         SavedSource saved;
         saved.finding = source.finding;
-        report.entries.append(snapshotEntry(
-            source,
-            source.finding.code == Finding::None ? save(source, QDir(line.output)) : saved));
+        report.entries.append(snapshotEntry(source,
+                                            source.finding.code == Finding::None
+                                                ? save(source, chosenOne.group, QDir(line.output))
+                                                : saved));
     }
     return printReport(report, console);
 }
@@ -166,8 +188,8 @@ Command snapshotCommand()
             "Usage: selector snapshot [OPTIONS] --output DIRECTORY [PLACE]...\n"
             "Writes one description file for each source, with each current value as a value that\n"
             "stands still: process-data-simulator plays the files back, selector check and diff\n"
-            "compare with them. PLACE is MODULE[/OBJECT[/INSTANCE]]; without one, all registered\n"
-            "modules. Values that are not good or cannot be played are left out.\n"
+            "compare with them. PLACE is MODULE[/OBJECT[/INSTANCE[/GROUP]]]; without one, all\n"
+            "registered modules. Values that are not good or cannot be played are left out.\n"
             "\n"
             "Options:\n"
             "  -o, --output DIRECTORY  made where missing; files of the same sources are replaced\n"

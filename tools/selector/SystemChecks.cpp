@@ -2,6 +2,7 @@
 // The bus, its services and the registry.
 #include "SystemChecks.h"
 
+#include "Counted.h"
 #include "SystemChecksParts.h"
 
 #include <algorithm>
@@ -18,10 +19,10 @@ void checkBus(const SystemState &state, Findings &findings)
 {
     const QString check = QStringLiteral("bus");
     if (state.bus.isOk()) {
-        findings.good(check,
-                      QStringLiteral("%1, %2 modules on it")
-                          .arg(busName())
-                          .arg(state.services.modules.size()));
+        findings.good(
+            check,
+            QStringLiteral("%1, %2 on it")
+                .arg(busName(), counted(state.services.modules.size(), "module", "modules")));
     } else if (state.bus.result == BusQueryResult::BusNotReachable) {
         DoctorFinding finding{check,
                               {},
@@ -61,7 +62,7 @@ void checkServices(const SystemState &state, Findings &findings)
                  QStringLiteral("clients cannot list modules"), findings);
     const QString status = QStringLiteral("com.orvalis.SystemStatusManager");
     checkManager(status, state.services.statusManager, state.status,
-                 QStringLiteral("clients are not told when the system has started"), findings);
+                 QStringLiteral("clients are not notified when the system has started"), findings);
     if (state.services.statusManager && state.status.isOk() && !state.ready) {
         findings.warning(check, status, QStringLiteral("notReady"),
                          QStringLiteral("the system has not finished starting up"),
@@ -108,12 +109,15 @@ void checkModule(const ModuleState &module, const SystemState &state, Findings &
     const QString check = QStringLiteral("registry");
     if (!module.registered && !module.onBus) {
         findings.error(check, module.name, QStringLiteral("serviceMissing"),
-                       QStringLiteral("neither on the bus nor registered"),
-                       QStringLiteral("start its service, or mend the name"));
+                       state.registry.isOk()
+                           ? QStringLiteral("neither on the bus nor registered")
+                           : QStringLiteral("not on the bus; the registry did not answer"),
+                       QStringLiteral("start its service, or fix the name"));
     } else if (!module.onBus) {
-        findings.error(check, module.name, QStringLiteral("serviceMissing"),
-                       QStringLiteral("it is registered, but nobody owns its service's name"),
-                       QStringLiteral("start its service, or restart whoever registered it"));
+        findings.error(
+            check, module.name, QStringLiteral("serviceMissing"),
+            QStringLiteral("it is registered, but nobody owns its service's name"),
+            QStringLiteral("start its service, or restart the program that registered it"));
     } else if (!module.registered && state.registry.isOk()) {
         findings.warning(
             check, module.name, QStringLiteral("notRegistered"),
@@ -133,7 +137,7 @@ void checkRegistry(const SystemState &state, Findings &findings)
         findings.warning(check, {}, QStringLiteral("badEntry"),
                          QStringLiteral("%1 of its entries have no readable module name")
                              .arg(state.unreadableProviders),
-                         QStringLiteral("selector doctor --report keeps the list; mend the service "
+                         QStringLiteral("selector doctor --report keeps the list; fix the service "
                                         "that registered them"));
     }
     int registered = 0;
@@ -143,9 +147,12 @@ void checkRegistry(const SystemState &state, Findings &findings)
             checkModule(module, state, findings);
         }
     }
-    if (findings.list().size() == before && state.services.informationManager) {
+    // A registry that did not answer is reported among the services.
+    if (findings.list().size() == before && state.services.informationManager
+        && state.registry.isOk()) {
         findings.good(check,
-                      QStringLiteral("%1 registered modules, as on the bus").arg(registered));
+                      QStringLiteral("%1, as on the bus")
+                          .arg(counted(registered, "registered module", "registered modules")));
     }
 }
 

@@ -2,17 +2,22 @@
 // Sources and their buffers.
 #include "SystemChecks.h"
 
+#include "Counted.h"
 #include "SystemChecksParts.h"
+#include "UserNames.h"
 
 #include <algorithm>
 
 namespace {
 
+// A record without its buffer is that source's too: what it lacks is reported there.
 const SourceState *describing(const QString &path, const SystemState &state)
 {
     const auto found
-        = std::find_if(state.sources.begin(), state.sources.end(),
-                       [&](const SourceState &source) { return source.buffer.path == path; });
+        = std::find_if(state.sources.begin(), state.sources.end(), [&](const SourceState &source) {
+              return source.buffer.path == path
+                  || source.buffer.path + QStringLiteral(".life") == path;
+          });
     return found == state.sources.end() ? nullptr : &*found;
 }
 
@@ -28,8 +33,7 @@ QString permissionOf(const BufferFile &file)
 {
     constexpr int octal = 8;
     return QStringLiteral("owner %1, group %2, mode %3")
-        .arg(file.ownerUid)
-        .arg(file.groupId)
+        .arg(UserNames::ofUser(file.ownerUid), UserNames::ofGroup(file.groupId))
         .arg(file.mode, 4, octal, QLatin1Char('0'));
 }
 
@@ -52,7 +56,7 @@ void checkSource(const SourceState &source, const QString &service, Findings &fi
     case BufferInspection::Description:
         findings.error(
             check, place, QStringLiteral("badDescription"), buffer.problem,
-            QStringLiteral("clients refuse this description: mend it in %1").arg(service));
+            QStringLiteral("clients refuse this description: fix it in %1").arg(service));
         break;
     case BufferInspection::File:
         findings.error(check, place, QStringLiteral("bufferMissing"), inFile,
@@ -71,7 +75,7 @@ void checkSource(const SourceState &source, const QString &service, Findings &fi
         break;
     case BufferInspection::Layout:
         findings.error(check, place, QStringLiteral("notReadable"), inFile,
-                       QStringLiteral("buffer and description are of different makes: ") + restart);
+                       QStringLiteral("buffer and description do not belong together: ") + restart);
         break;
     case BufferInspection::Liveness:
         findings.error(check, place, QStringLiteral("publisherDead"), inFile,
@@ -167,9 +171,9 @@ void checkSources(const SystemState &state, Findings &findings)
     }
     if (findings.list().size() == before) {
         findings.good(check,
-                      QStringLiteral("%1 instances with %2 leaves, buffers as described")
-                          .arg(state.sources.size())
-                          .arg(leaves));
+                      QStringLiteral("%1 with %2, buffers as described")
+                          .arg(counted(state.sources.size(), "instance", "instances"),
+                               counted(leaves, "leaf", "leaves")));
     }
 }
 

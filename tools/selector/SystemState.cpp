@@ -5,6 +5,7 @@
 #include "InstanceListClient.h"
 #include "ModuleEntries.h"
 #include "ProviderListClient.h"
+#include "SourceInspection.h"
 #include "SystemReadyClient.h"
 
 #include <QJsonArray>
@@ -53,26 +54,15 @@ void askRegistry(SystemState &state)
     }
 }
 
-// Between description and look the publisher may make a new buffer; then both are asked for anew.
 Answer askSource(SourceState &source)
 {
-    constexpr int attempts = 3;
-    for (int i = 0; i < attempts; ++i) {
-        QString description;
-        Answer answer = ask([&](QString &error) {
-            return fetchDescription(source.module, source.object, source.instance, description,
-                                    error);
-        });
-        if (!answer.isOk() || (i > 0 && description == source.description)) {
-            return answer;
-        }
-        source.description = description;
-        source.buffer = inspectBuffer(description);
-        if (source.buffer.end == BufferInspection::Complete) {
-            return answer;
-        }
-    }
-    return {};
+    SourceInspection found;
+    Answer answer = ask([&](QString &error) {
+        return inspectSource(source.module, source.object, source.instance, found, error);
+    });
+    source.description = found.description;
+    source.buffer = found.buffer;
+    return answer;
 }
 
 Answer askObject(const QString &module, const QString &object, QVector<SourceState> &sources)

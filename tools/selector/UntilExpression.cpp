@@ -58,7 +58,7 @@ std::optional<int> compare(const QVariant &left, const QVariant &right)
         return compareIntegers(left, right);
     }
     if (isNumber(left) && isNumber(right)) {
-        // 1.8 as typed is another double than the float32 1.8.
+        // 1.8 as typed is a double other than the float32 1.8.
         const bool single
             = left.userType() == QMetaType::Float || right.userType() == QMetaType::Float;
         const double a = single ? double(left.toFloat()) : left.toDouble();

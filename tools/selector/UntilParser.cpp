@@ -66,7 +66,7 @@ public:
     {
         if (!readTokens(text) || condition() < 0
             || (current().kind != Token::End
-                && fail(QStringLiteral("\"%1\" is one thing too many").arg(current().text)) < 0)) {
+                && fail(QStringLiteral("unexpected \"%1\"").arg(current().text)) < 0)) {
             error = fault;
             return false;
         }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // selector watch: values and announcements as they come.
 #include "Command.h"
+#include "Counted.h"
 #include "ExitCode.h"
 #include "SelectorList.h"
 #include "UnixSignals.h"
@@ -8,7 +9,9 @@
 #include "Watcher.h"
 
 #include <QCoreApplication>
+#include <QElapsedTimer>
 
+#include <algorithm>
 #include <csignal>
 
 namespace {
@@ -25,6 +28,9 @@ int verdict(End end, const Watcher &watcher, const CommandLine &line, const Cons
     if (watcher.isMet()) {
         return ExitAllGood;
     }
+    if (watcher.resultsAreLost()) {
+        return ExitSomeFailed;
+    }
     if (end == End::Interrupted) {
         return ExitInterrupted;
     }
@@ -32,18 +38,19 @@ int verdict(End end, const Watcher &watcher, const CommandLine &line, const Cons
     if (line.hasUntil || tooEarly) {
         const QString what
             = end == End::TimeLimit ? QStringLiteral("time is up") : QStringLiteral("ended");
-        const QString lines = line.count == 0
-            ? QString::number(watcher.lineCount())
-            : QStringLiteral("%1 of %2").arg(watcher.lineCount()).arg(line.count);
+        const QString lines = line.count == 0 ? counted(watcher.lineCount(), "line", "lines")
+                                              : QStringLiteral("%1 of %2")
+                                                    .arg(watcher.lineCount())
+                                                    .arg(counted(line.count, "line", "lines"));
         const QString condition
             = line.hasUntil ? QStringLiteral("; never true: ") + line.until : QString();
         console.err << printable(
-            QStringLiteral("selector: %1 after %2 lines%3").arg(what, lines, condition))
+            QStringLiteral("selector: %1 after %2%3").arg(what, lines, condition))
                     << '\n';
         console.err.flush();
         return end == End::TimeLimit ? ExitTimeLimit : ExitSomeFailed;
     }
-    return watcher.allGood() ? ExitAllGood : ExitSomeFailed;
+    return watcher.exitCode();
 }
 
 int run(const CommandLine &line, const Console &console, QString &usage)
@@ -68,11 +75,13 @@ int run(const CommandLine &line, const Console &console, QString &usage)
             return ExitUsage;
         }
     }
+    QElapsedTimer clock;
+    clock.start();
     if (!busIsReachable(console)) {
         return ExitNotReachable;
     }
+    Watcher watcher(targets, line, until, console); // until it is made, signals end the process
     const UnixSignals signalsOfSystem;
-    Watcher watcher(targets, line, until, console);
     QTimer limit;
     limit.setSingleShot(true);
     End end = End::Finished;
@@ -86,10 +95,10 @@ int run(const CommandLine &line, const Console &console, QString &usage)
     });
     QObject::connect(&watcher, &Watcher::finished, qApp, &QCoreApplication::quit,
                      Qt::QueuedConnection);
+    watcher.start();
     if (line.timeout > 0) {
-        limit.start(line.timeout);
+        limit.start(std::max(0, line.timeout - static_cast<int>(clock.elapsed())));
     }
-    QTimer::singleShot(0, &watcher, &Watcher::start);
     QCoreApplication::exec();
     watcher.finish();
     return verdict(end, watcher, line, console);

@@ -2,13 +2,12 @@
 // Polling, change signals and the end of a watch.
 #include "Watcher.h"
 
-#include "Diagnosis.h"
 #include "ValueText.h"
 
 #include <QDateTime>
 #include <QJsonDocument>
 
-#include <algorithm>
+#include <numeric>
 
 namespace {
 
@@ -60,7 +59,9 @@ void Watcher::start()
 {
     if (!screen) {
         console.out << lines.header();
-        console.out.flush();
+    }
+    if (!flush()) {
+        return;
     }
     timer.start();
     poll();
@@ -74,8 +75,9 @@ QJsonObject Watcher::currentProperties(int index)
 void Watcher::poll()
 {
     const QVector<ProcessValue> values = handler.getValues();
-    for (int i = 0; i < values.size() && (wantedLines == 0 || printed < wantedLines); ++i) {
-        read(i, values.at(i));
+    Diagnosis diagnosis; // one for all: a service is asked once
+    for (int i = 0; i < values.size() && !hasEnded(); ++i) {
+        read(i, values.at(i), diagnosis);
     }
     if (screen) {
         plot();
@@ -95,13 +97,15 @@ void Watcher::plot()
             && selector.errorType == ProcessDataDefinitions::NoError;
         sample = isNumber ? sample : qQNaN();
         const QString unit = selector.properties.value(QLatin1String("unit")).toString();
-        const QString value = selector.good
+        const QString value = selector.failure == ExitAllGood
             ? valueToShortText(selector.value) + QLatin1Char(' ') + unit
             : selector.reason;
         screen->panel(i).add(sample, value.trimmed());
     }
     screen->draw();
-    countLine();
+    if (flush()) {
+        countLine();
+    }
 }
 
 void Watcher::finish()
@@ -114,7 +118,7 @@ void Watcher::finish()
 
 void Watcher::checkCondition()
 {
-    if (!until || met) {
+    if (!until || met || resultsAreLost()) {
         return;
     }
     QVector<WatchedValue> values;
@@ -130,14 +134,14 @@ void Watcher::checkCondition()
     }
 }
 
-void Watcher::read(int index, const ProcessValue &value)
+void Watcher::read(int index, const ProcessValue &value, Diagnosis &diagnosis)
 {
     Selector &selector = selectors[index];
     const bool missing = value.getErrorType() == ProcessDataDefinitions::NoValue;
     Finding finding;
     if (missing) {
         // Asking the services anew each time would cost a call for each selector.
-        finding = selector.examine ? Diagnosis().explain(selector.url) : selector.finding;
+        finding = selector.examine ? diagnosis.explain(selector.url) : selector.finding;
     }
     selector.examine = !missing;
     const bool same = selector.seen && value.getErrorType() == selector.errorType
@@ -153,12 +157,13 @@ void Watcher::read(int index, const ProcessValue &value)
     selector.finding = finding;
     const ReadResult result{selector.url, value, selector.properties, finding};
     const Entry entry = readEntry(result);
-    selector.good = entry.state == Entry::Good || entry.state == Entry::Skipped;
+    selector.failure = entry.exitCode();
     selector.reason = entry.reason;
     if (!screen && !(first && changesOnly)) {
         print(lines.value(index, result, now()));
     }
-    if (!selector.good && !(screen && console.silentReasons)) {
+    if (selector.failure != ExitAllGood && !resultsAreLost()
+        && !(screen && console.silentReasons)) {
         printReason(entry.subject, entry.reason, console);
     }
 }
@@ -171,28 +176,42 @@ void Watcher::announce(const QString &signal, const QVector<int> &indices)
             continue;
         }
         Selector &selector = selectors[index];
+        selector.examine = true;
         const QJsonObject properties = currentProperties(index);
+        if (properties.isEmpty() && selector.properties.isEmpty()) {
+            continue; // it was not there and is not: at most the reason differs, which poll() shows
+        }
         changes.append(compareProperties(index, selector.url, selector.properties, properties));
         selector.properties = properties;
-        selector.examine = true;
         selector.changed = true;
     }
-    if (!screen && !console.style.quiet) {
+    if (!changes.isEmpty() && !screen && !console.style.quiet) {
         print(lines.signal(signal, changes, now()));
     }
-    if (!met && !screen && (wantedLines == 0 || printed < wantedLines)) {
+    if (!screen && !hasEnded()) {
         poll();
     }
 }
 
 void Watcher::print(const QString &text)
 {
-    if (met || (isComplete() && wantedLines != 0)) {
+    if (hasEnded()) {
         return;
     }
     console.out << text;
-    console.out.flush();
-    countLine();
+    if (flush()) {
+        countLine();
+    }
+}
+
+bool Watcher::flush()
+{
+    if (flushResults(console)) {
+        return true;
+    }
+    timer.stop();
+    Q_EMIT finished();
+    return false;
 }
 
 void Watcher::countLine()
@@ -204,10 +223,21 @@ void Watcher::countLine()
     }
 }
 
-bool Watcher::allGood() const
+ExitCode Watcher::exitCode() const
 {
-    return std::all_of(selectors.begin(), selectors.end(),
-                       [](const Selector &selector) { return selector.good; });
+    return std::accumulate(
+        selectors.begin(), selectors.end(), ExitAllGood,
+        [](ExitCode code, const Selector &selector) { return graver(code, selector.failure); });
+}
+
+bool Watcher::resultsAreLost() const
+{
+    return console.out.status() != QTextStream::Ok;
+}
+
+bool Watcher::hasEnded() const
+{
+    return met || resultsAreLost() || (wantedLines != 0 && isComplete());
 }
 
 bool Watcher::isComplete() const

@@ -5,6 +5,7 @@
 
 #include "CommandLine.h"
 #include "Console.h"
+#include "Diagnosis.h"
 #include "PlotScreen.h"
 #include "SelectorHandlerProcessValue.h"
 #include "UntilExpression.h"
@@ -30,11 +31,14 @@ public:
     Watcher(const QVector<WatchTarget> &targets, const CommandLine &line,
             const std::optional<UntilExpression> &until, const Console &console);
 
-    /// Whether the latest line of each selector was good.
-    bool allGood() const;
+    /// What the latest lines of the selectors that have one mean for a script.
+    ExitCode exitCode() const;
 
     /// Whether as many lines as wanted were printed; true when none were asked for.
     bool isComplete() const;
+
+    /// Whether standard output took no more.
+    bool resultsAreLost() const;
 
     /// Whether the condition held.
     bool isMet() const { return met; }
@@ -44,7 +48,6 @@ public:
     /// Prints what was kept for the end.
     void finish();
 
-public Q_SLOTS:
     /// Prints the header and all selectors for the first time.
     void start();
 
@@ -61,15 +64,17 @@ private:
         Finding finding;
         bool changed = false; ///< at least once since it was printed first
         bool seen = false; ///< whether it was printed at least once
-        bool examine = true; ///< whether its finding may be another one than before
-        bool good = false;
+        bool examine = true; ///< whether its finding may differ from before
+        ExitCode failure = ExitAllGood; ///< what its latest line means for a script
         QString reason; ///< why it is not good
     };
 
     void poll();
-    void read(int index, const ProcessValue &value);
+    void read(int index, const ProcessValue &value, Diagnosis &diagnosis);
     void announce(const QString &signal, const QVector<int> &indices);
     void print(const QString &text);
+    bool flush(); ///< ends the watch when it fails
+    bool hasEnded() const;
     void countLine();
     void checkCondition();
     void plot();

@@ -3,13 +3,12 @@
 #include "Command.h"
 #include "Diagnosis.h"
 #include "Entries.h"
+#include "ExactJson.h"
 #include "ExitCode.h"
 #include "LeafType.h"
 #include "MessageLog.h"
 #include "SelectorHandlerProcessValue.h"
 #include "SelectorList.h"
-
-#include <QJsonDocument>
 
 namespace {
 
@@ -70,12 +69,11 @@ int run(const CommandLine &line, const Console &console, QString &usage)
     Report report{QStringLiteral("selector.write/1"), writeColumns(), {}};
     for (int i = 0; i < selectors.size(); ++i) {
         WriteResult result{selectors.at(i).url, {}, selectors.at(i).value, {}, {}};
-        result.properties
-            = QJsonDocument::fromJson(handler.getPropertyAsJsonString(i).toUtf8()).object();
+        result.properties = exactObject(handler.getPropertyAsJsonString(i).toUtf8());
         result.finding = result.properties.isEmpty() ? diagnosis.explain(result.url) : Finding();
         if (result.properties.isEmpty() && result.finding.code == Finding::None) {
-            result.finding
-                = {Finding::NotReadable, QStringLiteral("the leaf came up only now, try again")};
+            result.finding = {Finding::NotReadable,
+                              QStringLiteral("the leaf has only just appeared, try again")};
         }
         if (result.finding.code == Finding::None) {
             result.finding = write(handler, i, result, diagnosis);
@@ -95,10 +93,13 @@ Command writeCommand()
             "Usage: selector write [OPTIONS] URL VALUE [URL VALUE]...\n"
             "Writes each value in the unit and type of its leaf.\n"
             "\n"
-            "Values: true, false, 1, 0, on, off for bool; decimal or 0x numbers; strings as they\n"
-            "are; bytes as 0x and hexadecimal digits. A negative number needs no special care.\n"
+            "Values: true, false, 1, 0, on, off for bool; decimal or 0x numbers, NaN, Infinity,\n"
+            "-Infinity; strings as they are; bytes as 0x and hexadecimal digits. A negative number\n"
+            "needs no special care. Text is UTF-8.\n"
             "\n"
             "Options:\n"
+            "  -e, --escapes    take \\\\, \\n, \\r, \\t, \\xHH, \\uHHHH and \\UHHHHHHHH in values for\n"
+            "                   the characters that they stand for\n"
             "  -f, --file FILE  also read pairs from FILE (- is standard input): one URL, blanks and\n"
             "                   the value (the rest of the line) a line; lines that begin with #\n"
             "                   are left out\n"
@@ -106,5 +107,5 @@ Command writeCommand()
             + commonOptionsHelp()
             + QStringLiteral(
                 "\nExample: selector write processdata://PumpStation/Pump/1/drive/setpoint 1200\n"),
-        OptionFile, run};
+        OptionFile | OptionEscapes, run};
 }

@@ -6,6 +6,8 @@
 #include "ExitCode.h"
 #include "InterruptExit.h"
 #include "MessageLog.h"
+#include "StandardStreams.h"
+#include "Utf8Text.h"
 
 #include <QCoreApplication>
 
@@ -53,11 +55,12 @@ int runCommand(const Command &command, const QStringList &arguments, Console &co
         console.out << command.help;
         return ExitAllGood;
     }
-    // The limit of a watch is the watch's own; everywhere else only calls take time: each may take
-    // all of it, all together no more.
-    if (line.timeout > 0 && (command.options & OptionInterval) == 0) {
+    if (line.timeout > 0) {
         setCallDeadline(line.timeout);
-        qputenv("PROCESSDATA_DBUS_TIMEOUT_MS", QByteArray::number(line.timeout));
+        // Where only calls take time, each may take all of it.
+        if ((command.options & OptionInterval) == 0) {
+            qputenv("PROCESSDATA_DBUS_TIMEOUT_MS", QByteArray::number(line.timeout));
+        }
     }
     MessageLog::install(QStringLiteral("selector"), QStringLiteral("selector.cli"),
                         line.verbose ? MessageLog::AllMessages : MessageLog::OwnMessages);
@@ -67,7 +70,7 @@ int runCommand(const Command &command, const QStringList &arguments, Console &co
     exitOnInterrupt();
     const int result = command.run(line, console, error);
     if (wasInterrupted()) {
-        return ExitInterrupted;
+        return interruptExitCode();
     }
     return result == ExitUsage ? usageError(console, error, helpName) : result;
 }
@@ -94,15 +97,39 @@ int run(const QStringList &arguments, Console &console)
     return runCommand(*command, arguments.mid(2), console);
 }
 
+// As UTF-8 in every locale: Qt would replace what the locale's own encoding does not have.
+bool readArguments(int count, char *values[], QStringList &arguments, const Console &console)
+{
+    for (int i = 0; i < count; ++i) {
+        const auto text = textFromUtf8(values[i]);
+        if (!text) {
+            console.err << "selector: argument " << i << " is not UTF-8 text\n";
+            return false;
+        }
+        arguments.append(*text);
+    }
+    return true;
+}
+
 } // namespace
 
 int main(int argc, char *argv[])
 {
+    reserveStandardStreams();
     const QCoreApplication application(argc, argv);
     QTextStream out(stdout);
     QTextStream err(stderr);
     out.setCodec("UTF-8");
     err.setCodec("UTF-8");
     Console console{out, err, {}, false};
-    return run(QCoreApplication::arguments(), console);
+    QStringList arguments;
+    if (!readArguments(argc, argv, arguments, console)) {
+        return ExitUsage;
+    }
+    const int result = run(arguments, console);
+    if (flushResults(console)) {
+        return result;
+    }
+    printReason({}, lostResultsReason(console), console);
+    return result == ExitAllGood ? ExitSomeFailed : result;
 }

@@ -4,9 +4,7 @@
 
 #include "ServiceEndpoint.h"
 
-#include <QDBusConnection>
 #include <QDBusError>
-#include <QDBusMessage>
 #include <QJsonDocument>
 
 #include <utility>
@@ -27,7 +25,8 @@ QString errorName(const char *kind)
 ControlService::ControlService(const Scenario &scenario, Run run)
     : scenario(scenario)
     , run(std::move(run))
-    , endpoint(std::make_unique<ServiceEndpoint>(BusChoice::fromEnvironment(), serviceName))
+    , endpoint(std::make_unique<ServiceEndpoint>(BusChoice::fromEnvironment(), serviceName,
+                                                 ServiceEndpoint::documents))
 {
 }
 
@@ -40,9 +39,8 @@ bool ControlService::start(QString &error)
 }
 
 // The same as com.orvalis.ProcessDataSimulator1.xml.
-QString ControlService::introspect(const QString &path) const
+QString ControlService::introspection() const
 {
-    Q_UNUSED(path)
     return QStringLiteral(R"(  <interface name="com.orvalis.ProcessDataSimulator1">
     <method name="ListSteps">
       <arg name="names" type="as" direction="out"/>
@@ -61,49 +59,43 @@ QString ControlService::introspect(const QString &path) const
 )");
 }
 
-bool ControlService::handleMessage(const QDBusMessage &message, const QDBusConnection &connection)
+BusAnswer ControlService::answer(const ServedCall &call)
 {
-    if (message.interface() != interfaceName && !message.interface().isEmpty()) {
-        return false;
+    if (call.interface() != interfaceName && !call.interface().isEmpty()) {
+        return BusAnswer();
     }
-    return connection.send(answer(message));
-}
-
-QDBusMessage ControlService::answer(const QDBusMessage &message) const
-{
-    const QString member = message.member();
-    if (member == QLatin1String("ListSteps") && message.signature().isEmpty()) {
-        return message.createReply(QVariant(scenario.names()));
+    const QString member = call.member();
+    if (member == QLatin1String("ListSteps") && call.signature().isEmpty()) {
+        return BusAnswer::values({scenario.names()});
     }
     const bool known = member == QLatin1String("GetStep") || member == QLatin1String("RunStep")
         || member == QLatin1String("RunInline");
-    if (!known || message.signature() != QLatin1String("s")) {
-        return message.createErrorReply(QDBusError::UnknownMethod,
-                                        QStringLiteral("No method %1 with the signature \"%2\"")
-                                            .arg(member, message.signature()));
+    if (!known || call.signature() != QLatin1String("s")) {
+        return BusAnswer::error(
+            QDBusError::errorString(QDBusError::UnknownMethod),
+            QStringLiteral("No method %1 with the signature \"%2\"").arg(member, call.signature()));
     }
-    const QString argument = message.arguments().value(0).toString();
+    const QString argument = call.text(0);
     if (member == QLatin1String("RunInline")) {
         ScenarioStep step;
         QString error;
         return parseScenarioStep(argument.toUtf8(), step, error)
-            ? runStep(message, step)
-            : message.createErrorReply(errorName("InvalidStep"), error);
+            ? runStep(step)
+            : BusAnswer::error(errorName("InvalidStep"), error);
     }
     const ScenarioStep *step = scenario.find(argument);
     if (step == nullptr) {
-        return message.createErrorReply(
-            errorName("UnknownStep"),
-            QStringLiteral("The scenario has no step \"%1\"").arg(argument));
+        return BusAnswer::error(errorName("UnknownStep"),
+                                QStringLiteral("The scenario has no step \"%1\"").arg(argument));
     }
-    return member == QLatin1String("GetStep") ? message.createReply(QVariant(
-               QString::fromUtf8(QJsonDocument(step->json).toJson(QJsonDocument::Compact))))
-                                              : runStep(message, *step);
+    return member == QLatin1String("GetStep")
+        ? BusAnswer::values({QJsonDocument(step->json).toJson(QJsonDocument::Compact)})
+        : runStep(*step);
 }
 
-QDBusMessage ControlService::runStep(const QDBusMessage &message, const ScenarioStep &step) const
+BusAnswer ControlService::runStep(const ScenarioStep &step) const
 {
     QString error;
-    return run(step, error) ? message.createReply()
-                            : message.createErrorReply(errorName("StepFailed"), error);
+    return run(step, error) ? BusAnswer::values({})
+                            : BusAnswer::error(errorName("StepFailed"), error);
 }

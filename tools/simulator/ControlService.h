@@ -4,8 +4,7 @@
 #define CONTROLSERVICE_H
 
 #include "Scenario.h"
-
-#include <QDBusVirtualObject>
+#include "ServedCall.h"
 
 #include <functional>
 #include <memory>
@@ -15,10 +14,8 @@ class ServiceEndpoint;
 /// The service com.orvalis.ProcessDataSimulator. A call is answered when its step was done.
 ///
 /// Threads: the main thread.
-class ControlService : public QDBusVirtualObject
+class ControlService : public ServedObject
 {
-    Q_OBJECT
-
 public:
     /// Runs a step; on failure its second argument receives one sentence.
     using Run = std::function<bool(const ScenarioStep &, QString &)>;
@@ -29,12 +26,11 @@ public:
     /// @param error  receives one sentence; left alone on success
     bool start(QString &error);
 
-    QString introspect(const QString &path) const override;
-    bool handleMessage(const QDBusMessage &message, const QDBusConnection &connection) override;
+    QString introspection() const override;
+    BusAnswer answer(const ServedCall &call) override;
 
 private:
-    QDBusMessage answer(const QDBusMessage &message) const;
-    QDBusMessage runStep(const QDBusMessage &message, const ScenarioStep &step) const;
+    BusAnswer runStep(const ScenarioStep &step) const;
 
     const Scenario &scenario;
     const Run run;

@@ -3,29 +3,25 @@
 #include "FetchFaults.h"
 #include "ProcessDescriptionObject.h"
 
-#include <QDBusConnection>
-#include <QDBusMessage>
 #include <QTimer>
 
 // Takes the place of the publisher's own body, which always answers at once.
-bool ProcessDescriptionObject::sendAnswer(const QDBusMessage &message,
-                                          const QDBusConnection &connection)
+BusAnswer ProcessDescriptionObject::answerFetch(const ServedCall &call)
 {
-    const QString instanceName = message.arguments().value(0).toString();
-    const FetchFault fault = FetchFaults::instance().take(source + QLatin1Char('/') + instanceName);
+    const FetchFault fault = FetchFaults::instance().take(source + QLatin1Char('/') + call.text(0));
     switch (fault.kind) {
     case FetchFault::Late:
         QTimer::singleShot(fault.delay, this,
-                           [this, message, connection] { connection.send(answerFetch(message)); });
-        return true;
+                           [this, call, later = call.later()] { later(describe(call)); });
+        return BusAnswer::withheld();
     case FetchFault::Never:
-        return true;
+        return BusAnswer::withheld();
     case FetchFault::Error:
-        return connection.send(message.createErrorReply(fault.error, fault.text));
+        return BusAnswer::error(fault.error, fault.text);
     case FetchFault::Text:
-        return connection.send(message.createReply(QVariant(fault.text)));
+        return BusAnswer::values({fault.text});
     case FetchFault::None:
         break;
     }
-    return connection.send(answerFetch(message));
+    return describe(call);
 }

@@ -2,7 +2,9 @@
 // Publishing, moving and reloading of one source.
 #include "SimulatedSource.h"
 
+#include "ExactJson.h"
 #include "ProcessDataPublisher.h"
+#include "PublishedText.h"
 #include "SimulatorLog.h"
 #include "ValueText.h"
 
@@ -39,8 +41,9 @@ bool SimulatedSource::publish(QString &error)
         return false;
     }
     QString problem;
-    publisher = ProcessDataPublisher::create(file.module, file.object, file.instance,
-                                             file.description, firstValues(file), &problem);
+    publisher = ProcessDataPublisher::createFromText(file.module, file.object, file.instance,
+                                                     withoutSimulationKeys(published),
+                                                     firstValues(file), &problem);
     if (!publisher) {
         error = QStringLiteral("%1: %2").arg(name, problem);
         return false;
@@ -159,7 +162,7 @@ void SimulatedSource::reload()
 bool SimulatedSource::replace(const QByteArray &newContent, QString &error)
 {
     DescriptionFile file;
-    if (!parseDescriptionFile(name, newContent, file, error) || !apply(file, error)) {
+    if (!parseDescriptionFile(name, newContent, file, error) || !apply(file, newContent, error)) {
         return false;
     }
     published = newContent;
@@ -168,7 +171,7 @@ bool SimulatedSource::replace(const QByteArray &newContent, QString &error)
     return true;
 }
 
-bool SimulatedSource::apply(DescriptionFile &file, QString &error)
+bool SimulatedSource::apply(DescriptionFile &file, const QByteArray &newContent, QString &error)
 {
     if (file.module != current.module || file.object != current.object
         || file.instance != current.instance) {
@@ -181,11 +184,13 @@ bool SimulatedSource::apply(DescriptionFile &file, QString &error)
     QString what = QStringLiteral("movement changed");
     if (!sameLayout(file.description, current.description)) {
         what = QStringLiteral("description replaced");
-        publisher->replaceDescription(file.description, firstValues(file), &problem);
+        publisher->replaceDescriptionText(withoutSimulationKeys(newContent), firstValues(file),
+                                          &problem);
     } else {
-        if (file.description != current.description) {
+        if (withoutSimulation(exactObject(newContent))
+            != withoutSimulation(exactObject(published))) {
             what = QStringLiteral("properties changed");
-            publisher->replaceProperties(file.description, &problem);
+            publisher->replacePropertiesText(withoutSimulationKeys(newContent), &problem);
         }
         if (problem.isEmpty()) {
             firstValues(file)(*publisher);

@@ -72,7 +72,7 @@ private:
     ProcessDataPublisher::FirstValues firstValues(DescriptionFile &file);
     void step(ProcessDataPublisher &to);
     void publishFirstValues(ProcessDataPublisher &to);
-    bool apply(DescriptionFile &file, QString &error);
+    bool apply(DescriptionFile &file, const QByteArray &newContent, QString &error);
     void takeMotions(std::vector<MovingLeaf> &&leaves);
 
     const QString name;

@@ -3,6 +3,7 @@
 #include "SimulatedSource.h"
 
 #include "ProcessDataPublisher.h"
+#include "PublishedText.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -46,7 +47,7 @@ QString SimulatedSource::source() const
 
 QByteArray SimulatedSource::served() const
 {
-    return QJsonDocument(publisher->description()).toJson(QJsonDocument::Compact);
+    return publisher->descriptionText();
 }
 
 void SimulatedSource::vanish()
@@ -74,10 +75,11 @@ bool SimulatedSource::retype(const QString &path, const QString &type, int capac
 
 bool SimulatedSource::announce(int count, bool ofProperties, QString &error)
 {
+    const QByteArray text = withoutSimulationKeys(published);
     bool good = true;
     for (int i = 0; good && i < count; ++i) {
-        good = ofProperties ? publisher->replaceProperties(current.description, &error)
-                            : publisher->replaceDescription(current.description, &error);
+        good = ofProperties ? publisher->replacePropertiesText(text, &error)
+                            : publisher->replaceDescriptionText(text, {}, &error);
     }
     return good;
 }

@@ -86,7 +86,7 @@ QString simulatorHelp()
         "  -h, --help         print this and exit\n"
         "  --version          print the version and exit\n"
         "\n"
-        "Exit codes: 0 ended by a signal, 1 a file was refused, 2 wrong usage,\n"
-        "3 the bus is out of reach.\n"
+        "Exit codes: 0 ended by a signal, 1 a file was refused or output could not be written,\n"
+        "2 wrong usage, 3 the bus is out of reach.\n"
         "Environment: PROCESSDATA_BUS is system (default), session or a bus address.\n");
 }

@@ -5,20 +5,32 @@
 #include "Simulator.h"
 #include "SimulatorLog.h"
 #include "SimulatorOptions.h"
+#include "StandardStreams.h"
 #include "UnixSignals.h"
 
 #include <QCoreApplication>
 
+#include <cerrno>
 #include <cstdio>
 
 Q_LOGGING_CATEGORY(simulator, "simulator", QtInfoMsg)
 
 namespace {
 
-void print(FILE *stream, const QString &text)
+void complain(const QString &text)
 {
-    static_cast<void>(std::fputs(text.toLocal8Bit().constData(), stream));
-    static_cast<void>(std::fflush(stream));
+    const QString line = QStringLiteral("process-data-simulator: %1\n").arg(text);
+    static_cast<void>(std::fputs(line.toLocal8Bit().constData(), stderr));
+}
+
+// What waits for a line that cannot be written would wait forever.
+int print(const QString &text)
+{
+    if (std::fputs(text.toLocal8Bit().constData(), stdout) != EOF && std::fflush(stdout) == 0) {
+        return ExitAllGood;
+    }
+    complain(QStringLiteral("standard output: ") + qt_error_string(errno));
+    return ExitSomeFailed;
 }
 
 int run(const SimulatorOptions &options)
@@ -30,34 +42,31 @@ int run(const SimulatorOptions &options)
     QString error;
     const int result = all.start(error);
     if (result != ExitAllGood) {
-        print(stderr, QStringLiteral("process-data-simulator: %1\n").arg(error));
+        complain(error);
         return result;
     }
-    print(stdout, QStringLiteral("ready\n"));
-    return QCoreApplication::exec();
+    const int printed = print(QStringLiteral("ready\n"));
+    return printed == ExitAllGood ? QCoreApplication::exec() : printed;
 }
 
 } // namespace
 
 int main(int argc, char *argv[])
 {
+    reserveStandardStreams();
     const QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("process-data-simulator"));
     SimulatorOptions options;
     QString error;
     if (!parseSimulatorOptions(QCoreApplication::arguments(), options, error)) {
-        print(stderr,
-              QStringLiteral("process-data-simulator: %1\nTry process-data-simulator --help.\n")
-                  .arg(error));
+        complain(error + QStringLiteral("\nTry process-data-simulator --help."));
         return ExitUsage;
     }
     if (options.help) {
-        print(stdout, simulatorHelp());
-        return ExitAllGood;
+        return print(simulatorHelp());
     }
     if (options.version) {
-        print(stdout, QStringLiteral("process-data-simulator " TOOLS_VERSION "\n"));
-        return ExitAllGood;
+        return print(QStringLiteral("process-data-simulator " TOOLS_VERSION "\n"));
     }
     MessageLog::install(QStringLiteral("process-data-simulator"), QStringLiteral("simulator"),
                         MessageLog::AllMessages);

@@ -2,6 +2,7 @@
 // One private connection to the bus that comes back after the bus daemon restarted.
 #include "BusLink.h"
 
+#include "BusGreeting.h"
 #include "BusLog.h"
 #include "BusThread.h"
 
@@ -95,17 +96,14 @@ bool BusLink::isConnected() const
 
 bool BusLink::subscribe(const BusSignal &signal, QObject *receiver, const char *slot)
 {
-    return hooks.subscribe(connection(), signal, receiver, slot);
-}
-
-bool BusLink::exportObject(const QString &path, QDBusVirtualObject *object)
-{
-    return hooks.exportObject(connection(), path, object);
-}
-
-void BusLink::withdrawObject(const QString &path)
-{
-    hooks.withdrawObject(connection(), path);
+    const QDBusConnection present = connection();
+    if (!hooks.subscribe(present, signal, receiver, slot)) {
+        return false;
+    }
+    if (choice.needsGreeting()) {
+        requestSignal(present, signal);
+    }
+    return true;
 }
 
 bool BusLink::connectNow(QString &error)
@@ -121,15 +119,17 @@ bool BusLink::connectNow(QString &error)
                                  QStringLiteral("org.freedesktop.DBus.Local"),
                                  QStringLiteral("Disconnected"),
                                  {}};
-    const bool watched = fresh.isConnected()
-        && hooks.subscribe(fresh, disconnected, this, SLOT(handleDisconnected()));
-    if (!watched || !fresh.isConnected()) {
-        error = fresh.lastError().message();
+    refusal.clear();
+    const bool ready = fresh.isConnected()
+        && hooks.subscribe(fresh, disconnected, this, SLOT(handleDisconnected()))
+        && (!choice.needsGreeting() || greetBus(fresh, refusal));
+    if (!ready || !fresh.isConnected()) {
+        error = refusal.isEmpty() ? fresh.lastError().message() : refusal;
         if (error.isEmpty()) {
             error = QStringLiteral("the connection was closed at once");
         }
         hooks.releaseAll(fresh);
-        QDBusConnection::disconnectFromBus(name);
+        BusChoice::disconnectFrom(name);
         return false;
     }
     const QMutexLocker lock(&mutex);
@@ -146,6 +146,7 @@ void BusLink::handleDisconnected()
         return;
     }
     drop();
+    refusalReported = false;
     qCWarning(busLog).noquote() << "Lost the connection to" << choice.label()
                                 << "- trying to reconnect";
     Q_EMIT lost();
@@ -156,6 +157,11 @@ void BusLink::retry()
 {
     QString error;
     if (!connectNow(error)) {
+        if (!refusal.isEmpty() && !refusalReported) {
+            refusalReported = true;
+            qCWarning(busLog).noquote()
+                << "Cannot connect to" << choice.label() << "-" << refusal << "- trying again";
+        }
         nextDelay = qMin(2 * nextDelay, longestDelay);
         retryTimer.start(nextDelay);
         return;
@@ -176,6 +182,6 @@ void BusLink::drop()
     }
     hooks.releaseAll(old);
     if (!name.isEmpty()) {
-        QDBusConnection::disconnectFromBus(name);
+        BusChoice::disconnectFrom(name);
     }
 }

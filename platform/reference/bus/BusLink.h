@@ -36,14 +36,12 @@ public:
     bool isConnected() const;
     const BusChoice &bus() const { return choice; }
 
-    /// Both hold until the connection is lost or closed, and run in the link's thread. Nothing else
-    /// may give the connection an object to call: see ConnectionHooks.
+    /// Holds until the connection is lost or closed, and runs in the link's thread. Nothing else may
+    /// give the connection an object to call: see ConnectionHooks.
     ///
     /// @param slot  as SLOT() names it; takes one QDBusMessage
     /// @return false if the connection refused
     bool subscribe(const BusSignal &signal, QObject *receiver, const char *slot);
-    bool exportObject(const QString &path, QDBusVirtualObject *object);
-    void withdrawObject(const QString &path);
 
 Q_SIGNALS:
     /// The bus daemon is gone. All that was set up on the connection is lost.
@@ -63,6 +61,8 @@ private:
     const BusChoice choice;
     QTimer retryTimer;
     int nextDelay;
+    QString refusal; // the bus daemon's last; empty when there was none or nobody listened
+    bool refusalReported = false; // since the connection was lost
     ConnectionHooks hooks;
     mutable QMutex mutex; // guards the three below
     QDBusConnection current;

@@ -73,7 +73,14 @@ QDBusConnection BusChoice::connectTo(const QString &connectionName) const
     case Kind::Address:
         break;
     }
-    return QDBusConnection::connectToBus(address, connectionName);
+    return QDBusConnection::connectToPeer(address, connectionName);
+}
+
+void BusChoice::disconnectFrom(const QString &connectionName)
+{
+    // Each closes only what is of its kind.
+    QDBusConnection::disconnectFromBus(connectionName);
+    QDBusConnection::disconnectFromPeer(connectionName);
 }
 
 QString BusChoice::label() const

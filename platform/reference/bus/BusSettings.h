@@ -11,12 +11,21 @@
 class BusChoice
 {
 public:
+    enum class Kind { System, Session, Address };
+
     static BusChoice fromEnvironment();
 
-    /// Opens a new connection of its own.
+    /// Opens a new connection of its own; on a bus with an address only the socket.
     ///
     /// @param connectionName  under which QtDBus keeps it
     QDBusConnection connectTo(const QString &connectionName) const;
+
+    /// Closes it again.
+    static void disconnectFrom(const QString &connectionName);
+
+    /// Whether QtDBus takes the connection for one to another program, not to a bus: whoever opens
+    /// it must introduce it to the bus daemon, and ask for signals. See BusGreeting.h.
+    bool needsGreeting() const { return kind == Kind::Address; }
 
     /// For people: which bus, with its address where one is known.
     QString label() const;
@@ -24,9 +33,10 @@ public:
     /// Equal for choices that reach the same bus.
     QString key() const;
 
-private:
-    enum class Kind { System, Session, Address };
+    Kind which() const { return kind; }
+    const QString &where() const { return address; } ///< empty where the bus library knows best
 
+private:
     Kind kind = Kind::System;
     QString address;
 };

@@ -12,12 +12,13 @@
 #include <unistd.h>
 
 BusThread::BusThread(const QString &name)
+    : serving(std::make_unique<Serving>())
 {
     // QtDBus makes its own thread and statics on first use. Made before this object, they outlive
     // it at the end of the process.
     const QDBusConnection touched(name);
-    worker.setObjectName(name);
-    context.moveToThread(&worker);
+    serving->worker.setObjectName(name);
+    serving->context.moveToThread(&serving->worker);
 }
 
 bool BusThread::canStart(QString &reason)
@@ -47,10 +48,16 @@ bool BusThread::canStart(QString &reason)
 BusThread::~BusThread()
 {
     stop();
+    if (home.isForkedChild()) {
+        static_cast<void>(serving.release()); // a thread that runs elsewhere cannot be ended here
+    }
 }
 
 void BusThread::stop()
 {
-    worker.quit();
-    worker.wait();
+    if (home.isForkedChild()) {
+        return;
+    }
+    serving->worker.quit();
+    serving->worker.wait();
 }

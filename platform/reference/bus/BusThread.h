@@ -3,10 +3,13 @@
 #ifndef BUSTHREAD_H
 #define BUSTHREAD_H
 
+#include "ForkedChild.h"
+
 #include <QObject>
 #include <QString>
 #include <QThread>
 
+#include <memory>
 #include <utility>
 
 /// Lets bus objects follow the bus whatever the client's or publisher's threads do: a thread that
@@ -29,22 +32,29 @@ public:
     /// @param reason  receives the system's; left alone on success
     static bool canStart(QString &reason);
 
-    bool isRunning() const { return worker.isRunning(); }
-    void start() { worker.start(); }
+    bool isRunning() const { return serving->worker.isRunning(); }
+    void start() { serving->worker.start(); }
+
+    /// Whether the thread stayed with the process that this one was forked from. It then does
+    /// nothing that it is asked for, and says so once.
+    bool isMissing() const { return home.refusesChild("bus connection"); }
 
     /// Waits for the end of what the thread is doing. Its objects must have been shut down before.
     void stop();
 
     /// Makes an object live in the thread.
-    void adopt(QObject *object) { object->moveToThread(&worker); }
+    void adopt(QObject *object) { object->moveToThread(&serving->worker); }
 
     /// Runs a function in the thread and waits for it; once the thread has been stopped, in the
     /// calling one. Must not be called from within the thread, nor under a lock that the function
     /// takes.
     template <typename Function> void runAndWait(Function &&function)
     {
+        if (isMissing()) {
+            return;
+        }
         if (isRunning()) {
-            QMetaObject::invokeMethod(&context, std::forward<Function>(function),
+            QMetaObject::invokeMethod(&serving->context, std::forward<Function>(function),
                                       Qt::BlockingQueuedConnection);
         } else {
             std::forward<Function>(function)();
@@ -52,8 +62,14 @@ public:
     }
 
 private:
-    QThread worker;
-    QObject context; // lives in worker
+    struct Serving
+    {
+        QThread worker;
+        QObject context; // lives in worker
+    };
+
+    const HomeProcess home;
+    std::unique_ptr<Serving> serving;
 };
 
 #endif

@@ -14,7 +14,9 @@
 
 ClientBus::ClientBus(const BusChoice &choice)
     : link(choice, this)
+    , losses(this)
 {
+    QObject::connect(&losses, &LossWatch::due, this, &ClientBus::handleLossDue);
     QObject::connect(&link, &BusLink::lost, this, &ClientBus::handleLost);
     QObject::connect(&link, &BusLink::restored, this, &ClientBus::handleRestored);
 }
@@ -24,6 +26,7 @@ ClientBus::~ClientBus() = default;
 void ClientBus::shutDown()
 {
     link.close();
+    losses.clear();
     qDeleteAll(findChildren<QTimer *>(QString(), Qt::FindDirectChildrenOnly));
     const QMutexLocker lock(&mutex);
     table.busLost();
@@ -109,6 +112,9 @@ bool ClientBus::subscribe(QString &error)
 
 void ClientBus::addListener(const QString &service, const QString &path, ServiceListener *listener)
 {
+    if (isMissing()) {
+        return;
+    }
     const QMutexLocker lock(&mutex);
     if (table.addListener(service, path, listener)) {
         QMetaObject::invokeMethod(
@@ -118,12 +124,18 @@ void ClientBus::addListener(const QString &service, const QString &path, Service
 
 void ClientBus::removeListener(const QString &path, ServiceListener *listener)
 {
+    if (isMissing()) {
+        return;
+    }
     const QMutexLocker lock(&mutex);
     table.removeListener(path, listener);
 }
 
 bool ClientBus::hasOwner(const QString &service)
 {
+    if (isMissing()) {
+        return false;
+    }
     QDeadlineTimer deadline(callTimeLimit());
     QMutexLocker lock(&mutex);
     while (!table.isKnown(service) && link.isConnected() && !daemonSilent
@@ -141,14 +153,19 @@ bool ClientBus::hasOwner(const QString &service)
     return table.hasOwner(service);
 }
 
-void ClientBus::askOwner(const QString &service)
+QDBusMessage ClientBus::ownerQuestion(const QString &service)
 {
     QDBusMessage question = QDBusMessage::createMethodCall(
         BusNames::daemonService(), BusNames::daemonPath(), BusNames::daemonInterface(),
         QStringLiteral("GetNameOwner"));
     question << service;
+    return question;
+}
+
+void ClientBus::askOwner(const QString &service)
+{
     // Without a connection the question is asked when the bus is back.
-    BusCall::send(link.connection(), question, noTimeLimit(), this,
+    BusCall::send(link.connection(), ownerQuestion(service), noTimeLimit(), this,
                   [this, service](const QDBusMessage &answer) { handleOwner(service, answer); });
 }
 
@@ -225,6 +242,12 @@ void ClientBus::handleRestored()
 bool ClientBus::setUp(QString &error)
 {
     const bool subscribed = subscribe(error);
+    askForAll();
+    return subscribed;
+}
+
+void ClientBus::askForAll()
+{
     QStringList services;
     {
         const QMutexLocker lock(&mutex);
@@ -234,5 +257,4 @@ bool ClientBus::setUp(QString &error)
     for (const QString &service : qAsConst(services)) {
         askOwner(service);
     }
-    return subscribed;
 }

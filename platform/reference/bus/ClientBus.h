@@ -5,6 +5,8 @@
 
 #include "BusLink.h"
 #include "FetchQueue.h"
+#include "ForkedChild.h"
+#include "LossWatch.h"
 #include "ServiceTable.h"
 
 #include <QDBusMessage>
@@ -57,6 +59,11 @@ public:
     /// Sends a call and hands its answer over when it is this one's turn. Never starts a service.
     void fetch(const FetchQueue::Fetch &fetch);
 
+    /// From now on asks about a source that is read although it is lost, for as long as it is.
+    ///
+    /// Threads: any; does not wait.
+    void watchLost(const QSharedPointer<SourceWatch> &source);
+
     /// The connection for calls that nobody waits for; hold the copy as long as the call is under
     /// way.
     QDBusConnection connection() const { return link.connection(); }
@@ -65,6 +72,10 @@ public:
     /// Whether an answer that took this long says that its service hangs, and then remembers it.
     bool noteTimeout(const QDBusMessage &call, const QDBusMessage &answer, qint64 milliseconds,
                      int limit);
+
+    /// Whether the bus thread stayed with the process that this one was forked from: nobody would
+    /// answer, and the mutex may be held for good.
+    bool isMissing() const { return home.refusesChild("bus connection"); }
 
 private Q_SLOTS:
     void handleOwnerChanged(const QDBusMessage &message);
@@ -78,16 +89,32 @@ private:
     void connectInBusThread();
     bool setUp(QString &error);
     bool subscribe(QString &error);
+    void askForAll();
+    static QDBusMessage ownerQuestion(const QString &service);
     void askOwner(const QString &service);
     void handleOwner(const QString &service, const QDBusMessage &answer);
+    bool isServed(const QString &service) const;
+    void handleLossDue(const QString &service, const QVector<QSharedPointer<SourceWatch>> &sources);
+    void handleLostOwner(const QString &service,
+                         const QVector<QSharedPointer<SourceWatch>> &sources,
+                         const QDBusMessage &answer);
+    void fetchLost(const QString &service, const QString &owner,
+                   const QVector<QSharedPointer<SourceWatch>> &sources);
+    void handleLostFetch(const QString &owner, const SourceWatch &source,
+                         const DescriptionReply &reply);
     void startFetches();
+    void sendFetch(const FetchQueue::Fetch &fetch, bool mayTryAgain);
     void endFetch(const FetchQueue::Fetch &fetch, const QDBusMessage &answer, qint64 milliseconds);
+    static void reportFetch(const FetchQueue::Fetch &fetch, const QDBusMessage &answer,
+                            bool missed);
     void sendProbe(const QString &service, const QString &path, quint64 probe);
     void handleProbe(const QString &service, const QString &path, quint64 probe,
                      const QDBusMessage &answer);
     void repeatProbe(const QString &service, const QString &path, quint64 probe);
 
     BusLink link;
+    const HomeProcess home;
+    LossWatch losses;
     mutable QMutex mutex; // guards all below; never held while something waits for the bus thread
     QWaitCondition changed;
     ServiceTable table;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Calls of clients, blocking and queued, and services that do not answer them.
+#include "BackgroundWork.h"
 #include "BusCall.h"
 #include "BusErrors.h"
 #include "BusNames.h"
@@ -8,16 +9,39 @@
 #include <QDBusError>
 #include <QElapsedTimer>
 #include <QMutexLocker>
+#include <QThread>
 #include <QTimer>
 
 namespace {
 
 // A probe whose answer the bus daemon gave up on is sent again after this time. Milliseconds.
 constexpr int probeRetryDelay = 1000;
+
+QDBusMessage refusalOfChild(const QDBusMessage &call)
+{
+    return call.createErrorReply(
+        QDBusError::Disconnected,
+        QStringLiteral("this process was forked after its parent had connected; fork first"));
+}
+
+// Milliseconds after which a call that was refused for now is sent once more.
+int secondTryDelay(int limit)
+{
+    constexpr int longest = 250;
+    constexpr int partOfLimit = 4;
+    return qMin(longest, limit / partOfLimit);
+}
+
+// Characters of a description that takes some milliseconds to read.
+constexpr int largeText = 1024 * 1024;
 }
 
 QDBusMessage ClientBus::call(const QDBusMessage &call, bool &missed)
 {
+    if (isMissing()) {
+        missed = false;
+        return refusalOfChild(call);
+    }
     const int limit = callTimeLimit();
     {
         const QMutexLocker lock(&mutex);
@@ -33,7 +57,12 @@ QDBusMessage ClientBus::call(const QDBusMessage &call, bool &missed)
     request.setAutoStartService(false);
     QElapsedTimer timer;
     timer.start();
-    const QDBusMessage answer = BusCall::wait(link.connection(), request, limit);
+    QDBusMessage answer = BusCall::wait(link.connection(), request, limit);
+    if (BusErrors::isRefusedForNow(answer)) {
+        QThread::msleep(static_cast<unsigned long>(secondTryDelay(limit)));
+        const int left = qMax(1, limit - static_cast<int>(timer.elapsed()));
+        answer = BusCall::wait(link.connection(), request, left);
+    }
     missed = noteTimeout(call, answer, timer.elapsed(), limit);
     return answer;
 }
@@ -56,18 +85,29 @@ void ClientBus::startFetches()
         next = fetches.takeNext();
     }
     for (const FetchQueue::Fetch &fetch : qAsConst(next)) {
-        QElapsedTimer timer;
-        timer.start();
-        const bool sent = BusCall::send(link.connection(), fetch->call, fetch->timeLimit, this,
-                                        [this, fetch, timer](const QDBusMessage &answer) {
-                                            endFetch(fetch, answer, timer.elapsed());
-                                        });
-        if (!sent) {
-            endFetch(fetch,
-                     fetch->call.createErrorReply(QDBusError::Disconnected,
-                                                  QStringLiteral("Not connected to the bus")),
-                     0);
-        }
+        sendFetch(fetch, true);
+    }
+}
+
+void ClientBus::sendFetch(const FetchQueue::Fetch &fetch, bool mayTryAgain)
+{
+    QElapsedTimer timer;
+    timer.start();
+    const bool sent
+        = BusCall::send(link.connection(), fetch->call, fetch->timeLimit, this,
+                        [this, fetch, timer, mayTryAgain](const QDBusMessage &answer) {
+                            if (mayTryAgain && BusErrors::isRefusedForNow(answer)) {
+                                QTimer::singleShot(secondTryDelay(fetch->timeLimit), this,
+                                                   [this, fetch] { sendFetch(fetch, false); });
+                                return;
+                            }
+                            endFetch(fetch, answer, timer.elapsed());
+                        });
+    if (!sent) {
+        endFetch(fetch,
+                 fetch->call.createErrorReply(QDBusError::Disconnected,
+                                              QStringLiteral("Not connected to the bus")),
+                 0);
     }
 }
 
@@ -79,9 +119,33 @@ void ClientBus::endFetch(const FetchQueue::Fetch &fetch, const QDBusMessage &ans
         const QMutexLocker lock(&mutex);
         fetches.ended(*fetch);
     }
-    fetch->report(answer, missed);
+    reportFetch(fetch, answer, missed);
     QMetaObject::invokeMethod(
         this, [this] { startFetches(); }, Qt::QueuedConnection);
+}
+
+// The text is read here, so that the client's thread finds it understood. A large one would keep
+// the bus thread from other services.
+void ClientBus::reportFetch(const FetchQueue::Fetch &fetch, const QDBusMessage &answer, bool missed)
+{
+    const auto prepareAndReport = [fetch, answer, missed] {
+        if (fetch->isAbandoned()) {
+            return;
+        }
+        DescriptionReply reply = judgeDescriptionReply(fetch->call, answer);
+        if (reply.error.getCode() == 0) {
+            reply.prepared = prepareDescription(reply.value.toString());
+            reply.value = reply.prepared->text; // one text for all who have the same
+        }
+        fetch->report(reply, missed);
+    };
+    const bool isLarge = answer.type() == QDBusMessage::ReplyMessage
+        && answer.arguments().value(0).toString().size() > largeText;
+    if (isLarge) {
+        BackgroundWork::run(prepareAndReport);
+    } else {
+        prepareAndReport();
+    }
 }
 
 bool ClientBus::noteTimeout(const QDBusMessage &call, const QDBusMessage &answer,

@@ -8,6 +8,7 @@
 #include <QMutexLocker>
 
 #include <atomic>
+#include <new>
 #include <utility>
 
 namespace {
@@ -29,12 +30,16 @@ public:
         return isRunning.load() || BusThread::canStart(reason);
     }
 
+    /// Whether this process was forked from one that had connections.
+    bool areMissing() const { return thread.isMissing(); }
+
     QSharedPointer<ClientBus> find(const BusChoice &choice)
     {
         const QMutexLocker lock(&mutex);
         if (!thread.isRunning()) {
             thread.start();
             isRunning = true;
+            SourceWatch::setHandler(&ClientBuses::watchLost);
             qAddPostRoutine(&ClientBuses::endOfApplication);
         }
         QSharedPointer<ClientBus> &bus = buses[choice.key()];
@@ -55,12 +60,37 @@ private:
     {
         qRemovePostRoutine(&ClientBuses::endOfApplication);
         stop(); // the process ends without the end of its QCoreApplication
+        if (thread.isMissing()) {
+            new (std::nothrow)
+                QHash<QString, QSharedPointer<ClientBus>>(buses); // nobody is there to close them
+        }
     }
 
     static void endOfApplication() { all().stop(); }
 
+    // In a reading thread, which is not to wait: when the lock is not free, a later read will do.
+    static void watchLost(const QSharedPointer<SourceWatch> &source)
+    {
+        ClientBuses &self = all();
+        if (self.thread.isMissing()) {
+            return;
+        }
+        if (self.mutex.tryLock()) {
+            for (const QSharedPointer<ClientBus> &bus : std::as_const(self.buses)) {
+                bus->watchLost(source);
+            }
+            self.mutex.unlock();
+        } else {
+            source->forgetReads();
+        }
+    }
+
     void stop()
     {
+        if (thread.isMissing()) {
+            return;
+        }
+        SourceWatch::setHandler(nullptr);
         const QMutexLocker lock(&mutex);
         thread.runAndWait([this] {
             for (const QSharedPointer<ClientBus> &bus : std::as_const(buses)) {
@@ -92,6 +122,12 @@ QSharedPointer<ClientBus> ClientBus::instance(QString &error)
     QString reason;
     if (!ClientBuses::canStart(reason)) {
         error = QStringLiteral("Cannot connect to %1: %2").arg(choice.label(), reason);
+        return bus;
+    }
+    if (ClientBuses::all().areMissing()) {
+        error = QStringLiteral("Cannot connect to %1: this process was forked after its parent had "
+                               "connected; fork first")
+                    .arg(choice.label());
         return bus;
     }
     bus = ClientBuses::all().find(choice);

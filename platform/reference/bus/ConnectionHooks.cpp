@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The objects that one bus connection calls: receivers of signals, and exported ones.
+// The objects that one bus connection calls: receivers of signals.
 #include "ConnectionHooks.h"
 
 bool ConnectionHooks::subscribe(QDBusConnection connection, const BusSignal &signal,
@@ -13,23 +13,6 @@ bool ConnectionHooks::subscribe(QDBusConnection connection, const BusSignal &sig
     return true;
 }
 
-bool ConnectionHooks::exportObject(QDBusConnection connection, const QString &path,
-                                   QDBusVirtualObject *object)
-{
-    if (!connection.registerVirtualObject(path, object)) {
-        return false;
-    }
-    exportedPaths.append(path);
-    return true;
-}
-
-void ConnectionHooks::withdrawObject(QDBusConnection connection, const QString &path)
-{
-    if (exportedPaths.removeOne(path)) {
-        connection.unregisterObject(path);
-    }
-}
-
 void ConnectionHooks::releaseAll(QDBusConnection connection)
 {
     for (const Subscription &each : qAsConst(subscriptions)) {
@@ -38,8 +21,4 @@ void ConnectionHooks::releaseAll(QDBusConnection connection)
                               each.receiver, each.slot);
     }
     subscriptions.clear();
-    for (const QString &path : qAsConst(exportedPaths)) {
-        connection.unregisterObject(path);
-    }
-    exportedPaths.clear();
 }

@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: MIT
-// The objects that one bus connection calls: receivers of signals, and exported ones.
+// The objects that one bus connection calls: receivers of signals.
 #ifndef CONNECTIONHOOKS_H
 #define CONNECTIONHOOKS_H
 
 #include <QDBusConnection>
-#include <QDBusVirtualObject>
 #include <QObject>
 #include <QPointer>
 #include <QString>
@@ -33,9 +32,6 @@ public:
     bool subscribe(QDBusConnection connection, const BusSignal &signal, QObject *receiver,
                    const char *slot);
 
-    bool exportObject(QDBusConnection connection, const QString &path, QDBusVirtualObject *object);
-    void withdrawObject(QDBusConnection connection, const QString &path);
-
     /// Once it returns, the connection knows none of the objects.
     void releaseAll(QDBusConnection connection);
 
@@ -48,7 +44,6 @@ private:
     };
 
     QVector<Subscription> subscriptions;
-    QStringList exportedPaths;
 };
 
 #endif

@@ -26,7 +26,7 @@ DBusPendingReplyPrivate::send(const QSharedPointer<ClientBus> &bus, const QDBusM
     // Queued string connections to dBusServiceError are dropped unless the type is registered.
     qRegisterMetaType<ErrorContainer>("ErrorContainer");
     QSharedPointer<DBusPendingReply> reply;
-    if (!bus->connection().isConnected()) {
+    if (bus->isMissing() || !bus->connection().isConnected()) {
         return reply;
     }
     auto *state = new DBusPendingReplyPrivate(memory);
@@ -34,7 +34,7 @@ DBusPendingReplyPrivate::send(const QSharedPointer<ClientBus> &bus, const QDBusM
     state->q = reply.data();
     state->fetch = FetchQueue::Fetch::create(
         call, callTimeLimit(), state->q,
-        [state](const QDBusMessage &answer, bool missed) { state->finish(answer, missed); });
+        [state](const DescriptionReply &answer, bool missed) { state->finish(answer, missed); });
     reply->moveToThread(thread);
     bus->fetch(state->fetch);
     return reply;
@@ -50,17 +50,21 @@ DBusPendingReplyPrivate::~DBusPendingReplyPrivate()
     fetch->abandon();
 }
 
-void DBusPendingReplyPrivate::finish(const QDBusMessage &answer, bool missed)
+void DBusPendingReplyPrivate::finish(const DescriptionReply &answer, bool missed)
 {
+    const QString instanceName = fetch->call.arguments().value(0).toString();
     if (missed) {
-        memory->noteMissed(fetch->call.arguments().value(0).toString());
+        memory->noteMissed(instanceName);
     }
-    const DescriptionReply judged = judgeDescriptionReply(fetch->call, answer);
-    reply = judged.value;
+    if (!answer.prepared.isNull()) {
+        memory->expect(instanceName, answer.prepared);
+    }
+    reply = answer.value;
+    const ErrorContainer error = answer.error; // the answer may go with this object
     // Whoever hears of it may release the reply, and this object with it: nothing follows.
-    if (judged.error.getCode() == 0) {
+    if (error.getCode() == 0) {
         Q_EMIT q->dBusServiceFinished();
     } else {
-        Q_EMIT q->dBusServiceError(judged.error);
+        Q_EMIT q->dBusServiceError(error);
     }
 }

@@ -31,7 +31,7 @@ public:
     const QVariant &value() const { return reply; }
 
 private:
-    void finish(const QDBusMessage &answer, bool missed);
+    void finish(const DescriptionReply &answer, bool missed);
 
     const QSharedPointer<FetchMemory> memory;
     FetchQueue::Fetch fetch;

@@ -38,7 +38,13 @@ DBusReply DBusProcessDescriptionConnector::getProcessDataDescription(const QStri
                                                                      const QString &reserved) const
 {
     const auto &state = DBusProcessDescriptionConnectorPrivate::of(*this);
-    const QDBusMessage call = descriptionCall(state.service, state.path, instanceName, reserved);
+    // What the asynchronous fetch brought need not be sent again: the service only says that it
+    // still is the same. One that does not know the question sends it all.
+    const PreparedDescriptionPointer expected = reserved.isEmpty()
+        ? state.memory->expectedOf(instanceName)
+        : PreparedDescriptionPointer();
+    const QDBusMessage call = descriptionCall(state.service, state.path, instanceName,
+                                              expected.isNull() ? reserved : expected->token);
     state.memory->noteAsked(instanceName);
     // Before the call: another thread may hear that the service answers again before this one goes
     // on.
@@ -52,6 +58,13 @@ DBusReply DBusProcessDescriptionConnector::getProcessDataDescription(const QStri
         state.memory->forgetMissed(instanceName);
     }
     const DescriptionReply judged = judgeDescriptionReply(call, answer);
+    if (!expected.isNull() && judged.error.getCode() == 0) {
+        const QString text = judged.value.toString();
+        if (text == expected->token || text == expected->text) {
+            return DBusReply::fromValue(expected->text);
+        }
+        state.memory->forgetExpected(instanceName);
+    }
     return judged.error.getCode() == 0 ? DBusReply::fromValue(judged.value)
                                        : DBusReply::fromError(judged.error.getText());
 }

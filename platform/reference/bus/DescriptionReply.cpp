@@ -2,6 +2,7 @@
 // Judges the answer to a fetch of a description.
 #include "DescriptionReply.h"
 
+#include "BusErrors.h"
 #include "BusNames.h"
 
 #include <QDBusError>
@@ -45,9 +46,7 @@ QDBusMessage descriptionCall(const QString &service, const QString &path,
 DescriptionReply judgeDescriptionReply(const QDBusMessage &call, const QDBusMessage &answer)
 {
     if (answer.type() != QDBusMessage::ReplyMessage) {
-        const QDBusError error(answer);
-        return failure(call, error.type(),
-                       QStringLiteral("%1 (%2)").arg(error.message(), error.name()));
+        return failure(call, QDBusError(answer).type(), BusErrors::text(answer));
     }
     if (answer.signature() != QLatin1String("s")) {
         return failure(call, QDBusError::InvalidSignature,

@@ -4,6 +4,7 @@
 #define DESCRIPTIONREPLY_H
 
 #include "ErrorContainer.h"
+#include "PreparedDescription.h"
 
 #include <QDBusMessage>
 #include <QString>
@@ -13,6 +14,7 @@
 struct DescriptionReply
 {
     QVariant value; ///< the description's JSON text as a QString
+    PreparedDescriptionPointer prepared; ///< the same, read and checked; null until somebody did
     ErrorContainer error; ///< its code is a QDBusError::ErrorType
 };
 

@@ -1,8 +1,12 @@
 // SPDX-License-Identifier: MIT
-// Which instances a connector was asked for, and which of them its service still owes.
+// Which instances a connector was asked for, which of them its service still owes, and what it said
+// of them last.
 #ifndef FETCHMEMORY_H
 #define FETCHMEMORY_H
 
+#include "PreparedDescription.h"
+
+#include <QHash>
 #include <QMutex>
 #include <QMutexLocker>
 #include <QString>
@@ -46,6 +50,26 @@ public:
         return std::exchange(missed, QStringList());
     }
 
+    /// Keeps a description that the next fetch will very likely bring again.
+    void expect(const QString &instanceName, const PreparedDescriptionPointer &description)
+    {
+        const QMutexLocker lock(&mutex);
+        expected.insert(instanceName, description);
+    }
+
+    /// @returns null when there is none
+    PreparedDescriptionPointer expectedOf(const QString &instanceName) const
+    {
+        const QMutexLocker lock(&mutex);
+        return expected.value(instanceName);
+    }
+
+    void forgetExpected(const QString &instanceName)
+    {
+        const QMutexLocker lock(&mutex);
+        expected.remove(instanceName);
+    }
+
     bool wasAsked(const QString &instanceName) const
     {
         const QMutexLocker lock(&mutex);
@@ -62,6 +86,7 @@ private:
     mutable QMutex mutex;
     QStringList asked;
     QStringList missed;
+    QHash<QString, PreparedDescriptionPointer> expected; // by instance
 };
 
 #endif

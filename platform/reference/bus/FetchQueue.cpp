@@ -42,13 +42,13 @@ bool DescriptionFetch::isAbandoned() const
     return receiver == nullptr;
 }
 
-void DescriptionFetch::report(const QDBusMessage &answer, bool missed)
+void DescriptionFetch::report(const DescriptionReply &reply, bool missed)
 {
     const QMutexLocker lock(&mutex);
     if (receiver != nullptr) {
         // What is posted goes with the receiver.
         QMetaObject::invokeMethod(
-            receiver, [handler = handler, answer, missed] { handler(answer, missed); },
+            receiver, [handler = handler, reply, missed] { handler(reply, missed); },
             Qt::QueuedConnection);
     }
 }

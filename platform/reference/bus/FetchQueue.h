@@ -3,6 +3,8 @@
 #ifndef FETCHQUEUE_H
 #define FETCHQUEUE_H
 
+#include "DescriptionReply.h"
+
 #include <QDBusMessage>
 #include <QHash>
 #include <QMutex>
@@ -21,7 +23,7 @@ class DescriptionFetch
 {
 public:
     /// @param missed  whether the service kept its answer to itself
-    using Handler = std::function<void(const QDBusMessage &answer, bool missed)>;
+    using Handler = std::function<void(const DescriptionReply &reply, bool missed)>;
 
     /// @param timeLimit  milliseconds, from when it is sent
     /// @param receiver   in whose thread the handler is called; abandon() comes before its end
@@ -32,7 +34,7 @@ public:
     bool isAbandoned() const;
 
     /// Hands the answer over, queued.
-    void report(const QDBusMessage &answer, bool missed);
+    void report(const DescriptionReply &reply, bool missed);
 
     const QDBusMessage call;
     const int timeLimit;

@@ -1,31 +1,20 @@
 // SPDX-License-Identifier: MIT
-// The serving side of the bus: a connection of its own, a name, and the objects behind it.
+// The serving side of the bus: a name, and the objects behind it.
 #include "ServiceEndpoint.h"
 
-#include "BusCall.h"
-#include "BusErrors.h"
 #include "BusLog.h"
 #include "BusNames.h"
+#include "ServingConnection.h"
+#include "ServingConnections.h"
 
-#include <QDBusError>
-#include <QDBusVirtualObject>
+#include <QVector>
 
 #include <utility>
 
 namespace {
 
-constexpr uint doNotQueue = 4; // flag of RequestName
-constexpr uint nowOwner = 1; // its answers
-constexpr uint alreadyOwner = 4;
-
 // Milliseconds between two attempts to take a name that another process holds after a restart.
 constexpr int nameRetryDelay = 1000;
-
-QDBusMessage daemonCall(const QString &member)
-{
-    return QDBusMessage::createMethodCall(BusNames::daemonService(), BusNames::daemonPath(),
-                                          BusNames::daemonInterface(), member);
-}
 
 // By the policies that are installed with this library.
 QString whoMayOwn(const QString &serviceName)
@@ -37,17 +26,18 @@ QString whoMayOwn(const QString &serviceName)
 }
 }
 
-ServiceEndpoint::ServiceEndpoint(const BusChoice &choice, QString serviceName, QObject *parent)
+ServiceEndpoint::ServiceEndpoint(const BusChoice &choice, QString serviceName, qint64 largestCall,
+                                 ServingConnections *shared, QObject *parent)
     : QObject(parent)
-    , link(choice, this)
+    , choice(choice)
     , serviceName(std::move(serviceName))
+    , largestCall(largestCall)
+    , shared(shared)
     , nameTimer(this)
 {
     nameTimer.setSingleShot(true);
     nameTimer.setInterval(nameRetryDelay);
     QObject::connect(&nameTimer, &QTimer::timeout, this, &ServiceEndpoint::handleRestored);
-    QObject::connect(&link, &BusLink::lost, this, &ServiceEndpoint::handleLost);
-    QObject::connect(&link, &BusLink::restored, this, &ServiceEndpoint::handleRestored);
 }
 
 ServiceEndpoint::~ServiceEndpoint()
@@ -55,83 +45,98 @@ ServiceEndpoint::~ServiceEndpoint()
     stop();
 }
 
-void ServiceEndpoint::exportObject(const QString &path, QDBusVirtualObject *object)
+void ServiceEndpoint::exportObject(const QString &path, ServedObject *object)
 {
     objects.insert(path, object);
-    link.exportObject(path, object);
+    if (serving != nullptr) {
+        serving->addObject(serviceName, path, object);
+    }
 }
 
 void ServiceEndpoint::withdrawObject(const QString &path)
 {
     objects.remove(path);
-    link.withdrawObject(path);
+    if (serving != nullptr) {
+        serving->removeObject(serviceName, path);
+    }
 }
 
 bool ServiceEndpoint::start(QString &error)
 {
-    QString reason;
-    if (!link.open(reason)) {
-        error = QStringLiteral("Cannot connect to %1: %2").arg(link.bus().label(), reason);
+    if (!connectAndTakeName(error)) {
         return false;
     }
-    if (!takeName(error)) {
-        link.close();
-        return false;
-    }
+    QObject::connect(serving.data(), &ServingConnection::lost, this, &ServiceEndpoint::handleLost);
+    QObject::connect(serving.data(), &ServingConnection::restored, this,
+                     &ServiceEndpoint::handleRestored);
     available = true;
     Q_EMIT becameAvailable();
     return true;
 }
 
+// The objects come first, so that whoever sees the name finds them.
+bool ServiceEndpoint::connectAndTakeName(QString &error)
+{
+    QVector<QSharedPointer<ServingConnection>> full;
+    for (;;) {
+        const QSharedPointer<ServingConnection> candidate = shared == nullptr
+            ? QSharedPointer<ServingConnection>::create(choice)
+            : shared->find(choice, full);
+        QString reason;
+        if (!candidate->open(reason)) {
+            error = QStringLiteral("Cannot connect to %1: %2").arg(choice.label(), reason);
+            return false;
+        }
+        const bool hasOthers = candidate->serviceCount() > 0;
+        candidate->addService(serviceName, largestCall);
+        for (auto it = objects.cbegin(); it != objects.cend(); ++it) {
+            candidate->addObject(serviceName, it.key(), it.value());
+        }
+        const ServingConnection::NameResult result = candidate->takeName(serviceName, reason);
+        if (result == ServingConnection::NameResult::Owned) {
+            serving = candidate;
+            return true;
+        }
+        candidate->removeService(serviceName);
+        if (result != ServingConnection::NameResult::Full || !hasOthers) {
+            error = notOwned(reason);
+            return false;
+        }
+        full += candidate;
+    }
+}
+
 void ServiceEndpoint::stop()
 {
     nameTimer.stop();
-    if (available && link.isConnected()) {
-        QDBusMessage call = daemonCall(QStringLiteral("ReleaseName"));
-        call << serviceName;
-        BusCall::wait(link.connection(), call, callTimeLimit());
+    if (serving == nullptr) {
+        return;
+    }
+    serving->disconnect(this);
+    if (available && serving->isOpen()) {
+        serving->releaseName(serviceName);
     }
     available = false;
-    link.close();
+    serving->removeService(serviceName);
+    serving.reset();
 }
 
-// The objects come first, so that whoever sees the name finds them.
-bool ServiceEndpoint::takeName(QString &error)
+QString ServiceEndpoint::notOwned(const QString &reason) const
 {
-    QDBusConnection connection = link.connection();
-    for (auto it = objects.cbegin(); it != objects.cend(); ++it) {
-        link.exportObject(it.key(), it.value());
+    QString text
+        = QStringLiteral("Cannot own %1 on %2: %3").arg(serviceName, choice.label(), reason);
+    if (reason.contains(QLatin1String("(org.freedesktop.DBus.Error.AccessDenied)"))) {
+        text += whoMayOwn(serviceName);
     }
-    QDBusMessage call = daemonCall(QStringLiteral("RequestName"));
-    call << serviceName << doNotQueue;
-    const QDBusMessage answer = BusCall::wait(connection, call, callTimeLimit());
-    if (answer.type() != QDBusMessage::ReplyMessage) {
-        const QDBusError reason(answer);
-        error = QStringLiteral("Cannot own %1 on %2: %3 (%4)")
-                    .arg(serviceName, link.bus().label(), reason.message(), reason.name());
-        if (BusErrors::isDenied(answer)) {
-            error += whoMayOwn(serviceName);
-        }
-        return false;
-    }
-    const uint result = answer.arguments().value(0).toUInt();
-    if (result != nowOwner && result != alreadyOwner) {
-        error = QStringLiteral("Cannot own %1 on %2: another process owns it")
-                    .arg(serviceName, link.bus().label());
-        return false;
-    }
-    return true;
+    return text;
 }
 
 void ServiceEndpoint::sendSignal(const QString &path, const QString &interface,
                                  const QString &member, const QVariantList &arguments)
 {
-    if (!available) {
-        return; // all is announced when the name is owned again
+    if (available) { // else all is announced when the name is owned again
+        serving->send(Wire::signal(path, interface, member, arguments));
     }
-    QDBusMessage signal = QDBusMessage::createSignal(path, interface, member);
-    signal.setArguments(arguments);
-    link.connection().send(signal);
 }
 
 void ServiceEndpoint::handleLost()
@@ -145,12 +150,12 @@ void ServiceEndpoint::handleLost()
 
 void ServiceEndpoint::handleRestored()
 {
-    QString error;
-    if (!takeName(error)) {
-        if (!warned) {
-            qCWarning(busLog).noquote() << error << "- trying again";
+    QString reason;
+    if (serving->takeName(serviceName, reason) != ServingConnection::NameResult::Owned) {
+        if (!warned && serving->isOpen()) {
+            qCWarning(busLog).noquote() << notOwned(reason) << "- trying again";
         }
-        warned = true;
+        warned = warned || serving->isOpen();
         nameTimer.start();
         return;
     }

@@ -1,23 +1,22 @@
 // SPDX-License-Identifier: MIT
-// The serving side of the bus: a connection of its own, a name, and the objects behind it.
+// The serving side of the bus: a name, and the objects behind it.
 #ifndef SERVICEENDPOINT_H
 #define SERVICEENDPOINT_H
 
-#include "BusLink.h"
+#include "BusSettings.h"
+#include "ServedCall.h"
 
-#include <QDBusMessage>
 #include <QHash>
 #include <QObject>
+#include <QSharedPointer>
 #include <QString>
 #include <QTimer>
+#include <QVariantList>
 
-class QDBusVirtualObject;
+class ServingConnection;
+class ServingConnections;
 
 /// Owns one bus name. Takes it again, with all objects, after the bus daemon restarted.
-///
-/// Never shares the connection of the process's clients: QtDBus would answer a client's call to a
-/// service of its own connection within the calling thread, past the thread that the service
-/// belongs to.
 ///
 /// Threads: belongs to one thread with an event loop, in which its objects answer.
 class ServiceEndpoint : public QObject
@@ -25,18 +24,22 @@ class ServiceEndpoint : public QObject
     Q_OBJECT
 
 public:
-    ServiceEndpoint(const BusChoice &choice, QString serviceName, QObject *parent = nullptr);
+    /// What calls hold at most whose arguments are names.
+    static constexpr qint64 namesOnly = 16 << 10;
+    /// What calls hold at most that carry a document.
+    static constexpr qint64 documents = 4 << 20;
+
+    /// @param largestCall  bytes of arguments that its interfaces need at most; larger calls get an
+    /// error
+    /// @param shared       whose connections it uses, in their thread; null for a connection of its
+    /// own
+    ServiceEndpoint(const BusChoice &choice, QString serviceName, qint64 largestCall,
+                    ServingConnections *shared = nullptr, QObject *parent = nullptr);
     ~ServiceEndpoint() override;
 
     /// Makes an object answer at a path; the object stays the caller's.
-    void exportObject(const QString &path, QDBusVirtualObject *object);
+    void exportObject(const QString &path, ServedObject *object);
     void withdrawObject(const QString &path);
-
-    /// BusLink::subscribe() on the connection as it is now.
-    bool subscribe(const BusSignal &signal, QObject *receiver, const char *slot)
-    {
-        return link.subscribe(signal, receiver, slot);
-    }
 
     /// Connects, exports the objects and takes the name; waits for the bus daemon's answers.
     ///
@@ -49,8 +52,10 @@ public:
     void stop();
 
     bool isAvailable() const { return available; }
-    QDBusConnection connection() const { return link.connection(); }
     const QString &name() const { return serviceName; }
+
+    /// For calls of the service itself; null before start() and after stop().
+    const QSharedPointer<ServingConnection> &connection() const { return serving; }
 
     /// Sends a signal; dropped while the bus is away.
     void sendSignal(const QString &path, const QString &interface, const QString &member,
@@ -62,13 +67,17 @@ Q_SIGNALS:
     void becameUnavailable();
 
 private:
-    bool takeName(QString &error);
+    bool connectAndTakeName(QString &error);
+    QString notOwned(const QString &reason) const;
     void handleLost();
     void handleRestored();
 
-    BusLink link;
+    const BusChoice choice;
     const QString serviceName;
-    QHash<QString, QDBusVirtualObject *> objects;
+    const qint64 largestCall;
+    ServingConnections *const shared;
+    QSharedPointer<ServingConnection> serving;
+    QHash<QString, ServedObject *> objects;
     QTimer nameTimer;
     bool available = false;
     bool warned = false; // that the name could not be taken again

@@ -5,8 +5,6 @@
 #include "BusErrors.h"
 #include "ClientBus.h"
 
-#include <QDBusError>
-
 BusQueryResult queryService(const QDBusMessage &call, const QString &signature,
                             QDBusMessage &answer, QString &errorMessage)
 {
@@ -26,9 +24,8 @@ BusQueryResult queryService(const QDBusMessage &call, const QString &signature,
                 = QStringLiteral("No service %1 on %2").arg(call.service(), bus->bus().label());
             return BusQueryResult::ServiceMissing;
         }
-        const QDBusError error(received);
-        errorMessage = QStringLiteral("%1 %2: %3 (%4)")
-                           .arg(call.service(), call.path(), error.message(), error.name());
+        errorMessage = QStringLiteral("%1 %2: %3")
+                           .arg(call.service(), call.path(), BusErrors::text(received));
         if (BusErrors::isTimeout(received)) {
             return BusQueryResult::TimedOut;
         }

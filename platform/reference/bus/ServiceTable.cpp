@@ -40,6 +40,11 @@ bool ServiceTable::hasOwner(const QString &service) const
     return !entries.value(service).owner.isEmpty();
 }
 
+QString ServiceTable::ownerOf(const QString &service) const
+{
+    return entries.value(service).owner;
+}
+
 void ServiceTable::setGivenUp(const QString &service)
 {
     const auto entry = entries.find(service);

@@ -29,6 +29,7 @@ public:
     /// Whether it is known if the service has an owner.
     bool isKnown(const QString &service) const;
     bool hasOwner(const QString &service) const;
+    QString ownerOf(const QString &service) const;
 
     /// Remembers that somebody took the service for absent before its owner was known.
     void setGivenUp(const QString &service);

@@ -55,7 +55,7 @@ private:
             service, path, BusNames::propertiesInterface(), QStringLiteral("Get"));
         call.setArguments({BusNames::statusManagerInterface(), BusNames::readyProperty()});
         call.setAutoStartService(false);
-        // Nobody waits for it, and a manager that hangs shall be heard when it is back: no time
+        // Nobody waits for it, and a manager that hangs must be heard when it is back: no time
         // limit. Without a connection it is asked when the bus is back.
         BusCall::send(
             bus->connection(), call, noTimeLimit(), q, [this](const QDBusMessage &answer) {
@@ -76,7 +76,7 @@ private:
 
     bool reported = false;
     // Owner of the manager's name that said so when it was asked. The signal of that start-up may
-    // still be on its way then: answers and signals reach this thread on different ways.
+    // still be on its way then: answers and signals reach this thread by different routes.
     QString foundReady;
 };
 

@@ -2,84 +2,22 @@
 // Maps the buffer that a description names, after checking all that the two say of each other.
 #include "BufferAttachment.h"
 
+#include "BufferLife.h"
 #include "BufferName.h"
 #include "FileDescriptor.h"
 #include "SharedLock.h"
 
 #include <algorithm>
 #include <climits>
-#include <fcntl.h>
 #include <limits>
+#include <memory>
 #include <sys/mman.h>
-#include <sys/stat.h>
+#include <utility>
 
 namespace {
 
-struct OpenBuffer
+QString checkSize(const struct stat &status, const BufferDescription &expected)
 {
-    int descriptor;
-    SharedMemoryPrivate::Access access;
-};
-
-// O_NONBLOCK: a named pipe under the buffer's name must not hold us up.
-int openFile(const QByteArray &path, int mode)
-{
-    return repeatOnSignal(
-        [&] { return open(path.constData(), mode | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK); });
-}
-
-OpenBuffer openBuffer(const QByteArray &path)
-{
-    const int descriptor = openFile(path, O_RDWR);
-    if (descriptor == -1 && (errno == EACCES || errno == EROFS)) {
-        return {openFile(path, O_RDONLY), SharedMemoryPrivate::ReadOnly};
-    }
-    return {descriptor, SharedMemoryPrivate::ReadWrite};
-}
-
-QString openingFailed(const QByteArray &path, int reason)
-{
-    struct stat status
-    {
-    };
-    if (reason == EACCES && stat(path.constData(), &status) == 0) {
-        return QStringLiteral(
-                   "%1; reading it takes membership in the group with id %2 (its mode is %3)")
-            .arg(errorText(reason))
-            .arg(status.st_gid)
-            .arg(QString::number(status.st_mode & 07777U, 8));
-    }
-    switch (reason) {
-    case ENOENT:
-        return QStringLiteral("it does not exist; its publisher has ended or made a new one");
-    case ELOOP:
-        return QStringLiteral("it is a symbolic link and no regular file");
-    case EISDIR:
-        return QStringLiteral("it is a directory and no regular file");
-    default:
-        return errorText(reason);
-    }
-}
-
-QString differs(const char *what, quint64 found, quint64 expected)
-{
-    return QStringLiteral("its %1 is %2, expected %3")
-        .arg(QLatin1String(what))
-        .arg(found)
-        .arg(expected);
-}
-
-QString checkFile(const struct stat &status, const BufferDescription &expected, AttachStep &step)
-{
-    step = AttachStep::File;
-    if (!S_ISREG(status.st_mode)) {
-        return QStringLiteral("it is no regular file");
-    }
-    step = AttachStep::Permission;
-    if (status.st_uid != expected.ownerUid) {
-        return differs("owner's user id", status.st_uid, expected.ownerUid);
-    }
-    step = AttachStep::Layout;
     if (quint64(status.st_size) != expected.size) {
         return differs("file size", quint64(status.st_size), expected.size);
     }
@@ -100,17 +38,17 @@ QString abiText(quint32 tag)
 QString checkHeader(const BufferHeader &header, const ProcessDataDescription &description)
 {
     if (!std::equal(std::begin(bufferMagic), std::end(bufferMagic), header.magic)) {
-        return QStringLiteral("it is no process-data buffer");
+        return QStringLiteral("it is not a process-data buffer");
     }
     if (header.layoutVersion != bufferLayoutVersion) {
-        return differs("layout version", header.layoutVersion, bufferLayoutVersion);
+        return otherLayout(header.layoutVersion);
     }
     if (header.abiTag != bufferAbiTag) {
         return QStringLiteral("its publisher has %1, this process has %2; they cannot share it")
             .arg(abiText(header.abiTag), abiText(bufferAbiTag));
     }
-    if (!isSharedLock(header.livenessLock) || !isSharedLock(header.writersLock)) {
-        return QStringLiteral("its locks are not of the kind that this process uses");
+    if (!isSharedLock(header.writersLock)) {
+        return QStringLiteral("its lock is not of the kind that this process uses");
     }
     if (header.headerSize != sizeof(BufferHeader)) {
         return differs("header size", header.headerSize, sizeof(BufferHeader));
@@ -123,9 +61,6 @@ QString checkHeader(const BufferHeader &header, const ProcessDataDescription &de
     }
     if (header.slotCount != quint32(description.leaves.size())) {
         return differs("number of slots", header.slotCount, quint64(description.leaves.size()));
-    }
-    if (header.state != BufferActive && header.state != BufferRetired) {
-        return QStringLiteral("it is not complete (state %1)").arg(header.state);
     }
     return QString();
 }
@@ -160,17 +95,20 @@ QString checkContent(int descriptor, const ProcessDataDescription &description)
     return error.isEmpty() ? checkSlots(description) : error;
 }
 
-QSharedPointer<SharedMemoryPrivate> mapBuffer(const OpenBuffer &buffer, size_t size, QString &error)
+QSharedPointer<SharedMemoryPrivate> mapBuffer(const ObjectFile &buffer, size_t size,
+                                              std::unique_ptr<LifeMapping> life, QString &error)
 {
-    const int protection
-        = buffer.access == SharedMemoryPrivate::ReadWrite ? PROT_READ | PROT_WRITE : PROT_READ;
+    const int protection = buffer.writable ? PROT_READ | PROT_WRITE : PROT_READ;
     void *base = mmap(nullptr, size, protection, MAP_SHARED, buffer.descriptor, 0);
     if (base == MAP_FAILED) {
         error = QStringLiteral("mapping it failed: %1").arg(errorText(errno));
         return {};
     }
-    auto memory = QSharedPointer<SharedMemoryPrivate>::create(base, size, buffer.access);
+    auto memory = QSharedPointer<SharedMemoryPrivate>::create(
+        base, size,
+        buffer.writable ? SharedMemoryPrivate::ReadWrite : SharedMemoryPrivate::ReadOnly);
     memory->guard();
+    memory->watch(std::move(life));
     return memory;
 }
 
@@ -185,21 +123,21 @@ QSharedPointer<SharedMemoryPrivate> attachBuffer(const ProcessDataDescription &d
         error = QStringLiteral("its name is not that of a shared-memory object");
         return {};
     }
-    const OpenBuffer buffer = openBuffer(path);
-    if (buffer.descriptor == -1) {
-        step = errno == EACCES || errno == EPERM ? AttachStep::Permission : AttachStep::File;
-        error = openingFailed(path, errno);
+    // Where the name ends otherwise, somebody else's file was given this name.
+    if (generationOfName(path) != description.buffer->generation) {
+        step = AttachStep::Layout;
+        error = QStringLiteral("its name is not that of a buffer of generation %1")
+                    .arg(description.buffer->generation);
         return {};
     }
+    const ObjectFile buffer
+        = openObject(path, description.buffer->ownerUid, ObjectAccess::ReadWriteIfAllowed);
     const FileDescriptor descriptor(buffer.descriptor);
-    struct stat status
-    {
-    };
-    if (fstat(buffer.descriptor, &status) == -1) {
-        error = errorText(errno);
-        return {};
+    step = buffer.error.isEmpty() ? AttachStep::Layout : buffer.step;
+    QString reason = buffer.error;
+    if (reason.isEmpty()) {
+        reason = checkSize(buffer.status, *description.buffer);
     }
-    QString reason = checkFile(status, *description.buffer, step);
     if (reason.isEmpty()) {
         reason = checkContent(buffer.descriptor, description);
     }
@@ -207,7 +145,11 @@ QSharedPointer<SharedMemoryPrivate> attachBuffer(const ProcessDataDescription &d
         error = reason;
         return {};
     }
-    auto mapping = mapBuffer(buffer, size_t(description.buffer->size), error);
+    std::unique_ptr<LifeMapping> life = attachLife(*description.buffer, error, step);
+    if (life == nullptr) {
+        return {};
+    }
+    auto mapping = mapBuffer(buffer, size_t(description.buffer->size), std::move(life), error);
     step = mapping.isNull() ? AttachStep::Layout : AttachStep::Mapped;
     return mapping;
 }

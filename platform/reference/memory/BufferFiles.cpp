@@ -10,29 +10,11 @@
 #include <QFile>
 
 #include <algorithm>
-#include <fcntl.h>
 #include <sys/stat.h>
 
 namespace {
 
 constexpr mode_t permissionBits = 07777;
-
-BufferFile::State stateOf(BufferLife life)
-{
-    switch (life) {
-    case BufferLife::Live:
-        return BufferFile::Live;
-    case BufferLife::Retired:
-        return BufferFile::Retired;
-    case BufferLife::Dead:
-        return BufferFile::Dead;
-    case BufferLife::OtherLayout:
-        return BufferFile::OtherLayout;
-    case BufferLife::NoBuffer:
-        break;
-    }
-    return BufferFile::NoBuffer;
-}
 
 void takeStatus(const struct stat &status, BufferFile &file)
 {
@@ -43,25 +25,82 @@ void takeStatus(const struct stat &status, BufferFile &file)
     file.mode = status.st_mode & permissionBits;
 }
 
-// O_NONBLOCK: a named pipe under such a name must not hold us up.
-int openForReading(const QByteArray &path)
+// A buffer whose publisher's life nothing tells of, by what can be seen of it.
+void takeContent(const QByteArray &path, BufferFile &file)
 {
-    return repeatOnSignal(
-        [&] { return open(path.constData(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK); });
-}
-
-void takeContent(int descriptor, BufferFile &file)
-{
-    BufferHeader header{};
-    file.state = stateOf(lifeOfBuffer(descriptor, header));
-    if (file.state == BufferFile::NoBuffer) {
-        file.problem = file.size < sizeof(header)
-            ? QStringLiteral("its %1 bytes are fewer than a buffer's header has").arg(file.size)
-            : QStringLiteral("it does not begin like a buffer");
+    ObjectFile object = openObject(path, file.ownerUid, ObjectAccess::ReadOnly);
+    const FileDescriptor descriptor(object.descriptor);
+    if (!object.error.isEmpty()) {
+        file.state = object.reason == EACCES ? BufferFile::Unreadable : BufferFile::NoBuffer;
+        file.problem = object.error;
         return;
     }
-    file.layoutVersion = header.layoutVersion;
-    file.generation = header.generation;
+    BufferHeader header{};
+    const ssize_t got
+        = repeatOnSignal([&] { return pread(object.descriptor, &header, sizeof(header), 0); });
+    if (got < ssize_t(sizeof(header))) {
+        file.problem
+            = QStringLiteral("its %1 bytes are fewer than a buffer's header has").arg(file.size);
+    } else if (!std::equal(std::begin(bufferMagic), std::end(bufferMagic), header.magic)) {
+        file.problem = QStringLiteral("it does not begin like a buffer");
+    } else if (header.layoutVersion != bufferLayoutVersion) {
+        file.state = BufferFile::OtherLayout;
+        file.layoutVersion = header.layoutVersion;
+    }
+}
+
+// What the record says is believed whatever stands in the buffer: whoever writes values can write
+// all of that.
+void takeLife(const QByteArray &path, const QByteArray &bufferPath, BufferFile &file)
+{
+    QString problem;
+    switch (lifeOfBuffer(bufferPath, file.ownerUid, problem)) {
+    case BufferLife::Live:
+        file.state = BufferFile::Live;
+        break;
+    case BufferLife::Retired:
+        file.state = BufferFile::Retired;
+        break;
+    case BufferLife::Dead:
+        file.state = BufferFile::Dead;
+        break;
+    case BufferLife::Unreadable:
+        file.state = BufferFile::Unreadable;
+        file.problem = problem;
+        return;
+    case BufferLife::Unknown:
+        if (path == bufferPath) {
+            takeContent(path, file);
+        }
+        if (file.state == BufferFile::NoBuffer && file.problem.isEmpty()) {
+            file.problem = problem;
+        }
+        return;
+    }
+    file.layoutVersion = bufferLayoutVersion;
+    file.generation = generationOfName(bufferPath).value_or(0);
+}
+
+QByteArray bufferOf(const QByteArray &path)
+{
+    return path.endsWith(lifeNameEnd) ? path.left(path.size() - int(sizeof(lifeNameEnd) - 1))
+                                      : path;
+}
+
+// A record goes by its buffer, and stands in a list by itself only when there is none.
+bool standsBesideBuffer(const QString &path)
+{
+    const QByteArray name = QFile::encodeName(path);
+    struct stat status
+    {
+    };
+    return bufferOf(name) != name && lstat(bufferOf(name).constData(), &status) == 0;
+}
+
+bool removeName(const QByteArray &path, int &reason)
+{
+    reason = unlink(path.constData()) == 0 ? 0 : errno;
+    return reason == 0;
 }
 }
 
@@ -83,20 +122,10 @@ bool inspectBufferFile(const QString &path, BufferFile &file)
     file.path = path;
     takeStatus(status, file);
     if (!S_ISREG(status.st_mode)) {
-        file.problem = QStringLiteral("it is no regular file");
+        file.problem = QStringLiteral("it is not a regular file");
         return true;
     }
-    const FileDescriptor descriptor(openForReading(name));
-    if (!descriptor.isValid()) {
-        const int reason = errno;
-        file.state = BufferFile::Unreadable;
-        file.problem = errorText(reason);
-        return reason != ENOENT;
-    }
-    if (fstat(descriptor.get(), &status) == 0) {
-        takeStatus(status, file);
-    }
-    takeContent(descriptor.get(), file);
+    takeLife(name, bufferOf(name), file);
     return true;
 }
 
@@ -113,7 +142,8 @@ bool listBufferFiles(QVector<BufferFile> &files, QString &errorMessage)
     QVector<BufferFile> found;
     for (const QString &name : names) {
         BufferFile file;
-        if (inspectBufferFile(directory.filePath(name), file)) {
+        const QString path = directory.filePath(name);
+        if (!standsBesideBuffer(path) && inspectBufferFile(path, file)) {
             found.append(file);
         }
     }
@@ -136,10 +166,13 @@ BufferRemoval removeLeftover(const BufferFile &file, QString &errorMessage)
         return BufferRemoval::Kept;
     }
     // Names are never used twice: they end in a generation, which only grows.
-    if (unlink(QFile::encodeName(file.path).constData()) == 0) {
+    const QByteArray name = QFile::encodeName(file.path);
+    int reason = 0;
+    if (removeName(name, reason)) {
+        int ignored = 0; // the proof goes last; without its buffer it is listed by itself
+        removeName(bufferOf(name) + lifeNameEnd, ignored);
         return BufferRemoval::Removed;
     }
-    const int reason = errno;
     if (reason == ENOENT) {
         return BufferRemoval::Gone;
     }

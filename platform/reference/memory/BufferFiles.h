@@ -8,13 +8,14 @@
 #include <QString>
 #include <QVector>
 
-/// A file in shared memory that has the name of a buffer.
+/// A file in shared memory that has the name of a buffer, or of the record of a publisher's life
+/// where that has no buffer.
 struct BufferFile
 {
     enum State {
         Live, ///< its publisher runs
         Retired, ///< its publisher has given it up, and only its name was left
-        Dead, ///< its publisher died: the kernel says so in the liveness lock
+        Dead, ///< its publisher died: the kernel says so in the record beside it
         OtherLayout, ///< a buffer of another layout version: nothing can be told of its publisher
         NoBuffer, ///< something else under such a name
         Unreadable, ///< this process may not read it
@@ -47,7 +48,8 @@ enum class BufferRemoval {
 /// Layout version of buffers that this platform makes and reads.
 PROCESSDATAPLATFORM_EXPORT quint32 ownBufferLayoutVersion();
 
-/// Lists all files in shared memory that are named like buffers, sorted by name.
+/// Lists all files in shared memory that are named like buffers, sorted by name. Records of
+/// publishers' lives are not listed where their buffer is there.
 ///
 /// @param files         receives them; left alone on failure
 /// @param errorMessage  receives one sentence; left alone on success
@@ -59,7 +61,7 @@ PROCESSDATAPLATFORM_EXPORT bool listBufferFiles(QVector<BufferFile> &files, QStr
 /// @returns false when it is not there any more
 PROCESSDATAPLATFORM_EXPORT bool inspectBufferFile(const QString &path, BufferFile &file);
 
-/// Removes a leftover. Proves again that it is one, on the file that was listed and no other.
+/// Removes a leftover and the record beside it. Proves again that it is one, on the file that was listed and no other.
 ///
 /// @param errorMessage  receives one sentence unless it was removed or is gone
 /// Threads: any. Logs nothing.

@@ -4,6 +4,7 @@
 
 #include "BufferAttachment.h"
 #include "BufferName.h"
+#include "UserNames.h"
 
 #include <sys/stat.h>
 
@@ -21,8 +22,7 @@ QString permissionText(const QByteArray &path)
     }
     constexpr int octal = 8;
     return QStringLiteral("owner %1, group %2, mode %3")
-        .arg(status.st_uid)
-        .arg(status.st_gid)
+        .arg(UserNames::ofUser(status.st_uid), UserNames::ofGroup(status.st_gid))
         .arg(status.st_mode & permissionBits, 4, octal, QLatin1Char('0'));
 }
 
@@ -41,12 +41,12 @@ BufferInspection::Step stepOf(AttachStep step)
     return BufferInspection::Liveness;
 }
 
-QString livenessProblem(const BufferHeader &header)
+QString livenessProblem(const LifeRecord &life)
 {
-    if (bufferState(header) != BufferActive) {
+    if (bufferState(life) != BufferActive) {
         return QStringLiteral("its publisher has retired it");
     }
-    return isLockOwnerAlive(lockWord(header.livenessLock))
+    return isLockOwnerAlive(lockWord(life.lock))
         ? QString()
         : QStringLiteral("its publisher died without retiring it");
 }
@@ -74,7 +74,7 @@ BufferInspection inspectBuffer(const QString &description)
         return result;
     }
     result.writable = memory->isWritable();
-    result.problem = livenessProblem(memory->header());
+    result.problem = livenessProblem(memory->life());
     if (result.problem.isEmpty()) {
         result.end = BufferInspection::Complete;
     }

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
-// The header of a shared-memory buffer, layout 1, and what can be told from it.
+// The header of a shared-memory buffer, layout 2: what never changes, and the lock of those who write.
 #ifndef BUFFERLAYOUT_H
 #define BUFFERLAYOUT_H
 
-#include "CrashPoint.h"
 #include "SlotLayout.h"
 
 #include <QtGlobal>
@@ -11,15 +10,9 @@
 #include <cstddef>
 #include <pthread.h>
 
-/// Life of a buffer; the numbers are stored in it.
-enum BufferState : quint32 {
-    BufferBuilding = 1, // header not complete: nobody attaches
-    BufferActive = 2,
-    BufferRetired = 3, // given up by its publisher: the last values stay readable
-};
-
 constexpr char bufferMagic[8] = {'P', 'D', 'B', 'U', 'F', 'F', 'E', 'R'};
-constexpr quint32 bufferLayoutVersion = 1;
+/// Of buffers and of the objects that tell of their publishers' lives.
+constexpr quint32 bufferLayoutVersion = 2;
 
 /// Word size and size of a lock: processes that disagree on either cannot share a buffer, and
 /// refuse.
@@ -31,10 +24,12 @@ constexpr quint32 bufferAbiTag
 /// Room for one process-shared lock, the same on every machine.
 union BufferLock {
     pthread_mutex_t mutex;
-    char room[64];
+    char room[56];
 };
 
-/// First bytes of every buffer. All but state and locks are constant once the buffer has its name.
+/// First bytes of every buffer. All but the lock are constant once the buffer has its name. Whoever
+/// may write a value may write all of it, so nothing here tells whether the publisher lives: see
+/// LifeRecord.
 struct alignas(64) BufferHeader
 {
     char magic[8];
@@ -44,24 +39,20 @@ struct alignas(64) BufferHeader
     quint64 generation;
     quint32 slotCount;
     quint32 abiTag;
-    quint32 state; // BufferState
-    quint32 reserved[5];
-    BufferLock livenessLock; // held by the publisher for as long as it lives
-    BufferLock
-        writersLock; // a line of its own: writing must not slow down readers of the line above
+    quint32 reserved[22];
+    BufferLock writersLock; // a line of its own: writing must not slow down whoever attaches
+    char unused[8];
 };
 
 static_assert(sizeof(BufferHeader) == slotLayoutHeaderSize, "the header is 192 bytes everywhere");
-static_assert(sizeof(BufferLock) == 64, "a lock fits into its room");
+static_assert(sizeof(BufferLock) == 56, "a lock fits into its room");
 static_assert(offsetof(BufferHeader, layoutVersion) == 8 && offsetof(BufferHeader, headerSize) == 12
                   && offsetof(BufferHeader, bufferSize) == 16
                   && offsetof(BufferHeader, generation) == 24
-                  && offsetof(BufferHeader, slotCount) == 32 && offsetof(BufferHeader, abiTag) == 36
-                  && offsetof(BufferHeader, state) == 40,
+                  && offsetof(BufferHeader, slotCount) == 32
+                  && offsetof(BufferHeader, abiTag) == 36,
               "32-bit and 64-bit processes can read each other's header far enough to refuse it");
-static_assert(offsetof(BufferHeader, livenessLock) == 64
-                  && offsetof(BufferHeader, writersLock) == 128,
-              "each lock has a cache line");
+static_assert(offsetof(BufferHeader, writersLock) == 128, "the lock has a cache line");
 
 #ifndef __GLIBC__
 #error "the liveness test reads the lock word of glibc's mutex"
@@ -79,23 +70,6 @@ inline bool isLockOwnerAlive(quint32 word)
 {
     // Shifted, the bit of waiters is gone and that of a dead owner is the sign.
     return qint32(word << 1) > 0;
-}
-
-inline quint32 bufferState(const BufferHeader &header)
-{
-    return __atomic_load_n(&header.state, __ATOMIC_ACQUIRE);
-}
-
-inline void setBufferState(BufferHeader &header, BufferState state)
-{
-    CRASH_POINT();
-    __atomic_store_n(&header.state, quint32(state), __ATOMIC_RELEASE);
-}
-
-/// Whether a running publisher stands behind the buffer. Two loads, no call.
-inline bool isBufferLive(const BufferHeader &header)
-{
-    return bufferState(header) == BufferActive && isLockOwnerAlive(lockWord(header.livenessLock));
 }
 
 #endif

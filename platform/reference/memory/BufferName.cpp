@@ -10,7 +10,8 @@ namespace {
 
 constexpr int longestGeneration = 16; // digits of maximumGeneration
 constexpr int hashSize = 32;
-constexpr int roomForSource = NAME_MAX - int(sizeof(bufferNameBegin) - 1) - 1 - longestGeneration;
+constexpr int roomForSource = NAME_MAX - int(sizeof(bufferNameBegin) - 1) - 1 - longestGeneration
+    - int(sizeof(lifeNameEnd) - 1);
 constexpr int roomBesideHash = roomForSource - 1 - hashSize;
 
 bool isPlain(char byte)
@@ -80,6 +81,11 @@ std::optional<quint64> generationOfFile(const QByteArray &fileName, const QByteA
         return std::nullopt;
     }
     return generation;
+}
+
+std::optional<quint64> generationOfName(const QByteArray &fileName)
+{
+    return generationOfFile(fileName, fileName.left(fileName.lastIndexOf('.') + 1));
 }
 
 QByteArray sharedMemoryPath(const QString &name)

@@ -14,6 +14,10 @@ constexpr char sharedMemoryDirectory[] = "/dev/shm";
 /// First bytes of all buffers' names, without leading slash.
 constexpr char bufferNameBegin[] = "processdata.";
 
+/// Ends the name of the small object beside each buffer that tells whether its publisher lives. No
+/// generation ends so.
+constexpr char lifeNameEnd[] = ".life";
+
 /// Generations travel as JSON numbers: up to here they do so without loss.
 constexpr quint64 maximumGeneration = (quint64(1) << 53) - 1;
 
@@ -29,6 +33,9 @@ QByteArray bufferNameBeginOfModule(const QString &module);
 
 /// Generation of a file with that prefix; nothing when the file's name is any other.
 std::optional<quint64> generationOfFile(const QByteArray &fileName, const QByteArray &prefix);
+
+/// Generation that a buffer's name ends in, whatever its source; nothing when it ends otherwise.
+std::optional<quint64> generationOfName(const QByteArray &fileName);
 
 /// Path of a shared-memory object; empty when its name (with leading slash) cannot be one.
 QByteArray sharedMemoryPath(const QString &name);

@@ -22,6 +22,14 @@ QJsonValue sessionOf(const ProcessDataDescription &description)
     return double(description.session != 0 ? description.session : generation);
 }
 
+// A description that names no revision is taken for the one that stands now.
+LifeMark markOf(const ProcessDataDescription &description, const LifeRecord *life)
+{
+    const quint32 revision = life != nullptr ? bufferRevision(*life) : 0;
+    return {BufferActive,
+            description.buffer ? description.buffer->revision.value_or(revision) : revision};
+}
+
 QByteArray compactText(const QJsonValue &value)
 {
     const QByteArray array = QJsonDocument(QJsonArray{value}).toJson(QJsonDocument::Compact);
@@ -30,25 +38,41 @@ QByteArray compactText(const QJsonValue &value)
 
 }
 
-LeafBlock::LeafBlock(ProcessDataDescription description, QSharedPointer<SharedMemoryPrivate> memory)
-    : description(std::move(description))
-    , session(sessionOf(this->description))
+LeafBlock::LeafBlock(PreparedDescriptionPointer prepared,
+                     QSharedPointer<SharedMemoryPrivate> memory)
+    : prepared(std::move(prepared))
+    , description(*this->prepared->content)
+    , session(sessionOf(description))
     , sessionText(compactText(session))
     , memory(std::move(memory))
-    , header(this->memory.isNull() ? nullptr : &this->memory->header())
-    , leaves(allocateLeaves(this->description.leaves.size()))
+    , life(this->memory.isNull() ? nullptr : &this->memory->life())
+    , mark(markOf(description, life))
+    , watch(QSharedPointer<SourceWatch>::create(description, this->prepared->token))
+    , leaves(allocateLeaves(description.leaves.size()))
+    , made(description.leaves.size())
 {
-    for (int i = 0; i < this->description.leaves.size(); ++i) {
-        const LeafDescription &leaf = this->description.leaves.at(i);
-        const bool readable = header != nullptr;
-        new (leaves + i) ProcessDataLeaf({readable ? this->memory->at(leaf.offset) : nullptr, this,
-                                          payloadSize(leaf.type, leaf.capacity), leaf.type,
-                                          readable && leaf.type == ValueType::Float64});
-    }
 }
 
 LeafBlock::~LeafBlock()
 {
-    std::destroy_n(leaves, description.leaves.size());
+    watch->end();
+    for (int i = 0; i < made.size(); ++i) {
+        if (made.testBit(i)) {
+            std::destroy_at(leaves + i);
+        }
+    }
     std::allocator<ProcessDataLeaf>().deallocate(leaves, size_t(description.leaves.size()));
+}
+
+ProcessDataLeaf *LeafBlock::leafAt(int position)
+{
+    if (!made.testBit(position)) {
+        const LeafDescription &leaf = description.leaves.at(position);
+        const bool readable = life != nullptr;
+        new (leaves + position) ProcessDataLeaf({readable ? memory->at(leaf.offset) : nullptr, this,
+                                                 payloadSize(leaf.type, leaf.capacity), leaf.type,
+                                                 readable && leaf.type == ValueType::Float64});
+        made.setBit(position);
+    }
+    return leaves + position;
 }

@@ -10,33 +10,50 @@
 
 #include <QVector>
 
-#include <algorithm>
+#include <atomic>
 #include <dirent.h>
-#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
-struct Candidate
-{
-    QByteArray path;
-    quint64 generation;
-};
+// Anybody may fill the directory; beyond this, leftovers wait for selector doctor --clean.
+constexpr int mostEntries = 20'000;
 
-QVector<Candidate> candidates(const QByteArray &prefix)
+void warnOnce()
 {
-    QVector<Candidate> found;
+    static std::atomic<bool> warned{false};
+    if (!warned.exchange(true)) {
+        qCWarning(memoryLog).noquote()
+            << "Looking for leftovers in" << sharedMemoryDirectory << "ended after" << mostEntries
+            << "files; selector doctor --clean finds the rest";
+    }
+}
+
+// Of the buffers whose records are there: a record is there before its buffer and after it.
+QVector<QByteArray> recordedBuffers(const QByteArray &prefix)
+{
+    QVector<QByteArray> found;
     DIR *directory = opendir(sharedMemoryDirectory);
     if (directory == nullptr) {
         qCWarning(memoryLog).noquote()
             << "Looking for leftovers in" << sharedMemoryDirectory << "failed:" << errorText(errno);
         return found;
     }
+    int entries = 0;
     // NOLINTNEXTLINE(concurrency-mt-unsafe): glibc's readdir is safe for a stream of one's own
     while (const dirent *entry = readdir(directory)) {
-        const QByteArray name(entry->d_name);
-        if (const auto generation = generationOfFile(name, prefix)) {
-            found.append({QByteArray(sharedMemoryDirectory) + '/' + name, *generation});
+        if (++entries > mostEntries) {
+            warnOnce();
+            break;
+        }
+        QByteArray name(entry->d_name);
+        if (!name.endsWith(lifeNameEnd)) {
+            continue;
+        }
+        name.chop(int(sizeof(lifeNameEnd) - 1));
+        if (generationOfFile(name, prefix)) {
+            found.append(QByteArray(sharedMemoryDirectory) + '/' + name);
         }
     }
     closedir(directory);
@@ -45,6 +62,13 @@ QVector<Candidate> candidates(const QByteArray &prefix)
 
 void removeFile(const QByteArray &path)
 {
+    struct stat status
+    {
+    };
+    if (lstat(path.constData(), &status) == -1 || !S_ISREG(status.st_mode)
+        || status.st_uid != geteuid()) {
+        return; // gone, or someone else's
+    }
     CRASH_POINT();
     if (unlink(path.constData()) == -1 && errno != ENOENT) {
         qCWarning(memoryLog).noquote()
@@ -54,26 +78,14 @@ void removeFile(const QByteArray &path)
 
 }
 
-quint64 removeLeftovers(const QByteArray &prefix)
+void removeLeftovers(const QByteArray &prefix)
 {
-    quint64 highest = 0;
-    const QVector<Candidate> found = candidates(prefix);
-    for (const Candidate &candidate : found) {
-        const FileDescriptor descriptor(repeatOnSignal([&] {
-            return open(candidate.path.constData(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK);
-        }));
-        struct stat status
-        {
-        };
-        if (!descriptor.isValid() || fstat(descriptor.get(), &status) == -1
-            || !S_ISREG(status.st_mode) || status.st_uid != geteuid()) {
-            continue; // someone else's
-        }
-        highest = std::max(highest, candidate.generation);
-        BufferHeader header{};
-        if (isAbandoned(lifeOfBuffer(descriptor.get(), header))) {
-            removeFile(candidate.path);
+    const QVector<QByteArray> found = recordedBuffers(prefix);
+    for (const QByteArray &path : found) {
+        QString problem;
+        if (isAbandoned(lifeOfBuffer(path, geteuid(), problem))) {
+            removeFile(path);
+            removeFile(path + lifeNameEnd);
         }
     }
-    return highest;
 }

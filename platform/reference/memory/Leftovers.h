@@ -5,14 +5,12 @@
 
 #include <QByteArray>
 
-/// Removes the buffers of a source whose publishers are proved dead.
+/// Removes the buffers of a source whose publishers are proved dead, and the records that prove it.
 ///
-/// Only files of this process's user that are process-data buffers, retired or with a liveness lock
-/// whose owner died, are removed; everything else under such a name is left alone.
+/// Believes only records of this process's user; what else has such a name is left alone and not
+/// opened. What a buffer holds does not matter. Looks at a bounded number of files.
 ///
 /// @param prefix  see bufferNamePrefix
-/// @returns the highest generation among this user's files of the source, removed ones too; 0 when
-/// none
-quint64 removeLeftovers(const QByteArray &prefix);
+void removeLeftovers(const QByteArray &prefix);
 
 #endif

@@ -22,6 +22,8 @@ public:
     bool isReadableDouble; // of the type that is read most, and with a buffer
 
     bool read(ProcessValue &value) const;
+    bool isLost(quint32 length) const;
+    void noteIfOutdated() const;
     bool readAny(ProcessValue &value) const;
     bool readBytes(ProcessValue &value) const;
     bool write(const LeafDescription &description, const ProcessValue &value, QString &error) const;

@@ -4,7 +4,7 @@
 
 #include "BufferAttachment.h"
 #include "MemoryLog.h"
-#include "ProcessDataDescription.h"
+#include "PreparedDescription.h"
 #include "ProcessDataRoot.h"
 #include "PropertyManagerConst.h"
 
@@ -12,39 +12,37 @@
 
 namespace {
 
-// The description's text; nothing when it is of any type but those that services send.
-std::optional<QByteArray> descriptionText(const QVariant &description)
+// What the description is read to; null when it is of any type but those that services send.
+PreparedDescriptionPointer prepared(const QVariant &description)
 {
     if (description.userType() == QMetaType::QString) {
-        QByteArray text = description.toString().toUtf8();
-        text.squeeze(); // Qt takes room for the worst, three bytes a character; the tree keeps it
-        return text;
+        return prepareDescription(description.toString());
     }
     if (description.userType() == QMetaType::QByteArray) {
-        return description.toByteArray();
+        const auto result = QSharedPointer<PreparedDescription>::create();
+        result->content = parseDescription(description.toByteArray(), DescriptionForm::Published,
+                                           result->error);
+        return result;
     }
-    return std::nullopt;
+    return {};
 }
 
-std::optional<ProcessDataDescription> parsed(const QVariant &description,
-                                             const QString &fileExtension)
+PreparedDescriptionPointer parsed(const QVariant &description, const QString &fileExtension)
 {
     if (fileExtension != PropertyManagerConst::getProcessDataDescriptionFileExtension()) {
         qCWarning(memoryLog) << "Process-data description refused: unknown file extension"
                              << fileExtension;
-        return std::nullopt;
+        return {};
     }
-    const std::optional<QByteArray> text = descriptionText(description);
-    if (!text) {
+    PreparedDescriptionPointer result = prepared(description);
+    if (result.isNull()) {
         qCWarning(memoryLog) << "Process-data description refused: expected a text, got"
                              << (description.isValid() ? description.typeName() : "nothing");
-        return std::nullopt;
+        return {};
     }
-    QString error;
-    std::optional<ProcessDataDescription> result
-        = parseDescription(*text, DescriptionForm::Published, error);
-    if (!result) {
-        qCWarning(memoryLog).noquote() << "Process-data description refused:" << error;
+    if (!result->content) {
+        qCWarning(memoryLog).noquote() << "Process-data description refused:" << result->error;
+        return {};
     }
     return result;
 }
@@ -62,7 +60,7 @@ QSharedPointer<SharedMemoryPrivate> attached(const ProcessDataDescription &descr
     QSharedPointer<SharedMemoryPrivate> memory = attachBuffer(description, error);
     if (memory.isNull()) {
         qCWarning(memoryLog).noquote() << "Not attached to" << sourceText(description) << error;
-    } else if (!isBufferLive(memory->header())) {
+    } else if (!isBufferLive(memory->life())) {
         qCWarning(memoryLog).noquote()
             << "Attached to" << sourceText(description) << "its publisher is gone";
     }
@@ -83,21 +81,21 @@ QSharedPointer<ConfigurationAndProcessDataBase> ProcessDataManager::createProces
     sharedMemory.d.clear();
     bufferName.clear();
     attached = false;
-    std::optional<ProcessDataDescription> content = parsed(description, fileExtension);
-    if (!content) {
+    const PreparedDescriptionPointer prepared = parsed(description, fileExtension);
+    if (prepared.isNull()) {
         return {};
     }
     if (initType == InitTypeAttach) {
-        bufferName = content->buffer->name;
-        sharedMemory.d = ::attached(*content);
+        bufferName = prepared->content->buffer->name;
+        sharedMemory.d = ::attached(*prepared->content);
         attached = !sharedMemory.d.isNull();
     }
-    rootElement = QSharedPointer<ProcessDataRoot>::create(std::move(*content), sharedMemory.d);
+    rootElement = QSharedPointer<ProcessDataRoot>::create(prepared, sharedMemory.d);
     return rootElement;
 }
 
 bool ProcessDataManager::isBufferValid() const
 {
     const QMutexLocker lock(&mutex);
-    return attached && isBufferLive(sharedMemory.d->header());
+    return attached && isBufferLive(sharedMemory.d->life()) && !sharedMemory.d->isCutShort();
 }

@@ -16,7 +16,7 @@ ConfigurationAndProcessDataBase::ProcessDataValueSharedPointer
 leafPointer(const QSharedPointer<LeafBlock> &block, int position)
 {
     const auto release = [block](ProcessDataLeaf *) {};
-    return QSharedPointer<ProcessDataLeaf>(block->leaves + position, release);
+    return QSharedPointer<ProcessDataLeaf>(block->leafAt(position), release);
 }
 
 bool readsAsWritten(QChar c)
@@ -43,16 +43,21 @@ QString plainBeginOfUrls(const ProcessDataDescription &source)
 
 }
 
-ProcessDataRoot::ProcessDataRoot(ProcessDataDescription description,
+ProcessDataRoot::ProcessDataRoot(PreparedDescriptionPointer prepared,
                                  QSharedPointer<SharedMemoryPrivate> memory)
-    : block(QSharedPointer<LeafBlock>::create(std::move(description), std::move(memory)))
+    : block(QSharedPointer<LeafBlock>::create(std::move(prepared), std::move(memory)))
+    , leaves(block->description.leaves.size())
 {
     beginOfUrls = plainBeginOfUrls(block->description);
-    const int count = block->description.leaves.size();
-    leaves.reserve(count);
-    for (int i = 0; i < count; ++i) {
-        leaves.append(leafPointer(block, i));
+}
+
+ConfigurationAndProcessDataBase::ProcessDataValueSharedPointer ProcessDataRoot::leafAt(int position)
+{
+    ProcessDataValueSharedPointer &leaf = leaves[position];
+    if (leaf.isNull()) {
+        leaf = leafPointer(block, position);
     }
+    return leaf;
 }
 
 // A URL that is spelled without encoding is not taken apart a second time: whoever asks has checked
@@ -76,7 +81,7 @@ ProcessDataRoot::getLeafProcessDataValue(const QString &url)
 {
     const int plain = positionOfPlainUrl(url);
     if (plain != notFound) {
-        return leaves.at(plain);
+        return leafAt(plain);
     }
     const SelectorUrlParts parts = parseSelectorUrl(url);
     const ProcessDataDescription &source = block->description;
@@ -85,7 +90,7 @@ ProcessDataRoot::getLeafProcessDataValue(const QString &url)
         return {};
     }
     const int position = source.positions.value(parts.path, notFound);
-    return position == notFound ? ProcessDataValueSharedPointer() : leaves.at(position);
+    return position == notFound ? ProcessDataValueSharedPointer() : leafAt(position);
 }
 
 QVariant ProcessDataRoot::readLeafProperty(const QString &name) const

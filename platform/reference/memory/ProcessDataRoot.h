@@ -8,13 +8,15 @@
 
 #include <QVector>
 
-/// Holds every leaf of its description, so that a URL finds the same leaf for as long as the tree
+/// Holds every leaf that was looked up, so that a URL finds the same leaf for as long as the tree
 /// lives.
 class ProcessDataRoot final : public ConfigurationAndProcessDataBase
 {
 public:
-    /// @param memory  null for a tree whose leaves cannot be read
-    ProcessDataRoot(ProcessDataDescription description, QSharedPointer<SharedMemoryPrivate> memory);
+    /// @param prepared  with its content
+    /// @param memory    null for a tree whose leaves cannot be read
+    ProcessDataRoot(PreparedDescriptionPointer prepared,
+                    QSharedPointer<SharedMemoryPrivate> memory);
 
     ProcessDataValueSharedPointer getLeafProcessDataValue(const QString &url) override;
     QVariant readLeafProperty(const QString &name) const override;
@@ -22,9 +24,11 @@ public:
 
 private:
     int positionOfPlainUrl(const QString &url) const;
+    ProcessDataValueSharedPointer leafAt(int position);
 
     const QSharedPointer<LeafBlock> block;
-    QVector<ProcessDataValueSharedPointer> leaves; // in the description's order
+    QVector<ProcessDataValueSharedPointer>
+        leaves; // in the description's order; null: never asked for
     QString beginOfUrls; // of URLs that are spelled without encoding
 };
 

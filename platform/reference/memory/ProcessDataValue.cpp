@@ -21,7 +21,8 @@ inline bool ProcessDataValuePrivate::read(ProcessValue &value) const
         prefetchSlotsBehind(slot);
         NumberCopy copy;
         if (Q_LIKELY(tryReadNumberSlot(slot, copy) && copy.head.length == sizeof(double)
-                     && isBufferLive(*block->header))) {
+                     && isLifeAsMarked(*block->life, block->mark)
+                     && isLockOwnerAlive(lockWord(block->life->lock)))) {
             value.setNumber(numberIn<double>(copy), errorTypeOf(copy.head.status),
                             copy.head.timestamp);
             return true;
@@ -54,6 +55,20 @@ bool ProcessDataValue::setValue(const ProcessValue &value)
     return true;
 }
 
+// Nothing is left of a buffer that somebody cut short, so every length there is 0.
+inline bool ProcessDataValuePrivate::isLost(quint32 length) const
+{
+    return !isBufferLive(*block->life) || (Q_UNLIKELY(length == 0) && block->memory->isCutShort());
+}
+
+// The announcement is on its way, or was dropped: who goes on reading has the service asked.
+inline void ProcessDataValuePrivate::noteIfOutdated() const
+{
+    if (Q_UNLIKELY(bufferRevision(*block->life) != block->mark.revision)) {
+        block->watch->noteLostRead();
+    }
+}
+
 bool ProcessDataValuePrivate::readAny(ProcessValue &value) const
 {
     if (slot == nullptr) {
@@ -67,11 +82,14 @@ bool ProcessDataValuePrivate::readAny(ProcessValue &value) const
         return false;
     }
     auto errorType = errorTypeOf(copy.head.status);
-    if (!isBufferLive(*block->header)) {
+    if (isLost(copy.head.length)) {
         if (!readNumberSlot(slot, copy)) {
             return false;
         }
         errorType = ProcessDataDefinitions::SourceLost;
+        block->watch->noteLostRead();
+    } else {
+        noteIfOutdated();
     }
     setFromNumber(value, type, payloadSize, copy, errorType);
     return true;
@@ -84,11 +102,14 @@ bool ProcessDataValuePrivate::readBytes(ProcessValue &value) const
     if (!readSlot(slot, payloadSize, head, payload)) {
         return false;
     }
-    if (!isBufferLive(*block->header)) {
+    if (isLost(head.length)) {
         if (!readSlot(slot, payloadSize, head, payload)) {
             return false;
         }
         head.status = ProcessDataDefinitions::SourceLost;
+        block->watch->noteLostRead();
+    } else {
+        noteIfOutdated();
     }
     setFromSlot(value, type, head, payload);
     return true;
@@ -119,7 +140,7 @@ bool ProcessDataValuePrivate::write(const LeafDescription &description, const Pr
                     .arg(block->description.buffer->name, errorText(lock.error()));
         return false;
     }
-    if (!isBufferLive(shared)) { // nobody would ever see the value
+    if (!isBufferLive(*block->life)) { // nobody would ever see the value
         error = QStringLiteral("the publisher of buffer %1 is gone")
                     .arg(block->description.buffer->name);
         return false;

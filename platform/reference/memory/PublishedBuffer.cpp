@@ -4,7 +4,6 @@
 
 #include "CrashPoint.h"
 #include "FileDescriptor.h"
-#include "LivenessKeeper.h"
 #include "MemoryLog.h"
 #include "PublishedBufferPrivate.h"
 #include "SharedLock.h"
@@ -22,11 +21,37 @@ struct PreparedWrite
     PublishedBufferPrivate::Content content;
 };
 
-QString lockRefused(const QString &name, int reason)
+// The writers' lock, for a publisher: who keeps it from us makes us wait once, not each time.
+class PublishersLock
 {
-    return QStringLiteral("buffer %1 could not be locked for writing: %2")
-        .arg(name, errorText(reason));
-}
+public:
+    explicit PublishersLock(const PublishedBufferPrivate &d)
+        : guard(d.memory->header().writersLock,
+                d.lockIsHeld ? WritersLockGuard::NotAtAll : WritersLockGuard::WithinLimit)
+    {
+        d.lockIsHeld = guard.error() == ETIMEDOUT || guard.error() == EBUSY;
+    }
+
+    bool isHeld() const { return guard.error() == 0; }
+
+    QString refusal(const PublishedBufferPrivate &d) const
+    {
+        if (d.memory->isCutShort()) {
+            return QStringLiteral("buffer %1 was cut short by another process that may write it; "
+                                  "replaceDescription makes a new one")
+                .arg(d.name);
+        }
+        return QStringLiteral("buffer %1 could not be locked for writing: %2")
+            .arg(d.name,
+                 guard.error() == EBUSY
+                     ? QStringLiteral("another process still holds its lock, which is not waited "
+                                      "for again")
+                     : errorText(guard.error()));
+    }
+
+private:
+    const WritersLockGuard guard;
+};
 
 bool prepare(const PublishedBufferPrivate &d, const QVector<QPair<int, ProcessValue>> &values,
              std::vector<PreparedWrite> &writes, QString &error)
@@ -112,13 +137,18 @@ bool PublishedBuffer::publish(const QVector<QPair<int, ProcessValue>> &values, Q
         error = QStringLiteral("buffer %1 is retired").arg(d->name);
         return false;
     }
+    if (d->home.isForkedChild()) {
+        error = QStringLiteral("buffer %1 belongs to the process that this one was forked from")
+                    .arg(d->name);
+        return false;
+    }
     std::vector<PreparedWrite> writes;
     if (!prepare(*d, values, writes, error)) {
         return false;
     }
-    const WritersLockGuard lock(d->memory->header().writersLock);
-    if (lock.error() != 0) {
-        error = lockRefused(d->name, lock.error());
+    const PublishersLock lock(*d);
+    if (!lock.isHeld()) {
+        error = lock.refusal(*d);
         return false;
     }
     const qint64 now = currentTimestamp();
@@ -155,8 +185,8 @@ bool PublishedBuffer::carryOver(int leaf, const PublishedBuffer &from, int fromL
         || quint32(content.payload.size()) > d->payloadSizeOf(leaf)) {
         return false;
     }
-    const WritersLockGuard lock(d->memory->header().writersLock);
-    if (lock.error() != 0) {
+    const PublishersLock lock(*d);
+    if (!lock.isHeld()) {
         return false;
     }
     d->write(leaf, content);
@@ -194,20 +224,27 @@ void PublishedBuffer::setLeafDescriptions(const QVector<LeafDescription> &leaves
 
 void PublishedBuffer::retire()
 {
-    if (d->retired || d->owner != getpid()) {
+    if (d->retired || d->home.isForkedChild()) {
         return;
     }
     d->retired = true;
-    setBufferState(d->memory->header(), BufferRetired);
-    const int error = LivenessKeeper::instance().release(&d->memory->header().livenessLock.mutex);
-    if (error != 0) {
-        qCWarning(memoryLog).noquote()
-            << "Giving up the liveness lock of buffer" << d->name << "failed:" << errorText(error);
-    }
-    CRASH_POINT();
+    d->life->retire();
     if (unlink(d->path.constData()) == -1 && errno != ENOENT) {
         qCWarning(memoryLog).noquote()
             << "Removing buffer" << d->name << "failed:" << errorText(errno);
     }
     CRASH_POINT();
+    d->life->removeName();
+}
+
+void PublishedBuffer::countChange()
+{
+    if (!d->retired && !d->home.isForkedChild()) {
+        d->life->countChange();
+    }
+}
+
+quint32 PublishedBuffer::nextRevision() const
+{
+    return d->life->revision() + 1;
 }

@@ -53,6 +53,14 @@ public:
     /// Takes changed limits and other properties of the same layout.
     void setLeafDescriptions(const QVector<LeafDescription> &leaves);
 
+    /// Makes the revision differ for whoever looks at it: to be called when a changed description is
+    /// served and before it is announced.
+    void countChange();
+
+    /// What the next countChange() raises the revision to; the description that is served then names
+    /// it.
+    quint32 nextRevision() const;
+
     /// Marks the buffer as retired, gives up the liveness lock and removes the name. Readers that
     /// are attached keep the last values.
     void retire();

@@ -3,7 +3,9 @@
 #ifndef PUBLISHEDBUFFERPRIVATE_H
 #define PUBLISHEDBUFFERPRIVATE_H
 
+#include "ForkedChild.h"
 #include "ProcessDataDescription.h"
+#include "PublishedLife.h"
 #include "SharedMemoryMapping.h"
 #include "Slot.h"
 
@@ -12,7 +14,6 @@
 #include <QVector>
 
 #include <memory>
-#include <sys/types.h>
 #include <vector>
 
 class PublishedBufferPrivate
@@ -39,14 +40,16 @@ public:
 
     QVector<LeafDescription> leaves;
     std::unique_ptr<SharedMemoryPrivate> memory;
+    std::unique_ptr<PublishedLife> life;
     QString name; // as described
     QByteArray path; // of the file
     QVector<int> writableLeaves; // the only ones that clients write
     std::vector<quint32> seenSequences; // of each leaf, after the last write that is known
     std::vector<bool>
         clientWrote; // a client's write that an own one covered before it was reported
-    pid_t owner = 0; // a forked child must not retire its parent's buffer
+    const HomeProcess home; // a forked child must not touch its parent's buffer
     bool retired = false;
+    mutable bool lockIsHeld = false; // longer than a writer may: it is not waited for again
 };
 
 #endif

@@ -25,6 +25,12 @@ timespec lockDeadline()
     return deadline;
 }
 
+int lockWithinLimit(BufferLock &lock)
+{
+    const timespec deadline = lockDeadline();
+    return pthread_mutex_clocklock(&lock.mutex, CLOCK_MONOTONIC, &deadline);
+}
+
 // What glibc stores as the kind of our locks; asked from a fresh lock, so that no number is
 // guessed.
 int sharedLockKind()
@@ -61,14 +67,13 @@ bool isSharedLock(const BufferLock &lock)
         && __atomic_load_n(&lock.mutex.__data.__kind, __ATOMIC_RELAXED) == expected;
 }
 
-WritersLockGuard::WritersLockGuard(BufferLock &lock)
+WritersLockGuard::WritersLockGuard(BufferLock &lock, Wait wait)
     : lock(lock)
 {
     if (!isSharedLock(lock)) {
         return;
     }
-    const timespec deadline = lockDeadline();
-    lastError = pthread_mutex_clocklock(&lock.mutex, CLOCK_MONOTONIC, &deadline);
+    lastError = wait == NotAtAll ? pthread_mutex_trylock(&lock.mutex) : lockWithinLimit(lock);
     CRASH_POINT();
     if (lastError == EOWNERDEAD) {
         lastError = pthread_mutex_consistent(&lock.mutex);

@@ -25,12 +25,15 @@ bool isSharedLock(const BufferLock &lock);
 class WritersLockGuard
 {
 public:
-    explicit WritersLockGuard(BufferLock &lock);
+    enum Wait { WithinLimit, NotAtAll };
+
+    explicit WritersLockGuard(BufferLock &lock, Wait wait = WithinLimit);
     ~WritersLockGuard();
     WritersLockGuard(const WritersLockGuard &) = delete;
     WritersLockGuard &operator=(const WritersLockGuard &) = delete;
 
-    /// 0 when the lock is held, else the errno value that says why not.
+    /// 0 when the lock is held, else the errno value that says why not: ETIMEDOUT after the limit,
+    /// EBUSY where nothing was waited for.
     int error() const { return lastError; }
 
 private:

@@ -25,3 +25,10 @@ SharedMemoryPrivate::~SharedMemoryPrivate()
         munmap(base, size);
     }
 }
+
+bool SharedMemoryPrivate::isCutShort() const
+{
+    // The guard hears of it at an access, so there must be one.
+    __atomic_load_n(&header().layoutVersion, __ATOMIC_RELAXED);
+    return mappingGuard->isLost();
+}

@@ -32,14 +32,14 @@ std::optional<BufferDescription> readBuffer(const JsonNode &document, QString &e
         return std::nullopt;
     }
     constexpr quint64 highest = std::numeric_limits<qint64>::max();
-    constexpr quint64 highestUid = std::numeric_limits<quint32>::max();
+    constexpr quint64 highest32 = std::numeric_limits<quint32>::max();
     const JsonPlace place(Keys::buffer.name);
     const auto name = readText(object, Keys::name, false, place, error);
     if (!name) {
         return std::nullopt;
     }
     if (!isBufferName(*name)) {
-        error = QStringLiteral("buffer: %1 is no name of a shared-memory object")
+        error = QStringLiteral("buffer: %1 is not the name of a shared-memory object")
                     .arg(printable(*name));
         return std::nullopt;
     }
@@ -53,12 +53,20 @@ std::optional<BufferDescription> readBuffer(const JsonNode &document, QString &e
     if (!size) {
         return std::nullopt;
     }
-    const auto ownerUid
-        = readWholeNumber(object, Keys::bufferOwnerUid, 0, highestUid, place, error);
+    const auto ownerUid = readWholeNumber(object, Keys::bufferOwnerUid, 0, highest32, place, error);
     if (!ownerUid) {
         return std::nullopt;
     }
-    return BufferDescription{*name, *generation, *size, static_cast<quint32>(*ownerUid)};
+    BufferDescription buffer{*name, *generation, *size, static_cast<quint32>(*ownerUid)};
+    if (object.contains(Keys::bufferRevision)) {
+        const auto revision
+            = readWholeNumber(object, Keys::bufferRevision, 0, highest32, place, error);
+        if (!revision) {
+            return std::nullopt;
+        }
+        buffer.revision = static_cast<quint32>(*revision);
+    }
+    return buffer;
 }
 
 bool slotsStandApart(const QVector<LeafDescription> &leaves, QString &error)

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Writes a JSON object as compact text without losing a digit.
+// Writes JSON as compact text without losing a digit.
 #include "CompactJson.h"
 
 #include <QJsonArray>
@@ -17,10 +17,37 @@ bool isPlain(QChar c)
         && c != QLatin1Char('\\');
 }
 
+enum class Marks {
+    Kept, // so that a byte-order mark at the begin of a text survives reading
+    AsQtWrites,
+};
+
 class Writer
 {
 public:
+    explicit Writer(Marks marks)
+        : marks(marks)
+    {
+    }
+
     QByteArray bytes;
+
+    void write(const QJsonValue &value)
+    {
+        switch (value.type()) {
+        case QJsonValue::Object:
+            write(value.toObject());
+            break;
+        case QJsonValue::Array:
+            write(value.toArray());
+            break;
+        case QJsonValue::String:
+            writeContent(value.toString());
+            break;
+        default:
+            writeScalar(value);
+        }
+    }
 
     void write(const QJsonObject &object)
     {
@@ -43,23 +70,6 @@ private:
             write(entry);
         }
         bytes += ']';
-    }
-
-    void write(const QJsonValue &value)
-    {
-        switch (value.type()) {
-        case QJsonValue::Object:
-            write(value.toObject());
-            break;
-        case QJsonValue::Array:
-            write(value.toArray());
-            break;
-        case QJsonValue::String:
-            writeContent(value.toString());
-            break;
-        default:
-            writeScalar(value);
-        }
     }
 
     void writeScalar(const QJsonValue &value)
@@ -85,7 +95,7 @@ private:
 
     void writeContent(const QString &text)
     {
-        if (text.startsWith(QChar(QChar::ByteOrderMark))) {
+        if (marks == Marks::Kept && text.startsWith(QChar(QChar::ByteOrderMark))) {
             writeMarked(text);
         } else {
             writeText(text);
@@ -113,13 +123,22 @@ private:
             bytes += ',';
         }
     }
+
+    const Marks marks;
 };
 
 } // namespace
 
 QByteArray compactJson(const QJsonObject &object)
 {
-    Writer writer;
+    Writer writer(Marks::Kept);
     writer.write(object);
+    return writer.bytes;
+}
+
+QByteArray renderedJson(const QJsonValue &value)
+{
+    Writer writer(Marks::AsQtWrites);
+    writer.write(value);
     return writer.bytes;
 }

@@ -30,12 +30,14 @@ constexpr JsonKey unit{"unit", 17};
 constexpr JsonKey description{"description", 18};
 constexpr JsonKey selectorType{"selectorType", 19};
 constexpr JsonKey simulate{"simulate", 20};
+constexpr JsonKey bufferRevision{"revision", 21};
 
 /// Each at the position that is its number.
 constexpr JsonKey all[]
-    = {format,     module,         object,   instance, session,     buffer,       bufferGeneration,
-       bufferSize, bufferOwnerUid, elements, name,     type,        capacity,     offset,
-       readOnly,   minimum,        maximum,  unit,     description, selectorType, simulate};
+    = {format,           module,       object,         instance,      session, buffer,
+       bufferGeneration, bufferSize,   bufferOwnerUid, elements,      name,    type,
+       capacity,         offset,       readOnly,       minimum,       maximum, unit,
+       description,      selectorType, simulate,       bufferRevision};
 
 constexpr bool areNumbered()
 {

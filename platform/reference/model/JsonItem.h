@@ -13,7 +13,7 @@ struct JsonItem
     quint32 begin; ///< byte in the text; of an opened array or object its first item
     quint32 size : 28; ///< bytes in the text; of an opened array its items, of an object its shape
     JsonKind kind : 3;
-    quint32 plain : 1; ///< of text or a number: spelled just as Qt's writer would spell it
+    quint32 plain : 1; ///< of text or a number: may be rendered as it is spelled
 };
 Q_DECLARE_TYPEINFO(JsonItem, Q_PRIMITIVE_TYPE);
 

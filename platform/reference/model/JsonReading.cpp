@@ -6,24 +6,30 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cmath>
+#include <system_error>
 
 namespace {
 
-// Sizes and offsets are exact as they are; higher numbers need their digits.
+template <typename Whole> std::optional<Whole> wholeFromDigits(const JsonNode &value)
+{
+    if (value.kind() != JsonKind::Number || !value.isPlain()) {
+        return std::nullopt;
+    }
+    const QLatin1String digits = value.bytes();
+    const char *const end = digits.data() + digits.size();
+    Whole number = 0;
+    const auto result = std::from_chars(digits.data(), end, number);
+    // A fraction ends it earlier.
+    return result.ec == std::errc() && result.ptr == end ? std::optional(number) : std::nullopt;
+}
+
 std::optional<quint64> wholeNumber(const JsonNode &value)
 {
-    if (const auto spelled = shortWholeNumber(value)) {
+    if (const auto spelled = signedWholeNumber(value)) {
         return *spelled >= 0 ? std::optional(quint64(*spelled)) : std::nullopt;
     }
-    constexpr double highestExact = 9007199254740992.0; // 2^53
-    const QVariant read = numberOf(value);
-    const double number = read.toDouble();
-    if (number >= 0 && number < highestExact) {
-        return std::trunc(number) == number ? std::optional(quint64(number)) : std::nullopt;
-    }
     QString reason;
-    const auto converted = convertToType(ValueType::UInt64, read, reason);
+    const auto converted = convertToType(ValueType::UInt64, numberOf(value), reason);
     return converted ? std::optional(quint64(converted->toULongLong())) : std::nullopt;
 }
 
@@ -56,22 +62,20 @@ QString jsonTypeName(JsonKind kind)
     return QStringLiteral("missing");
 }
 
-std::optional<qint64> shortWholeNumber(const JsonNode &value)
+std::optional<qint64> signedWholeNumber(const JsonNode &value)
 {
-    if (value.kind() != JsonKind::Number || !value.isPlain()) {
-        return std::nullopt;
-    }
-    const QLatin1String digits = value.bytes();
-    const char *const end = digits.data() + digits.size();
-    qint64 number = 0;
-    const auto result = std::from_chars(digits.data(), end, number);
-    return result.ptr == end ? std::optional(number) : std::nullopt; // a fraction ends it earlier
+    return wholeFromDigits<qint64>(value);
 }
 
 QVariant numberOf(const JsonNode &value)
 {
-    const auto spelled = shortWholeNumber(value);
-    return spelled ? QVariant(qlonglong(*spelled)) : value.toJsonValue().toVariant();
+    if (const auto spelled = signedWholeNumber(value)) {
+        return QVariant(qlonglong(*spelled));
+    }
+    if (const auto spelled = wholeFromDigits<quint64>(value)) {
+        return QVariant(qulonglong(*spelled));
+    }
+    return value.toJsonValue().toVariant();
 }
 
 std::optional<quint64> readWholeNumber(const JsonNode &object, const JsonKey &key, quint64 lowest,

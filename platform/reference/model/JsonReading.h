@@ -30,10 +30,11 @@ private:
     const QLatin1String after;
 };
 
-/// The number that the value spells in at most 15 digits; nothing for any other value.
-std::optional<qint64> shortWholeNumber(const JsonNode &value);
+/// The whole number that the value spells in digits alone; nothing for any other value, or for one
+/// that is not an int64.
+std::optional<qint64> signedWholeNumber(const JsonNode &value);
 
-/// A number as Qt's reader understands it: qlonglong or double.
+/// A number with every digit that a type holds: qlonglong, qulonglong past its range, else double.
 QVariant numberOf(const JsonNode &value);
 
 /// Reads a whole number between limits.

@@ -45,21 +45,19 @@ bool mayFollow(uchar first, uchar second)
     }
 }
 
-// Whether Qt's writer would spell a number just so: digits that a double holds exactly, at most one
-// zero before the point, no zero at the end of a fraction, no need of an exponent.
+// Whether a number may stay as it is spelled. A whole one may: Qt's writer would round it past 2^53.
+// A fraction may where that writer would spell it just so: digits that a double holds exactly, at
+// most one zero before the point, no zero at the end, no need of an exponent.
 bool isPlainNumber(const char *begin, const char *point, const char *end)
 {
     constexpr int exactDigits = 15;
     constexpr int zerosWithoutExponent = 3;
     const bool isNegative = *begin == '-';
     const char *const digits = begin + (isNegative ? 1 : 0);
-    if (end - digits > exactDigits) {
-        return false;
-    }
     if (point == end) {
         return !isNegative || *digits != '0';
     }
-    return *(end - 1) != '0'
+    return end - digits <= exactDigits && *(end - 1) != '0'
         && (*digits != '0' || std::strncmp(point + 1, "000", zerosWithoutExponent) != 0);
 }
 
@@ -189,8 +187,10 @@ bool JsonScanner::scanNumber(JsonItem &item)
             return false;
         }
     }
-    bool good = next == mantissaEnd && isPlainNumber(begin, point, mantissaEnd);
-    item = itemFrom(begin, JsonKind::Number, good);
+    constexpr int digitsWithinRange = 300; // of a double
+    const bool isPlain = next == mantissaEnd && isPlainNumber(begin, point, mantissaEnd);
+    item = itemFrom(begin, JsonKind::Number, isPlain);
+    bool good = isPlain && next - begin <= digitsWithinRange;
     if (!good) {
         QByteArray(begin, int(next - begin)).toDouble(&good);
     }

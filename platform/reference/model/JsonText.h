@@ -45,7 +45,8 @@ public:
     JsonKind kind() const { return item.kind; }
     bool isUndefined() const { return item.kind == JsonKind::Undefined; }
 
-    /// Whether the value is a text or a number that stands there just as Qt would write it.
+    /// Whether the value is a text or a number that may be rendered as it is spelled: as Qt would
+    /// write it, but for the digits of whole numbers, all of which are kept.
     bool isPlain() const { return item.plain != 0; }
 
     /// The bytes of the value, which must not be undefined; of a text without its quotes.
@@ -67,6 +68,7 @@ public:
     /// Member of an opened object, undefined when it has none of that key.
     JsonNode value(const JsonKey &key) const
     {
+        Q_ASSERT(whole != nullptr);
         const int place = whole->shapes.at(int(item.size)).placesOfKnown[key.number];
         return place < 0 ? JsonNode() : JsonNode(*whole, whole->items.at(int(item.begin) + place));
     }
@@ -74,7 +76,11 @@ public:
 
     /// Entries of an opened array.
     int size() const { return int(item.size); }
-    JsonNode at(int index) const { return {*whole, whole->items.at(int(item.begin) + index)}; }
+    JsonNode at(int index) const
+    {
+        Q_ASSERT(whole != nullptr);
+        return {*whole, whole->items.at(int(item.begin) + index)};
+    }
 
 private:
     const JsonText *whole = nullptr;

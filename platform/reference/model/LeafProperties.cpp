@@ -2,9 +2,10 @@
 // What a description says of one leaf, key by key.
 #include "LeafProperties.h"
 
+#include "CompactJson.h"
 #include "DescriptionKeys.h"
+#include "JsonReading.h"
 
-#include <QJsonArray>
 #include <QJsonDocument>
 #include <QVarLengthArray>
 
@@ -29,9 +30,7 @@ public:
     void append(const JsonKeyText &key, const JsonNode &value)
     {
         if (!value.isPlain()) {
-            const QByteArray array
-                = QJsonDocument(QJsonArray{value.toJsonValue()}).toJson(QJsonDocument::Compact);
-            append(key, array.mid(1, array.size() - 2)); // without the array's brackets
+            append(key, renderedJson(value.toJsonValue()));
             return;
         }
         const int quote = value.kind() == JsonKind::String ? 1 : 0;
@@ -110,6 +109,8 @@ QVariant LeafProperties::value(const QString &key) const
         return value.isTrue();
     case JsonKind::String:
         return value.toText();
+    case JsonKind::Number:
+        return numberOf(value);
     default:
         return value.toJsonValue().toVariant();
     }

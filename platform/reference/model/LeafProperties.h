@@ -25,14 +25,16 @@ public:
 
     bool contains(const QString &key) const { return place(key) >= 0; }
 
-    /// As QJsonValue::toVariant() gives it; invalid without such a key.
+    /// As QJsonValue::toVariant() gives it, but for whole numbers past an int64, which are
+    /// qulonglong as long as that holds them; invalid without such a key.
     QVariant value(const QString &key) const;
 
     /// All of them, made anew for each call.
     QJsonObject toObject() const;
 
-    /// Appends the text that clients are told: all keys but "offset", which is no property of the
-    /// value, as QJsonDocument::toJson(Compact) spells them.
+    /// Appends the text that clients get: all keys but "offset", which is not a property of the
+    /// value, as QJsonDocument::toJson(Compact) spells them, but for whole numbers: those keep every
+    /// digit, in arrays and objects as long as an int64 holds them.
     ///
     /// @param session  stands in it under that key, whatever the leaf has there
     void render(const QByteArray &session, QByteArray &bytes) const;

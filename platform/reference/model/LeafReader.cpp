@@ -41,22 +41,36 @@ bool readType(const JsonNode &element, const JsonPlace &place, LeafDescription &
     return capacity.has_value();
 }
 
-// JSON's reader rounds whole numbers past 2^63 and its writer those past 2^53: the highest number
-// of a 64-bit type arrives one too large.
+bool isReal(ValueType type)
+{
+    return type == ValueType::Float32 || type == ValueType::Float64;
+}
+
+// Many writers of JSON know doubles only: the highest number of a 64-bit type arrives one too large,
+// or more. Nothing else could be meant.
 QVariant unroundedMaximum(ValueType type, const QVariant &number)
 {
     constexpr double past63Bits = 9223372036854775808.0;
     constexpr double past64Bits = 18446744073709551616.0;
-    if (number.userType() != QMetaType::Double) {
-        return number;
-    }
-    if (type == ValueType::Int64 && number.toDouble() == past63Bits) {
+    if (type == ValueType::Int64 && number.userType() != QMetaType::LongLong
+        && number.toDouble() == past63Bits) {
         return QVariant(std::numeric_limits<qlonglong>::max());
     }
-    if (type == ValueType::UInt64 && number.toDouble() == past64Bits) {
+    if (type == ValueType::UInt64 && number.userType() == QMetaType::Double
+        && number.toDouble() == past64Bits) {
         return QVariant(std::numeric_limits<qulonglong>::max());
     }
     return number;
+}
+
+// A limit of a real number may be the nearest double, as JSON has it everywhere.
+QVariant limitOf(ValueType type, const JsonNode &value)
+{
+    const QVariant number = numberOf(value);
+    if (isReal(type)) {
+        return number.userType() == QMetaType::ULongLong ? QVariant(number.toDouble()) : number;
+    }
+    return unroundedMaximum(type, number);
 }
 
 bool readLimit(const JsonNode &element, const JsonKey &key, const JsonPlace &place,
@@ -76,12 +90,14 @@ bool readLimit(const JsonNode &element, const JsonKey &key, const JsonPlace &pla
                     .arg(place.text(), key.name, jsonTypeName(value.kind()));
         return false;
     }
-    const auto whole = shortWholeNumber(value);
-    if (whole && leaf.type == ValueType::Float64) { // what is read most, without a detour
-        limit = QVariant(double(*whole));
-        return true;
+    constexpr int exactDigits = 15; // of a double
+    if (leaf.type == ValueType::Float64 && value.bytes().size() <= exactDigits) {
+        if (const auto whole = signedWholeNumber(value)) { // what is read most, without a detour
+            limit = QVariant(double(*whole));
+            return true;
+        }
     }
-    const QVariant number = unroundedMaximum(leaf.type, numberOf(value));
+    const QVariant number = limitOf(leaf.type, value);
     QString reason;
     const auto converted = convertToType(leaf.type, number, reason);
     if (!converted) {

@@ -234,3 +234,9 @@ std::optional<ProcessDataDescription> parseDescription(const QJsonObject &docume
     const JsonTextPointer text = scanDescription(document, error);
     return text ? DescriptionReader(text, form, error).read() : std::nullopt;
 }
+
+std::optional<ProcessDataDescription> parseDescription(const JsonTextPointer &text,
+                                                       DescriptionForm form, QString &error)
+{
+    return DescriptionReader(text, form, error).read();
+}

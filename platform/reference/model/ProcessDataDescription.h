@@ -3,6 +3,7 @@
 #ifndef PROCESSDATADESCRIPTION_H
 #define PROCESSDATADESCRIPTION_H
 
+#include "JsonText.h"
 #include "LeafDescription.h"
 
 #include <QByteArray>
@@ -20,6 +21,8 @@ struct BufferDescription
     quint64 generation = 0; ///< a new number for each new layout, never one that was used before
     quint64 size = 0; ///< bytes
     quint32 ownerUid = 0; ///< user id that the object must belong to
+    std::optional<quint32> revision
+        = std::nullopt; ///< of the description, as its buffer's publisher counts
 };
 
 /// One instance's description.
@@ -50,6 +53,12 @@ enum class DescriptionForm {
 /// Threads: any.
 std::optional<ProcessDataDescription> parseDescription(const QByteArray &json, DescriptionForm form,
                                                        QString &error);
+
+/// The same for a text that was gone over already.
+///
+/// @param text  not null
+std::optional<ProcessDataDescription> parseDescription(const JsonTextPointer &text,
+                                                       DescriptionForm form, QString &error);
 
 /// The same for a document that is already parsed.
 std::optional<ProcessDataDescription> parseDescription(const QJsonObject &document,

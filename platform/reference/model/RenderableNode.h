@@ -12,9 +12,9 @@ class RenderableNode
 public:
     virtual ~RenderableNode() = default;
 
-    /// What clients are told of the node: nodes that are equal for a client give equal objects.
+    /// What clients get of the node: nodes that are equal for a client give equal objects.
     ///
-    /// All keys of the leaf's description but "offset", which is no property of the value; added to
+    /// All keys of the leaf's description but "offset", which is not a property of the value; added to
     /// them "session", so that clients learn of a publisher's restart.
     virtual QJsonObject renderedProperties() const = 0;
 

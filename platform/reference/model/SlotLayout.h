@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Where values stand in a buffer, layout 1: a header, then one slot for each leaf.
+// Where values stand in a buffer, layout 2: a header, then one slot for each leaf.
 #ifndef SLOTLAYOUT_H
 #define SLOTLAYOUT_H
 

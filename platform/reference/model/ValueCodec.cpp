@@ -2,6 +2,7 @@
 // Converts between QVariant and a leaf's payload bytes.
 #include "ValueCodec.h"
 
+#include "Utf8.h"
 #include "ValueConversion.h"
 
 #include <cmath>
@@ -139,8 +140,7 @@ QVariant decodeValue(ValueType type, const char *payload, quint32 length)
     case ValueType::Float64:
         return numberIn<double>(payload, length);
     case ValueType::String:
-        return isTextLength(length) ? QString::fromUtf8(payload, static_cast<int>(length))
-                                    : QVariant();
+        return isTextLength(length) ? textFromUtf8(payload, static_cast<int>(length)) : QVariant();
     case ValueType::Bytes:
         return isTextLength(length) ? QByteArray(payload, static_cast<int>(length)) : QVariant();
     }

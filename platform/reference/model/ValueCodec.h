@@ -10,7 +10,7 @@
 
 /// Converts a value to a leaf's payload.
 ///
-/// @param value    must convert to the leaf's type without loss (convertToType tells how) and lie
+/// @param value    must convert to the leaf's type without loss (convertToType says how) and lie
 ///                 within its minimum and maximum
 /// @param payload  receives the bytes in the machine's order, exactly as long as the value: text as
 ///                 UTF-8 without a terminator; left alone on failure

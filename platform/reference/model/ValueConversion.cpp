@@ -2,6 +2,8 @@
 // Brings a QVariant to a leaf's type without loss.
 #include "ValueConversion.h"
 
+#include "Utf8.h"
+
 #include <QByteArray>
 
 #include <cmath>
@@ -225,10 +227,10 @@ std::optional<QVariant> toText(const QVariant &value, QString &reason)
         reason = wrongKind(value);
         return std::nullopt;
     }
-    const QString text = value.toString();
-    const bool lossless = value.userType() == QMetaType::QByteArray
-        ? text.toUtf8() == value.toByteArray()
-        : text.isValidUtf16();
+    const bool isBytes = value.userType() == QMetaType::QByteArray;
+    const QByteArray bytes = isBytes ? value.toByteArray() : QByteArray();
+    const QString text = isBytes ? textFromUtf8(bytes.constData(), bytes.size()) : value.toString();
+    const bool lossless = isBytes ? text.toUtf8() == bytes : text.isValidUtf16();
     if (!lossless) {
         reason = QStringLiteral("is not valid Unicode text");
         return std::nullopt;

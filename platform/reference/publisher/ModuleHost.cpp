@@ -35,10 +35,11 @@ bool ModuleHost::reserve(const QString &objectName, const QString &instanceName,
 
 void ModuleHost::serve(const QString &objectName, const QString &instanceName,
                        const QString &description, const QStringList &selectorTypes,
-                       AnnouncedChange change)
+                       AnnouncedChange change, const std::function<void()> &whenServed)
 {
-    ModuleHosts::instance().runAndWait(
-        [&] { serveHere(objectName, instanceName, description, selectorTypes, change); });
+    ModuleHosts::instance().runAndWait([&] {
+        serveHere(objectName, instanceName, description, selectorTypes, change, whenServed);
+    });
 }
 
 void ModuleHost::withdraw(const QString &objectName, const QString &instanceName)
@@ -46,9 +47,11 @@ void ModuleHost::withdraw(const QString &objectName, const QString &instanceName
     ModuleHosts::instance().runAndWait([&] { withdrawHere(objectName, instanceName); });
 }
 
-ModuleHost::ModuleHost(const BusChoice &choice, const QString &moduleName)
+ModuleHost::ModuleHost(const BusChoice &choice, const QString &moduleName,
+                       ServingConnections &connections)
     : moduleName(moduleName)
-    , endpoint(new ServiceEndpoint(choice, BusNames::serviceOfModule(moduleName), this))
+    , endpoint(new ServiceEndpoint(choice, BusNames::serviceOfModule(moduleName),
+                                   ServiceEndpoint::namesOnly, &connections, this))
     , registration(new ProviderRegistration(moduleName, this))
 {
     QObject::connect(endpoint, &ServiceEndpoint::becameAvailable, this,
@@ -93,7 +96,7 @@ bool ModuleHost::reserveHere(const QString &objectName, const QString &instanceN
 
 void ModuleHost::serveHere(const QString &objectName, const QString &instanceName,
                            const QString &description, const QStringList &selectorTypes,
-                           AnnouncedChange change)
+                           AnnouncedChange change, const std::function<void()> &whenServed)
 {
     Instance *const instance = find(objectName, instanceName);
     if (instance == nullptr) {
@@ -111,6 +114,9 @@ void ModuleHost::serveHere(const QString &objectName, const QString &instanceNam
     instance->selectorTypes = selectorTypes;
     if (!registered) {
         updateRegistration();
+    }
+    if (whenServed) {
+        whenServed();
     }
     announce(*instance, change);
 }

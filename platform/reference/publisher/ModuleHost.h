@@ -10,18 +10,20 @@
 #include <QStringList>
 #include <QVector>
 
+#include <functional>
 #include <map>
 #include <memory>
 
 class ProcessDescriptionObject;
 class ProviderRegistration;
 class ServiceEndpoint;
+class ServingConnections;
 
 /// What an announcement says.
 enum class AnnouncedChange { Description, Properties };
 
-/// Lives in a thread of its own, which answers clients whatever the publishers' threads do. Each
-/// module has a connection of its own: object paths do not name the module.
+/// Lives in a thread of its own, which answers clients whatever the publishers' threads do. The
+/// modules of a process share a connection.
 ///
 /// Threads: the operations may be called in any thread but the host's; each returns when it is done
 /// there.
@@ -50,8 +52,11 @@ public:
     /// Serves a description from now on, and announces it.
     ///
     /// @param selectorTypes  of its leaves, distinct, in document order
+    /// @param whenServed     called in the host's thread once fetches give the description, before
+    ///                       it is announced; may be empty
     void serve(const QString &objectName, const QString &instanceName, const QString &description,
-               const QStringList &selectorTypes, AnnouncedChange change);
+               const QStringList &selectorTypes, AnnouncedChange change,
+               const std::function<void()> &whenServed);
 
     /// Forgets an instance.
     void withdraw(const QString &objectName, const QString &instanceName);
@@ -70,7 +75,7 @@ private:
         QStringList selectorTypes;
     };
 
-    ModuleHost(const BusChoice &choice, const QString &moduleName);
+    ModuleHost(const BusChoice &choice, const QString &moduleName, ServingConnections &connections);
     ~ModuleHost() override;
 
     // In the host's thread.
@@ -79,7 +84,7 @@ private:
     bool reserveHere(const QString &objectName, const QString &instanceName);
     void serveHere(const QString &objectName, const QString &instanceName,
                    const QString &description, const QStringList &selectorTypes,
-                   AnnouncedChange change);
+                   AnnouncedChange change, const std::function<void()> &whenServed);
     void withdrawHere(const QString &objectName, const QString &instanceName);
     Instance *find(const QString &objectName, const QString &instanceName);
     void announce(const Instance &instance, AnnouncedChange change);

@@ -38,6 +38,9 @@ void ModuleHosts::endOfApplication()
 
 void ModuleHosts::stop()
 {
+    if (thread.isMissing()) {
+        return;
+    }
     const QMutexLocker lock(&mutex);
     thread.runAndWait([this] {
         for (const Entry &entry : std::as_const(entries)) {
@@ -61,6 +64,12 @@ ModuleHost *ModuleHosts::acquire(const QString &moduleName, QString &error)
         error = QStringLiteral("Cannot connect to %1: %2").arg(choice.label(), reason);
         return nullptr;
     }
+    if (instance().thread.isMissing()) {
+        error = QStringLiteral("Cannot connect to %1: this process was forked after its parent had "
+                               "published; fork first")
+                    .arg(choice.label());
+        return nullptr;
+    }
     return instance().acquire(moduleName, choice, error);
 }
 
@@ -78,7 +87,7 @@ ModuleHost *ModuleHosts::acquire(const QString &moduleName, const BusChoice &cho
         ++found->users;
         return found->host;
     }
-    auto *const host = new ModuleHost(choice, moduleName);
+    auto *const host = new ModuleHost(choice, moduleName, connections);
     thread.adopt(host);
     bool started = false;
     thread.runAndWait([&] { started = host->start(error); });
@@ -92,6 +101,9 @@ ModuleHost *ModuleHosts::acquire(const QString &moduleName, const BusChoice &cho
 
 void ModuleHosts::release(ModuleHost *host)
 {
+    if (thread.isMissing()) {
+        return;
+    }
     const QMutexLocker lock(&mutex);
     for (auto it = entries.begin(); it != entries.end(); ++it) {
         if (it->host == host) {

@@ -5,6 +5,7 @@
 
 #include "BusSettings.h"
 #include "BusThread.h"
+#include "ServingConnections.h"
 
 #include <QHash>
 #include <QMutex>
@@ -54,6 +55,7 @@ private:
     // back. The hosts' thread never takes it.
     QMutex mutex;
     QHash<QString, Entry> entries;
+    ServingConnections connections; // of the hosts' thread
     BusThread thread;
 };
 

@@ -18,6 +18,14 @@ void tell(QString *errorMessage, const QString &error)
         *errorMessage = error;
     }
 }
+
+// Document is an object or a text, which must live as long as the result.
+template <typename Document> ProcessDataPublisherPrivate::Reader readerOf(const Document &document)
+{
+    return [&document](const PublishedSource &source, QString &error) {
+        return PublishedDescription::fromTemplate(source, document, error);
+    };
+}
 }
 
 QSharedPointer<ProcessDataPublisher> ProcessDataPublisher::create(const QString &moduleName,
@@ -34,10 +42,32 @@ ProcessDataPublisher::create(const QString &moduleName, const QString &objectNam
                              const QString &instanceName, const QJsonObject &description,
                              const FirstValues &firstValues, QString *errorMessage)
 {
-    QSharedPointer<ProcessDataPublisher> publisher;
+    const PublishedSource source{moduleName, objectName, instanceName};
     QString error;
-    std::unique_ptr<ProcessDataPublisherPrivate> state = ProcessDataPublisherPrivate::start(
-        PublishedSource{moduleName, objectName, instanceName}, description, error);
+    auto read = PublishedDescription::fromTemplate(source, description, error);
+    return start(ProcessDataPublisherPrivate::start(source, std::move(read), error), firstValues,
+                 error, errorMessage);
+}
+
+QSharedPointer<ProcessDataPublisher>
+ProcessDataPublisher::createFromText(const QString &moduleName, const QString &objectName,
+                                     const QString &instanceName, const QByteArray &description,
+                                     const FirstValues &firstValues, QString *errorMessage)
+{
+    const PublishedSource source{moduleName, objectName, instanceName};
+    QString error;
+    auto read = PublishedDescription::fromTemplate(source, description, error);
+    return start(ProcessDataPublisherPrivate::start(source, std::move(read), error), firstValues,
+                 error, errorMessage);
+}
+
+// state is null when an error is to be told.
+QSharedPointer<ProcessDataPublisher>
+ProcessDataPublisher::start(std::unique_ptr<ProcessDataPublisherPrivate> state,
+                            const FirstValues &firstValues, const QString &error,
+                            QString *errorMessage)
+{
+    QSharedPointer<ProcessDataPublisher> publisher;
     if (state == nullptr) {
         tell(errorMessage, error);
         return publisher;
@@ -71,6 +101,9 @@ bool ProcessDataPublisher::publish(const QString &path, const QVariant &value)
 
 bool ProcessDataPublisher::publish(const QVector<QPair<QString, ProcessValue>> &values)
 {
+    if (d->isForkedChild()) {
+        return false;
+    }
     QVector<QPair<int, ProcessValue>> located;
     located.reserve(values.size());
     for (const auto &value : values) {
@@ -107,6 +140,11 @@ QStringList ProcessDataPublisher::paths() const
 
 QJsonObject ProcessDataPublisher::description() const
 {
+    return QJsonDocument::fromJson(descriptionText()).object();
+}
+
+QByteArray ProcessDataPublisher::descriptionText() const
+{
     return d->description.served();
 }
 
@@ -119,7 +157,7 @@ bool ProcessDataPublisher::replaceDescription(const QJsonObject &description,
                                               const FirstValues &firstValues, QString *errorMessage)
 {
     QString error;
-    const bool replaced = d->replaceDescription(this, description, firstValues, error);
+    const bool replaced = d->replaceDescription(this, readerOf(description), firstValues, error);
     if (!replaced) {
         tell(errorMessage, error);
     }
@@ -129,7 +167,30 @@ bool ProcessDataPublisher::replaceDescription(const QJsonObject &description,
 bool ProcessDataPublisher::replaceProperties(const QJsonObject &description, QString *errorMessage)
 {
     QString error;
-    const bool replaced = d->replaceProperties(description, error);
+    const bool replaced = d->replaceProperties(readerOf(description), error);
+    if (!replaced) {
+        tell(errorMessage, error);
+    }
+    return replaced;
+}
+
+bool ProcessDataPublisher::replaceDescriptionText(const QByteArray &description,
+                                                  const FirstValues &firstValues,
+                                                  QString *errorMessage)
+{
+    QString error;
+    const bool replaced = d->replaceDescription(this, readerOf(description), firstValues, error);
+    if (!replaced) {
+        tell(errorMessage, error);
+    }
+    return replaced;
+}
+
+bool ProcessDataPublisher::replacePropertiesText(const QByteArray &description,
+                                                 QString *errorMessage)
+{
+    QString error;
+    const bool replaced = d->replaceProperties(readerOf(description), error);
     if (!replaced) {
         tell(errorMessage, error);
     }

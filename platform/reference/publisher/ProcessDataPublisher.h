@@ -6,6 +6,7 @@
 #include "ProcessDataPlatformExport.h"
 #include "ProcessValue.h"
 
+#include <QByteArray>
 #include <QJsonObject>
 #include <QObject>
 #include <QPair>
@@ -17,6 +18,7 @@
 #include <QVector>
 
 #include <functional>
+#include <memory>
 
 class ProcessDataPublisherPrivate;
 
@@ -51,7 +53,8 @@ public:
     /// @param objectName    the same
     /// @param instanceName  may be empty; without control characters
     /// @param description   document without "buffer" and "offset" keys; its "module", "object" and
-    ///                      "instance", where present, must be the ones given
+    ///                      "instance", where present, must be the ones given. A QJsonObject keeps
+    ///                      the digits of whole numbers up to an int64; createFromText() keeps all.
     /// @param errorMessage  when given, receives one sentence that names what is wrong
     /// @returns the running publisher; null when the description is refused, the buffer cannot be
     ///          made, the bus is out of reach or another process owns the module's service name.
@@ -110,7 +113,7 @@ public:
     /// Paths of all leaves in the order of the description.
     QStringList paths() const;
 
-    /// The description as clients fetch it.
+    /// The description as clients fetch it, but for digits past an int64: see descriptionText().
     QJsonObject description() const;
 
     /// Replaces the description. A new buffer is made; values of leaves that keep path and type
@@ -135,14 +138,41 @@ public:
     ///
     /// @param description   the whole of it, as for create
     /// @param errorMessage  when given, receives one sentence that names what is wrong
-    /// @returns false when a rule is broken, or a leaf was added, removed, moved, retyped, resized or its readOnly
-    ///          changed: that takes replaceDescription
+    /// @returns false when a rule is broken, or a leaf was added, removed, moved, retyped, resized
+    ///          or its readOnly changed: that takes replaceDescription
     bool replaceProperties(const QJsonObject &description, QString *errorMessage = nullptr);
 
     /// How often client writes are looked for.
     ///
     /// @param milliseconds  between two looks; 20 unless told, 0 or less: never
     void setWriteDetectionInterval(int milliseconds);
+
+    /// create() from a description as text: whole numbers keep every digit on their way to clients,
+    /// as limits of uint64 leaves past an int64 need it. Spellings, order and unknown keys stay;
+    /// space between values does not.
+    ///
+    /// @param moduleName    as for create
+    /// @param objectName    as for create
+    /// @param instanceName  as for create
+    /// @param description   JSON in UTF-8, at most 64 MiB; else as for create
+    /// @param firstValues   as for create; may be empty
+    /// @param errorMessage  when given, receives one sentence that names what is wrong
+    /// @returns as for create; null also for text that is not a JSON object
+    static QSharedPointer<ProcessDataPublisher>
+    createFromText(const QString &moduleName, const QString &objectName,
+                   const QString &instanceName, const QByteArray &description,
+                   const FirstValues &firstValues = FirstValues(), QString *errorMessage = nullptr);
+
+    /// replaceDescription() with a description as for createFromText().
+    bool replaceDescriptionText(const QByteArray &description,
+                                const FirstValues &firstValues = FirstValues(),
+                                QString *errorMessage = nullptr);
+
+    /// replaceProperties() with a description as for createFromText().
+    bool replacePropertiesText(const QByteArray &description, QString *errorMessage = nullptr);
+
+    /// The description as clients fetch it, to the last digit.
+    QByteArray descriptionText() const;
 
 Q_SIGNALS:
     /// A client wrote a leaf. Several writes between two looks are reported once, with the last
@@ -161,6 +191,9 @@ Q_SIGNALS:
 
 private:
     explicit ProcessDataPublisher(ProcessDataPublisherPrivate *state);
+    static QSharedPointer<ProcessDataPublisher>
+    start(std::unique_ptr<ProcessDataPublisherPrivate> state, const FirstValues &firstValues,
+          const QString &error, QString *errorMessage);
     const QScopedPointer<ProcessDataPublisherPrivate> d;
 };
 

@@ -2,7 +2,6 @@
 // What a publisher holds: its module's service, its description and its buffer.
 #include "ProcessDataPublisherPrivate.h"
 
-#include <QJsonDocument>
 #include <QPointer>
 
 #include <utility>
@@ -28,15 +27,14 @@ QVector<QPair<int, int>> keptLeaves(const PublishedDescription &before,
 }
 
 std::unique_ptr<ProcessDataPublisherPrivate>
-ProcessDataPublisherPrivate::start(const PublishedSource &source, const QJsonObject &document,
-                                   QString &error)
+ProcessDataPublisherPrivate::start(const PublishedSource &source,
+                                   std::optional<PublishedDescription> description, QString &error)
 {
-    auto description = PublishedDescription::fromTemplate(source, document, error);
     if (!description.has_value()) {
         return nullptr;
     }
     std::unique_ptr<ProcessDataPublisherPrivate> state(new ProcessDataPublisherPrivate(source));
-    state->description = *description;
+    state->description = std::move(*description);
     // The name comes before the buffer: whoever owns the name owns the module's buffers.
     state->host = ModuleHost::acquire(source.module, error);
     if (state->host == nullptr) {
@@ -71,11 +69,21 @@ ProcessDataPublisherPrivate::~ProcessDataPublisherPrivate()
     buffer.reset(); // before the host: the name is given back last
 }
 
+bool ProcessDataPublisherPrivate::isForkedChild(QString &error) const
+{
+    if (!isForkedChild()) {
+        return false;
+    }
+    error = QStringLiteral("%1: it belongs to the process that this one was forked from")
+                .arg(source.label());
+    return true;
+}
+
 void ProcessDataPublisherPrivate::serve(AnnouncedChange change)
 {
-    const QByteArray text = QJsonDocument(description.served()).toJson(QJsonDocument::Compact);
-    host->serve(source.object, source.instance, QString::fromUtf8(text),
-                description.selectorTypes(), change);
+    description.parsed().buffer->revision = buffer->nextRevision();
+    host->serve(source.object, source.instance, QString::fromUtf8(description.served()),
+                description.selectorTypes(), change, [this] { buffer->countChange(); });
 }
 
 void ProcessDataPublisherPrivate::publishFirst(ProcessDataPublisher *q,
@@ -95,16 +103,18 @@ void ProcessDataPublisherPrivate::announceFirst(ProcessDataPublisher *q,
     serve(AnnouncedChange::Description);
 }
 
-bool ProcessDataPublisherPrivate::replaceDescription(ProcessDataPublisher *q,
-                                                     const QJsonObject &document,
+bool ProcessDataPublisherPrivate::replaceDescription(ProcessDataPublisher *q, const Reader &read,
                                                      const FirstValues &firstValues, QString &error)
 {
+    if (isForkedChild(error)) {
+        return false;
+    }
     if (publishingFirst) {
         error = QStringLiteral("%1: first values cannot replace the description they belong to")
                     .arg(source.label());
         return false;
     }
-    auto fresh = PublishedDescription::fromTemplate(source, document, error);
+    auto fresh = read(source, error);
     if (!fresh.has_value()) {
         return false;
     }
@@ -152,14 +162,17 @@ void ProcessDataPublisherPrivate::carryLateWrites(PublishedBuffer &old,
     }
 }
 
-bool ProcessDataPublisherPrivate::replaceProperties(const QJsonObject &document, QString &error)
+bool ProcessDataPublisherPrivate::replaceProperties(const Reader &read, QString &error)
 {
+    if (isForkedChild(error)) {
+        return false;
+    }
     if (publishingFirst) {
         error = QStringLiteral("%1: first values cannot replace the properties they belong to")
                     .arg(source.label());
         return false;
     }
-    auto fresh = PublishedDescription::fromTemplate(source, document, error);
+    auto fresh = read(source, error);
     if (!fresh.has_value()) {
         return false;
     }
@@ -178,6 +191,9 @@ bool ProcessDataPublisherPrivate::replaceProperties(const QJsonObject &document,
 
 void ProcessDataPublisherPrivate::reportClientWrites(ProcessDataPublisher *q)
 {
+    if (isForkedChild()) {
+        return; // they are its parent's to hear of
+    }
     report(q, takeClientWrites());
 }
 

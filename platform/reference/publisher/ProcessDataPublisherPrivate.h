@@ -3,28 +3,35 @@
 #ifndef PROCESSDATAPUBLISHERPRIVATE_H
 #define PROCESSDATAPUBLISHERPRIVATE_H
 
+#include "ForkedChild.h"
 #include "ModuleHost.h"
 #include "ProcessDataPublisher.h"
 #include "PublishedBuffer.h"
 #include "PublishedDescription.h"
 
-#include <QJsonObject>
 #include <QPair>
 #include <QString>
 #include <QTimer>
 #include <QVector>
 
+#include <functional>
 #include <memory>
+#include <optional>
 
 class ProcessDataPublisherPrivate
 {
 public:
     using FirstValues = ProcessDataPublisher::FirstValues;
 
+    /// Reads and checks a description in whichever form it is given.
+    using Reader
+        = std::function<std::optional<PublishedDescription>(const PublishedSource &, QString &)>;
+
     /// Takes the module's name and makes the buffer. Null with the reason, and nothing left behind,
-    /// when one of them fails.
+    /// when one of them fails or there is no description.
     static std::unique_ptr<ProcessDataPublisherPrivate>
-    start(const PublishedSource &source, const QJsonObject &document, QString &error);
+    start(const PublishedSource &source, std::optional<PublishedDescription> description,
+          QString &error);
 
     /// Withdraws the instance first, so that nobody fetches a description whose buffer is retired.
     ~ProcessDataPublisherPrivate();
@@ -32,10 +39,16 @@ public:
     /// Serves the description for the first time, once its values are there.
     void announceFirst(ProcessDataPublisher *q, const FirstValues &firstValues);
 
-    bool replaceDescription(ProcessDataPublisher *q, const QJsonObject &document,
+    bool replaceDescription(ProcessDataPublisher *q, const Reader &read,
                             const FirstValues &firstValues, QString &error);
-    bool replaceProperties(const QJsonObject &document, QString &error);
+    bool replaceProperties(const Reader &read, QString &error);
     void reportClientWrites(ProcessDataPublisher *q);
+
+    /// Whether this process was forked since the publisher was made; says so once.
+    bool isForkedChild() const { return home.refusesChild("publisher"); }
+
+    /// For callers that are told why.
+    bool isForkedChild(QString &error) const;
 
     const PublishedSource source;
     ModuleHost::Pointer host;
@@ -53,6 +66,7 @@ private:
     ClientWrites takeClientWrites();
     static void report(ProcessDataPublisher *q, const ClientWrites &writes);
 
+    const HomeProcess home;
     bool reserved = false;
     bool publishingFirst = false; ///< a replacement inside would leave the outer one astray
     QVector<int>

@@ -3,22 +3,26 @@
 #include "ProcessDescriptionObject.h"
 
 #include "BusNames.h"
-
-#include <QDBusConnection>
-#include <QDBusError>
-#include <QDBusMessage>
+#include "PreparedDescription.h"
 
 #include <utility>
 
+namespace {
+
+const char fetchMember[] = "GetProcessDataDescription";
+const char listMember[] = "ListInstances";
+}
+
 ProcessDescriptionObject::ProcessDescriptionObject(QString source, QObject *parent)
-    : QDBusVirtualObject(parent)
+    : QObject(parent)
     , source(std::move(source))
 {
 }
 
 void ProcessDescriptionObject::setDescription(const QString &instanceName, const QString &text)
 {
-    descriptions.insert(instanceName, text);
+    // The token now, while no client waits for it.
+    descriptions.insert(instanceName, {text.toUtf8(), descriptionToken(text)});
 }
 
 void ProcessDescriptionObject::removeDescription(const QString &instanceName)
@@ -32,9 +36,8 @@ bool ProcessDescriptionObject::hasDescription(const QString &instanceName) const
 }
 
 // The same as dbus/com.orvalis.ProcessDescription1.xml.
-QString ProcessDescriptionObject::introspect(const QString &path) const
+QString ProcessDescriptionObject::introspection() const
 {
-    Q_UNUSED(path)
     return QStringLiteral(R"(  <interface name="com.orvalis.ProcessDescription1">
     <method name="GetProcessDataDescription">
       <arg name="instance" type="s" direction="in"/>
@@ -54,38 +57,50 @@ QString ProcessDescriptionObject::introspect(const QString &path) const
 )");
 }
 
-bool ProcessDescriptionObject::handleMessage(const QDBusMessage &message,
-                                             const QDBusConnection &connection)
+BusAnswer ProcessDescriptionObject::answer(const ServedCall &call)
 {
-    const bool isOurs = message.interface() == BusNames::processDescriptionInterface();
-    if (!isOurs && !message.interface().isEmpty()) {
-        return false; // QtDBus answers the standard interfaces, and refuses the others
+    if (call.isFor(BusNames::processDescriptionInterface(), fetchMember)) {
+        return answerFetch(call);
     }
-    if (message.member() == QLatin1String("GetProcessDataDescription")) {
-        return sendAnswer(message, connection);
+    if (call.isFor(BusNames::processDescriptionInterface(), listMember)) {
+        return BusAnswer::values({instances()});
     }
-    if (message.member() == QLatin1String("ListInstances")) {
-        return connection.send(message.createReply(QVariant(instances())));
-    }
-    return isOurs
-        && connection.send(message.createErrorReply(
-            QDBusError::UnknownMethod, QStringLiteral("No method %1").arg(message.member())));
+    return BusAnswer();
 }
 
-QDBusMessage ProcessDescriptionObject::answerFetch(const QDBusMessage &message) const
+qint64 ProcessDescriptionObject::answerSize(const ServedCall &call) const
 {
-    if (message.signature() != QLatin1String("ss")) {
-        return message.createErrorReply(
+    if (call.isFor(BusNames::processDescriptionInterface(), fetchMember)) {
+        const auto description = descriptions.constFind(call.text(0));
+        return description == descriptions.constEnd() || isKnownTo(call, *description)
+            ? 0
+            : description->text.size();
+    }
+    return 0;
+}
+
+BusAnswer ProcessDescriptionObject::describe(const ServedCall &call) const
+{
+    if (call.signature() != QLatin1String("ss")) {
+        return BusAnswer::error(
             BusNames::invalidArgumentsError(),
             QStringLiteral("GetProcessDataDescription takes two strings, not \"%1\"")
-                .arg(message.signature()));
+                .arg(call.signature()));
     }
-    const QString instanceName = message.arguments().at(0).toString();
-    const auto description = descriptions.find(instanceName);
-    if (description == descriptions.end()) {
-        return message.createErrorReply(
-            BusNames::unknownInstanceError(),
-            QStringLiteral("%1 has no instance \"%2\"").arg(source, instanceName));
+    const QString instanceName = call.text(0);
+    const auto description = descriptions.constFind(instanceName);
+    if (description == descriptions.constEnd()) {
+        constexpr int longestName = 200;
+        return BusAnswer::error(BusNames::unknownInstanceError(),
+                                QStringLiteral("%1 has no instance \"%2\"")
+                                    .arg(source, Wire::shortened(instanceName, longestName)));
     }
-    return message.createReply(QVariant(*description));
+    return BusAnswer::values(
+        {isKnownTo(call, *description) ? description->token.toUtf8() : description->text});
+}
+
+// A client that has the text already asks whether it still is the same.
+bool ProcessDescriptionObject::isKnownTo(const ServedCall &call, const Description &description)
+{
+    return call.text(1) == description.token;
 }

@@ -3,12 +3,16 @@
 #ifndef PROCESSDESCRIPTIONOBJECT_H
 #define PROCESSDESCRIPTIONOBJECT_H
 
-#include <QDBusVirtualObject>
+#include "ServedCall.h"
+
+#include <QByteArray>
 #include <QMap>
+#include <QObject>
 #include <QString>
+#include <QStringList>
 
 /// Threads: belongs to the thread in which it answers.
-class ProcessDescriptionObject : public QDBusVirtualObject
+class ProcessDescriptionObject : public QObject, public ServedObject
 {
     Q_OBJECT
 
@@ -21,15 +25,23 @@ public:
     bool hasDescription(const QString &instanceName) const;
     QStringList instances() const { return descriptions.keys(); }
 
-    QString introspect(const QString &path) const override;
-    bool handleMessage(const QDBusMessage &message, const QDBusConnection &connection) override;
+    QString introspection() const override;
+    BusAnswer answer(const ServedCall &call) override;
+    qint64 answerSize(const ServedCall &call) const override;
 
 private:
-    QDBusMessage answerFetch(const QDBusMessage &message) const;
-    bool sendAnswer(const QDBusMessage &message, const QDBusConnection &connection);
+    struct Description
+    {
+        QByteArray text; // as it goes over the bus
+        QString token;
+    };
+
+    BusAnswer describe(const ServedCall &call) const;
+    BusAnswer answerFetch(const ServedCall &call);
+    static bool isKnownTo(const ServedCall &call, const Description &description);
 
     const QString source;
-    QMap<QString, QString> descriptions;
+    QMap<QString, Description> descriptions;
 };
 
 #endif

@@ -3,11 +3,7 @@
 // lose, delay and spoil them.
 #include "ProcessDescriptionObject.h"
 
-#include <QDBusConnection>
-#include <QDBusMessage>
-
-bool ProcessDescriptionObject::sendAnswer(const QDBusMessage &message,
-                                          const QDBusConnection &connection)
+BusAnswer ProcessDescriptionObject::answerFetch(const ServedCall &call)
 {
-    return connection.send(answerFetch(message));
+    return describe(call);
 }

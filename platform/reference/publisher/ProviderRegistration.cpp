@@ -2,13 +2,13 @@
 // Keeps a module registered at the system information manager.
 #include "ProviderRegistration.h"
 
-#include "BusCall.h"
 #include "BusErrors.h"
 #include "BusNames.h"
 #include "BusSettings.h"
 #include "ConfigurationAndProcessDataDefinitions.h"
 #include "PublisherLog.h"
 #include "ServiceEndpoint.h"
+#include "ServingConnection.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -18,20 +18,25 @@
 
 namespace {
 
-QDBusMessage registryCall(const QString &member)
+WireMessage registryCall(const QString &member, const QVariantList &values)
 {
-    QDBusMessage call = QDBusMessage::createMethodCall(
-        BusNames::informationManagerService(), BusNames::informationManagerPath(),
-        BusNames::informationManagerInterface(), member);
-    call.setAutoStartService(false);
-    return call;
+    return Wire::call(BusNames::informationManagerService(), BusNames::informationManagerPath(),
+                      BusNames::informationManagerInterface(), member, values);
+}
+
+// A registry that is not there yet is heard of when it comes; a call that was lost with the bus is
+// made again.
+bool isOfNoConcern(const QString &error)
+{
+    return error == QLatin1String("org.freedesktop.DBus.Error.ServiceUnknown")
+        || error == QLatin1String("org.freedesktop.DBus.Error.NameHasNoOwner")
+        || error == QLatin1String("org.freedesktop.DBus.Error.Disconnected");
 }
 }
 
 ProviderRegistration::ProviderRegistration(QString moduleName, QObject *parent)
     : QObject(parent)
     , moduleName(std::move(moduleName))
-    , connection(QString())
     , timer(this)
 {
     timer.setSingleShot(true);
@@ -42,18 +47,19 @@ ProviderRegistration::ProviderRegistration(QString moduleName, QObject *parent)
 void ProviderRegistration::setEndpoint(ServiceEndpoint &endpoint)
 {
     connection = endpoint.connection();
-    endpoint.subscribe({BusNames::daemonPath(),
-                        BusNames::daemonInterface(),
-                        QStringLiteral("NameOwnerChanged"),
-                        {BusNames::informationManagerService()}},
-                       this, SLOT(handleRegistryOwner(QDBusMessage)));
+    connection->watchOwners(BusNames::informationManagerService(), this,
+                            [this](const QString & /*name*/, const QString &owner) {
+                                if (!owner.isEmpty() && connection != nullptr) {
+                                    timer.start();
+                                }
+                            });
     timer.start();
 }
 
 void ProviderRegistration::clearConnection()
 {
     timer.stop();
-    connection = QDBusConnection(QString());
+    connection.reset();
 }
 
 void ProviderRegistration::setSelectorTypes(const QStringList &entries)
@@ -66,35 +72,25 @@ void ProviderRegistration::setSelectorTypes(const QStringList &entries)
 void ProviderRegistration::unregister()
 {
     timer.stop();
-    if (connection.isConnected()) {
-        QDBusMessage call = registryCall(QStringLiteral("UnregisterProvider"));
-        call << moduleName;
-        connection.send(call); // a registry that is not there has nothing to forget
-    }
-}
-
-void ProviderRegistration::handleRegistryOwner(const QDBusMessage &message)
-{
-    const bool hasOwner = !message.arguments().value(2).toString().isEmpty();
-    if (message.service() == BusNames::daemonService() && hasOwner) {
-        timer.start();
+    if (connection != nullptr) {
+        // A registry that is not there has nothing to forget.
+        connection->call(registryCall(QStringLiteral("UnregisterProvider"), {moduleName}),
+                         callTimeLimit(), this, [](const WireMessage & /*answer*/) {});
     }
 }
 
 void ProviderRegistration::sendRegistration()
 {
-    if (!hasData || !connection.isConnected()) {
+    if (!hasData || connection == nullptr) {
         return;
     }
-    QDBusMessage call = registryCall(QStringLiteral("RegisterProvider"));
-    call << moduleName << additionalData();
-    BusCall::send(connection, call, callTimeLimit(), this, [this](const QDBusMessage &answer) {
-        // A registry that is not there yet is heard of when it comes.
-        if (answer.type() == QDBusMessage::ErrorMessage && !BusErrors::isServiceMissing(answer)
-            && !BusErrors::isDisconnected(answer)) {
+    const WireMessage call
+        = registryCall(QStringLiteral("RegisterProvider"), {moduleName, additionalData()});
+    connection->call(call, callTimeLimit(), this, [this](const WireMessage &answer) {
+        if (!Wire::isReturn(answer) && !isOfNoConcern(Wire::errorName(answer))) {
             qCWarning(publisherLog).noquote()
                 << "Module" << moduleName << "is not registered at"
-                << BusNames::informationManagerService() << "-" << answer.errorMessage();
+                << BusNames::informationManagerService() << "-" << BusErrors::text(answer);
         }
     });
 }

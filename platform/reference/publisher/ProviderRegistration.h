@@ -3,14 +3,14 @@
 #ifndef PROVIDERREGISTRATION_H
 #define PROVIDERREGISTRATION_H
 
-#include <QDBusConnection>
-#include <QDBusMessage>
 #include <QObject>
+#include <QSharedPointer>
 #include <QString>
 #include <QStringList>
 #include <QTimer>
 
 class ServiceEndpoint;
+class ServingConnection;
 
 /// Registers when the registry is there, whenever it comes, and again when the data changes. Waits
 /// for nothing: a system without a registry publishes all the same.
@@ -36,9 +36,6 @@ public:
     /// Takes the registration back.
     void unregister();
 
-private Q_SLOTS:
-    void handleRegistryOwner(const QDBusMessage &message);
-
 private:
     void sendRegistration();
     QString additionalData() const;
@@ -46,7 +43,7 @@ private:
     const QString moduleName;
     QStringList selectorTypes;
     bool hasData = false; // else there is nothing to register yet
-    QDBusConnection connection;
+    QSharedPointer<ServingConnection> connection; // null while the bus is away
     QTimer timer;
 };
 

@@ -2,23 +2,45 @@
 // A publisher's description: as its owner gave it, as it is parsed, and as clients fetch it.
 #include "PublishedDescription.h"
 
-#include <QJsonArray>
-#include <QJsonValue>
+#include "CompactJson.h"
+#include "DescriptionKeys.h"
+#include "DescriptionText.h"
+#include "JsonEdits.h"
+
+#include <QJsonObject>
+
+#include <utility>
+
+namespace Keys = DescriptionKeys;
 
 namespace {
 
-const QLatin1String elementsKey("elements");
-
 // A name that a document carries must be the publisher's own; one that it lacks is added.
-bool setName(QJsonObject &document, QLatin1String key, const QString &name, QString &error)
+bool setName(const JsonNode &document, const JsonKey &key, const QString &name,
+             QJsonObject &missing, QString &error)
 {
-    const QJsonValue present = document.value(key);
-    if (!present.isUndefined() && (!present.isString() || present.toString() != name)) {
-        error = QStringLiteral("its \"%1\" must be \"%2\"").arg(QString(key), name);
+    const JsonNode present = document.value(key);
+    if (present.isUndefined()) {
+        missing.insert(key.name, name);
+        return true;
+    }
+    if (present.kind() != JsonKind::String || present.toText() != name) {
+        error = QStringLiteral("its \"%1\" must be \"%2\"").arg(QString(key.name), name);
         return false;
     }
-    document.insert(key, name);
     return true;
+}
+
+// Members that an object begins with, which has others after them.
+QByteArray leadingMembers(const QJsonObject &members)
+{
+    const QByteArray object = compactJson(members);
+    return members.isEmpty() ? QByteArray() : object.mid(1, object.size() - 2) + ',';
+}
+
+int beginOfMembers(const JsonText &text)
+{
+    return text.text.indexOf('{') + 1;
 }
 
 bool isPartOfUrl(const QString &name)
@@ -47,23 +69,31 @@ bool checkSource(const PublishedSource &source, QString &error)
     return true;
 }
 
-// Leaves come in the order in which the parser met them.
-QJsonArray withOffsets(const QJsonArray &elements, const QVector<LeafDescription> &leaves,
-                       int &next)
+// Leaves come in the order in which the parser met them. Each has a name, which the offset follows.
+void addOffsets(const JsonNode &group, const QVector<LeafDescription> &leaves, int &next,
+                QVector<JsonEdit> &edits)
 {
-    QJsonArray result;
-    for (const QJsonValue &value : elements) {
-        QJsonObject element = value.toObject();
-        if (element.contains(elementsKey)) {
-            element.insert(elementsKey,
-                           withOffsets(element.value(elementsKey).toArray(), leaves, next));
-        } else {
-            element.insert(QLatin1String("offset"), static_cast<double>(leaves.at(next).offset));
-            ++next;
+    const JsonNode elements = group.value(Keys::elements);
+    for (int i = 0; i < elements.size(); ++i) {
+        const JsonNode element = elements.at(i);
+        if (element.contains(Keys::elements)) {
+            addOffsets(element, leaves, next, edits);
+            continue;
         }
-        result += element;
+        const JsonItem name = element.value(Keys::name).place();
+        edits.append({int(name.begin + name.size) + 1, 0,
+                      ",\"offset\":" + QByteArray::number(leaves.at(next).offset)});
+        ++next;
     }
-    return result;
+}
+
+QJsonObject bufferMember(const BufferDescription &buffer)
+{
+    return {{QStringLiteral("name"), buffer.name},
+            {QStringLiteral("generation"), static_cast<double>(buffer.generation)},
+            {QStringLiteral("size"), static_cast<double>(buffer.size)},
+            {QStringLiteral("ownerUid"), static_cast<double>(buffer.ownerUid)},
+            {QStringLiteral("revision"), static_cast<double>(buffer.revision.value_or(0))}};
 }
 }
 
@@ -73,22 +103,57 @@ QString PublishedSource::label() const
         .arg(module, object, instance);
 }
 
+// The text as it is to be parsed: with all three names.
+JsonTextPointer PublishedDescription::withNames(const PublishedSource &source,
+                                                const JsonTextPointer &text, QString &error)
+{
+    const JsonNode document(*text, text->root);
+    QJsonObject missing;
+    if (!setName(document, Keys::module, source.module, missing, error)
+        || !setName(document, Keys::object, source.object, missing, error)
+        || !setName(document, Keys::instance, source.instance, missing, error)) {
+        return {};
+    }
+    if (missing.isEmpty() || text->shapes.at(int(text->root.size)).keys.isEmpty()) {
+        return text;
+    }
+    return scanDescription(
+        editedJson(text->text, {{beginOfMembers(*text), 0, leadingMembers(missing)}}), error);
+}
+
 std::optional<PublishedDescription>
 PublishedDescription::fromTemplate(const PublishedSource &source, const QJsonObject &document,
                                    QString &error)
 {
-    PublishedDescription result;
-    result.document = document;
     QString reason;
-    bool good = checkSource(source, reason)
-        && setName(result.document, QLatin1String("module"), source.module, reason)
-        && setName(result.document, QLatin1String("object"), source.object, reason)
-        && setName(result.document, QLatin1String("instance"), source.instance, reason);
+    const JsonTextPointer scanned = scanDescription(document, reason);
+    return fromScanned(source, scanned, reason, error);
+}
+
+std::optional<PublishedDescription>
+PublishedDescription::fromTemplate(const PublishedSource &source, const QByteArray &json,
+                                   QString &error)
+{
+    QString reason;
+    const JsonTextPointer scanned = scanDescription(json, reason);
+    return fromScanned(source, scanned, reason, error);
+}
+
+std::optional<PublishedDescription>
+PublishedDescription::fromScanned(const PublishedSource &source, const JsonTextPointer &scanned,
+                                  QString reason, QString &error)
+{
+    PublishedDescription result;
+    bool good = checkSource(source, reason) && scanned;
     if (good) {
-        const auto parsed = parseDescription(result.document, DescriptionForm::Template, reason);
+        result.text = withNames(source, scanned, reason);
+        good = bool(result.text);
+    }
+    if (good) {
+        auto parsed = parseDescription(result.text, DescriptionForm::Template, reason);
         good = parsed.has_value();
         if (good) {
-            result.description = *parsed;
+            result.description = std::move(*parsed);
         }
     }
     if (!good) {
@@ -122,7 +187,10 @@ bool PublishedDescription::hasLayoutOf(const PublishedDescription &other, QStrin
         }
     }
     if (mine.size() != theirs.size()) {
-        difference = QStringLiteral("%1 leaves instead of %2").arg(mine.size()).arg(theirs.size());
+        difference = QStringLiteral("%1 %2 instead of %3")
+                         .arg(mine.size())
+                         .arg(mine.size() == 1 ? QStringLiteral("leaf") : QStringLiteral("leaves"))
+                         .arg(theirs.size());
         return false;
     }
     return true;
@@ -137,24 +205,25 @@ void PublishedDescription::takeLayoutFrom(const PublishedDescription &other)
     }
 }
 
-QJsonObject PublishedDescription::served() const
+QByteArray PublishedDescription::served() const
 {
-    QJsonObject result = document;
-    result.insert(QLatin1String("format"), QStringLiteral("process-data-description/1"));
-    result.insert(QLatin1String("session"), static_cast<double>(description.session));
-    if (description.buffer.has_value()) {
-        const BufferDescription &buffer = *description.buffer;
-        result.insert(
-            QLatin1String("buffer"),
-            QJsonObject{{QStringLiteral("name"), buffer.name},
-                        {QStringLiteral("generation"), static_cast<double>(buffer.generation)},
-                        {QStringLiteral("size"), static_cast<double>(buffer.size)},
-                        {QStringLiteral("ownerUid"), static_cast<double>(buffer.ownerUid)}});
+    const JsonNode document(*text, text->root);
+    QVector<JsonEdit> edits;
+    edits.reserve(description.leaves.size() + 2);
+    QJsonObject added;
+    if (document.contains(Keys::session)) {
+        const JsonItem given = document.value(Keys::session).place();
+        edits.append({int(given.begin), int(given.size), QByteArray::number(description.session)});
+    } else {
+        added.insert(Keys::session.name, static_cast<double>(description.session));
     }
+    if (description.buffer.has_value()) {
+        added.insert(Keys::buffer.name, bufferMember(*description.buffer));
+    }
+    edits.append({beginOfMembers(*text), 0, leadingMembers(added)});
     int next = 0;
-    result.insert(elementsKey,
-                  withOffsets(document.value(elementsKey).toArray(), description.leaves, next));
-    return result;
+    addOffsets(document, description.leaves, next, edits);
+    return editedJson(text->text, std::move(edits));
 }
 
 QStringList PublishedDescription::selectorTypes() const

@@ -5,6 +5,7 @@
 
 #include "ProcessDataDescription.h"
 
+#include <QByteArray>
 #include <QHash>
 #include <QJsonObject>
 #include <QString>
@@ -33,6 +34,10 @@ public:
     static std::optional<PublishedDescription>
     fromTemplate(const PublishedSource &source, const QJsonObject &document, QString &error);
 
+    /// The same for a document's text, UTF-8: whole numbers keep every digit.
+    static std::optional<PublishedDescription> fromTemplate(const PublishedSource &source,
+                                                            const QByteArray &json, QString &error);
+
     /// What PublishedBuffer::create() fills in.
     ProcessDataDescription &parsed() { return description; }
     const ProcessDataDescription &parsed() const { return description; }
@@ -49,14 +54,20 @@ public:
     /// Takes buffer, session and offsets over from a description of the same layout.
     void takeLayoutFrom(const PublishedDescription &other);
 
-    /// The document as clients fetch it, once buffer, session and offsets are there.
-    QJsonObject served() const;
+    /// The text as clients fetch it, once buffer, session and offsets are there.
+    QByteArray served() const;
 
     /// Selector types of the leaves, each once, in document order.
     QStringList selectorTypes() const;
 
 private:
-    QJsonObject document;
+    static std::optional<PublishedDescription> fromScanned(const PublishedSource &source,
+                                                           const JsonTextPointer &scanned,
+                                                           QString reason, QString &error);
+    static JsonTextPointer withNames(const PublishedSource &source, const JsonTextPointer &text,
+                                     QString &error);
+
+    JsonTextPointer text; // as its owner gave it, with the names of its source
     ProcessDataDescription description;
     QHash<QString, int> indices;
 };

@@ -4,31 +4,23 @@
 
 #include "BusNames.h"
 
-#include <QDBusConnection>
-#include <QDBusError>
-
 namespace {
 
-const QLatin1String registerMember("RegisterProvider");
-const QLatin1String unregisterMember("UnregisterProvider");
-const QLatin1String listMember("GetRegisteredProviderList");
+const char registerMember[] = "RegisterProvider";
+const char unregisterMember[] = "UnregisterProvider";
+const char listMember[] = "GetRegisteredProviderList";
 
-bool isSignatureRight(const QDBusMessage &message)
+BusAnswer wrongSignature(const ServedCall &call)
 {
-    if (message.member() == registerMember) {
-        return message.signature() == QLatin1String("ss");
-    }
-    if (message.member() == unregisterMember) {
-        return message.signature() == QLatin1String("s");
-    }
-    return message.signature().isEmpty();
+    return BusAnswer::error(
+        BusNames::invalidArgumentsError(),
+        QStringLiteral("%1 does not take \"%2\"").arg(call.member(), call.signature()));
 }
 }
 
 // The same as dbus/com.orvalis.SystemInformationManager1.xml.
-QString ProviderRegistryObject::introspect(const QString &path) const
+QString ProviderRegistryObject::introspection() const
 {
-    Q_UNUSED(path)
     return QStringLiteral(R"(  <interface name="com.orvalis.SystemInformationManager1">
     <method name="RegisterProvider">
       <arg name="module" type="s" direction="in"/>
@@ -45,55 +37,51 @@ QString ProviderRegistryObject::introspect(const QString &path) const
 )");
 }
 
-bool ProviderRegistryObject::handleMessage(const QDBusMessage &message,
-                                           const QDBusConnection &connection)
+BusAnswer ProviderRegistryObject::answer(const ServedCall &call)
 {
-    const bool isOurs = message.interface() == BusNames::informationManagerInterface();
-    const bool isKnown = message.member() == registerMember || message.member() == unregisterMember
-        || message.member() == listMember;
-    if (!isKnown && isOurs) {
-        return connection.send(message.createErrorReply(
-            QDBusError::UnknownMethod, QStringLiteral("No method %1").arg(message.member())));
+    const QString &interface = BusNames::informationManagerInterface();
+    if (call.isFor(interface, registerMember)) {
+        return call.signature() == QLatin1String("ss") ? change(call, true) : wrongSignature(call);
     }
-    if (!isOurs && !(isKnown && message.interface().isEmpty())) {
-        return false; // QtDBus answers the standard interfaces, and refuses the others
+    if (call.isFor(interface, unregisterMember)) {
+        return call.signature() == QLatin1String("s") ? change(call, false) : wrongSignature(call);
     }
-    return connection.send(answer(message));
+    if (call.isFor(interface, listMember)) {
+        return call.signature().isEmpty() ? list() : wrongSignature(call);
+    }
+    return BusAnswer();
 }
 
-QDBusMessage ProviderRegistryObject::answer(const QDBusMessage &message)
+qint64 ProviderRegistryObject::answerSize(const ServedCall &call) const
 {
-    if (!isSignatureRight(message)) {
-        return message.createErrorReply(
-            BusNames::invalidArgumentsError(),
-            QStringLiteral("%1 does not take \"%2\"").arg(message.member(), message.signature()));
-    }
-    if (message.member() == listMember) {
-        return message.createReply(providers.toJson());
-    }
-    const QVariantList arguments = message.arguments();
+    return call.isFor(BusNames::informationManagerInterface(), listMember)
+        ? Wire::size(list().content)
+        : 0;
+}
+
+BusAnswer ProviderRegistryObject::list() const
+{
+    return BusAnswer::values({providers.toJson()});
+}
+
+BusAnswer ProviderRegistryObject::change(const ServedCall &call, bool add)
+{
     QString error;
-    const ProviderTable::Change change = message.member() == registerMember
-        ? providers.add(arguments.at(0).toString(), arguments.at(1).toString(), message.service(),
-                        error)
-        : providers.remove(arguments.at(0).toString(), message.service(), error);
+    const ProviderTable::Change change = add
+        ? providers.add(call.text(0), call.text(1), call.sender(), error)
+        : providers.remove(call.text(0), call.sender(), error);
     if (change == ProviderTable::Change::Refused) {
-        return message.createErrorReply(BusNames::invalidArgumentsError(), error);
+        return BusAnswer::error(BusNames::invalidArgumentsError(), error);
     }
     if (change == ProviderTable::Change::Changed) {
         Q_EMIT listChanged();
     }
-    return message.createReply();
+    return BusAnswer::values({});
 }
 
-void ProviderRegistryObject::handleOwnerChanged(const QDBusMessage &message)
+void ProviderRegistryObject::handleOwnerChanged(const QString &name, const QString &owner)
 {
-    const QVariantList arguments = message.arguments();
-    if (message.service() != BusNames::daemonService()
-        || message.signature() != QLatin1String("sss") || !arguments.at(2).toString().isEmpty()) {
-        return;
-    }
-    if (providers.removeOwner(arguments.at(0).toString()) == ProviderTable::Change::Changed) {
+    if (owner.isEmpty() && providers.removeOwner(name) == ProviderTable::Change::Changed) {
         Q_EMIT listChanged();
     }
 }

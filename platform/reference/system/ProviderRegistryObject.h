@@ -4,32 +4,31 @@
 #define PROVIDERREGISTRYOBJECT_H
 
 #include "ProviderTable.h"
+#include "ServedCall.h"
 
-#include <QDBusMessage>
-#include <QDBusVirtualObject>
+#include <QObject>
 
 /// Answers registrations and questions for the list.
-class ProviderRegistryObject : public QDBusVirtualObject
+class ProviderRegistryObject : public QObject, public ServedObject
 {
     Q_OBJECT
 
 public:
-    using QDBusVirtualObject::QDBusVirtualObject;
+    QString introspection() const override;
+    BusAnswer answer(const ServedCall &call) override;
+    qint64 answerSize(const ServedCall &call) const override;
 
-    QString introspect(const QString &path) const override;
-    bool handleMessage(const QDBusMessage &message, const QDBusConnection &connection) override;
+    /// The bus daemon says that a name has another owner or none.
+    void handleOwnerChanged(const QString &name, const QString &owner);
 
     ProviderTable providers;
-
-public Q_SLOTS:
-    /// The bus daemon says that a name has another owner or none.
-    void handleOwnerChanged(const QDBusMessage &message);
 
 Q_SIGNALS:
     void listChanged();
 
 private:
-    QDBusMessage answer(const QDBusMessage &message);
+    BusAnswer change(const ServedCall &call, bool add);
+    BusAnswer list() const;
 };
 
 #endif

@@ -5,13 +5,15 @@
 #include "BusNames.h"
 #include "ProviderRegistryObject.h"
 #include "ServiceEndpoint.h"
+#include "ServingConnection.h"
 #include "SystemLog.h"
 
 class ProviderRegistryServicePrivate
 {
 public:
     ProviderRegistryServicePrivate()
-        : endpoint(BusChoice::fromEnvironment(), BusNames::informationManagerService())
+        : endpoint(BusChoice::fromEnvironment(), BusNames::informationManagerService(),
+                   ServiceEndpoint::documents)
     {
         endpoint.exportObject(BusNames::informationManagerPath(), &object);
     }
@@ -20,11 +22,10 @@ public:
     // interest.
     void watchProviders()
     {
-        const bool watching = endpoint.subscribe({BusNames::daemonPath(),
-                                                  BusNames::daemonInterface(),
-                                                  QStringLiteral("NameOwnerChanged"),
-                                                  {}},
-                                                 &object, SLOT(handleOwnerChanged(QDBusMessage)));
+        const bool watching = endpoint.connection()->watchOwners(
+            QString(), &object, [this](const QString &name, const QString &owner) {
+                object.handleOwnerChanged(name, owner);
+            });
         if (!watching) {
             qCWarning(systemLog) << "Providers that end without a word will stay in the list";
         }

@@ -7,7 +7,7 @@
 #include <QString>
 #include <QVector>
 
-/// Knows no bus. Each change tells whether the list is another one now.
+/// Knows no bus. Each change reports whether the list differs from before.
 class ProviderTable
 {
 public:

@@ -4,15 +4,12 @@
 
 #include "BusNames.h"
 
-#include <QDBusConnection>
 #include <QDBusError>
-#include <QDBusMessage>
 #include <QDBusVariant>
 
 // The same as dbus/com.orvalis.SystemStatusManager1.xml.
-QString SystemStatusObject::introspect(const QString &path) const
+QString SystemStatusObject::introspection() const
 {
-    Q_UNUSED(path)
     return QStringLiteral(R"(  <interface name="com.orvalis.SystemStatusManager1">
     <property name="Ready" type="b" access="read"/>
     <signal name="StartupReady"/>
@@ -20,33 +17,26 @@ QString SystemStatusObject::introspect(const QString &path) const
 )");
 }
 
-bool SystemStatusObject::handleMessage(const QDBusMessage &message,
-                                       const QDBusConnection &connection)
+BusAnswer SystemStatusObject::answer(const ServedCall &call)
 {
-    if (message.interface() != BusNames::propertiesInterface()) {
-        return false;
+    if (call.interface() != BusNames::propertiesInterface()) {
+        return BusAnswer();
     }
-    return connection.send(answerProperties(message));
-}
-
-QDBusMessage SystemStatusObject::answerProperties(const QDBusMessage &message) const
-{
     const QString &property = BusNames::readyProperty();
-    const QVariantList arguments = message.arguments();
-    const bool isOurs = arguments.value(0).toString() == BusNames::statusManagerInterface();
-    if (message.member() == QLatin1String("Get") && message.signature() == QLatin1String("ss")
-        && isOurs && arguments.at(1).toString() == property) {
-        return message.createReply(QVariant::fromValue(QDBusVariant(ready)));
+    const QString member = call.member();
+    const bool isOurs = call.text(0) == BusNames::statusManagerInterface();
+    if (member == QLatin1String("Get") && call.signature() == QLatin1String("ss") && isOurs
+        && call.text(1) == property) {
+        return BusAnswer::values({QVariant::fromValue(QDBusVariant(ready))});
     }
-    if (message.member() == QLatin1String("GetAll") && message.signature() == QLatin1String("s")
-        && isOurs) {
-        return message.createReply(QVariantMap{{property, ready}});
+    if (member == QLatin1String("GetAll") && call.signature() == QLatin1String("s") && isOurs) {
+        return BusAnswer::values({QVariantMap{{property, ready}}});
     }
-    if (message.member() == QLatin1String("Set")) {
-        return message.createErrorReply(QDBusError::PropertyReadOnly,
-                                        QStringLiteral("Ready cannot be set over the bus"));
+    if (member == QLatin1String("Set")) {
+        return BusAnswer::error(QDBusError::errorString(QDBusError::PropertyReadOnly),
+                                QStringLiteral("Ready cannot be set over the bus"));
     }
-    return message.createErrorReply(
+    return BusAnswer::error(
         BusNames::invalidArgumentsError(),
         QStringLiteral("The only property is Ready of %1").arg(BusNames::statusManagerInterface()));
 }

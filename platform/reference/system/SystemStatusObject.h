@@ -3,23 +3,16 @@
 #ifndef SYSTEMSTATUSOBJECT_H
 #define SYSTEMSTATUSOBJECT_H
 
-#include <QDBusVirtualObject>
+#include "ServedCall.h"
 
 /// Answers questions for the property Ready.
-class SystemStatusObject : public QDBusVirtualObject
+class SystemStatusObject : public ServedObject
 {
-    Q_OBJECT
-
 public:
-    using QDBusVirtualObject::QDBusVirtualObject;
-
-    QString introspect(const QString &path) const override;
-    bool handleMessage(const QDBusMessage &message, const QDBusConnection &connection) override;
+    QString introspection() const override;
+    BusAnswer answer(const ServedCall &call) override;
 
     bool ready = false;
-
-private:
-    QDBusMessage answerProperties(const QDBusMessage &message) const;
 };
 
 #endif

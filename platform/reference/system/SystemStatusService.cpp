@@ -10,7 +10,8 @@ class SystemStatusServicePrivate
 {
 public:
     SystemStatusServicePrivate()
-        : endpoint(BusChoice::fromEnvironment(), BusNames::statusManagerService())
+        : endpoint(BusChoice::fromEnvironment(), BusNames::statusManagerService(),
+                   ServiceEndpoint::namesOnly)
     {
         endpoint.exportObject(BusNames::statusManagerPath(), &object);
     }

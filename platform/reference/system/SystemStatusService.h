@@ -12,7 +12,7 @@
 
 class SystemStatusServicePrivate;
 
-/// Owns the bus name of the system status manager and tells clients when the system has started up.
+/// Owns the bus name of the system status manager and notifies clients when the system has started up.
 ///
 /// Starts as not ready. Survives a restart of the bus daemon: it comes back with the same state
 /// and announces a start-up that is over.
@@ -24,7 +24,7 @@ class PROCESSDATAPLATFORM_EXPORT SystemStatusService : public QObject
     Q_OBJECT
 
 public:
-    /// Takes the name and tells that the system is not ready.
+    /// Takes the name and reports that the system is not ready.
     ///
     /// @param errorMessage  when given, receives one sentence that names what is wrong
     /// @returns the running service; null when the bus is out of reach or another process owns the
@@ -34,7 +34,7 @@ public:
     /// Gives the name back.
     ~SystemStatusService() override;
 
-    /// Whether the system has started up, as clients are told.
+    /// Whether the system has started up, as clients see it.
     bool isReady() const;
 
     /// Sets the property Ready. A change is announced to clients; the change to true also by the

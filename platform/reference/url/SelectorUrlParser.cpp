@@ -212,7 +212,7 @@ QString checkText(const QString &text)
         return QStringLiteral("it has a fragment (\"#\")");
     }
     if (!text.isValidUtf16()) {
-        return QStringLiteral("it is no valid Unicode");
+        return QStringLiteral("it is not valid Unicode");
     }
     if (text.size() <= selectorUrlSurelyShortEnough) {
         return QString();

@@ -12,6 +12,17 @@ QString uniqueModule()
     return QString("It%1x%2").arg(QCoreApplication::applicationPid()).arg(counter);
 }
 
+QStringList buffersOf(const QString &text)
+{
+    const QStringList all
+        = QDir("/dev/shm").entryList({"*" + text + "*"}, QDir::AllEntries | QDir::System);
+    QStringList buffers = all;
+    for (const QString &name : all) {
+        buffers.removeAll(name + ".life");
+    }
+    return buffers;
+}
+
 void removeLeftBuffers(const QString &module)
 {
     QDir sharedMemory("/dev/shm");

@@ -2,19 +2,25 @@
 // A bus daemon under the installed policies, with users and groups of its own.
 #include "PolicedBus.h"
 
+#include <QDir>
 #include <QFile>
+#include <QRegularExpression>
 
 namespace {
 
 const char users[] = "root:x:0:0::/:/bin/sh\n"
                      "pump:x:61001:61101::/:/bin/sh\n"
                      "operator:x:61002:61002::/:/bin/sh\n"
-                     "stranger:x:61003:61003::/:/bin/sh\n";
+                     "stranger:x:61003:61003::/:/bin/sh\n"
+                     "drive:x:61004:61104::/:/bin/sh\n"
+                     "driver:x:61005:61005::/:/bin/sh\n";
 const char groups[] = "root:x:0:\n"
-                      "processdata-publisher:x:61100:pump\n"
+                      "processdata-publisher:x:61100:pump,drive\n"
                       "processdata:x:61101:pump,operator\n"
                       "operator:x:61002:\n"
-                      "stranger:x:61003:\n";
+                      "stranger:x:61003:\n"
+                      "drive:x:61104:driver\n"
+                      "driver:x:61005:\n";
 
 // What a system bus allows before any service's own policy.
 const char configuration[]
@@ -48,12 +54,13 @@ PolicedBus::~PolicedBus()
     qunsetenv("PROCESSDATA_BUS");
 }
 
-bool PolicedBus::start()
+bool PolicedBus::start(const QMap<QString, QString> &modules)
 {
     // Other users must reach the socket in it.
     QFile::setPermissions(directory.path(), QFile::Permissions(0x7755));
-    const QString text = QString(configuration).arg(address(), POLICY_DIRECTORY);
-    if (!write("passwd", users) || !write("group", groups) || !write("bus.conf", text.toUtf8())) {
+    const QString text = QString(configuration).arg(address(), directory.filePath("policies"));
+    if (!write("passwd", users) || !write("group", groups) || !writePolicies(modules)
+        || !write("bus.conf", text.toUtf8())) {
         return false;
     }
     const QString script = "cd \"$0\" && mount --bind passwd /etc/passwd && mount --bind group "
@@ -72,4 +79,31 @@ bool PolicedBus::write(const QString &name, const QByteArray &content) const
 {
     QFile file(directory.filePath(name));
     return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
+}
+
+// Copies of the installed ones; with modules, as docs/security.md says where they must not stand in
+// for one another.
+bool PolicedBus::writePolicies(const QMap<QString, QString> &modules) const
+{
+    const QRegularExpression forAll(
+        "<policy group=\"processdata-publisher\">\\s*<allow own_prefix=[^>]*>\\s*</policy>");
+    QString rules;
+    for (auto rule = modules.cbegin(); rule != modules.cend(); ++rule) {
+        rules += QString("<policy user=\"%1\"><allow own=\"com.orvalis.ProcessData.%2\"/></policy>")
+                     .arg(rule.key(), rule.value());
+    }
+    bool done = QDir(directory.path()).mkdir("policies");
+    bool narrowed = modules.isEmpty();
+    const QDir installed(POLICY_DIRECTORY);
+    for (const QString &name : installed.entryList({"*.conf"})) {
+        QFile file(installed.filePath(name));
+        done = done && file.open(QIODevice::ReadOnly);
+        QString text = QString::fromUtf8(file.readAll());
+        if (!modules.isEmpty() && text.contains(forAll)) {
+            text.replace(forAll, rules);
+            narrowed = true;
+        }
+        done = done && write("policies/" + name, text.toUtf8());
+    }
+    return done && narrowed;
 }

@@ -5,6 +5,7 @@
 
 #include "ChildProcess.h"
 
+#include <QMap>
 #include <QScopedPointer>
 #include <QTemporaryDir>
 
@@ -19,6 +20,9 @@ public:
     static constexpr const char *client = "61002:61002,61101"; ///< in the group processdata
     static constexpr const char *stranger = "61003:61003"; ///< in none of them
     static constexpr unsigned buffersGroup = 61101;
+    static constexpr const char *otherPublisher
+        = "61004:61104,61100"; ///< its readers' group: 61104
+    static constexpr const char *otherClient = "61005:61005,61104";
 
     PolicedBus();
     ~PolicedBus();
@@ -26,13 +30,17 @@ public:
     PolicedBus &operator=(const PolicedBus &) = delete;
 
     /// Returns when the daemon accepts connections.
-    bool start();
+    ///
+    /// @param modules  of the users "pump" (publisher) and "drive" (otherPublisher), by their names:
+    ///     in place of the rule for all publishers each may own its module's name alone
+    bool start(const QMap<QString, QString> &modules = {});
 
     QString address() const;
-    QByteArray report() const { return daemon->report(); }
+    QByteArray report() const { return daemon ? daemon->report() : QByteArray("no daemon"); }
 
 private:
     bool write(const QString &name, const QByteArray &content) const;
+    bool writePolicies(const QMap<QString, QString> &modules) const;
 
     QTemporaryDir directory;
     QScopedPointer<ChildProcess> daemon;

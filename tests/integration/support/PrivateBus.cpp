@@ -4,8 +4,13 @@
 
 #include <QFile>
 
-PrivateBus::PrivateBus()
+PrivateBus::PrivateBus(Limits kind)
 {
+    if (kind == Limits::Wide) {
+        limits = "<limit name=\"max_message_size\">134217728</limit>"
+                 "<limit name=\"max_incoming_bytes\">1000000000</limit>"
+                 "<limit name=\"max_outgoing_bytes\">1000000000</limit>";
+    }
     configure({});
     qputenv("PROCESSDATA_BUS", address().toUtf8());
 }
@@ -40,11 +45,8 @@ bool PrivateBus::configure(const QStringList &refusedInterfaces) const
     QFile configuration(directory.filePath("bus.conf"));
     return configuration.open(QIODevice::WriteOnly)
         && configuration.write("<busconfig><type>session</type><listen>" + address().toUtf8()
-                               + "</listen><auth>EXTERNAL</auth>"
-                                 "<limit name=\"max_message_size\">134217728</limit>"
-                                 "<limit name=\"max_incoming_bytes\">1000000000</limit>"
-                                 "<limit name=\"max_outgoing_bytes\">1000000000</limit>"
-                                 "<policy context=\"default\">"
+                               + "</listen><auth>EXTERNAL</auth>" + limits
+                               + "<policy context=\"default\">"
                                  "<allow send_destination=\"*\"/><allow receive_sender=\"*\"/>"
                                  "<allow own=\"*\"/>"
                                + refused + "</policy></busconfig>\n")
@@ -55,6 +57,12 @@ void PrivateBus::stop()
 {
     daemon.reset();
     QFile::remove(directory.filePath("bus")); // a killed daemon leaves its socket
+}
+
+void PrivateBus::setLimit(const QByteArray &name, int value)
+{
+    limits += "<limit name=\"" + name + "\">" + QByteArray::number(value) + "</limit>";
+    configure({});
 }
 
 QString PrivateBus::address() const

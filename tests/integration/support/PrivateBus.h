@@ -13,7 +13,12 @@
 class PrivateBus
 {
 public:
-    PrivateBus();
+    enum class Limits {
+        Wide, ///< as on a session bus
+        OfSystemBus, ///< that a bus daemon has by itself
+    };
+
+    explicit PrivateBus(Limits limits = Limits::Wide);
     ~PrivateBus();
     PrivateBus(const PrivateBus &) = delete;
     PrivateBus &operator=(const PrivateBus &) = delete;
@@ -26,6 +31,9 @@ public:
     /// Returns when the daemon has taken it in.
     bool refuseCalls(const QStringList &interfaces);
 
+    /// Takes effect with the next start().
+    void setLimit(const QByteArray &name, int value);
+
     QString address() const;
     QByteArray report() const;
 
@@ -33,6 +41,7 @@ private:
     bool configure(const QStringList &refusedInterfaces) const;
 
     QTemporaryDir directory;
+    QByteArray limits;
     QScopedPointer<ChildProcess> daemon;
 };
 

@@ -71,4 +71,14 @@ LD_LIBRARY_PATH=$platform_dir "$work/contract/platform-form-test" || fail "the c
 if CONTRACT_URL='' "$work/contract/platform-live-test"; then
     fail "the contract's live test passed without a URL"
 fi
+
+if [ "$body" = bare ]; then
+    flags=$(pkg-config --cflags --libs Qt5Core)
+    # shellcheck disable=SC2086 # a launcher that is not there, and flags
+    $launcher "$cxx" -std=c++17 -fPIC "$source_dir/tests/unit/package/error-values-test.cpp" \
+        -o "$work/error-values-test" -I "$source_dir/include" -I "$work/prefix/include/vendor" \
+        -L "$work/library/lib" -lSelectorHandler -L "$platform_dir" -lBarePlatform $flags
+    LD_LIBRARY_PATH=$platform_dir:$work/library/lib "$work/error-values-test" ||
+        fail "error values are not made by their constructor"
+fi
 echo "needed: $(echo "$dynamic" | sed -n 's/.*(NEEDED).*\[\(.*\)\].*/\1/p' | tr '\n' ' ')"

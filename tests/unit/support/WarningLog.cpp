@@ -49,6 +49,16 @@ QString statementAt(const QString &file, int line)
     return statement;
 }
 
+// A function's name without result type and arguments. Whatever is not a plain function, such as a
+// lambda in one, keeps its whole text, so that nobody takes it for the function that it stands in.
+QString nameOf(const QString &function)
+{
+    static const QRegularExpression plain(
+        QStringLiteral("^(?:[^()]* )?([\\w:~]+)\\([^()]*\\)(?: const)?$"));
+    const QRegularExpressionMatch match = plain.match(function);
+    return match.hasMatch() ? match.captured(1) : function;
+}
+
 QString whatIsWrongWith(const LoggedMessage &message)
 {
     if (message.type != QtWarningMsg) {
@@ -98,8 +108,7 @@ QStringList WarningLog::functions() const
 {
     QStringList result;
     for (const LoggedMessage &message : captured()) {
-        const QString signature = message.function.section(QLatin1Char('('), 0, 0);
-        result.append(signature.section(QLatin1Char(' '), -1));
+        result.append(nameOf(message.function));
     }
     return result;
 }

@@ -33,7 +33,8 @@ public:
 
     /// The texts in order. What is not in order about a message is appended in brackets.
     QStringList texts() const;
-    /// The functions that logged, in order, without result type and arguments.
+    /// The functions that logged, in order, without result type and arguments; whole, with all that
+    /// the compiler says of it, where it was not a plain function.
     QStringList functions() const;
     /// The files that logged, in order.
     QStringList files() const;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What text and JSON become for each type of leaf, and what is refused.
 #include "LeafType.h"
+#include "ValueText.h"
 
 #include <QJsonDocument>
 #include <QtTest>
@@ -14,6 +15,8 @@ class LeafTypeTest : public QObject
 private Q_SLOTS:
     void textOfEachTypeConverts_data();
     void textOfEachTypeConverts();
+    void whatIsPrintedIsRead_data();
+    void whatIsPrintedIsRead();
     void textThatDoesNotParseIsRefused_data();
     void textThatDoesNotParseIsRefused();
     void jsonKeepsItsType_data();
@@ -22,6 +25,8 @@ private Q_SLOTS:
     void numbersAreRoundedAndHeldInTheType();
     void limitsAreNamedWhenBroken_data();
     void limitsAreNamedWhenBroken();
+    void limitsAreComparedInTheLeafsType_data();
+    void limitsAreComparedInTheLeafsType();
     void anUnknownTypeIsNone();
 };
 
@@ -57,6 +62,17 @@ void LeafTypeTest::textOfEachTypeConverts_data()
                              << "-2.5e3" << QVariant(-2500.0);
     QTest::newRow("float32 stays a float") << "float32"
                                            << "0.1" << QVariant(0.1F);
+    QTest::newRow("what reading prints of the largest float32")
+        << "float32"
+        << "3.4028235e+38" << QVariant(std::numeric_limits<float>::max());
+    QTest::newRow("what people type of it")
+        << "float32"
+        << "-3.4028235e38" << QVariant(std::numeric_limits<float>::lowest());
+    QTest::newRow("infinity") << "float64"
+                              << "Infinity" << QVariant(std::numeric_limits<double>::infinity());
+    QTest::newRow("negative infinity")
+        << "float32"
+        << "-Infinity" << QVariant(-std::numeric_limits<float>::infinity());
     QTest::newRow("string as it is") << "string"
                                      << " a b " << QVariant(QString(" a b "));
     QTest::newRow("an empty string") << "string"
@@ -82,6 +98,47 @@ void LeafTypeTest::textOfEachTypeConverts()
     QCOMPARE(error, QString());
 }
 
+void LeafTypeTest::whatIsPrintedIsRead_data()
+{
+    QTest::addColumn<QString>("type");
+    QTest::addColumn<QVariant>("value");
+    const auto rows = [](const char *type, const QVector<double> &numbers) {
+        const bool isFloat = qstrcmp(type, "float32") == 0;
+        for (const double number : numbers) {
+            QTest::addRow("%s %g", type, number)
+                << type << (isFloat ? QVariant(float(number)) : QVariant(number));
+        }
+    };
+    using Float = std::numeric_limits<float>;
+    using Double = std::numeric_limits<double>;
+    rows("float32",
+         {Float::max(), Float::lowest(), Float::min(), Float::denorm_min(), 0.1F, 16777216.0, -0.0,
+          0.0, Float::infinity(), -Float::infinity(), Float::quiet_NaN()});
+    rows("float64",
+         {Double::max(), Double::lowest(), Double::denorm_min(), 0.1, -0.0, 0.0, Double::infinity(),
+          -Double::infinity(), Double::quiet_NaN()});
+    QTest::newRow("int64") << "int64" << QVariant(std::numeric_limits<qlonglong>::min());
+    QTest::newRow("uint64") << "uint64" << QVariant(std::numeric_limits<qulonglong>::max());
+}
+
+void LeafTypeTest::whatIsPrintedIsRead()
+{
+    QFETCH(QString, type);
+    QFETCH(QVariant, value);
+    QString error;
+    for (const bool throughJson : {false, true}) {
+        QVariant back;
+        QVERIFY2(throughJson ? valueFromJson(*leafType(type), valueToJson(value), back, error)
+                             : valueFromText(*leafType(type), valueToText(value), back, error),
+                 qPrintable(error));
+        QCOMPARE(back.userType(), value.userType());
+        const double number = value.toDouble();
+        QCOMPARE(std::isnan(back.toDouble()), std::isnan(number));
+        QVERIFY(std::isnan(number) || back == value);
+        QVERIFY(std::isnan(number) || std::signbit(back.toDouble()) == std::signbit(number));
+    }
+}
+
 void LeafTypeTest::textThatDoesNotParseIsRefused_data()
 {
     QTest::addColumn<QString>("type");
@@ -105,22 +162,25 @@ void LeafTypeTest::textThatDoesNotParseIsRefused_data()
                                      << "does not fit: uint64 holds 0 to 18446744073709551615";
     QTest::newRow("a fraction") << "int32"
                                 << "1.5"
-                                << "is no integer, as int32 needs";
+                                << "is not an integer, as int32 needs";
     QTest::newRow("no digits") << "int32"
                                << ""
-                               << "is no integer, as int32 needs";
+                               << "is not an integer, as int32 needs";
     QTest::newRow("only a sign") << "int32"
                                  << "-"
-                                 << "is no integer, as int32 needs";
+                                 << "is not an integer, as int32 needs";
     QTest::newRow("trailing text") << "int32"
                                    << "5V"
-                                   << "is no integer, as int32 needs";
+                                   << "is not an integer, as int32 needs";
     QTest::newRow("a number with a unit") << "float64"
                                           << "5 V"
-                                          << "is no number, as float64 needs";
+                                          << "is not a number, as float64 needs";
     QTest::newRow("too large for float32") << "float32"
                                            << "1e39"
                                            << "does not fit into float32";
+    QTest::newRow("just too large for float32") << "float32"
+                                                << "3.4028235678e38"
+                                                << "does not fit into float32";
     QTest::newRow("bytes without 0x")
         << "bytes"
         << "00ff"
@@ -248,6 +308,47 @@ void LeafTypeTest::limitsAreNamedWhenBroken()
     QString error;
 
     QCOMPARE(checkLimits(*leafType(type), properties, value, error), expected.isEmpty());
+
+    QCOMPARE(error, expected);
+}
+
+void LeafTypeTest::limitsAreComparedInTheLeafsType_data()
+{
+    QTest::addColumn<QString>("type");
+    QTest::addColumn<QJsonValue>("maximum");
+    QTest::addColumn<QVariant>("value");
+    QTest::addColumn<QString>("expected"); // empty: kept
+
+    QTest::newRow("float32, at its nearest")
+        << "float32" << QJsonValue(0.1) << QVariant(0.1F) << "";
+    QTest::newRow("int64 past 2^53, at it")
+        << "int64" << QJsonValue("9007199254740993") << QVariant(9007199254740993LL) << "";
+    QTest::newRow("int64 past 2^53, above")
+        << "int64" << QJsonValue("9007199254740993") << QVariant(9007199254740994LL)
+        << "is above the maximum 9007199254740993";
+    QTest::newRow("uint64, at it") << "uint64" << QJsonValue("18446744073709551614")
+                                   << QVariant(18446744073709551614ULL) << "";
+    QTest::newRow("uint64, above")
+        << "uint64" << QJsonValue("18446744073709551614") << QVariant(18446744073709551615ULL)
+        << "is above the maximum 18446744073709551614";
+    QTest::newRow("NaN") << "float64" << QJsonValue(1)
+                         << QVariant(std::numeric_limits<double>::quiet_NaN())
+                         << "has no place between limits";
+    QTest::newRow("Infinity") << "float64" << QJsonValue(1)
+                              << QVariant(std::numeric_limits<double>::infinity())
+                              << "is above the maximum 1";
+}
+
+void LeafTypeTest::limitsAreComparedInTheLeafsType()
+{
+    QFETCH(QString, type);
+    QFETCH(QJsonValue, maximum);
+    QFETCH(QVariant, value);
+    QFETCH(QString, expected);
+    QString error;
+
+    QCOMPARE(checkLimits(*leafType(type), {{"maximum", maximum}}, value, error),
+             expected.isEmpty());
 
     QCOMPARE(error, expected);
 }

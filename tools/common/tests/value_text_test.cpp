@@ -56,6 +56,10 @@ void ValueTextTest::valuesAreWritten_data()
                                                 << "[21.3]";
     QTest::newRow("float that needs nine digits") << QVariant(16777.2168F) << "16777.217"
                                                   << "[16777.217]";
+    QTest::newRow("negative zero") << QVariant(-0.0) << "-0"
+                                   << "[\"-0\"]";
+    QTest::newRow("negative zero of 32 bits") << QVariant(-0.0F) << "-0"
+                                              << "[\"-0\"]";
     QTest::newRow("not a number") << QVariant(std::nan("")) << "NaN"
                                   << "[\"NaN\"]";
     QTest::newRow("minus infinity")

@@ -13,10 +13,28 @@ _selector_live()
     COMPREPLY=("${COMPREPLY[@]#"$strip"}")
 }
 
+# How many arguments stand before the word that is typed; options and their values are none.
+_selector_arguments()
+{
+    local line=${COMP_LINE:0:COMP_POINT} word words skip='' count=0
+    read -ra words <<<"${line%"${line##*[[:space:]]}"}"
+    for word in "${words[@]:2}"; do
+        if [[ $skip ]]; then
+            skip=
+        elif [[ $word == -* ]]; then
+            [[ $word != @(-f|-o|--file|--output|--against|--report|--format|--timeout|--type|--property|--interval|--count|--until) ]] ||
+                skip=1
+        else
+            ((++count))
+        fi
+    done
+    echo "$count"
+}
+
 _selector()
 {
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
-    local command=${COMP_WORDS[1]} words
+    local command=${COMP_WORDS[1]} words count labelled='^[[:alpha:]_][[:alnum:]_.-]*='
     COMPREPLY=()
 
     if ((COMP_CWORD == 1)); then
@@ -51,7 +69,7 @@ _selector()
     modules) words+=" --type --quiet" ;;
     browse) words+=" --quiet" ;;
     read) words+=" --file --quiet" ;;
-    write) words+=" --file" ;;
+    write) words+=" --escapes --file" ;;
     watch) words+=" --file --interval --count --until --timestamps --changes-only --plot --quiet" ;;
     properties) words+=" --file --property --quiet" ;;
     explain) words+=" --property" ;;
@@ -65,9 +83,20 @@ _selector()
         mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")
         return
     fi
+    count=$(_selector_arguments)
+    case $command:$count in
+    modules:* | browse:[1-9]* | explain:[1-9]* | check:[1-9]* | apply:[1-9]* | diff:[2-9]*) return ;;
+    write:*[13579]) return ;; # a value
+    complete:0)
+        mapfile -t COMPREPLY < <(compgen -W "url place module" -- "$current")
+        return
+        ;;
+    esac
     case $command in
-    read | write | watch | properties | explain) _selector_live url ;;
-    browse | snapshot | doctor) _selector_live place ;;
+    watch) _selector_live url ;;
+    read | write | properties | explain) [[ ${COMP_LINE##*[[:space:]]} =~ $labelled ]] || _selector_live url ;;
+    browse | snapshot) _selector_live place ;;
+    doctor) _selector_live module ;;
     check | apply | diff)
         compopt -o filenames
         mapfile -t COMPREPLY < <(compgen -f -- "$current")

@@ -7,15 +7,18 @@
 #include <QtTest>
 
 #include <csignal>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace {
 
-// The user presses Ctrl-C while the second value is being written.
+// The signal comes while the second value is being written.
 class InterruptedLeaves : public SelectorHandlerProcessValue
 {
 public:
-    InterruptedLeaves()
+    explicit InterruptedLeaves(int signalNumber)
         : SelectorHandlerProcessValue(QVector<QString>(), nullptr)
+        , signalNumber(signalNumber)
     {
     }
 
@@ -23,28 +26,22 @@ public:
     {
         calls.append(QString("%1=%2").arg(index).arg(value.getValue().toInt()));
         if (calls.size() == 2) {
-            ::raise(SIGINT);
+            ::raise(signalNumber);
         }
         return true;
     }
 
     QStringList calls;
+
+private:
+    const int signalNumber;
 };
 
-} // namespace
-
-class ApplyInterruptTest : public QObject
-{
-    Q_OBJECT
-
-private Q_SLOTS:
-    void writtenValuesAreSetBackBeforeTheEnd();
-};
-
-void ApplyInterruptTest::writtenValuesAreSetBackBeforeTheEnd()
+bool setsBack(int signalNumber)
 {
     exitOnInterrupt();
-    InterruptedLeaves leaves;
+    const InterruptHold hold;
+    InterruptedLeaves leaves(signalNumber);
     QVector<ApplyItem> items;
     for (int i = 0; i < 3; ++i) {
         ApplyItem item;
@@ -55,12 +52,46 @@ void ApplyInterruptTest::writtenValuesAreSetBackBeforeTheEnd()
 
     apply(items, {false, false, true}, leaves);
 
-    QVERIFY(wasInterrupted());
-    QCOMPARE(leaves.calls, (QStringList{"0=7", "1=7", "1=1", "0=0"}));
-    QCOMPARE(items.at(0).verdict, ApplyItem::Restored);
-    QCOMPARE(items.at(1).verdict, ApplyItem::Restored);
-    QCOMPARE(items.at(2).verdict, ApplyItem::Failed);
-    QVERIFY(items.at(2).finding.text.startsWith("interrupted"));
+    return wasInterrupted() && leaves.calls == QStringList{"0=7", "1=7", "1=1", "0=0"}
+    && items.at(0).verdict == ApplyItem::Restored && items.at(1).verdict == ApplyItem::Restored
+        && items.at(2).verdict == ApplyItem::Failed
+        && items.at(2).finding.text.startsWith("interrupted");
+}
+
+} // namespace
+
+class ApplyInterruptTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void writtenValuesAreSetBackBeforeTheEnd_data();
+    void writtenValuesAreSetBackBeforeTheEnd();
+};
+
+void ApplyInterruptTest::writtenValuesAreSetBackBeforeTheEnd_data()
+{
+    QTest::addColumn<int>("signalNumber");
+    QTest::addColumn<int>("exitCode");
+    QTest::newRow("SIGINT") << SIGINT << 130;
+    QTest::newRow("SIGTERM") << SIGTERM << 143;
+    QTest::newRow("SIGHUP") << SIGHUP << 129;
+}
+
+void ApplyInterruptTest::writtenValuesAreSetBackBeforeTheEnd()
+{
+    QFETCH(const int, signalNumber);
+    QFETCH(const int, exitCode);
+    // In a process of its own: a signal that was noted stays so.
+    const pid_t child = ::fork();
+    QVERIFY(child != -1);
+    if (child == 0) {
+        ::_exit(setsBack(signalNumber) ? interruptExitCode() : 1);
+    }
+    int status = 0;
+    QCOMPARE(::waitpid(child, &status, 0), child);
+    QVERIFY2(WIFEXITED(status), "the signal ended it half way through");
+    QCOMPARE(WEXITSTATUS(status), exitCode);
 }
 
 QTEST_APPLESS_MAIN(ApplyInterruptTest)

@@ -67,8 +67,7 @@ void BrowsePlaceTest::emptyPartsAreRefused()
 
     QVERIFY(!parseBrowsePlace(text, place, error));
 
-    QCOMPARE(error,
-             QString("\"%1\" has an empty part; MODULE/OBJECT/INSTANCE is wanted").arg(text));
+    QCOMPARE(error, QString("\"%1\" has an empty part; expected MODULE/OBJECT/INSTANCE").arg(text));
 }
 
 QTEST_APPLESS_MAIN(BrowsePlaceTest)

@@ -14,6 +14,7 @@ failed=0
 expect() {
     IFS=' ' read -r -a COMP_WORDS <<<"$1"
     [[ $1 != *' ' ]] || COMP_WORDS+=("")
+    COMP_LINE=$1 COMP_POINT=${#1}
     COMP_CWORD=$((${#COMP_WORDS[@]} - 1))
     _selector
     if [[ ${COMPREPLY[*]} != "$2" ]]; then
@@ -42,7 +43,37 @@ expect "selector ex" "explain"
 expect "selector explain --pr" "--property"
 expect "selector read --q" "--quiet"
 expect "selector write --q" ""
+expect "selector write --es" "--escapes"
 expect "selector diff --no" "--no-legend"
 expect "selector doctor --w" "--with-values"
 expect "selector doctor --cl" "--clean"
+# The system has one name; what the command would refuse is not offered.
+# shellcheck disable=SC2317 # called by the completion
+selector() { echo "live:$2"; }
+COMP_WORDBREAKS=' '
+expect "selector read " "live:url"
+expect "selector read -q a" "live:url"
+expect "selector read a b" "live:url"
+expect "selector read x=a" ""
+expect "selector watch x=a" "live:url"
+expect "selector watch --until changed --count 3 a b" "live:url"
+expect "selector modules " ""
+expect "selector browse " "live:place"
+expect "selector browse --timeout 3 " "live:place"
+expect "selector browse a " ""
+expect "selector explain " "live:url"
+expect "selector explain --property unit a" "live:url"
+expect "selector explain a " ""
+expect "selector write a" "live:url"
+expect "selector write a " ""
+expect "selector write a 1 b" "live:url"
+expect "selector write -f list a 1 b 2" ""
+expect "selector snapshot a b" "live:place"
+expect "selector doctor " "live:module"
+expect "selector doctor a b" "live:module"
+expect "selector check a " ""
+expect "selector apply --verify a " ""
+expect "selector diff a b " ""
+expect "selector complete p" "place"
+expect "selector complete place a" ""
 exit "$failed"

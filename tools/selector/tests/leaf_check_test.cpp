@@ -46,6 +46,7 @@ private Q_SLOTS:
     void anEarlierLineIsNamed();
     void listsAreReadWithTheirLineNumbers();
     void snapshotsKeepWhatASimulatorNeeds();
+    void aGroupAloneIsKept();
     void brokenSnapshotsAreNamed_data();
     void brokenSnapshotsAreNamed();
     void fileNamesAreUniqueAndSafe();
@@ -73,7 +74,8 @@ void LeafCheckTest::eachLineIsJudged_data()
     row("processdata://M/O/1/speed", "", "");
     row("processdata://M/O/1/speed 10", "", "");
     row("processdata://M/O/1/speed   11", "valueRefused", "\"11\" is above the maximum 10");
-    row("processdata://M/O/1/speed fast", "valueRefused", "\"fast\" is no integer, as int32 needs");
+    row("processdata://M/O/1/speed fast", "valueRefused",
+        "\"fast\" is not an integer, as int32 needs");
     row("processdata://M/O/1/group/a%20b", "", "");
     row("processdata://M/O/1/group/a%20b x", "readOnly", "the leaf is read-only");
     row("processdata://M/O/1/group%2Fa%20b", "noSuchLeaf", "M/O/1 has no such leaf");
@@ -164,6 +166,22 @@ void LeafCheckTest::snapshotsKeepWhatASimulatorNeeds()
                                                         {"capacity", 4},
                                                         {"readOnly", true}}}}}}}};
     QCOMPARE(QJsonDocument(kept).toJson(), QJsonDocument(expected).toJson());
+}
+
+void LeafCheckTest::aGroupAloneIsKept()
+{
+    const auto leavesOf = [](const QString &group) {
+        QStringList paths;
+        for (const DescribedLeaf &leaf : leavesBelow(snapshotOf(served, {}, group), QString())) {
+            paths.append(leaf.path);
+        }
+        return paths;
+    };
+    QCOMPARE(leavesOf(""), QStringList({"speed", "group/a b"}));
+    QCOMPARE(leavesOf("group"), QStringList{"group/a b"});
+    QCOMPARE(leavesOf("group/a b"), QStringList{"group/a b"});
+    QCOMPARE(leavesOf("speed"), QStringList{"speed"});
+    QCOMPARE(leavesOf("gro"), QStringList());
 }
 
 void LeafCheckTest::brokenSnapshotsAreNamed_data()

@@ -40,6 +40,19 @@ void LeafDifferencesTest::differencesAreTold_data()
     row("lower minimum", with("minimum", 0), with("minimum", -1), {"differs minimum: 0 -> -1"});
     row("lower maximum", with("maximum", 9), with("maximum", 8.5), {"breaks maximum: 9 -> 8.5"});
     row("higher maximum", with("maximum", 9), with("maximum", 10), {"differs maximum: 9 -> 10"});
+    const QString high("18446744073709551614"); // as it is read: JSON would round the number
+    row("lower maximum past a double's digits", with("maximum", high),
+        with("maximum", "18446744073709551613"),
+        {"breaks maximum: 18446744073709551614 -> 18446744073709551613"});
+    row("higher maximum past a double's digits", with("maximum", "18446744073709551613"),
+        with("maximum", high), {"differs maximum: 18446744073709551613 -> 18446744073709551614"});
+    row("higher negative minimum past a double's digits", with("minimum", "-9223372036854775807"),
+        with("minimum", "-9223372036854775806"),
+        {"breaks minimum: -9223372036854775807 -> -9223372036854775806"});
+    row("a maximum that got long", with("maximum", 10), with("maximum", high),
+        {"differs maximum: 10 -> 18446744073709551614"});
+    row("a real minimum against a long one", with("minimum", high), with("minimum", -0.5),
+        {"differs minimum: 18446744073709551614 -> -0.5"});
     row("a maximum comes", plain, with("maximum", 10), {"breaks maximum: nothing -> 10"});
     row("a maximum goes", with("maximum", 10), plain, {"differs maximum: 10 -> nothing"});
     row("smaller capacity", with("capacity", 8), with("capacity", 7), {"breaks capacity: 8 -> 7"});

@@ -103,8 +103,9 @@ void ReportTest::quietLeavesOneValueOfEachRow()
     style.quiet = true;
     Report report = twoRows();
     report.quietColumn = 1;
-    report.entries[0].rows.append({QString("a"), QString("two\nlines"), QString(), QString()});
-    QCOMPARE(render(report, style), QString("1.50001\ntwo\\nlines\n\n"));
+    report.entries[0].rows.append(
+        {QString("a"), QString("two\nlines, C:\\n"), QString(), QString()});
+    QCOMPARE(render(report, style), QString("1.50001\ntwo\\nlines, C:\\\\n\n\n"));
 }
 
 void ReportTest::quietNamesLeaveOutFailuresAndFurtherRows()

@@ -14,6 +14,9 @@ private Q_SLOTS:
     void valuesAreTheRestOfTheLine();
     void aLineWithoutValueIsNamed();
     void argumentsComeBeforeTheFile();
+    void aFileThatIsNotUtf8IsRefusedWithItsLine();
+    void aValueInAFileKeepsWhatIsNotABlank();
+    void escapesAreReadWhereTheyAreAskedFor();
     void wrongUsageIsNamed();
 };
 
@@ -70,6 +73,62 @@ void SelectorListTest::argumentsComeBeforeTheFile()
     QVERIFY2(collectSelectors(line, false, selectors, error), qPrintable(error));
 
     QCOMPARE(urlsOf(selectors), QVector<QString>({"a", "b", "c", "ä"}));
+}
+
+void SelectorListTest::aFileThatIsNotUtf8IsRefusedWithItsLine()
+{
+    QTemporaryFile file;
+    QVERIFY(file.open());
+    file.write("a 1\nb S\xfc\n");
+    file.close();
+    CommandLine line;
+    line.file = file.fileName();
+    QVector<SelectorInput> selectors;
+    QString error;
+
+    QVERIFY(!collectSelectors(line, true, selectors, error));
+
+    QCOMPARE(error, file.fileName() + ": line 2 is not UTF-8 text; convert the file");
+}
+
+void SelectorListTest::aValueInAFileKeepsWhatIsNotABlank()
+{
+    const QString mark(QChar(0xfeff));
+    const QString wide(QChar(0xa0));
+    QTemporaryFile file;
+    QVERIFY(file.open());
+    file.write((mark + "a " + mark + "text" + wide + "\r\n").toUtf8());
+    file.close();
+    CommandLine line;
+    line.file = file.fileName();
+    QVector<SelectorInput> selectors;
+    QString error;
+
+    QVERIFY2(collectSelectors(line, true, selectors, error), qPrintable(error));
+
+    QCOMPARE(selectors.at(0).url, QString("a"));
+    QCOMPARE(selectors.at(0).value, mark + "text" + wide);
+}
+
+void SelectorListTest::escapesAreReadWhereTheyAreAskedFor()
+{
+    CommandLine line;
+    line.arguments = QStringList{"a", "x\\n\\\\"};
+    QVector<SelectorInput> selectors;
+    QString error;
+    QVERIFY(collectSelectors(line, true, selectors, error));
+    QCOMPARE(selectors.at(0).value, QString("x\\n\\\\"));
+
+    selectors.clear();
+    line.escapes = true;
+    QVERIFY(collectSelectors(line, true, selectors, error));
+    QCOMPARE(selectors.at(0).value, QString("x\n\\"));
+
+    selectors.clear();
+    line.arguments = QStringList{"a", "\\q"};
+    QVERIFY(!collectSelectors(line, true, selectors, error));
+    QVERIFY2(error.startsWith("The value \"\\q\" of a has a backslash at character 1"),
+             qPrintable(error));
 }
 
 void SelectorListTest::wrongUsageIsNamed()

@@ -55,6 +55,8 @@ private Q_SLOTS:
     void anInstanceMayHoldASlash();
     void answersThatFailAreToldApart_data();
     void answersThatFailAreToldApart();
+    void aRegistryThatDoesNotAnswerIsNotCalledFine_data();
+    void aRegistryThatDoesNotAnswerIsNotCalledFine();
     void registryEntriesWithoutANameAreCounted();
     void aBufferOfAModuleThatDidNotAnswerInFullIsNoOrphan();
     void aRetiredBufferIsLeftOver();
@@ -108,6 +110,29 @@ void SystemChecksTest::answersThatFailAreToldApart()
     state = healthy();
     state.bus = answer;
     QCOMPARE(codes(state), QStringList{code});
+}
+
+void SystemChecksTest::aRegistryThatDoesNotAnswerIsNotCalledFine_data()
+{
+    QTest::addColumn<int>("result");
+    QTest::newRow("not in time") << int(BusQueryResult::TimedOut);
+    QTest::newRow("not permitted") << int(BusQueryResult::Denied);
+    QTest::newRow("not well") << int(BusQueryResult::ServiceFailed);
+}
+
+void SystemChecksTest::aRegistryThatDoesNotAnswerIsNotCalledFine()
+{
+    QFETCH(const int, result);
+    SystemState state = healthy();
+    state.registry = {BusQueryResult(result), "no answer"};
+    state.modules[0].registered = false;
+    state.modules[0].selectorTypes.clear();
+    QStringList checks;
+    for (const DoctorFinding &finding : checkSystem(state)) {
+        checks.append(QString("%1 %2").arg(finding.check).arg(finding.severity));
+    }
+    QCOMPARE(checks,
+             (QStringList{"bus 0", "services 2", "sources 0", "buffers 0", "permissions 0"}));
 }
 
 void SystemChecksTest::registryEntriesWithoutANameAreCounted()

@@ -115,10 +115,10 @@ void UntilExpressionTest::wrongConditionsNameTheirPlace_data()
     row("speed>", "place 7: a selector or a value is missing");
     row("speed = 5", "place 7: \"=\" is not understood; == compares");
     row("speed > 5 %", "place 11: \"%\" is not understood");
-    row("speed 5", "place 7: \"5\" is one thing too many");
+    row("speed 5", "place 7: unexpected \"5\"");
     row("speed>1000rpm", "place 7: \"1\" is not understood");
     row("(speed>5", "place 9: \")\" is missing");
-    row("speed>5)", "place 8: \")\" is one thing too many");
+    row("speed>5)", "place 8: unexpected \")\"");
     row("spede>5", "place 1: no selector is called \"spede\"; texts stand in quotes");
     row("name=='x'", "place 1: \"name\" may be #2 or #5; say which, or give labels (NAME=URL)");
     row("running", "place 1: no selector is called \"running\"; texts stand in quotes");

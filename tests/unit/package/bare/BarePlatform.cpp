@@ -18,12 +18,20 @@ namespace {
 const QString name = QStringLiteral("bare");
 } // namespace
 
+int ProcessValue::made = 0;
+int ProcessValue::copied = 0;
 ProcessValue::ProcessValue(ProcessDataDefinitions::ErrorTypes errorType)
     : errorType(errorType)
 {
+    ++made;
 }
 ProcessValue::~ProcessValue() = default;
-ProcessValue::ProcessValue(const ProcessValue &other) = default;
+ProcessValue::ProcessValue(const ProcessValue &other)
+    : value(other.value)
+    , errorType(other.errorType)
+{
+    ++copied;
+}
 ProcessValue &ProcessValue::operator=(const ProcessValue &other) = default;
 
 ConfigurationAndProcessDataBase::ConfigurationAndProcessDataBase() = default;

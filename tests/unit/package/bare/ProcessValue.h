@@ -15,6 +15,9 @@ public:
     ProcessValue(const ProcessValue &other);
     ProcessValue &operator=(const ProcessValue &other);
 
+    static int made; ///< by the constructor that takes an error type
+    static int copied;
+
 private:
     QVariant value;
     ProcessDataDefinitions::ErrorTypes errorType;

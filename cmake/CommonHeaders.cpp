@@ -1,0 +1,2 @@
+// SPDX-License-Identifier: MIT
+// Gives the precompiled header the target that others take it from.
