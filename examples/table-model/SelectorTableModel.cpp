@@ -35,6 +35,18 @@ QVariant readable(const QVariant &value)
     return value; // numbers stay numbers: the view writes them as its locale does
 }
 
+// What the user typed, as the leaf takes it: bytes are typed as they are shown.
+QVariant typed(const QVariant &input, const QVariant &shown)
+{
+    if (shown.userType() != QMetaType::QByteArray || input.userType() != QMetaType::QString) {
+        return input;
+    }
+    const QByteArray digits = input.toString().mid(2).toLatin1().toLower();
+    const QByteArray bytes = QByteArray::fromHex(digits);
+    const bool isHex = input.toString().startsWith(QLatin1String("0x")) && bytes.toHex() == digits;
+    return isHex ? QVariant(bytes) : QVariant();
+}
+
 } // namespace
 
 SelectorTableModel::SelectorTableModel(QObject *parent)
@@ -73,7 +85,7 @@ void SelectorTableModel::startReading(int period)
     timer.start(period);
 }
 
-// Views draw what they are told of, so only runs of rows that differ are told.
+// Views draw what they are notified of, so only runs of rows that differ are reported.
 void SelectorTableModel::readValues()
 {
     const QVector<ProcessValue> values = handler.getValues();
@@ -195,10 +207,14 @@ bool SelectorTableModel::setData(const QModelIndex &index, const QVariant &value
         return false;
     }
     // Text is brought to the leaf's own type; what does not fit, or leaves its range, is refused.
-    if (!handler.setValue(ProcessValue(value), index.row())) {
+    const Row &row = rows.at(index.row());
+    const QVariant input = typed(value, row.value);
+    if (!input.isValid() || !handler.setValue(ProcessValue(input), index.row())) {
+        Q_EMIT valueRefused(row.url, value.toString());
         return false;
     }
     updateRows({index.row()});
+    Q_EMIT valueWritten();
     return true;
 }
 

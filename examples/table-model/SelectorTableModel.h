@@ -33,7 +33,7 @@ public:
     /// How often the values are read, in milliseconds; not by itself until this was called.
     void startReading(int period);
 
-    /// Reads all values once and tells views which rows differ.
+    /// Reads all values once and notifies views of the rows that differ.
     void readValues();
 
     int rowCount(const QModelIndex &parent = QModelIndex()) const override;
@@ -43,6 +43,16 @@ public:
     bool setData(const QModelIndex &index, const QVariant &value, int role) override;
     Qt::ItemFlags flags(const QModelIndex &index) const override;
     QHash<int, QByteArray> roleNames() const override;
+
+Q_SIGNALS:
+    /// A value was not written: it does not fit the leaf's type or limits, or the service is gone.
+    ///
+    /// @param selector  whose value was edited
+    /// @param text      what was typed
+    void valueRefused(const QString &selector, const QString &text);
+
+    /// A value that was edited has been written.
+    void valueWritten();
 
 private:
     struct Row

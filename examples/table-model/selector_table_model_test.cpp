@@ -54,6 +54,7 @@ private Q_SLOTS:
     void onlyChangedRowsAreTold();
     void aWritableValueIsEditedInItsPlace();
     void aRefusedValueLeavesTheRowAsItWas();
+    void bytesAreWrittenAsTheyAreShown();
     void aChangedUnitIsTold();
     void aServiceThatComesUpFillsItsRows();
     void viewsOfQtQuickFindRoles();
@@ -111,8 +112,24 @@ void SelectorTableModelTest::aRefusedValueLeavesTheRowAsItWas()
     Table table;
     table.source.at("setpoint").refusesWrites();
     const QModelIndex cell = table.model->index(setpoint, SelectorTableModel::ValueColumn);
+    const QSignalSpy refusals(table.model.get(), &SelectorTableModel::valueRefused);
     QVERIFY(!table.model->setData(cell, "99999", Qt::EditRole));
     QCOMPARE(cell.data(), QVariant(1450));
+    QCOMPARE(refusals.size(), 1);
+    QCOMPARE(refusals.at(0), (QVariantList{table.source.urlOf("setpoint"), "99999"}));
+}
+
+void SelectorTableModelTest::bytesAreWrittenAsTheyAreShown()
+{
+    Table table;
+    const QModelIndex cell = table.model->index(serial, SelectorTableModel::ValueColumn);
+    QVERIFY(table.model->setData(cell, "0x00fF", Qt::EditRole));
+    QCOMPARE(table.source.at("serial").value().getValue(), QVariant(QByteArray("\x00\xff", 2)));
+
+    for (const char *const text : {"00ff", "0x0", "0xgg"}) {
+        QVERIFY2(!table.model->setData(cell, text, Qt::EditRole), text);
+    }
+    QCOMPARE(table.source.at("serial").written().size(), 1);
 }
 
 void SelectorTableModelTest::aChangedUnitIsTold()

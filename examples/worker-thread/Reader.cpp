@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Reads selectors in the thread that it lives in, and tells other threads by signals.
+// Reads selectors in the thread that it lives in, and notifies other threads by signals.
 #include "Reader.h"
 
 #include <SelectorHandlerProcessValue.h>

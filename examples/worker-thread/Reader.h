@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Reads selectors in the thread that it lives in, and tells other threads by signals.
+// Reads selectors in the thread that it lives in, and notifies other threads by signals.
 #ifndef READER_H
 #define READER_H
 
