@@ -16,15 +16,13 @@ bool isName(const QString &name)
 void requireSameParts(const SelectorUrlParts &parts)
 {
     const QString again
-        = selectorUrl(parts.moduleName, parts.objectName, parts.instance, parts.path);
+        = selectorUrl(parts.source.module, parts.source.object, parts.source.instance, parts.path);
     if (again.toUtf8().size() > selectorUrlMaximumLength) {
         return; // encoding makes it longer
     }
     const SelectorUrlParts second = parseSelectorUrl(again);
     FUZZ_REQUIRE(second.valid && !second.deactivated);
-    FUZZ_REQUIRE(second.moduleName == parts.moduleName);
-    FUZZ_REQUIRE(second.objectName == parts.objectName);
-    FUZZ_REQUIRE(second.instance == parts.instance);
+    FUZZ_REQUIRE(second.source == parts.source);
     FUZZ_REQUIRE(second.path == parts.path);
 }
 

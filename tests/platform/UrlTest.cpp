@@ -170,10 +170,10 @@ void UrlTest::aUrlDoesNotTakeNamesOfTheOneBefore()
     const SelectorUrlParts parts = parseSelectorUrl("q://A/B/c/d");
 
     QCOMPARE(parts.scheme, QString("q"));
-    QCOMPARE(parts.moduleName, QString("A"));
-    QCOMPARE(parts.objectName, QString("B"));
-    QCOMPARE(parts.instance, QString("c"));
-    QCOMPARE(parseSelectorUrl("p://a/b//d").instance, QString(""));
+    QCOMPARE(parts.source.module, QString("A"));
+    QCOMPARE(parts.source.object, QString("B"));
+    QCOMPARE(parts.source.instance, QString("c"));
+    QCOMPARE(parseSelectorUrl("p://a/b//d").source.instance, QString(""));
 }
 
 void UrlTest::anUnpairedSurrogateIsInvalid()
@@ -207,9 +207,9 @@ void UrlTest::builtUrlsParseBackToTheirNames()
 
     QVERIFY(parts.valid);
     QVERIFY(!parts.deactivated);
-    QCOMPARE(
-        (QStringList{parts.scheme, parts.moduleName, parts.objectName, parts.instance, parts.path}),
-        QStringList{"processdata"} + names);
+    QCOMPARE((QStringList{parts.scheme, parts.source.module, parts.source.object,
+                          parts.source.instance, parts.path}),
+             QStringList{"processdata"} + names);
 }
 
 QTEST_APPLESS_MAIN(UrlTest)

@@ -88,7 +88,7 @@ bool SelectorWalk::fail(const QString &finding, const QString &advice, ExitCode 
 
 QString SelectorWalk::source() const
 {
-    return QStringLiteral("%1/%2/%3").arg(parts.moduleName, parts.objectName, parts.instance);
+    return parts.source.toString();
 }
 
 bool SelectorWalk::failQuery(BusQueryResult result, const QString &error)
@@ -143,7 +143,7 @@ bool SelectorWalk::checkModule()
                     QStringLiteral("use the name that selector modules lists; module and object "
                                    "hold no \"_\""));
     }
-    return ok(parts.moduleName);
+    return ok(parts.source.module);
 }
 
 bool SelectorWalk::checkBus()
@@ -169,7 +169,7 @@ bool SelectorWalk::checkOwner()
 {
     ServiceOwner owner;
     QString error;
-    const BusQueryResult result = fetchServiceOwner(parts.moduleName, owner, error);
+    const BusQueryResult result = fetchServiceOwner(parts.source.module, owner, error);
     service = owner.service;
     if (result == BusQueryResult::ServiceMissing) {
         ServicesOnBus services;
@@ -177,7 +177,7 @@ bool SelectorWalk::checkOwner()
         fetchServices(services, ignored);
         return fail(error,
                     QStringLiteral("start the service of module \"%1\"; running modules: %2")
-                        .arg(parts.moduleName, quotedList(services.modules)));
+                        .arg(parts.source.module, quotedList(services.modules)));
     }
     if (result != BusQueryResult::Ok) {
         return failQuery(result, error);
@@ -192,34 +192,34 @@ bool SelectorWalk::checkObject()
 {
     QStringList names;
     QString error;
-    BusQueryResult result = fetchObjects(parts.moduleName, names, error);
+    BusQueryResult result = fetchObjects(parts.source.module, names, error);
     if (result != BusQueryResult::Ok) {
         return failQuery(result, error);
     }
-    if (!names.contains(parts.objectName)) {
+    if (!names.contains(parts.source.object)) {
         return fail(QStringLiteral("module %1 has no object \"%2\"")
-                        .arg(parts.moduleName, parts.objectName),
+                        .arg(parts.source.module, parts.source.object),
                     QStringLiteral("its objects: %1").arg(quotedList(names)));
     }
-    result = fetchInstances(parts.moduleName, parts.objectName, names, error);
+    result = fetchInstances(parts.source.module, parts.source.object, names, error);
     if (result != BusQueryResult::Ok) {
         return failQuery(result, error);
     }
-    if (!names.contains(parts.instance)) {
+    if (!names.contains(parts.source.instance)) {
         return fail(QStringLiteral("object %1/%2 has no instance \"%3\"")
-                        .arg(parts.moduleName, parts.objectName, parts.instance),
+                        .arg(parts.source.module, parts.source.object, parts.source.instance),
                     QStringLiteral("its instances: %1").arg(quotedList(names)));
     }
-    return ok(
-        QStringLiteral("object \"%1\", instance \"%2\"").arg(parts.objectName, parts.instance));
+    return ok(QStringLiteral("object \"%1\", instance \"%2\"")
+                  .arg(parts.source.object, parts.source.instance));
 }
 
 bool SelectorWalk::checkDescription()
 {
     QString error;
     SourceInspection found;
-    const BusQueryResult result
-        = inspectSource(parts.moduleName, parts.objectName, parts.instance, found, error);
+    const BusQueryResult result = inspectSource(parts.source.module, parts.source.object,
+                                                parts.source.instance, found, error);
     if (result != BusQueryResult::Ok) {
         return failQuery(result, error);
     }

@@ -85,8 +85,8 @@ ProcessDataRoot::getLeafProcessDataValue(const QString &url)
     }
     const SelectorUrlParts parts = parseSelectorUrl(url);
     const ProcessDataDescription &source = block->description;
-    if (!parts.valid || parts.moduleName != source.module || parts.objectName != source.object
-        || parts.instance != source.instance || parts.path.isNull()) {
+    if (!parts.valid || parts.source != SourceName{source.module, source.object, source.instance}
+        || parts.path.isNull()) {
         return {};
     }
     const int position = source.positions.value(parts.path, notFound);

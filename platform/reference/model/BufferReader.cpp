@@ -5,6 +5,7 @@
 #include "DescriptionKeys.h"
 #include "JsonReading.h"
 #include "SlotLayout.h"
+#include "SourceName.h"
 #include "ValueConversion.h"
 
 #include <algorithm>

@@ -4,7 +4,6 @@
 
 #include "ValueConversion.h"
 
-#include <algorithm>
 #include <charconv>
 #include <system_error>
 
@@ -31,12 +30,6 @@ std::optional<quint64> wholeNumber(const JsonNode &value)
     QString reason;
     const auto converted = convertToType(ValueType::UInt64, numberOf(value), reason);
     return converted ? std::optional(quint64(converted->toULongLong())) : std::nullopt;
-}
-
-// Unicode's category Cc: C0, delete, C1.
-bool isControlCharacter(QChar c)
-{
-    return c.unicode() < 0x20 || (c.unicode() >= 0x7f && c.unicode() < 0xa0);
 }
 
 } // namespace
@@ -116,14 +109,4 @@ std::optional<QString> readText(const JsonNode &object, const JsonKey &key, bool
     const JsonNode value = object.value(key);
     return checkText(value, key, mayBeMissing, place, error) ? std::optional(value.toText())
                                                              : std::nullopt;
-}
-
-bool hasControlCharacter(const QString &text)
-{
-    return std::any_of(text.begin(), text.end(), isControlCharacter);
-}
-
-bool isNameText(const QString &text)
-{
-    return text.isValidUtf16() && !hasControlCharacter(text);
 }

@@ -56,10 +56,4 @@ bool checkText(const JsonNode &value, const JsonKey &key, bool mayBeMissing, con
 /// Name of a JSON value's type, for messages.
 QString jsonTypeName(JsonKind kind);
 
-/// Whether a text holds a character that has no place in a name.
-bool hasControlCharacter(const QString &text);
-
-/// Whether a selector URL could spell the text: valid Unicode without control characters.
-bool isNameText(const QString &text);
-
 #endif

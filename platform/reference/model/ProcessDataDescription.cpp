@@ -7,6 +7,7 @@
 #include "DescriptionText.h"
 #include "JsonReading.h"
 #include "LeafReader.h"
+#include "SourceName.h"
 #include "ValueConversion.h"
 
 #include <limits>
@@ -58,8 +59,7 @@ private:
             return false;
         }
         const bool missing = form == DescriptionForm::Template && !document.contains(key);
-        if (!missing
-            && (text->isEmpty() || text->contains(QLatin1Char('_')) || !isNameText(*text))) {
+        if (!missing && (!isPartOfKey(*text) || !isNameText(*text))) {
             error = QStringLiteral(
                         "%1: \"%2\" is %3, which is empty or holds \"_\" or a control character")
                         .arg(documentPlace, key.name, printable(*text));

@@ -9,9 +9,9 @@ SelectorUrlHandler::SelectorUrlHandler(const QString &selectorUrl)
 {
     const SelectorUrlParts parts = parseSelectorUrl(selectorUrl);
     scheme = parts.scheme;
-    moduleName = parts.moduleName;
-    objectName = parts.objectName;
-    instance = parts.instance;
+    moduleName = parts.source.module;
+    objectName = parts.source.object;
+    instance = parts.source.instance;
     valid = parts.valid;
     deactivated = parts.deactivated;
 }

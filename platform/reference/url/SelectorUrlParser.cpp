@@ -25,17 +25,6 @@ bool isScheme(const QStringRef &text)
         && std::all_of(text.begin(), text.end(), isSchemeCharacter);
 }
 
-// Unicode's category Cc: C0, delete, C1.
-bool isControlCharacter(QChar c)
-{
-    return c.unicode() < 0x20 || (c.unicode() >= 0x7f && c.unicode() < 0xa0);
-}
-
-bool hasControlCharacter(const QStringRef &text)
-{
-    return std::any_of(text.begin(), text.end(), isControlCharacter);
-}
-
 int hexDigit(char c)
 {
     if (c >= '0' && c <= '9') {
@@ -80,8 +69,7 @@ bool decodePart(const QStringRef &part, QString &decoded)
     static QTextCodec *const utf8 = QTextCodec::codecForName("UTF-8");
     QTextCodec::ConverterState state(QTextCodec::IgnoreHeader);
     decoded = utf8->toUnicode(bytes.constData(), bytes.size(), &state);
-    return state.invalidChars == 0 && state.remainingChars == 0
-        && !hasControlCharacter(QStringRef(&decoded));
+    return state.invalidChars == 0 && state.remainingChars == 0 && !hasControlCharacter(decoded);
 }
 
 // Most URLs of a list name the source of the one before: its names are stored once, which takes half
@@ -89,7 +77,7 @@ bool decodePart(const QStringRef &part, QString &decoded)
 struct NamesOfLastUrl
 {
     QString scheme;
-    QString names[3]; ///< module, object, instance
+    SourceName source;
 };
 
 NamesOfLastUrl &namesOfLastUrl()
@@ -98,16 +86,16 @@ NamesOfLastUrl &namesOfLastUrl()
     return names;
 }
 
-bool decodeName(const QStringRef &part, QString &last, QString &name)
+bool decodeName(const QStringRef &part, QString &last)
 {
-    if (part.isEmpty() || part != last || part.contains(QLatin1Char('%'))) {
-        QString decoded;
-        if (!decodePart(part, decoded)) {
-            return false;
-        }
-        last = decoded;
+    if (!part.isEmpty() && part == last && !part.contains(QLatin1Char('%'))) {
+        return true;
     }
-    name = last;
+    QString decoded;
+    if (!decodePart(part, decoded)) {
+        return false;
+    }
+    last = decoded;
     return true;
 }
 
@@ -157,16 +145,14 @@ QString decodePath(const Segments &segments, int first, QString &path)
     return QString();
 }
 
-// Keys join module, object and instance with "_": a "_" in the first two would let two sources
-// share one.
-QString checkSourceName(const char *what, const QString &name)
+QString checkName(const char *what, const QString &name)
 {
-    if (name.isEmpty()) {
-        return QStringLiteral("the %1 is empty").arg(QLatin1String(what));
+    if (isPartOfKey(name)) {
+        return QString();
     }
-    return name.contains(QLatin1Char('_'))
-        ? QStringLiteral("the %1 \"%2\" contains \"_\"").arg(QLatin1String(what), name)
-        : QString();
+    return name.isEmpty()
+        ? QStringLiteral("the %1 is empty").arg(QLatin1String(what))
+        : QStringLiteral("the %1 \"%2\" contains \"_\"").arg(QLatin1String(what), name);
 }
 
 QString parseParts(const QStringRef &text, SelectorUrlParts &parts)
@@ -187,19 +173,20 @@ QString parseParts(const QStringRef &text, SelectorUrlParts &parts)
         return QStringLiteral("it has %1 of at least 4 parts (MODULE/OBJECT/INSTANCE/LEAF)")
             .arg(segments.size());
     }
-    QString *const names[] = {&parts.moduleName, &parts.objectName, &parts.instance};
+    QString *const names[] = {&last.source.module, &last.source.object, &last.source.instance};
     for (int i = 0; i < firstOfPath; ++i) {
-        if (!decodeName(segments.at(i), last.names[i], *names[i])) {
+        if (!decodeName(segments.at(i), *names[i])) {
             return undecodable(segments.at(i));
         }
     }
+    parts.source = last.source;
     QString problem = decodePath(segments, firstOfPath, parts.path);
     if (!problem.isEmpty()) {
         return problem;
     }
-    problem = checkSourceName("module", parts.moduleName);
+    problem = checkName("module", parts.source.module);
     if (problem.isEmpty()) {
-        problem = checkSourceName("object", parts.objectName);
+        problem = checkName("object", parts.source.object);
     }
     parts.sourceNameRefused = !problem.isEmpty();
     return problem;

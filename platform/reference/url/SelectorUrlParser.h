@@ -3,17 +3,13 @@
 #ifndef SELECTORURLPARSER_H
 #define SELECTORURLPARSER_H
 
-#include "ProcessDataPlatformExport.h"
-
-#include <QString>
+#include "SourceName.h"
 
 /// What a selector URL says. Parts are decoded, and empty when the URL is invalid.
 struct SelectorUrlParts
 {
     QString scheme;
-    QString moduleName;
-    QString objectName;
-    QString instance;
+    SourceName source;
     QString path; ///< names from the top joined by "/"; null when a name itself holds "/": no leaf
         ///< has it
     QString problem; ///< of an invalid URL: the rule that it breaks, for people
