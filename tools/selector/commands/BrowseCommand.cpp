@@ -47,12 +47,10 @@ int browseSystem(const Console &console)
                   {},
                   0,
                   true};
-    const QVector<Entry> modules = moduleEntries(list);
-    for (const Entry &module : modules) {
-        Entry entry = module;
+    report.entries = moduleEntries(modulesOfList(list));
+    for (Entry &entry : report.entries) {
         entry.json.remove(QStringLiteral("selectorTypeList"));
         entry.rows = {{entry.rows.constFirst().constFirst(), entry.reason}};
-        report.entries.append(entry);
     }
     return printReport(report, console);
 }

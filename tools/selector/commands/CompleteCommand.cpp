@@ -5,7 +5,7 @@
 #include "DescriptionLeaves.h"
 #include "ExitCode.h"
 #include "InstanceListClient.h"
-#include "ModuleEntries.h"
+#include "ModuleList.h"
 #include "ProviderListClient.h"
 #include "SelectorSharedMemoryHandler.h"
 
@@ -23,10 +23,10 @@ QStringList modules()
     QString error;
     QStringList names;
     if (fetchRegisteredProviderList(list, error) == BusQueryResult::Ok) {
-        const QVector<Entry> entries = moduleEntries(list);
-        for (const Entry &entry : entries) {
-            if (entry.state == Entry::Good) {
-                names.append(entry.subject);
+        const QVector<Module> modules = modulesOfList(list);
+        for (const Module &module : modules) {
+            if (!module.name.isNull()) {
+                names.append(module.name);
             }
         }
     }

@@ -2,6 +2,7 @@
 // selector doctor: the state of the whole system.
 #include "Command.h"
 #include "DoctorClean.h"
+#include "DoctorEntries.h"
 #include "DoctorReport.h"
 #include "OutputFile.h"
 #include "SystemChecks.h"

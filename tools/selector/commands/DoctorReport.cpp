@@ -3,6 +3,7 @@
 #include "DoctorReport.h"
 
 #include "DescriptionLeaves.h"
+#include "DoctorEntries.h"
 #include "MessageLog.h"
 #include "SelectorHandlerProcessValue.h"
 #include "SelectorUrlBuilder.h"

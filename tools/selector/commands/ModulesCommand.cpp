@@ -21,10 +21,11 @@ int run(const CommandLine &line, const Console &console, QString &usage)
     if (!fetchModules(console, list, exitCode)) {
         return exitCode;
     }
-    return printReport({QStringLiteral("selector.modules/1"), moduleColumns(),
-                        line.hasType ? moduleEntriesOfType(list, line.type) : moduleEntries(list),
-                        0, true},
-                       console);
+    return printReport(
+        {QStringLiteral("selector.modules/1"), moduleColumns(),
+         moduleEntries(line.hasType ? modulesOfType(list, line.type) : modulesOfList(list)), 0,
+         true},
+        console);
 }
 
 } // namespace

@@ -80,7 +80,10 @@ int run(const CommandLine &line, const Console &console, QString &usage)
     if (!busIsReachable(console)) {
         return ExitNotReachable;
     }
-    Watcher watcher(targets, line, until, console); // until it is made, signals end the process
+    // Until it is made, signals end the process.
+    Watcher watcher(targets,
+                    {line.interval, line.count, line.timestamps, line.changesOnly, line.plot},
+                    until, console);
     const UnixSignals signalsOfSystem;
     QTimer limit;
     limit.setSingleShot(true);

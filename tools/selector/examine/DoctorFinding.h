@@ -4,7 +4,6 @@
 #define DOCTORFINDING_H
 
 #include "ExitCode.h"
-#include "Report.h"
 
 #include <QString>
 #include <QVector>
@@ -27,8 +26,5 @@ struct DoctorFinding
     QString action; ///< of a leftover: wouldRemove, removed, kept
     ExitCode failure = ExitSomeFailed; ///< what it means for a script when it is not good
 };
-
-QVector<Column> doctorColumns();
-Entry doctorEntry(const DoctorFinding &finding);
 
 #endif

@@ -59,3 +59,22 @@ ExitCode Finding::exitCode() const
         return ExitSomeFailed;
     }
 }
+
+QString explainErrorType(ProcessDataDefinitions::ErrorTypes errorType)
+{
+    switch (errorType) {
+    case ProcessDataDefinitions::NoError:
+        return {};
+    case ProcessDataDefinitions::NotInitialized:
+        return QStringLiteral("never published so far");
+    case ProcessDataDefinitions::SourceLost:
+        return QStringLiteral("the publisher is gone, this is its last value");
+    case ProcessDataDefinitions::NoValue:
+        return QStringLiteral("no value was obtained");
+    case ProcessDataDefinitions::DeviceFault:
+        return QStringLiteral("the publisher reports a fault of the device");
+    case ProcessDataDefinitions::OutOfRange:
+        return QStringLiteral("the publisher reports a value outside the device's range");
+    }
+    return QStringLiteral("an error type that this tool does not know");
+}

@@ -4,6 +4,7 @@
 #define FINDING_H
 
 #include "ExitCode.h"
+#include "ProcessDataDefinitions.h"
 
 #include <QString>
 
@@ -40,5 +41,8 @@ struct Finding
     /// What the reason means for a script.
     ExitCode exitCode() const;
 };
+
+/// How far a value with an error type can be trusted, for people; empty for NoError.
+QString explainErrorType(ProcessDataDefinitions::ErrorTypes errorType);
 
 #endif

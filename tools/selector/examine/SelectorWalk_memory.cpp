@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The steps from a source's buffer to the value of its leaf.
 #include "DescriptionLeaves.h"
-#include "Entries.h"
+#include "Finding.h"
 #include "SelectorHandlerProcessValue.h"
 #include "SelectorWalk.h"
 #include "ValueText.h"

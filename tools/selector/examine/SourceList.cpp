@@ -4,7 +4,7 @@
 
 #include "Diagnosis.h"
 #include "InstanceListClient.h"
-#include "ModuleEntries.h"
+#include "ModuleList.h"
 #include "ProviderListClient.h"
 
 namespace {
@@ -64,10 +64,10 @@ bool listSources(const BrowsePlace &place, QVector<SourceName> &sources, Finding
         finding = Diagnosis::explainQuery(result, error);
         return false;
     }
-    const QVector<Entry> modules = moduleEntries(list);
-    for (const Entry &module : modules) {
-        if (module.state == Entry::Good) {
-            addObjects(module.subject, sources);
+    const QVector<Module> modules = modulesOfList(list);
+    for (const Module &module : modules) {
+        if (!module.name.isNull()) {
+            addObjects(module.name, sources);
         }
     }
     return true;

@@ -3,12 +3,10 @@
 #include "SystemState.h"
 
 #include "InstanceListClient.h"
-#include "ModuleEntries.h"
+#include "ModuleList.h"
 #include "ProviderListClient.h"
 #include "SourceInspection.h"
 #include "SystemReadyClient.h"
-
-#include <QJsonArray>
 
 #include <algorithm>
 
@@ -39,18 +37,15 @@ void askRegistry(SystemState &state)
     state.registry = ask([&state](QString &error) {
         return fetchRegisteredProviderList(state.providerList, error);
     });
-    const QVector<Entry> entries = moduleEntries(state.providerList);
-    for (const Entry &entry : entries) {
-        if (entry.state != Entry::Good) {
+    const QVector<Module> registered = modulesOfList(state.providerList);
+    for (const Module &one : registered) {
+        if (one.name.isNull()) {
             ++state.unreadableProviders;
             continue;
         }
-        ModuleState &module = moduleOf(entry.subject, state.modules);
+        ModuleState &module = moduleOf(one.name, state.modules);
         module.registered = true;
-        const QJsonArray types = entry.json.value(QLatin1String("selectorTypeList")).toArray();
-        for (const QJsonValue &type : types) {
-            module.selectorTypes.append(type.toString());
-        }
+        module.selectorTypes += one.selectorTypes;
     }
 }
 

@@ -58,7 +58,4 @@ Entry::State stateOf(const Finding &finding);
 /// "ok", "skipped", "doubtful" or "failed".
 QString stateName(Entry::State state);
 
-/// How far a value with an error type can be trusted, for people; empty for NoError.
-QString explainErrorType(ProcessDataDefinitions::ErrorTypes errorType);
-
 #endif

@@ -45,7 +45,7 @@ private Q_SLOTS:
 
 void ModuleEntriesTest::allModulesAreListed()
 {
-    QCOMPARE(rowsOf(moduleEntries(list)),
+    QCOMPARE(rowsOf(moduleEntries(modulesOfList(list))),
              QStringList({"Pump C/1/AnalogSelector ", "Pump C/1/DigitalSelector ",
                           "Tank T/1/DigitalSelector ", "Plain  ",
                           " X/1/AnalogSelector a module without a readable name"}));
@@ -53,22 +53,22 @@ void ModuleEntriesTest::allModulesAreListed()
 
 void ModuleEntriesTest::oneTypeIsPicked()
 {
-    QCOMPARE(rowsOf(moduleEntriesOfType(list, "DigitalSelector")),
+    QCOMPARE(rowsOf(moduleEntries(modulesOfType(list, "DigitalSelector"))),
              QStringList({"Pump C/1/DigitalSelector ", "Tank T/1/DigitalSelector "}));
-    QVERIFY(moduleEntriesOfType(list, "digitalselector").isEmpty());
+    QVERIFY(modulesOfType(list, "digitalselector").isEmpty());
 }
 
 void ModuleEntriesTest::aModuleWithoutNameFails()
 {
-    const Entry entry = moduleEntriesOfType(list, "AnalogSelector").last();
+    const Entry entry = moduleEntries(modulesOfType(list, "AnalogSelector")).last();
     QCOMPARE(int(entry.state), int(Entry::Failed));
     QCOMPARE(entry.json.value("status").toString(), QString("failed"));
 }
 
 void ModuleEntriesTest::noListIsNoModule()
 {
-    QVERIFY(moduleEntries("").isEmpty());
-    QVERIFY(moduleEntriesOfType("{}", "AnalogSelector").isEmpty());
+    QVERIFY(modulesOfList("").isEmpty());
+    QVERIFY(modulesOfType("{}", "AnalogSelector").isEmpty());
 }
 
 QTEST_APPLESS_MAIN(ModuleEntriesTest)

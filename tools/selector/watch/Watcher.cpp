@@ -20,17 +20,17 @@ qint64 now()
 
 } // namespace
 
-Watcher::Watcher(const QVector<WatchTarget> &targets, const CommandLine &line,
+Watcher::Watcher(const QVector<WatchTarget> &targets, const WatchOptions &options,
                  const std::optional<UntilExpression> &until, const Console &console)
     : handler(nullptr)
-    , lines(urlsOf(targets), console.style, line.timestamps)
+    , lines(urlsOf(targets), console.style, options.timestamps)
     , console(console)
     , until(until)
-    , changesOnly(line.changesOnly)
-    , wantedLines(line.count)
+    , changesOnly(options.changesOnly)
+    , wantedLines(options.count)
 {
     const QVector<QString> urls = urlsOf(targets);
-    if (line.plot) {
+    if (options.plot) {
         screen = std::make_unique<PlotScreen>(targets, console, PlotAbilities::ofStandardOutput());
     }
     connect(&handler,
@@ -43,7 +43,7 @@ Watcher::Watcher(const QVector<WatchTarget> &targets, const CommandLine &line,
                 announce(QStringLiteral("propertyChanged"), indices);
             });
     connect(&timer, &QTimer::timeout, this, &Watcher::poll);
-    timer.setInterval(line.interval);
+    timer.setInterval(options.interval);
     for (const QString &url : urls) {
         Selector selector;
         selector.url = url;

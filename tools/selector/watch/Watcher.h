@@ -3,7 +3,6 @@
 #ifndef WATCHER_H
 #define WATCHER_H
 
-#include "CommandLine.h"
 #include "Console.h"
 #include "Diagnosis.h"
 #include "PlotScreen.h"
@@ -17,6 +16,16 @@
 #include <memory>
 #include <optional>
 
+/// What a person asks a watch for.
+struct WatchOptions
+{
+    int interval = 200; ///< milliseconds between two looks at the values
+    int count = 0; ///< lines that end it; 0: no number does
+    bool timestamps = false;
+    bool changesOnly = false;
+    bool plot = false;
+};
+
 /// Reads all selectors regularly and prints those whose value, error type or reason differs from
 /// the line before; prints both change signals of the library as they come. With --plot draws
 /// charts instead of lines, and each look counts as a line.
@@ -28,7 +37,7 @@ class Watcher : public QObject
 
 public:
     /// @param until  the condition that ends the watch; nothing: none does
-    Watcher(const QVector<WatchTarget> &targets, const CommandLine &line,
+    Watcher(const QVector<WatchTarget> &targets, const WatchOptions &options,
             const std::optional<UntilExpression> &until, const Console &console);
 
     /// What the latest lines of the selectors that have one mean for a script.

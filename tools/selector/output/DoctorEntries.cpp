@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Findings as rows and JSON.
-#include "DoctorFinding.h"
+#include "DoctorEntries.h"
 
 #include "Entries.h"
 
