@@ -37,7 +37,6 @@ target_compile_definitions(integration_selector_golden_test PRIVATE
 add_selector_test(selector_script)
 add_selector_test(selector_values)
 add_selector_test(selector_output)
-target_include_directories(integration_selector_output_test PRIVATE ${PROJECT_SOURCE_DIR}/tests/platform)
 
 # Every example of the document, the man pages and the helps, run as written.
 add_test(NAME integration.cli_examples

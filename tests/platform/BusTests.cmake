@@ -1,8 +1,6 @@
 # SPDX-License-Identifier: MIT
 
-# Clients and publishers on private buses. The helper is a service in a process of its own.
-add_executable(bus-service-helper BusServiceHelper.cpp)
-target_link_libraries(bus-service-helper PRIVATE SelectorHandlerWarnings Qt5::DBus)
+# Clients and publishers on private buses.
 
 function(add_bus_test name)
     add_platform_test(${name} ${ARGN})
