@@ -69,12 +69,12 @@ if(SELECTORHANDLER_PLATFORM STREQUAL "reference")
         PC processdataplatform DESCRIPTION "Process data over D-Bus and POSIX shared memory"
         REQUIRES "Qt5Core >= 5.15"
         HEADERS ${contract_headers}
-            ${reference_dir}/bus/BusQueryResult.h
+            ${reference_dir}/query/BusQueryResult.h
             ${reference_dir}/bus/CallDeadline.h
-            ${reference_dir}/bus/InstanceListClient.h
-            ${reference_dir}/bus/ServiceOwnerClient.h
+            ${reference_dir}/query/InstanceListClient.h
+            ${reference_dir}/query/ServiceOwnerClient.h
             ${reference_dir}/memory/BufferInspection.h
-            ${reference_dir}/bus/ProviderListClient.h
+            ${reference_dir}/query/ProviderListClient.h
             ${reference_dir}/publisher/ProcessDataPublisher.h
             ${reference_dir}/system/ProviderRegistryService.h
             ${reference_dir}/system/SystemStatusService.h)
