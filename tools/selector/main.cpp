@@ -4,6 +4,7 @@
 #include "Command.h"
 #include "Console.h"
 #include "ExitCode.h"
+#include "Help.h"
 #include "InterruptExit.h"
 #include "MessageLog.h"
 #include "StandardStreams.h"
@@ -11,6 +12,7 @@
 
 #include <QCoreApplication>
 
+#include <algorithm>
 #include <cstdio>
 
 namespace {
@@ -51,22 +53,25 @@ int runCommand(const Command &command, const QStringList &arguments, Console &co
     if (!parseCommandLine(arguments, command.options, line, error)) {
         return usageError(console, error, helpName);
     }
-    if (line.help) {
-        console.out << command.help;
+    if (line.has("help")) {
+        console.out << helpOf(command);
         return ExitAllGood;
     }
-    if (line.timeout > 0) {
-        setCallDeadline(line.timeout);
+    if (line.has("timeout")) {
+        setCallDeadline(line.number("timeout"));
         // Where only calls take time, each may take all of it.
-        if ((command.options & OptionInterval) == 0) {
-            qputenv("PROCESSDATA_DBUS_TIMEOUT_MS", QByteArray::number(line.timeout));
+        const auto &options = command.options;
+        if (std::none_of(options.begin(), options.end(), [](const Option &option) {
+                return option.kind == Option::Milliseconds;
+            })) {
+            qputenv("PROCESSDATA_DBUS_TIMEOUT_MS", QByteArray::number(line.number("timeout")));
         }
     }
     MessageLog::install(QStringLiteral("selector"), QStringLiteral("selector.cli"),
-                        line.verbose ? MessageLog::AllMessages : MessageLog::OwnMessages);
+                        line.has("verbose") ? MessageLog::AllMessages : MessageLog::OwnMessages);
     fitToTerminal(console, line.format);
-    console.style.legend = !line.noLegend;
-    console.style.quiet = line.quiet;
+    console.style.legend = !line.has("no-legend");
+    console.style.quiet = line.has("quiet");
     exitOnInterrupt();
     const int result = command.run(line, console, error);
     if (wasInterrupted()) {

@@ -32,7 +32,7 @@ int run(const CommandLine &line, const Console &console, QString &usage)
         usage = QStringLiteral("Expected one FILE.");
         return ExitUsage;
     }
-    if (line.dryRun && (line.verify || line.rollback)) {
+    if (line.has("dry-run") && (line.has("verify") || line.has("rollback"))) {
         usage = QStringLiteral("--dry-run writes nothing that --verify or --rollback could treat.");
         return ExitUsage;
     }
@@ -58,7 +58,7 @@ int run(const CommandLine &line, const Console &console, QString &usage)
     }
     // The values of a file: all, none, or as many as the report says.
     const InterruptHold hold;
-    apply(items, {line.dryRun, line.verify, line.rollback}, leaves.handler());
+    apply(items, {line.has("dry-run"), line.has("verify"), line.has("rollback")}, leaves.handler());
     Report report{QStringLiteral("selector.apply/1"), applyColumns(), {}};
     for (const ApplyItem &item : qAsConst(items)) {
         report.entries.append(applyEntry(item));
@@ -71,21 +71,23 @@ int run(const CommandLine &line, const Console &console, QString &usage)
 Command applyCommand()
 {
     return {
-        QStringLiteral("apply"), QStringLiteral("write many values from a file, all or none"),
-        QStringLiteral(
-            "Usage: selector apply [OPTIONS] FILE\n"
-            "Writes the values of FILE (- is standard input): one URL, blanks and the value (the\n"
-            "rest of the line) a line; lines that begin with # are left out. All lines are checked\n"
-            "first, as selector check does; when one is wrong nothing is written. A write that\n"
-            "fails all the same ends the writing. Each line gets its verdict: written, failed, left.\n"
-            "\n"
-            "Options:\n"
-            "  --dry-run        check only, and show what each leaf holds now\n"
-            "  --verify         read all values back when they are written; another one is a\n"
-            "                   failure, for example of a service that corrects what it is given\n"
-            "  --rollback       when anything fails, set back what was written, the last one first\n"
-            "  --timeout S      seconds for all calls together; else 2 for each call\n")
-            + commonOptionsHelp()
-            + QStringLiteral("\nExample: selector apply recipe.txt --verify --rollback\n"),
-        OptionDryRun | OptionVerify | OptionRollback, run};
+        QStringLiteral("apply"),
+        QStringLiteral("write many values from a file, all or none"),
+        "Usage: selector apply [OPTIONS] FILE\n"
+        "Writes the values of FILE (- is standard input): one URL, blanks and the value (the\n"
+        "rest of the line) a line; lines that begin with # are left out. All lines are checked\n"
+        "first, as selector check does; when one is wrong nothing is written. A write that\n"
+        "fails all the same ends the writing. Each line gets its verdict: written, failed, left.\n",
+        {{"--dry-run", "check only, and show what each leaf holds now"},
+         {"--verify",
+          "read all values back when they are written; another one is a\n"
+          "failure, for example of a service that corrects what it is given",
+          "So is one with an error type."},
+         {"--rollback", "when anything fails, set back what was written, the last one first",
+          "A leaf without a good value before cannot be set back. Clients may see the values in "
+          "between: this is not a transaction."},
+         timeoutOption},
+        "\nExample: selector apply recipe.txt --verify --rollback\n",
+        {Arguments::File, 1},
+        run};
 }

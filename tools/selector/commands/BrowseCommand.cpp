@@ -163,17 +163,15 @@ int run(const CommandLine &line, const Console &console, QString &usage)
 
 Command browseCommand()
 {
-    return {
-        QStringLiteral("browse"), QStringLiteral("find modules, instances and leaves"),
-        QStringLiteral(
+    return {QStringLiteral("browse"),
+            QStringLiteral("find modules, instances and leaves"),
             "Usage: selector browse [OPTIONS] [MODULE[/OBJECT[/INSTANCE[/GROUP]]]]\n"
             "Lists modules; the instances of a module or an object; the leaves of an instance or\n"
-            "a group with their URLs. MODULE/OBJECT/ names the instance without a name.\n"
-            "\n"
-            "Options:\n"
-            "  -q, --quiet      print names of modules, places of instances, URLs of leaves only\n"
-            "  --timeout S      seconds for all calls together; else 2 for each call\n")
-            + commonOptionsHelp()
-            + QStringLiteral("\nExample: selector browse PumpStation/Pump/1\n"),
-        OptionQuiet, run};
+            "a group with their URLs. MODULE/OBJECT/ names the instance without a name.\n",
+            {{"-q, --quiet", "print names of modules, places of instances, URLs of leaves only",
+              "One a line, without header; no line for what failed. Not with --format."},
+             timeoutOption},
+            "\nExample: selector browse PumpStation/Pump/1\n",
+            {Arguments::Place, 1},
+            run};
 }

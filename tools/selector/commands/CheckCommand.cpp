@@ -43,7 +43,7 @@ int run(const CommandLine &line, const Console &console, QString &usage)
     QVector<ListLine> lines;
     Snapshot snapshot;
     if (!readListFile(line.arguments.constFirst(), lines, usage)
-        || (line.hasAgainst && !Snapshot::load(line.against, snapshot, usage))) {
+        || (line.has("against") && !Snapshot::load(line.text("against"), snapshot, usage))) {
         return ExitUsage;
     }
     Report report{QStringLiteral("selector.check/1"),
@@ -53,7 +53,7 @@ int run(const CommandLine &line, const Console &console, QString &usage)
                    {QStringLiteral("note")}},
                   {}};
     QVector<CheckedLine> checked;
-    if (line.hasAgainst) {
+    if (line.has("against")) {
         checked = checkLines(lines, [&snapshot](int /*position*/, const SelectorUrlHandler &url) {
             return snapshot.find(url);
         });
@@ -77,19 +77,19 @@ int run(const CommandLine &line, const Console &console, QString &usage)
 Command checkCommand()
 {
     return {
-        QStringLiteral("check"), QStringLiteral("say what would break in a selector list"),
-        QStringLiteral(
-            "Usage: selector check [OPTIONS] FILE\n"
-            "Says of each line of FILE (- is standard input) what would break: a URL that is none,\n"
-            "a leaf that is not there, a deactivated selector, a leaf that an earlier line names.\n"
-            "A line with a value behind the URL is meant to be written: a read-only leaf and a\n"
-            "value that the leaf would refuse are found too. Nothing is written.\n"
-            "\n"
-            "Options:\n"
-            "  --against SNAPSHOT  ask a file or directory of selector snapshot instead of the\n"
-            "                      running system\n"
-            "  --timeout S         seconds for all calls together; else 2 for each call\n")
-            + commonOptionsHelp()
-            + QStringLiteral("\nExample: selector check selectors.txt --against released/\n"),
-        OptionAgainst, run};
+        QStringLiteral("check"),
+        QStringLiteral("say what would break in a selector list"),
+        "Usage: selector check [OPTIONS] FILE\n"
+        "Says of each line of FILE (- is standard input) what would break: a URL that is none,\n"
+        "a leaf that is not there, a deactivated selector, a leaf that an earlier line names.\n"
+        "A line with a value behind the URL is meant to be written: a read-only leaf and a\n"
+        "value that the leaf would refuse are found too. Nothing is written.\n",
+        {{"--against SNAPSHOT",
+          "ask a file or directory of selector snapshot instead of the\n"
+          "running system",
+          "The system need not be there then.", Option::File},
+         timeoutOption},
+        "\nExample: selector check selectors.txt --against released/\n",
+        {Arguments::File, 1},
+        run};
 }

@@ -25,19 +25,6 @@ const Command *findCommand(const QString &name)
     return found == all.end() ? nullptr : &*found;
 }
 
-QString commonOptionsHelp()
-{
-    return QStringLiteral(
-        "  --format FORMAT  table (default), json or csv; -j is --format json\n"
-        "  --no-legend      leave out the header line of a table and of csv\n"
-        "  -v, --verbose    also print the libraries' warnings on standard error\n"
-        "  -h, --help       print this and exit\n"
-        "\n"
-        "Exit codes: 0 all good, 1 something failed (its row says why), 2 wrong usage, 3 the\n"
-        "system is out of reach, 4 no answer within the time limit, 5 permission is missing,\n"
-        "130 interrupted.\n");
-}
-
 bool fetchModules(const Console &console, QString &providerList, ExitCode &exitCode)
 {
     QString error;

@@ -7,18 +7,31 @@
 #include "Console.h"
 #include "ExitCode.h"
 
-#include <QVector>
+#include <limits>
+
+/// What the arguments of a command are, for shells.
+struct Arguments
+{
+    enum Kind { Words, Url, LabelledUrl, UrlAndValue, Place, Module, File };
+    static constexpr int many = std::numeric_limits<int>::max();
+
+    Kind kind = Words;
+    int most = 0;
+    const char *words = ""; ///< of kind Words, with blanks between
+};
 
 struct Command
 {
     QString name;
     QString summary; ///< one line
-    QString help; ///< usage, options, examples
-    int options = 0; ///< sum of CommandOption
+    const char *usage; ///< for the help: usage, and what it does
+    QVector<Option> options; ///< of its own, in the order of the help
+    const char *ending; ///< for the help: what is to be added, and an example
+    Arguments takes;
 
     /// @param usage  receives what is wrong when the result is ExitUsage
     /// @returns an exit code
-    int (*run)(const CommandLine &line, const Console &console, QString &usage) = nullptr;
+    int (*run)(const CommandLine &line, const Console &console, QString &usage);
 };
 
 /// All commands in the order in which the help lists them.
@@ -41,9 +54,6 @@ Command snapshotCommand();
 Command diffCommand();
 Command applyCommand();
 Command completeCommand();
-
-/// Options that every command has, for the helps.
-QString commonOptionsHelp();
 
 /// Fetches the list of registered providers; prints the reason when it cannot be had.
 ///

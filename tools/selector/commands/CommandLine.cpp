@@ -5,6 +5,9 @@
 #include <QCommandLineParser>
 #include <QRegularExpression>
 
+#include <algorithm>
+#include <limits>
+
 namespace {
 
 constexpr int longestInterval = 3600000; // milliseconds
@@ -16,226 +19,136 @@ const QChar numberMark(0xE000);
 
 QStringList withMarkedNumbers(const QStringList &arguments)
 {
-    static const QRegularExpression number(QStringLiteral("^-(\\.?[0-9]|inf)"),
-                                           QRegularExpression::CaseInsensitiveOption);
     QStringList result;
     for (const QString &argument : arguments) {
         // A text that begins with the mark gets a second one, so that it keeps its own.
-        const bool needsMark = number.match(argument).hasMatch() || argument.startsWith(numberMark);
+        const bool needsMark = isNumber(argument) || argument.startsWith(numberMark);
         result.append(needsMark ? numberMark + argument : argument);
     }
     return result;
 }
 
-QString unmarked(const QString &text)
+QStringList unmarked(QStringList texts)
 {
-    return text.startsWith(numberMark) ? text.mid(1) : text;
+    for (QString &text : texts) {
+        text = text.startsWith(numberMark) ? text.mid(1) : text;
+    }
+    return texts;
 }
 
-class Parser
+bool chooseFormat(CommandLine &line, QString &error)
 {
-public:
-    explicit Parser(int options)
-    {
-        parser.addOptions({format, json, timeout, noLegend, verbose, help});
-        add(options, OptionFile, file);
-        add(options, OptionType, type);
-        add(options, OptionProperty, property);
-        add(options, OptionInterval, interval);
-        add(options, OptionCount, count);
-        add(options, OptionUntil, until);
-        add(options, OptionTimestamps, timestamps);
-        add(options, OptionChangesOnly, changesOnly);
-        add(options, OptionPlot, plot);
-        add(options, OptionAgainst, against);
-        add(options, OptionOutput, output);
-        add(options, OptionDryRun, dryRun);
-        add(options, OptionVerify, verify);
-        add(options, OptionRollback, rollback);
-        add(options, OptionQuiet, quiet);
-        add(options, OptionEscapes, escapes);
-        for (const QCommandLineOption &option : {clean, yes, report, withValues}) {
-            add(options, OptionDoctor, option);
-        }
-    }
-
-    bool parse(const QStringList &arguments, CommandLine &line, QString &error)
-    {
-        if (!parser.parse(QStringList{QStringLiteral("selector")} + withMarkedNumbers(arguments))) {
-            error = parser.errorText();
-            return false;
-        }
-        line.help = isSet(help);
-        line.verbose = isSet(verbose);
-        line.noLegend = isSet(noLegend);
-        line.quiet = isSet(quiet);
-        line.escapes = isSet(escapes);
-        line.hasType = isSet(type);
-        line.hasUntil = isSet(until);
-        line.until = value(until);
-        line.hasAgainst = isSet(against);
-        line.against = value(against);
-        line.output = value(output);
-        line.dryRun = isSet(dryRun);
-        line.verify = isSet(verify);
-        line.rollback = isSet(rollback);
-        line.clean = isSet(clean);
-        line.yes = isSet(yes);
-        line.hasReport = isSet(report);
-        line.report = value(report);
-        line.withValues = isSet(withValues);
-        line.timestamps = isSet(timestamps);
-        line.changesOnly = isSet(changesOnly);
-        line.plot = isSet(plot);
-        line.type = value(type);
-        line.file = value(file);
-        const QStringList positional = parser.positionalArguments();
-        for (const QString &argument : positional) {
-            line.arguments.append(unmarked(argument));
-        }
-        if (isSet(property)) {
-            line.properties = parser.values(property);
-        }
-        return readFormat(line, error) && readTimeout(line, error) && checkNames(error)
-            && readNumber(interval, longestInterval, line.interval, error)
-            && readNumber(count, std::numeric_limits<int>::max(), line.count, error);
-    }
-
-private:
-    void add(int options, CommandOption wanted, const QCommandLineOption &option)
-    {
-        if ((options & wanted) != 0) {
-            parser.addOption(option);
-            known.append(option.names().constLast());
-        }
-    }
-
-    // The parser warns when it is asked for an option that it was not given.
-    bool isSet(const QCommandLineOption &option) const
-    {
-        const QString name = option.names().constLast();
-        return (known.contains(name) || alwaysKnown.contains(name)) && parser.isSet(option);
-    }
-
-    QString value(const QCommandLineOption &option) const
-    {
-        return isSet(option) ? unmarked(parser.value(option)) : QString();
-    }
-
-    bool readFormat(CommandLine &line, QString &error) const
-    {
-        const QString name = value(format);
-        if (isSet(json) && isSet(format) && name != QLatin1String("json")) {
-            error = QStringLiteral("-j and --format %1 exclude each other").arg(name);
-            return false;
-        }
-        if (isSet(json) || name == QLatin1String("json")) {
-            line.format = Format::Json;
-        } else if (name == QLatin1String("csv")) {
-            line.format = Format::Csv;
-        } else if (isSet(format) && name != QLatin1String("table")) {
-            error = QStringLiteral("--format must be table, json or csv, not \"%1\"").arg(name);
-            return false;
-        }
-        if (line.quiet && (isSet(format) || isSet(json))) {
-            error = QStringLiteral("--quiet and --format exclude each other");
-            return false;
-        }
+    static const QStringList names{QStringLiteral("table"), QStringLiteral("json"),
+                                   QStringLiteral("csv")}; // in the order of Format
+    const QString name
+        = line.has("format") ? line.text("format") : names.at(line.has("json") ? 1 : 0);
+    if (line.has("json") && name != names.at(1)) {
+        error = QStringLiteral("-j and --format %1 exclude each other").arg(name);
+    } else if (!names.contains(name)) {
+        error = QStringLiteral("--format must be table, json or csv, not \"%1\"").arg(name);
+    } else if (line.has("quiet") && (line.has("format") || line.has("json"))) {
+        error = QStringLiteral("--quiet and --format exclude each other");
+    } else {
+        line.format = static_cast<Format>(names.indexOf(name));
         return true;
     }
+    return false;
+}
 
-    // A script that fills in an empty variable should hear of it.
-    bool checkNames(QString &error) const
-    {
-        for (const QCommandLineOption &option : {file, property, against, output, report}) {
-            if (isSet(option) && parser.values(option).contains(QString())) {
-                error = QStringLiteral("--%1 must not be empty").arg(option.names().constLast());
-                return false;
-            }
-        }
+// Numbers get the form in which they are kept.
+bool accept(const Option &option, QString &value, QString &error)
+{
+    bool ok = true;
+    double number = 0;
+    QString range;
+    switch (option.kind) {
+    case Option::Text:
         return true;
+    case Option::Name:
+    case Option::File: // a script that fills in an empty variable should hear of it
+        if (value.isEmpty()) {
+            error = QStringLiteral("--%1 must not be empty").arg(option.name());
+        }
+        return !value.isEmpty();
+    case Option::Seconds:
+        number = value.toDouble(&ok);
+        number = number <= longestTimeout ? number * millisecondsPerSecond : 0;
+        range = QStringLiteral("above 0 and at most %1 seconds").arg(longestTimeout);
+        break;
+    case Option::Milliseconds:
+    case Option::Count:
+        const int highest
+            = option.kind == Option::Count ? std::numeric_limits<int>::max() : longestInterval;
+        number = value.toInt(&ok);
+        number = number <= highest ? number : 0;
+        range = QStringLiteral("1 to %1").arg(highest);
     }
-
-    bool readTimeout(CommandLine &line, QString &error) const
-    {
-        if (!isSet(timeout)) {
-            return true;
-        }
-        bool ok = false;
-        const double seconds = value(timeout).toDouble(&ok);
-        line.timeout
-            = ok && seconds <= longestTimeout ? qRound(seconds * millisecondsPerSecond) : 0;
-        if (line.timeout < 1) {
-            error = QStringLiteral("--timeout must be above 0 and at most %1 seconds, not \"%2\"")
-                        .arg(longestTimeout)
-                        .arg(value(timeout));
-            return false;
-        }
-        return true;
+    if (!ok || !(number > 0) || qRound(number) < 1) {
+        error = QStringLiteral("--%1 must be %2, not \"%3\"").arg(option.name(), range, value);
+        return false;
     }
-
-    bool readNumber(const QCommandLineOption &option, int highest, int &number,
-                    QString &error) const
-    {
-        if (!isSet(option)) {
-            return true;
-        }
-        bool ok = false;
-        const int parsed = value(option).toInt(&ok);
-        if (!ok || parsed < 1 || parsed > highest) {
-            error = QStringLiteral("--%1 must be 1 to %2, not \"%3\"")
-                        .arg(option.names().constLast())
-                        .arg(highest)
-                        .arg(value(option));
-            return false;
-        }
-        number = parsed;
-        return true;
-    }
-
-    const QCommandLineOption format{QStringLiteral("format"), QString(), QStringLiteral("FORMAT")};
-    const QCommandLineOption json{{QStringLiteral("j"), QStringLiteral("json")}};
-    const QCommandLineOption timeout{QStringLiteral("timeout"), QString(), QStringLiteral("S")};
-    const QCommandLineOption verbose{{QStringLiteral("v"), QStringLiteral("verbose")}};
-    const QCommandLineOption help{{QStringLiteral("h"), QStringLiteral("help")}};
-    const QCommandLineOption file{
-        {QStringLiteral("f"), QStringLiteral("file")}, QString(), QStringLiteral("FILE")};
-    const QCommandLineOption type{QStringLiteral("type"), QString(), QStringLiteral("TYPE")};
-    const QCommandLineOption property{QStringLiteral("property"), QString(),
-                                      QStringLiteral("NAME")};
-    const QCommandLineOption interval{QStringLiteral("interval"), QString(), QStringLiteral("MS")};
-    const QCommandLineOption count{QStringLiteral("count"), QString(), QStringLiteral("N")};
-    const QCommandLineOption until{QStringLiteral("until"), QString(), QStringLiteral("EXPR")};
-    const QCommandLineOption timestamps{QStringLiteral("timestamps")};
-    const QCommandLineOption changesOnly{QStringLiteral("changes-only")};
-    const QCommandLineOption plot{QStringLiteral("plot")};
-    const QCommandLineOption against{QStringLiteral("against"), QString(),
-                                     QStringLiteral("SNAPSHOT")};
-    const QCommandLineOption output{
-        {QStringLiteral("o"), QStringLiteral("output")}, QString(), QStringLiteral("DIRECTORY")};
-    const QCommandLineOption dryRun{QStringLiteral("dry-run")};
-    const QCommandLineOption verify{QStringLiteral("verify")};
-    const QCommandLineOption rollback{QStringLiteral("rollback")};
-    const QCommandLineOption quiet{{QStringLiteral("q"), QStringLiteral("quiet")}};
-    const QCommandLineOption escapes{{QStringLiteral("e"), QStringLiteral("escapes")}};
-    const QCommandLineOption noLegend{QStringLiteral("no-legend")};
-    const QCommandLineOption clean{QStringLiteral("clean")};
-    const QCommandLineOption yes{QStringLiteral("yes")};
-    const QCommandLineOption report{QStringLiteral("report"), QString(), QStringLiteral("FILE")};
-    const QCommandLineOption withValues{QStringLiteral("with-values")};
-    const QStringList alwaysKnown{QStringLiteral("format"),    QStringLiteral("json"),
-                                  QStringLiteral("timeout"),   QStringLiteral("verbose"),
-                                  QStringLiteral("no-legend"), QStringLiteral("help")};
-    QStringList known;
-    QCommandLineParser parser;
-};
+    value = QString::number(qRound(number));
+    return true;
+}
 
 } // namespace
 
-bool parseCommandLine(const QStringList &arguments, int options, CommandLine &line, QString &error)
+bool isNumber(const QString &argument)
 {
+    static const QRegularExpression number(QStringLiteral("^-(\\.?[0-9]|inf)"),
+                                           QRegularExpression::CaseInsensitiveOption);
+    return number.match(argument).hasMatch();
+}
+
+bool CommandLine::has(const char *option) const
+{
+    return given.contains(QLatin1String(option));
+}
+
+QStringList CommandLine::texts(const char *option) const
+{
+    return given.value(QLatin1String(option));
+}
+
+QString CommandLine::text(const char *option) const
+{
+    const QStringList all = texts(option);
+    return all.isEmpty() ? QString() : all.constLast();
+}
+
+int CommandLine::number(const char *option, int otherwise) const
+{
+    return has(option) ? text(option).toInt() : otherwise;
+}
+
+bool parseCommandLine(const QStringList &arguments, const QVector<Option> &options,
+                      CommandLine &line, QString &error)
+{
+    const QVector<Option> all = commonOptions() + options;
+    QCommandLineParser parser;
+    for (const Option &option : all) {
+        QStringList names{option.letter(), option.name()};
+        names.removeAll(QString());
+        parser.addOption({names, QString(), option.value()});
+    }
+    if (!parser.parse(QStringList{QStringLiteral("selector")} + withMarkedNumbers(arguments))) {
+        error = parser.errorText();
+        return false;
+    }
     CommandLine parsed;
-    if (!Parser(options).parse(arguments, parsed, error)) {
+    parsed.arguments = unmarked(parser.positionalArguments());
+    for (const Option &option : all) {
+        if (parser.isSet(option.name())) {
+            parsed.given.insert(option.name(), unmarked(parser.values(option.name())));
+        }
+    }
+    const auto isGood = [&](const Option &option) {
+        const auto values = parsed.given.find(option.name());
+        return values == parsed.given.end()
+            || std::all_of(values->begin(), values->end(),
+                           [&](QString &value) { return accept(option, value, error); });
+    };
+    if (!chooseFormat(parsed, error) || !std::all_of(all.begin(), all.end(), isGood)) {
         return false;
     }
     line = parsed;

@@ -5,6 +5,7 @@
 #include "DescriptionLeaves.h"
 #include "ExitCode.h"
 #include "InstanceListClient.h"
+#include "LineCompletion.h"
 #include "ModuleList.h"
 #include "ProviderListClient.h"
 #include "SelectorSharedMemoryHandler.h"
@@ -71,24 +72,48 @@ QStringList candidates(const TypedPlace &place, bool isUrl)
     return completions(place, isUrl ? names : names.filter(slash), QString());
 }
 
+QStringList wordsOf(const Offer &offer, const QString &typed)
+{
+    switch (offer.kind) {
+    case Arguments::Words:
+        return offer.words;
+    case Arguments::File:
+        return {QStringLiteral(":files")}; // shells know best how to spell their names
+    case Arguments::Module:
+        return modules().filter(
+            QRegularExpression(QLatin1Char('^') + QRegularExpression::escape(typed)));
+    case Arguments::Place:
+        return candidates(typedPlace(typed, false), false);
+    case Arguments::Url:
+    case Arguments::LabelledUrl:
+    case Arguments::UrlAndValue:
+        break;
+    }
+    return candidates(typedPlace(typed, true), true);
+}
+
 int run(const CommandLine &line, const Console &console, QString &usage)
 {
-    const QString kind = line.arguments.value(0);
-    const bool isUrl = kind == QLatin1String("url");
-    const bool isModule = kind == QLatin1String("module");
-    if ((!isUrl && !isModule && kind != QLatin1String("place")) || line.arguments.size() > 2) {
+    static const QMap<QString, Arguments::Kind> kinds{
+        {QStringLiteral("url"), Arguments::Url},
+        {QStringLiteral("place"), Arguments::Place},
+        {QStringLiteral("module"), Arguments::Module}};
+    QStringList words = line.arguments;
+    const QString kind = words.isEmpty() ? QString() : words.takeFirst();
+    // A whole line, for the scripts of the shells that are installed with this program alone.
+    const bool isLine = kind == QLatin1String("line") && !words.isEmpty();
+    if (!isLine && (!kinds.contains(kind) || words.size() > 1)) {
         usage = QStringLiteral("expected \"url\", \"place\" or \"module\", and one word");
         return ExitUsage;
     }
-    if (line.timeout == 0) {
+    if (!line.has("timeout")) {
         qputenv("PROCESSDATA_DBUS_TIMEOUT_MS", patience);
     }
-    const QString word = line.arguments.value(1);
-    const QStringList words = isModule
-        ? modules().filter(QRegularExpression(QLatin1Char('^') + QRegularExpression::escape(word)))
-        : candidates(typedPlace(word, isUrl), isUrl);
-    for (const QString &found : words) {
-        console.out << found << '\n';
+    const QString typed = words.isEmpty() ? QString() : words.constLast();
+    const Offer offer = isLine ? offerFor(words) : Offer{kinds.value(kind), {}};
+    const QStringList found = wordsOf(offer, typed);
+    for (const QString &word : found) {
+        console.out << word << '\n';
     }
     console.out.flush();
     return ExitAllGood;
@@ -99,19 +124,17 @@ int run(const CommandLine &line, const Console &console, QString &usage)
 Command completeCommand()
 {
     return {
-        QStringLiteral("complete"), QStringLiteral("print what may follow a word, for shells"),
-        QStringLiteral(
-            "Usage: selector complete url|place|module [WORD]\n"
-            "Prints, one a line, the words that go on from WORD by one name: modules, objects,\n"
-            "instances, groups and leaves of the running system; for a URL, for a place as browse\n"
-            "takes it, or for the name of a module as doctor takes it. Prints nothing, and no\n"
-            "reason, when the system does not answer. The completions for bash, zsh and fish use it.\n"
-            "\n"
-            "Options:\n"
-            "  --timeout S      seconds that one call to a service may take (0.5)\n")
-            + commonOptionsHelp()
-            + QStringLiteral("The output is the same in each format, and the exit code 0 also\n"
-                             "when nothing was found.\n"
-                             "\nExample: selector complete url processdata://PumpStation/\n"),
-        0, run};
+        QStringLiteral("complete"),
+        QStringLiteral("print what may follow a word, for shells"),
+        "Usage: selector complete url|place|module [WORD]\n"
+        "Prints, one a line, the words that go on from WORD by one name: modules, objects,\n"
+        "instances, groups and leaves of the running system; for a URL, for a place as browse\n"
+        "takes it, or for the name of a module as doctor takes it. Prints nothing, and no\n"
+        "reason, when the system does not answer. The completions for bash, zsh and fish use it.\n",
+        {{"--timeout S", "seconds that one call to a service may take (0.5)", "", Option::Seconds}},
+        "The output is the same in each format, and the exit code 0 also\n"
+        "when nothing was found.\n"
+        "\nExample: selector complete url processdata://PumpStation/\n",
+        {Arguments::Words, 1, "url place module"},
+        run};
 }

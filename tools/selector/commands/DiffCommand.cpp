@@ -98,7 +98,7 @@ int run(const CommandLine &line, const Console &console, QString &usage)
     QVector<ListLine> lines;
     if (!Snapshot::load(line.arguments.at(0), before, usage)
         || !Snapshot::load(line.arguments.at(1), after, usage)
-        || (!line.file.isEmpty() && !readListFile(line.file, lines, usage))) {
+        || (line.has("file") && !readListFile(line.text("file"), lines, usage))) {
         return ExitUsage;
     }
     Report report{QStringLiteral("selector.diff/1"),
@@ -110,7 +110,7 @@ int run(const CommandLine &line, const Console &console, QString &usage)
                    {QStringLiteral("after")}},
                   {}};
     const QVector<Pair> pairs
-        = line.file.isEmpty() ? pairsOfAll(before, after) : pairsOfList(lines, before, after);
+        = line.has("file") ? pairsOfList(lines, before, after) : pairsOfAll(before, after);
     for (const Pair &pair : pairs) {
         const QVector<LeafDifference> differences = leafDifferences(pair.before, pair.after);
         if (!differences.isEmpty()) {
@@ -125,20 +125,20 @@ int run(const CommandLine &line, const Console &console, QString &usage)
 Command diffCommand()
 {
     return {
-        QStringLiteral("diff"), QStringLiteral("compare two snapshots by meaning"),
-        QStringLiteral(
-            "Usage: selector diff [OPTIONS] BEFORE AFTER\n"
-            "Lists the leaves that two snapshots (files or directories of selector snapshot)\n"
-            "describe differently, and which of the differences break clients: a leaf that is\n"
-            "gone, another type or unit, read-only now, a narrower range, a smaller capacity.\n"
-            "Values, order and layout are not compared. No running system is needed.\n"
-            "\n"
-            "Options:\n"
-            "  -f, --file FILE  only the selectors of the list in FILE (- is standard input), each\n"
-            "                   with its index (0 is the first)\n"
-            "  --timeout S      without effect\n")
-            + commonOptionsHelp()
-            + QStringLiteral("Differences that break nothing count as good.\n"
-                             "\nExample: selector diff released/ now/ -f selectors.txt\n"),
-        OptionFile, run};
+        QStringLiteral("diff"),
+        QStringLiteral("compare two snapshots by meaning"),
+        "Usage: selector diff [OPTIONS] BEFORE AFTER\n"
+        "Lists the leaves that two snapshots (files or directories of selector snapshot)\n"
+        "describe differently, and which of the differences break clients: a leaf that is\n"
+        "gone, another type or unit, read-only now, a narrower range, a smaller capacity.\n"
+        "Values, order and layout are not compared. No running system is needed.\n",
+        {{"-f, --file FILE",
+          "only the selectors of the list in FILE (- is standard input), each\n"
+          "with its index (0 is the first)",
+          "One URL a line; empty lines and lines that begin with # are left out.", Option::File},
+         {"--timeout S", "without effect", "", Option::Seconds}},
+        "Differences that break nothing count as good.\n"
+        "\nExample: selector diff released/ now/ -f selectors.txt\n",
+        {Arguments::File, 2},
+        run};
 }

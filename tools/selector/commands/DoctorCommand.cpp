@@ -15,11 +15,11 @@ namespace {
 
 bool checkUsage(const CommandLine &line, QString &usage)
 {
-    if (line.yes && !line.clean) {
+    if (line.has("yes") && !line.has("clean")) {
         usage = QStringLiteral("--yes goes with --clean.");
-    } else if (line.withValues && !line.hasReport) {
+    } else if (line.has("with-values") && !line.has("report")) {
         usage = QStringLiteral("--with-values goes with --report.");
-    } else if (line.clean && line.hasReport) {
+    } else if (line.has("clean") && line.has("report")) {
         usage = QStringLiteral("--clean and --report exclude each other.");
     }
     for (const QString &module : line.arguments) {
@@ -86,21 +86,21 @@ int run(const CommandLine &line, const Console &console, QString &usage)
     if (!checkUsage(line, usage)) {
         return ExitUsage;
     }
-    if (line.clean) {
-        return print(cleanLeftovers(line.arguments, line.yes), console);
+    if (line.has("clean")) {
+        return print(cleanLeftovers(line.arguments, line.has("yes")), console);
     }
-    if (line.timeout > 0) {
+    if (line.has("timeout")) {
         // One service that hangs must leave time for the others, or they would be blamed for it.
         constexpr int shares = 4;
         qputenv("PROCESSDATA_DBUS_TIMEOUT_MS",
-                QByteArray::number(std::max(1, line.timeout / shares)));
+                QByteArray::number(std::max(1, line.number("timeout") / shares)));
     }
     const SystemState state = examineSystem(line.arguments);
     QVector<DoctorFinding> findings{versions()};
     findings += checkSystem(state);
-    if (line.hasReport) {
-        const QJsonObject report = doctorReport(state, findings, line.withValues);
-        findings.append(writeReport(line.report, report));
+    if (line.has("report")) {
+        const QJsonObject report = doctorReport(state, findings, line.has("with-values"));
+        findings.append(writeReport(line.text("report"), report));
     }
     return print(findings, console);
 }
@@ -112,26 +112,34 @@ Command doctorCommand()
     return {
         QStringLiteral("doctor"),
         QStringLiteral("examine the whole system, and clean up after crashes"),
-        QStringLiteral(
-            "Usage: selector doctor [OPTIONS] [MODULE]...\n"
-            "Examines bus, services, registry, sources, buffers in shared memory and permissions,\n"
-            "of the whole system or of the modules alone, and compares what they say of each\n"
-            "other. Each finding has a severity, what is wrong and what to do: an error keeps\n"
-            "clients from values, a warning does not, or not yet.\n"
-            "\n"
-            "Options:\n"
-            "  --clean          instead list buffers whose publishers are proved dead; neither\n"
-            "                   bus nor services are needed\n"
-            "  --yes            with --clean, remove them; a live buffer is never touched\n"
-            "  --report FILE    also write all that was found into one JSON file, for the report\n"
-            "                   of a fault; values are left out\n"
-            "  --with-values    with --report, current values too\n"
-            "  --timeout S      seconds for all calls together, a quarter of them at most for each\n"
-            "                   call; else 2 for each call\n")
-            + commonOptionsHelp()
-            + QStringLiteral(
-                "Doctor also: 0 nothing to complain about, 1 warnings or errors; with\n"
-                "--clean 0 nothing is left over any more, 1 something is.\n"
-                "\nExample: selector doctor PumpStation --report fault.json\n"),
-        OptionDoctor, run};
+        "Usage: selector doctor [OPTIONS] [MODULE]...\n"
+        "Examines bus, services, registry, sources, buffers in shared memory and permissions,\n"
+        "of the whole system or of the modules alone, and compares what they say of each\n"
+        "other. Each finding has a severity, what is wrong and what to do: an error keeps\n"
+        "clients from values, a warning does not, or not yet.\n",
+        {{"--clean",
+          "instead list buffers whose publishers are proved dead; neither\n"
+          "bus nor services are needed",
+          "Buffers that their publisher has retired are listed too. The proof is the lock in the "
+          "record beside the buffer, which the kernel marks and only the publisher may write; "
+          "age does not count. Without --yes nothing is removed."},
+         {"--yes", "with --clean, remove them; a live buffer is never touched",
+          "Nor is one of a stopped publisher, or whatever cannot be proved dead: the proof is "
+          "made again for each just before."},
+         {"--report FILE",
+          "also write all that was found into one JSON file, for the report\n"
+          "of a fault; values are left out",
+          "In it are versions, machine, environment, registry, services and their processes, "
+          "descriptions, buffers, findings and warnings.",
+          Option::File},
+         {"--with-values", "with --report, current values too", "Those of every leaf."},
+         {"--timeout S",
+          "seconds for all calls together, a quarter of them at most for each\n"
+          "call; else 2 for each call",
+          timeoutOption.more, Option::Seconds}},
+        "Doctor also: 0 nothing to complain about, 1 warnings or errors; with\n"
+        "--clean 0 nothing is left over any more, 1 something is.\n"
+        "\nExample: selector doctor PumpStation --report fault.json\n",
+        {Arguments::Module, Arguments::many},
+        run};
 }

@@ -49,7 +49,7 @@ int run(const CommandLine &line, const Console &console, QString &usage)
         return ExitUsage;
     }
     const QString &url = line.arguments.constFirst();
-    SelectorWalk walk(url, line.properties);
+    SelectorWalk walk(url, line.texts("property"));
     walk.walk();
     Report report{QStringLiteral("selector.explain/1"),
                   {{QStringLiteral("step")},
@@ -69,18 +69,17 @@ int run(const CommandLine &line, const Console &console, QString &usage)
 Command explainCommand()
 {
     return {
-        QStringLiteral("explain"), QStringLiteral("say why a selector does or does not work"),
-        QStringLiteral(
-            "Usage: selector explain [OPTIONS] URL\n"
-            "Walks the way of the selector step by step: text, scheme, module, bus, service owner,\n"
-            "object, description, buffer file, permission, layout, liveness, leaf, property, value.\n"
-            "The first step that fails says what is wrong and what to do; the rest is skipped.\n"
-            "\n"
-            "Options:\n"
-            "  --property NAME  the leaf must have this property; may be given several times\n"
-            "  --timeout S      seconds for all calls together; else 2 for each call\n")
-            + commonOptionsHelp()
-            + QStringLiteral("\nExample: selector explain "
-                             "processdata://PumpStation/Pump/1/drive/speed\n"),
-        OptionProperty, run};
+        QStringLiteral("explain"),
+        QStringLiteral("say why a selector does or does not work"),
+        "Usage: selector explain [OPTIONS] URL\n"
+        "Walks the way of the selector step by step: text, scheme, module, bus, service owner,\n"
+        "object, description, buffer file, permission, layout, liveness, leaf, property, value.\n"
+        "The first step that fails says what is wrong and what to do; the rest is skipped.\n",
+        {{"--property NAME", "the leaf must have this property; may be given several times", "",
+          Option::Name, knownProperties},
+         timeoutOption},
+        "\nExample: selector explain "
+        "processdata://PumpStation/Pump/1/drive/speed\n",
+        {Arguments::Url, 1},
+        run};
 }

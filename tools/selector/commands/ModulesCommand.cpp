@@ -11,9 +11,10 @@ int run(const CommandLine &line, const Console &console, QString &usage)
         usage = QStringLiteral("Unexpected argument %1.").arg(line.arguments.constFirst());
         return ExitUsage;
     }
-    if (line.hasType && (line.type.isEmpty() || line.type.contains(QLatin1Char('/')))) {
+    const QString type = line.text("type");
+    if (line.has("type") && (type.isEmpty() || type.contains(QLatin1Char('/')))) {
         usage = QStringLiteral("--type must be a bare name such as AnalogSelector, not \"%1\"")
-                    .arg(line.type);
+                    .arg(type);
         return ExitUsage;
     }
     QString list;
@@ -23,7 +24,7 @@ int run(const CommandLine &line, const Console &console, QString &usage)
     }
     return printReport(
         {QStringLiteral("selector.modules/1"), moduleColumns(),
-         moduleEntries(line.hasType ? modulesOfType(list, line.type) : modulesOfList(list)), 0,
+         moduleEntries(line.has("type") ? modulesOfType(list, type) : modulesOfList(list)), 0,
          true},
         console);
 }
@@ -32,18 +33,18 @@ int run(const CommandLine &line, const Console &console, QString &usage)
 
 Command modulesCommand()
 {
-    return {
-        QStringLiteral("modules"), QStringLiteral("list the registered modules"),
-        QStringLiteral(
+    return {QStringLiteral("modules"),
+            QStringLiteral("list the registered modules"),
             "Usage: selector modules [OPTIONS]\n"
             "Lists the modules of the provider registry and the selector types that they offer,\n"
-            "each as OBJECT/INSTANCE/TYPE.\n"
-            "\n"
-            "Options:\n"
-            "  --type TYPE      only this type: AnalogSelector, DigitalSelector\n"
-            "  -q, --quiet      print names of modules only\n"
-            "  --timeout S      seconds for all calls together; else 2 for each call\n")
-            + commonOptionsHelp()
-            + QStringLiteral("\nExample: selector modules --type DigitalSelector\n"),
-        OptionType | OptionQuiet, run};
+            "each as OBJECT/INSTANCE/TYPE.\n",
+            {{"--type TYPE", "only this type: AnalogSelector, DigitalSelector",
+              "Lists the modules that offer such selectors, with these alone.", Option::Text,
+              "AnalogSelector DigitalSelector"},
+             {"-q, --quiet", "print names of modules only",
+              "One a line, without header. Not with --format."},
+             timeoutOption},
+            "\nExample: selector modules --type DigitalSelector\n",
+            {},
+            run};
 }

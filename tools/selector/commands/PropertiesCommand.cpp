@@ -34,8 +34,9 @@ int run(const CommandLine &line, const Console &console, QString &usage)
     }
     const QVector<QString> urls = urlsOf(selectors);
     SelectorHandlerProcessValue handler(urls, nullptr);
+    const QStringList names = line.texts("property");
     QMap<QString, QVector<QVariant>> wanted;
-    for (const QString &name : line.properties) {
+    for (const QString &name : names) {
         wanted.insert(name, handler.getProperties(name));
     }
     Diagnosis diagnosis;
@@ -49,10 +50,10 @@ int run(const CommandLine &line, const Console &console, QString &usage)
                 result.finding = {Finding::NotReadable,
                                   QStringLiteral("the leaf has only just appeared, try again")};
             }
-        } else if (line.properties.isEmpty()) {
+        } else if (names.isEmpty()) {
             result.properties = allProperties(all);
         } else {
-            for (const QString &name : line.properties) {
+            for (const QString &name : names) {
                 result.properties.append({name, wanted.value(name).at(i)});
             }
         }
@@ -65,20 +66,17 @@ int run(const CommandLine &line, const Console &console, QString &usage)
 
 Command propertiesCommand()
 {
-    return {
-        QStringLiteral("properties"), QStringLiteral("print the properties of leaves"),
-        QStringLiteral(
+    return {QStringLiteral("properties"),
+            QStringLiteral("print the properties of leaves"),
             "Usage: selector properties [OPTIONS] URL...\n"
-            "Prints what the description says of each leaf: type, unit, limits and so on.\n"
-            "\n"
-            "Options:\n"
-            "  --property NAME  only this property; may be given several times\n"
-            "  -f, --file FILE  also read URLs from FILE (- is standard input), one a line;\n"
-            "                   lines that begin with # are left out\n"
-            "  -q, --quiet      print values only, one a line; an empty line where there is none\n"
-            "  --timeout S      seconds for all calls together; else 2 for each call\n")
-            + commonOptionsHelp()
-            + QStringLiteral("\nExample: selector properties --property unit "
-                             "processdata://PumpStation/Pump/1/drive/speed\n"),
-        OptionFile | OptionProperty | OptionQuiet, run};
+            "Prints what the description says of each leaf: type, unit, limits and so on.\n",
+            {{"--property NAME", "only this property; may be given several times",
+              "A leaf without it is a failure.", Option::Name, knownProperties},
+             urlFileOption,
+             quietOption,
+             timeoutOption},
+            "\nExample: selector properties --property unit "
+            "processdata://PumpStation/Pump/1/drive/speed\n",
+            {Arguments::Url, Arguments::many},
+            run};
 }

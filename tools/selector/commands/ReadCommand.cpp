@@ -43,19 +43,12 @@ int run(const CommandLine &line, const Console &console, QString &usage)
 
 Command readCommand()
 {
-    return {
-        QStringLiteral("read"), QStringLiteral("print current values"),
-        QStringLiteral(
+    return {QStringLiteral("read"),
+            QStringLiteral("print current values"),
             "Usage: selector read [OPTIONS] URL...\n"
-            "Prints the current value of each selector with unit, error type and local time.\n"
-            "\n"
-            "Options:\n"
-            "  -f, --file FILE  also read URLs from FILE (- is standard input), one a line;\n"
-            "                   lines that begin with # are left out\n"
-            "  -q, --quiet      print values only, one a line; an empty line where there is none\n"
-            "  --timeout S      seconds for all calls together; else 2 for each call\n")
-            + commonOptionsHelp()
-            + QStringLiteral(
-                "\nExample: selector read processdata://PumpStation/Pump/1/drive/speed\n"),
-        OptionFile | OptionQuiet, run};
+            "Prints the current value of each selector with unit, error type and local time.\n",
+            {urlFileOption, quietOption, timeoutOption},
+            "\nExample: selector read processdata://PumpStation/Pump/1/drive/speed\n",
+            {Arguments::Url, Arguments::many},
+            run};
 }

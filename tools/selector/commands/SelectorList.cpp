@@ -77,10 +77,10 @@ bool collectSelectors(const CommandLine &line, bool withValues, QVector<Selector
     for (int i = 0; i < line.arguments.size(); i += step) {
         selectors.append({line.arguments.at(i), withValues ? line.arguments.at(i + 1) : QString()});
     }
-    if (!line.file.isEmpty() && !readSelectorFile(line.file, withValues, selectors, error)) {
+    if (line.has("file") && !readSelectorFile(line.text("file"), withValues, selectors, error)) {
         return false;
     }
-    if (line.escapes && !readEscapes(selectors, error)) {
+    if (line.has("escapes") && !readEscapes(selectors, error)) {
         return false;
     }
     if (selectors.isEmpty()) {

@@ -126,14 +126,15 @@ int run(const CommandLine &line, const Console &console, QString &usage)
         }
         places.append(place);
     }
-    if (line.output.isEmpty()) {
+    const QString output = line.text("output");
+    if (output.isEmpty()) {
         usage = QStringLiteral("Expected --output DIRECTORY.");
         return ExitUsage;
     }
     errno = 0;
-    if (!QDir().mkpath(line.output)) {
+    if (!QDir().mkpath(output)) {
         usage = QStringLiteral("%1: the directory cannot be made: %2")
-                    .arg(line.output,
+                    .arg(output,
                          errno == 0 ? QStringLiteral("a file stands in its place")
                                     : qt_error_string(errno));
         return ExitUsage;
@@ -172,7 +173,7 @@ int run(const CommandLine &line, const Console &console, QString &usage)
         saved.finding = source.finding;
         report.entries.append(snapshotEntry(source,
                                             source.finding.code == Finding::None
-                                                ? save(source, chosenOne.group, QDir(line.output))
+                                                ? save(source, chosenOne.group, QDir(output))
                                                 : saved));
     }
     return printReport(report, console);
@@ -183,18 +184,17 @@ int run(const CommandLine &line, const Console &console, QString &usage)
 Command snapshotCommand()
 {
     return {
-        QStringLiteral("snapshot"), QStringLiteral("keep descriptions and values in files"),
-        QStringLiteral(
-            "Usage: selector snapshot [OPTIONS] --output DIRECTORY [PLACE]...\n"
-            "Writes one description file for each source, with each current value as a value that\n"
-            "stands still: process-data-simulator plays the files back, selector check and diff\n"
-            "compare with them. PLACE is MODULE[/OBJECT[/INSTANCE[/GROUP]]]; without one, all\n"
-            "registered modules. Values that are not good or cannot be played are left out.\n"
-            "\n"
-            "Options:\n"
-            "  -o, --output DIRECTORY  made where missing; files of the same sources are replaced\n"
-            "  --timeout S      seconds for all calls together; else 2 for each call\n")
-            + commonOptionsHelp()
-            + QStringLiteral("\nExample: selector snapshot --output released PumpStation\n"),
-        OptionOutput, run};
+        QStringLiteral("snapshot"),
+        QStringLiteral("keep descriptions and values in files"),
+        "Usage: selector snapshot [OPTIONS] --output DIRECTORY [PLACE]...\n"
+        "Writes one description file for each source, with each current value as a value that\n"
+        "stands still: process-data-simulator plays the files back, selector check and diff\n"
+        "compare with them. PLACE is MODULE[/OBJECT[/INSTANCE[/GROUP]]]; without one, all\n"
+        "registered modules. Values that are not good or cannot be played are left out.\n",
+        {{"-o, --output DIRECTORY", "made where missing; files of the same sources are replaced",
+          "Each is replaced whole or not at all.", Option::File},
+         timeoutOption},
+        "\nExample: selector snapshot --output released PumpStation\n",
+        {Arguments::Place, Arguments::many},
+        run};
 }

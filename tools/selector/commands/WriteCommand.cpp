@@ -88,24 +88,27 @@ int run(const CommandLine &line, const Console &console, QString &usage)
 Command writeCommand()
 {
     return {
-        QStringLiteral("write"), QStringLiteral("write values"),
-        QStringLiteral(
-            "Usage: selector write [OPTIONS] URL VALUE [URL VALUE]...\n"
-            "Writes each value in the unit and type of its leaf.\n"
-            "\n"
-            "Values: true, false, 1, 0, on, off for bool; decimal or 0x numbers, NaN, Infinity,\n"
-            "-Infinity; strings as they are; bytes as 0x and hexadecimal digits. A negative number\n"
-            "needs no special care. Text is UTF-8.\n"
-            "\n"
-            "Options:\n"
-            "  -e, --escapes    take \\\\, \\n, \\r, \\t, \\xHH, \\uHHHH and \\UHHHHHHHH in values for\n"
-            "                   the characters that they stand for\n"
-            "  -f, --file FILE  also read pairs from FILE (- is standard input): one URL, blanks and\n"
-            "                   the value (the rest of the line) a line; lines that begin with #\n"
-            "                   are left out\n"
-            "  --timeout S      seconds for all calls together; else 2 for each call\n")
-            + commonOptionsHelp()
-            + QStringLiteral(
-                "\nExample: selector write processdata://PumpStation/Pump/1/drive/setpoint 1200\n"),
-        OptionFile | OptionEscapes, run};
+        QStringLiteral("write"),
+        QStringLiteral("write values"),
+        "Usage: selector write [OPTIONS] URL VALUE [URL VALUE]...\n"
+        "Writes each value in the unit and type of its leaf.\n"
+        "\n"
+        "Values: true, false, 1, 0, on, off for bool; decimal or 0x numbers, NaN, Infinity,\n"
+        "-Infinity; strings as they are; bytes as 0x and hexadecimal digits. A negative number\n"
+        "needs no special care. Text is UTF-8.\n",
+        {{"-e, --escapes",
+          "take \\\\, \\n, \\r, \\t, \\xHH, \\uHHHH and \\UHHHHHHHH in values for\n"
+          "the characters that they stand for",
+          "Values are spelled as read -q prints them: \\n, \\r and \\t are line feed, carriage "
+          "return and tab, HH the number of a character in hexadecimal digits."},
+         {"-f, --file FILE",
+          "also read pairs from FILE (- is standard input): one URL, blanks and\n"
+          "the value (the rest of the line) a line; lines that begin with #\n"
+          "are left out",
+          "Empty lines are left out too. These pairs come after those on the command line.",
+          Option::File},
+         timeoutOption},
+        "\nExample: selector write processdata://PumpStation/Pump/1/drive/setpoint 1200\n",
+        {Arguments::UrlAndValue, Arguments::many},
+        run};
 }

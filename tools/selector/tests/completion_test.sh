@@ -1,9 +1,14 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# Asks the completion as bash would.
+# Asks the completion as bash would; tools.line_completion asks for the rest.
 #
-# usage: completion_test.sh COMPLETION-SCRIPT
+# usage: completion_test.sh COMPLETION-SCRIPT SELECTOR
 set -euo pipefail
+export PROCESSDATA_BUS=unix:path=/nonexistent # no names come from there
+program=$2
+# shellcheck disable=SC2317 # called by the completion
+selector() { "$program" "$@"; }
+COMP_WORDBREAKS=' '
 # shellcheck source=/dev/null
 source "$1"
 # shellcheck disable=SC2317 # called by the completion; bash has its own only while it completes
@@ -47,33 +52,13 @@ expect "selector write --es" "--escapes"
 expect "selector diff --no" "--no-legend"
 expect "selector doctor --w" "--with-values"
 expect "selector doctor --cl" "--clean"
-# The system has one name; what the command would refuse is not offered.
-# shellcheck disable=SC2317 # called by the completion
-selector() { echo "live:$2"; }
-COMP_WORDBREAKS=' '
-expect "selector read " "live:url"
-expect "selector read -q a" "live:url"
-expect "selector read a b" "live:url"
-expect "selector read x=a" ""
-expect "selector watch x=a" "live:url"
-expect "selector watch --until changed --count 3 a b" "live:url"
-expect "selector modules " ""
-expect "selector browse " "live:place"
-expect "selector browse --timeout 3 " "live:place"
-expect "selector browse a " ""
-expect "selector explain " "live:url"
-expect "selector explain --property unit a" "live:url"
-expect "selector explain a " ""
-expect "selector write a" "live:url"
-expect "selector write a " ""
-expect "selector write a 1 b" "live:url"
-expect "selector write -f list a 1 b 2" ""
-expect "selector snapshot a b" "live:place"
-expect "selector doctor " "live:module"
-expect "selector doctor a b" "live:module"
-expect "selector check a " ""
-expect "selector apply --verify a " ""
-expect "selector diff a b " ""
-expect "selector complete p" "place"
-expect "selector complete place a" ""
+# Files are the shell's own; what it was told with them is not offered.
+folder=$(mktemp -d)
+trap 'rm -r "$folder"' EXIT
+cd "$folder"
+touch list1 list2
+expect "selector check l" "list1 list2"
+expect "selector read -f list2" "list2"
+expect "selector check list1 l" ""
+expect "selector read processdata://" ""
 exit "$failed"

@@ -1,41 +1,13 @@
 // SPDX-License-Identifier: MIT
 // Helps, man page and completion name every option that a command takes.
-#include "Command.h"
+#include "Help.h"
+#include "LineCompletion.h"
 
 #include <QFile>
 #include <QRegularExpression>
 #include <QtTest>
 
 namespace {
-
-QStringList optionsOf(const Command &command)
-{
-    QStringList options{"--format", "--verbose", "--help", "--timeout", "--no-legend"};
-    const QMap<int, QString> special{{OptionFile, "--file"},
-                                     {OptionType, "--type"},
-                                     {OptionProperty, "--property"},
-                                     {OptionInterval, "--interval"},
-                                     {OptionCount, "--count"},
-                                     {OptionUntil, "--until"},
-                                     {OptionTimestamps, "--timestamps"},
-                                     {OptionChangesOnly, "--changes-only"},
-                                     {OptionPlot, "--plot"},
-                                     {OptionAgainst, "--against"},
-                                     {OptionOutput, "--output"},
-                                     {OptionDryRun, "--dry-run"},
-                                     {OptionVerify, "--verify"},
-                                     {OptionRollback, "--rollback"},
-                                     {OptionQuiet, "--quiet"}};
-    if ((command.options & OptionDoctor) != 0) {
-        options += QStringList{"--clean", "--yes", "--report", "--with-values"};
-    }
-    for (auto option = special.begin(); option != special.end(); ++option) {
-        if ((command.options & option.key()) != 0) {
-            options.append(option.value());
-        }
-    }
-    return options;
-}
 
 // What the groups of the pattern find, each once.
 QStringList flags(const QString &text, const char *pattern)
@@ -50,10 +22,13 @@ QStringList flags(const QString &text, const char *pattern)
     return found;
 }
 
-QString content(const char *name)
+// As it is installed, without the backslashes of roff.
+QString page(const QString &name, const Command *command)
 {
-    QFile file(QStringLiteral(SELECTOR_SOURCE_DIR "/") + name);
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+    QFile file(SELECTOR_SOURCE_DIR "/man/" + name + ".1");
+    const QString text
+        = file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+    return manualPage(text, command).remove('\\');
 }
 
 } // namespace
@@ -64,6 +39,8 @@ class HelpTest : public QObject
 
 private Q_SLOTS:
     void eachCommandExplainsItsOptions();
+    void aHelpHasItsOptionsInColumns();
+    void aPageHasItsOptionsInFull();
     void theManPageNamesEverything();
     void eachCommandHasAPageThatNamesItsFlags();
     void theCompletionKnowsEverything();
@@ -73,17 +50,77 @@ void HelpTest::eachCommandExplainsItsOptions()
 {
     QCOMPARE(commands().size(), 13);
     for (const Command &command : commands()) {
-        QVERIFY2(command.help.startsWith("Usage: selector " + command.name),
-                 qPrintable(command.name));
-        for (const QString &option : optionsOf(command)) {
-            QVERIFY2(command.help.contains(option), qPrintable(command.name + ' ' + option));
+        const QString help = helpOf(command);
+        QVERIFY2(help.startsWith("Usage: selector " + command.name), qPrintable(command.name));
+        QStringList options{"--format", "--verbose", "--help", "--timeout", "--no-legend"};
+        for (const Option &option : command.options) {
+            options.append("--" + option.name());
+        }
+        for (const QString &option : qAsConst(options)) {
+            QVERIFY2(help.contains(option), qPrintable(command.name + ' ' + option));
         }
     }
 }
 
+void HelpTest::aHelpHasItsOptionsInColumns()
+{
+    const Command command{"fill",
+                          "fill a tank",
+                          "Usage: selector fill\n",
+                          {{"--dry", "without water"},
+                           {"-f, --from TANK", "first line\nsecond line"},
+                           {"-l, --longer-than-others M", "one line"}},
+                          "\nExample: none\n",
+                          {},
+                          nullptr};
+
+    const QString help = helpOf(command);
+
+    QVERIFY2(
+        help.startsWith("Usage: selector fill\n"
+                        "\n"
+                        "Options:\n"
+                        "  --dry            without water\n"
+                        "  -f, --from TANK  first line\n"
+                        "                   second line\n"
+                        "  -l, --longer-than-others M  one line\n"
+                        "  --format FORMAT  table (default), json or csv; -j is --format json\n"
+                        "  --no-legend      leave out"),
+        qPrintable(help));
+    QVERIFY2(help.endsWith("130 interrupted.\n\nExample: none\n"), qPrintable(help));
+}
+
+void HelpTest::aPageHasItsOptionsInFull()
+{
+    const Command command{"fill",
+                          "fill a tank",
+                          "",
+                          {{"--dry", "without water", "It's a test."},
+                           {"-f, --from TANK", "not from\nthis TANK"},
+                           {"--by WAY", "hand or pump\\", "", Option::Text, "hand pump"}},
+                          "",
+                          {},
+                          nullptr};
+
+    const QString page = manualPage(".\\\" first\n.SH OPTIONS\n.\\\" OPTIONS\n.SH END\n", &command);
+
+    QVERIFY2(page.startsWith(".\\\" first\n"
+                             ".TH SELECTOR\\-FILL 1 \"\" \"selector\" \"User Commands\"\n"
+                             ".SH NAME\n"
+                             "selector\\-fill \\- fill a tank\n"
+                             ".SH OPTIONS\n"
+                             ".TP\n.BR \\-\\-dry\nWithout water. It\\(aqs a test.\n"
+                             ".TP\n.BR \\-f \", \" \\-\\-from \" \\fITANK\\fR\"\n"
+                             "Not from this \\fITANK\\fR.\n"
+                             ".TP\n.BR \\-\\-by \" \\fIWAY\\fR\"\nhand or pump\\e.\n"
+                             ".TP\n.BR \\-\\-format \" \\fIFORMAT\\fR\"\ntable (default), "),
+             qPrintable(page));
+    QVERIFY2(page.endsWith("these options in short.\n.SH END\n"), qPrintable(page));
+}
+
 void HelpTest::theManPageNamesEverything()
 {
-    const QString page = content("man/selector.1").remove('\\');
+    const QString selectorPage = page("selector", nullptr);
     QStringList wanted{"PROCESSDATA_BUS", "PROCESSDATA_DBUS_TIMEOUT_MS", "NO_COLOR", "--version"};
     for (const Command &command : commands()) {
         wanted.append(QString(".BR selector-%1 (1)\n%2\n").arg(command.name, command.summary));
@@ -93,20 +130,20 @@ void HelpTest::theManPageNamesEverything()
         wanted.append("B " + QString(field));
     }
     for (const QString &word : qAsConst(wanted)) {
-        QVERIFY2(page.contains(word), qPrintable(word));
+        QVERIFY2(selectorPage.contains(word), qPrintable(word));
     }
 }
 
 void HelpTest::eachCommandHasAPageThatNamesItsFlags()
 {
     for (const Command &command : commands()) {
-        const QString page = content(("man/selector-" + command.name + ".1").toUtf8()).remove('\\');
-        QVERIFY2(page.contains(QString("\nselector-%1 - %2\n").arg(command.name, command.summary)),
+        const QString text = page("selector-" + command.name, &command);
+        QVERIFY2(text.contains(QString("\nselector-%1 - %2\n").arg(command.name, command.summary)),
                  qPrintable(command.name));
-        QVERIFY2(page.contains(".B selector " + command.name + '\n'), qPrintable(command.name));
-        QVERIFY(page.contains(".SH EXIT STATUS\n") && page.contains(".SH EXAMPLES\n"));
-        const QStringList ofHelp = flags(command.help, "(?:^| )(--?[a-z][a-z-]*)");
-        const QStringList ofPage = flags(page.section(".SH OPTIONS", 1).section("\n.SH ", 0, 0),
+        QVERIFY2(text.contains(".B selector " + command.name + '\n'), qPrintable(command.name));
+        QVERIFY(text.contains(".SH EXIT STATUS\n") && text.contains(".SH EXAMPLES\n"));
+        const QStringList ofHelp = flags(helpOf(command), "(?:^| )(--?[a-z][a-z-]*)");
+        const QStringList ofPage = flags(text.section(".SH OPTIONS", 1).section("\n.SH ", 0, 0),
                                          "\\.TP\n\\.B[RI]? (--?[a-z-]+)|, \" (--[a-z-]+)");
         QVERIFY2(ofHelp.size() >= 7, qPrintable(command.name));
         for (const QString &flag : ofHelp) {
@@ -121,17 +158,13 @@ void HelpTest::eachCommandHasAPageThatNamesItsFlags()
 
 void HelpTest::theCompletionKnowsEverything()
 {
-    const QMap<QString, QString> prefixes{{"completion/selector.bash", "--"},
-                                          {"completion/_selector", "--"},
-                                          {"completion/selector.fish", "-l "}};
-    for (auto shell = prefixes.begin(); shell != prefixes.end(); ++shell) {
-        const QString script = content(shell.key().toUtf8());
-        for (const Command &command : commands()) {
-            QVERIFY2(script.contains(command.name), qPrintable(shell.key() + ' ' + command.name));
-            for (const QString &option : optionsOf(command)) {
-                QVERIFY2(script.contains(shell.value() + option.mid(2)),
-                         qPrintable(shell.key() + ' ' + option));
-            }
+    const QStringList names = offerFor({""}).words;
+    for (const Command &command : commands()) {
+        QVERIFY2(names.contains(command.name), qPrintable(command.name));
+        const QStringList offered = offerFor({command.name, "--"}).words;
+        const QStringList ofHelp = flags(helpOf(command), "(?:^| )(--[a-z][a-z-]*)");
+        for (const QString &flag : ofHelp) {
+            QVERIFY2(offered.contains(flag), qPrintable(command.name + ' ' + flag));
         }
     }
 }

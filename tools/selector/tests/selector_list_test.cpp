@@ -66,7 +66,7 @@ void SelectorListTest::argumentsComeBeforeTheFile()
     file.close();
     CommandLine line;
     line.arguments = QStringList{"a", "b"};
-    line.file = file.fileName();
+    line.given["file"] = QStringList{file.fileName()};
     QVector<SelectorInput> selectors;
     QString error;
 
@@ -82,7 +82,7 @@ void SelectorListTest::aFileThatIsNotUtf8IsRefusedWithItsLine()
     file.write("a 1\nb S\xfc\n");
     file.close();
     CommandLine line;
-    line.file = file.fileName();
+    line.given["file"] = QStringList{file.fileName()};
     QVector<SelectorInput> selectors;
     QString error;
 
@@ -100,7 +100,7 @@ void SelectorListTest::aValueInAFileKeepsWhatIsNotABlank()
     file.write((mark + "a " + mark + "text" + wide + "\r\n").toUtf8());
     file.close();
     CommandLine line;
-    line.file = file.fileName();
+    line.given["file"] = QStringList{file.fileName()};
     QVector<SelectorInput> selectors;
     QString error;
 
@@ -120,7 +120,7 @@ void SelectorListTest::escapesAreReadWhereTheyAreAskedFor()
     QCOMPARE(selectors.at(0).value, QString("x\\n\\\\"));
 
     selectors.clear();
-    line.escapes = true;
+    line.given["escapes"] = QStringList();
     QVERIFY(collectSelectors(line, true, selectors, error));
     QCOMPARE(selectors.at(0).value, QString("x\n\\"));
 
@@ -144,7 +144,7 @@ void SelectorListTest::wrongUsageIsNamed()
     QCOMPARE(error, QString("No value for b."));
 
     line.arguments.clear();
-    line.file = "/nonexistent/list";
+    line.given["file"] = QStringList{"/nonexistent/list"};
     QVERIFY(!collectSelectors(line, false, selectors, error));
     QCOMPARE(error, QString("/nonexistent/list: No such file or directory"));
 }

@@ -1,0 +1,114 @@
+// SPDX-License-Identifier: MIT
+// Renders lists of options, as plain text and as roff.
+#include "Help.h"
+
+#include <QRegularExpression>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int usualColumn = 19;
+constexpr int blanksOfHead = 4; // two on each side
+
+QStringList linesOf(const Option &option)
+{
+    return QString::fromLatin1(option.text).split(QLatin1Char('\n'));
+}
+
+// Several lines stand below each other, whatever the head; a single one may begin further right.
+int columnOf(const QVector<Option> &options)
+{
+    int column = usualColumn;
+    for (const Option &option : options) {
+        if (linesOf(option).size() > 1) {
+            column = std::max(column, static_cast<int>(qstrlen(option.head)) + blanksOfHead);
+        }
+    }
+    return column;
+}
+
+QString listOf(const QVector<Option> &options)
+{
+    const int column = columnOf(options);
+    const QString nextLine = QLatin1Char('\n') + QString(column, QLatin1Char(' '));
+    QString text;
+    for (const Option &option : options) {
+        const QString head = QStringLiteral("  %1  ").arg(QLatin1String(option.head));
+        if (*option.text != '\0') {
+            text += head.leftJustified(column) + linesOf(option).join(nextLine) + QLatin1Char('\n');
+        }
+    }
+    return text;
+}
+
+QString inRoff(QString text)
+{
+    return text.replace(QLatin1Char('\\'), QLatin1String("\\e"))
+        .replace(QLatin1Char('-'), QLatin1String("\\-"))
+        .replace(QLatin1Char('\''), QLatin1String("\\(aq"));
+}
+
+// As sentences; a word that may be the option's value keeps its small letter.
+QString sentencesOf(const Option &option)
+{
+    QString text = linesOf(option).join(QLatin1Char(' '));
+    if (text.isEmpty()) {
+        return inRoff(QLatin1String(option.more));
+    }
+    const QStringList words = QString::fromLatin1(option.words).split(QLatin1Char(' '));
+    if (!words.contains(text.section(QLatin1Char(' '), 0, 0))) {
+        text[0] = text.at(0).toUpper();
+    }
+    return inRoff(QStringLiteral("%1. %2").arg(text, QLatin1String(option.more)).trimmed());
+}
+
+QString roffOf(const Option &option)
+{
+    QString head = inRoff(QStringLiteral("--") + option.name());
+    if (!option.letter().isEmpty()) {
+        head.prepend(QStringLiteral("\\-%1 \", \" ").arg(option.letter()));
+    }
+    QString text = sentencesOf(option);
+    if (!option.value().isEmpty()) {
+        const QString value = QStringLiteral("\\fI%1\\fR").arg(option.value());
+        head += QStringLiteral(" \" %1\"").arg(value);
+        text.replace(QRegularExpression(QStringLiteral("\\b%1\\b").arg(option.value())), value);
+    }
+    return QStringLiteral(".TP\n.BR %1\n%2\n").arg(head, text);
+}
+
+} // namespace
+
+QString helpOf(const Command &command)
+{
+    return QLatin1String(command.usage) + QStringLiteral("\nOptions:\n") + listOf(command.options)
+        + listOf(commonOptions())
+        + QStringLiteral(
+               "\n"
+               "Exit codes: 0 all good, 1 something failed (its row says why), 2 wrong usage, 3 the\n"
+               "system is out of reach, 4 no answer within the time limit, 5 permission is missing,\n"
+               "130 interrupted.\n")
+        + QLatin1String(command.ending);
+}
+
+QString manualPage(QString text, const Command *command)
+{
+    QString options;
+    const auto all = (command == nullptr ? QVector<Option>() : command->options) + commonOptions();
+    for (const Option &option : all) {
+        options += roffOf(option);
+    }
+    QString list;
+    for (const Command &one : commands()) {
+        list += QStringLiteral(".TP\n.BR selector\\-%1 (1)\n%2\n").arg(one.name, one.summary);
+    }
+    if (command != nullptr) {
+        text.insert(text.indexOf(QLatin1Char('\n')) + 1,
+                    QStringLiteral(".TH SELECTOR\\-%1 1 \"\" \"selector\" \"User Commands\"\n"
+                                   ".SH NAME\nselector\\-%2 \\- %3\n")
+                        .arg(command->name.toUpper(), command->name, command->summary));
+    }
+    return text.replace(QLatin1String(".\\\" OPTIONS\n"), options)
+        .replace(QLatin1String(".\\\" COMMANDS\n"), list);
+}

@@ -1,0 +1,114 @@
+// SPDX-License-Identifier: MIT
+// Finds what may stand at the end of a command line.
+#include "LineCompletion.h"
+
+#include <QRegularExpression>
+
+#include <algorithm>
+
+namespace {
+
+// Those that go on from what is typed behind the prefix.
+Offer matching(const QStringList &words, const QString &typed, const QString &prefix = {})
+{
+    Offer offer;
+    for (const QString &word : words) {
+        if (word.startsWith(typed)) {
+            offer.words.append(prefix + word);
+        }
+    }
+    return offer;
+}
+
+QStringList split(const char *words)
+{
+    return QString::fromLatin1(words).split(QLatin1Char(' '), Qt::SkipEmptyParts);
+}
+
+QStringList spellings(const Option &option)
+{
+    QStringList result{QStringLiteral("--") + option.name()};
+    if (!option.letter().isEmpty()) {
+        result.append(QLatin1Char('-') + option.letter());
+    }
+    return result;
+}
+
+Offer offerOfOptions(const QVector<Option> &options, const QString &typed)
+{
+    QStringList all;
+    for (const Option &option : options) {
+        all += spellings(option);
+    }
+    all.sort();
+    return matching(all, typed);
+}
+
+// Null when it is not known or takes no value.
+const Option *optionWithValue(const QVector<Option> &options, const QString &spelling)
+{
+    const auto found = std::find_if(options.begin(), options.end(), [&](const Option &option) {
+        return !option.value().isEmpty() && spellings(option).contains(spelling);
+    });
+    return found == options.end() ? nullptr : &*found;
+}
+
+Offer offerOfValue(const Option &option, const QString &typed, const QString &prefix = {})
+{
+    return option.kind == Option::File ? Offer{Arguments::File, {}}
+                                       : matching(split(option.words), typed, prefix);
+}
+
+Offer offerOfArgument(const Arguments &takes, int position, const QString &typed)
+{
+    static const QRegularExpression label(QStringLiteral("^[A-Za-z_][A-Za-z0-9_.-]*="));
+    const bool isValue = takes.kind == Arguments::UrlAndValue && position % 2 == 1;
+    const bool mayHaveLabel = takes.kind != Arguments::Url && takes.kind != Arguments::UrlAndValue;
+    if (position >= takes.most || isValue || (!mayHaveLabel && label.match(typed).hasMatch())) {
+        return {};
+    }
+    return takes.kind == Arguments::Words ? matching(split(takes.words), typed)
+                                          : Offer{takes.kind, {}};
+}
+
+Offer offerOfCommands(const QString &typed)
+{
+    QStringList names;
+    for (const Command &command : commands()) {
+        names.append(command.name);
+    }
+    return matching(names + split("--help --version"), typed);
+}
+
+} // namespace
+
+Offer offerFor(QStringList line)
+{
+    const QString typed = line.takeLast();
+    if (line.isEmpty()) {
+        return offerOfCommands(typed);
+    }
+    const Command *command = findCommand(line.takeFirst());
+    if (command == nullptr) {
+        return {};
+    }
+    const QVector<Option> options = commonOptions() + command->options;
+    const Option *open = nullptr; // waits for its value
+    int position = 0;
+    for (const QString &word : qAsConst(line)) {
+        const bool isOption
+            = word.startsWith(QLatin1Char('-')) && word.size() > 1 && !isNumber(word);
+        position += open == nullptr && !isOption ? 1 : 0;
+        open = open == nullptr ? optionWithValue(options, word) : nullptr;
+    }
+    if (open != nullptr) {
+        return offerOfValue(*open, typed);
+    }
+    if (!typed.startsWith(QLatin1Char('-'))) {
+        return offerOfArgument(command->takes, position, typed);
+    }
+    const int value = typed.indexOf(QLatin1Char('=')) + 1;
+    open = optionWithValue(options, typed.left(value - 1));
+    return value > 0 && open != nullptr ? offerOfValue(*open, typed.mid(value), typed.left(value))
+                                        : offerOfOptions(options, typed);
+}

@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: MIT
+// The parts of an option's head, and the options of every command.
+#include "Option.h"
+
+QString Option::name() const
+{
+    return QString::fromLatin1(head)
+        .section(QLatin1String("--"), 1)
+        .section(QLatin1Char(' '), 0, 0);
+}
+
+QString Option::letter() const
+{
+    return head[1] == '-' ? QString() : QString(QLatin1Char(head[1]));
+}
+
+QString Option::value() const
+{
+    return QString::fromLatin1(head).section(QLatin1String("--"), 1).section(QLatin1Char(' '), 1);
+}
+
+const QVector<Option> &commonOptions()
+{
+    static const QVector<Option> options{
+        {"--format FORMAT", "table (default), json or csv; -j is --format json",
+         "selector(1) describes them.", Option::Text, "table json csv"},
+        {"-j, --json", "", "The same as --format json."},
+        {"--no-legend", "leave out the header line of a table and of csv"},
+        {"-v, --verbose", "also print the libraries' warnings on standard error",
+         "With file, line and function."},
+        {"-h, --help", "print this and exit", "That is the help: these options in short."}};
+    return options;
+}
