@@ -40,7 +40,7 @@ void requireEscape(const QString &text, BusNames::Element element)
 
 void requireBufferName(const QString &first, const QString &second)
 {
-    const QByteArray prefix = bufferNamePrefix(first, second, first);
+    const QByteArray prefix = bufferNamePrefix({first, second, first});
     const QByteArray longest = prefix + QByteArray::number(maximumGeneration);
     FUZZ_REQUIRE(longest.size() <= NAME_MAX && !longest.contains('/') && !longest.contains('\0'));
     FUZZ_REQUIRE(generationOfFile(longest, prefix) == maximumGeneration);
@@ -71,8 +71,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     if (first.isValidUtf16() && second.isValidUtf16() && first != second) {
         FUZZ_REQUIRE(BusNames::pathOfObject(first) != BusNames::pathOfObject(second));
         FUZZ_REQUIRE(BusNames::serviceOfModule(first) != BusNames::serviceOfModule(second));
-        FUZZ_REQUIRE(bufferNamePrefix(first, second, second)
-                     != bufferNamePrefix(second, first, second));
+        FUZZ_REQUIRE(bufferNamePrefix({first, second, second})
+                     != bufferNamePrefix({second, first, second}));
     }
     sharedMemoryPath(text);
     return 0;

@@ -32,8 +32,8 @@ void useTree(const QByteArray &text, const ProcessDataDescription &description)
         = manager.createProcessDataFromJson(text, "pdd", ProcessDataManager::InitTypeNone);
     FUZZ_REQUIRE(!root.isNull() && !manager.isBufferValid());
     for (const LeafDescription &described : description.leaves) {
-        const QString url = selectorUrl(description.module, description.object,
-                                        description.instance, described.path);
+        const QString url = selectorUrl(description.source.module, description.source.object,
+                                        description.source.instance, described.path);
         const auto leaf = root->getLeafProcessDataValue(url);
         FUZZ_REQUIRE(!leaf.isNull() || url.toUtf8().size() > selectorUrlMaximumLength);
         if (leaf.isNull()) {

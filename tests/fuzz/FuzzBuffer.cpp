@@ -41,7 +41,7 @@ FuzzBuffer &FuzzBuffer::instance()
 FuzzBuffer::FuzzBuffer()
 {
     const QString module = QString("Fuzz%1").arg(getpid());
-    prefix = bufferNamePrefix(module, "Object", "1");
+    prefix = bufferNamePrefix({module, "Object", "1"});
     const QString name = '/' + QString::fromUtf8(prefix) + QString::number(generation);
     path = sharedMemoryPath(name);
     text = QString(leavesAndBuffer).arg(module, name).arg(geteuid());

@@ -87,8 +87,8 @@ QVector<QString> InProcessSource::urls() const
     QVector<QString> urls;
     urls.reserve(d->description.leaves.size());
     for (const LeafDescription &leaf : qAsConst(d->description.leaves)) {
-        urls.append(selectorUrl(d->description.module, d->description.object,
-                                d->description.instance, leaf.path));
+        const SourceName &source = d->description.source;
+        urls.append(selectorUrl(source.module, source.object, source.instance, leaf.path));
     }
     return urls;
 }

@@ -174,7 +174,7 @@ void BufferAttachTest::aBufferThatDiffersFromItsDescriptionIsRefused()
     QCOMPARE(
         warnings.texts(),
         QStringList(QString("processdata.memory: Not attached to source %1/Tank/1, buffer %2: %3")
-                        .arg(source.description.module, name, reason)));
+                        .arg(source.description.source.module, name, reason)));
     QVERIFY(!client.manager->isBufferValid());
     const auto leaf = client.leaf(source.url("level"));
     QVERIFY(leaf);

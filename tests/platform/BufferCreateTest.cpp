@@ -118,7 +118,7 @@ void BufferCreateTest::everySlotStartsOnALineOfItsOwn()
 void BufferCreateTest::aBufferWithoutLeavesIsAHeader()
 {
     ProcessDataDescription description;
-    description.module = module;
+    description.source.module = module;
     QString error;
     const auto buffer = PublishedBuffer::create(description, error);
     QVERIFY2(buffer, qPrintable(error));
@@ -223,7 +223,7 @@ void BufferCreateTest::aFullFileSystemIsAnErrorThatLeavesNothing()
     constexpr quint32 capacity = 4'000'000'000;
     const quint64 total = quint64(system.f_blocks) * system.f_frsize;
     ProcessDataDescription description;
-    description.module = module;
+    description.source.module = module;
     LeafDescription leaf;
     leaf.type = ValueType::Bytes;
     leaf.capacity = capacity;

@@ -183,7 +183,7 @@ void BufferFilesTest::whatIsNoBufferIsToldAndKept()
     QFETCH(QByteArray, content);
     QFETCH(QString, problem);
     const QString path
-        = "/dev/shm/" + QString::fromLatin1(bufferNamePrefix(module, "Tank", "1")) + '7';
+        = "/dev/shm/" + QString::fromLatin1(bufferNamePrefix({module, "Tank", "1"})) + '7';
     if (content.isNull()) {
         QCOMPARE(mkfifo(qPrintable(path), 0600), 0);
     } else {
@@ -248,12 +248,13 @@ void BufferFilesTest::modulesAreToldApartByName()
     QFETCH(bool, same);
     for (const QString &object : {QString("Controller"), QString(300, 'a')}) {
         BufferFile file;
-        file.path = "/dev/shm/" + QString::fromLatin1(bufferNamePrefix("Pump", object, "1")) + '7';
+        file.path
+            = "/dev/shm/" + QString::fromLatin1(bufferNamePrefix({"Pump", object, "1"})) + '7';
         QCOMPARE(isNamedAfter(file, other), same);
     }
     BufferFile file;
     const QString lengthy(300, 'b');
-    file.path = "/dev/shm/" + QString::fromLatin1(bufferNamePrefix(lengthy, "a", "1")) + '7';
+    file.path = "/dev/shm/" + QString::fromLatin1(bufferNamePrefix({lengthy, "a", "1"})) + '7';
     QVERIFY(isNamedAfter(file, lengthy));
 }
 

@@ -23,9 +23,9 @@ private Q_SLOTS:
 
 void BufferNameTest::aNameIsMadeOfModuleObjectAndInstance()
 {
-    QCOMPARE(bufferNamePrefix("Pump", "Controller", "1"),
+    QCOMPARE(bufferNamePrefix({"Pump", "Controller", "1"}),
              QByteArray("processdata.Pump_Controller_1."));
-    QCOMPARE(bufferNamePrefix("Pump", "Controller", ""),
+    QCOMPARE(bufferNamePrefix({"Pump", "Controller", ""}),
              QByteArray("processdata.Pump_Controller_."));
 }
 
@@ -50,7 +50,7 @@ void BufferNameTest::bytesThatAreNotPlainAreEscaped()
 {
     QFETCH(QString, instance);
     QFETCH(QByteArray, prefix);
-    QCOMPARE(bufferNamePrefix("M", "O", instance), prefix);
+    QCOMPARE(bufferNamePrefix({"M", "O", instance}), prefix);
 }
 
 void BufferNameTest::differentSourcesHaveDifferentNames()
@@ -61,7 +61,7 @@ void BufferNameTest::differentSourcesHaveDifferentNames()
     for (const QString &module : parts) {
         for (const QString &object : parts) {
             for (const QString &instance : parts) {
-                prefixes.insert(bufferNamePrefix(module, object, instance));
+                prefixes.insert(bufferNamePrefix({module, object, instance}));
             }
         }
     }
@@ -72,8 +72,8 @@ void BufferNameTest::aNameThatIsTooLongIsShortenedWithAHash()
 {
     const QString common(300, 'x');
 
-    const QByteArray one = bufferNamePrefix("M", "O", common + '1');
-    const QByteArray two = bufferNamePrefix("M", "O", common + '2');
+    const QByteArray one = bufferNamePrefix({"M", "O", common + '1'});
+    const QByteArray two = bufferNamePrefix({"M", "O", common + '2'});
     QVERIFY(one != two);
     QCOMPARE(one.size() + QByteArray::number(maximumGeneration).size() + int(qstrlen(lifeNameEnd)),
              255);
@@ -81,10 +81,10 @@ void BufferNameTest::aNameThatIsTooLongIsShortenedWithAHash()
     QVERIFY(one.contains('~'));
 
     // The longest name that needs no hash, and one byte more.
-    const QByteArray longest = bufferNamePrefix("M", "O", QString(221 - 4, 'x'));
+    const QByteArray longest = bufferNamePrefix({"M", "O", QString(221 - 4, 'x')});
     QCOMPARE(longest.size() + 16 + int(qstrlen(lifeNameEnd)), 255);
     QVERIFY(!longest.contains('~'));
-    QVERIFY(bufferNamePrefix("M", "O", QString(221 - 3, 'x')).contains('~'));
+    QVERIFY(bufferNamePrefix({"M", "O", QString(221 - 3, 'x')}).contains('~'));
 }
 
 void BufferNameTest::aGenerationIsReadFromAFileOfTheSourceOnly_data()

@@ -95,7 +95,7 @@ struct BufferSource
     QString url(const QString &leaf) const
     {
         return QString("processdata://%1/Tank/%2/%3")
-            .arg(description.module, description.instance, leaf);
+            .arg(description.source.module, description.source.instance, leaf);
     }
 
     QJsonObject document;

@@ -35,7 +35,7 @@ void DescriptionTest::everythingThatADescriptionSaysIsRead()
         DescriptionForm::Published, error);
 
     QVERIFY2(description, qPrintable(error));
-    QCOMPARE(description->module + description->object + description->instance, "PumpController1");
+    QCOMPARE(description->source.toString(), QString("Pump/Controller/1"));
     QCOMPARE(description->session, quint64(5));
     QCOMPARE(description->buffer->name, "/processdata.Pump_Controller_1.7");
     QCOMPARE(description->buffer->generation, quint64(7));

@@ -15,9 +15,7 @@ int reports = 0;
 QSharedPointer<SourceWatch> sourceThatIsReadOn()
 {
     ProcessDataDescription description;
-    description.module = "Pump";
-    description.object = "Controller";
-    description.instance = "1";
+    description.source = {"Pump", "Controller", "1"};
     description.buffer = BufferDescription{"/processdata.Pump_Controller_1.7", 7, 0, 0};
     const auto source = QSharedPointer<SourceWatch>::create(description);
     source->noteLostRead();

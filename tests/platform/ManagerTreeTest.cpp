@@ -215,7 +215,7 @@ void ManagerTreeTest::everyMappingIsLetGo()
     };
     {
         const BufferSource source({leafJson("leaf", "float64")});
-        module = source.description.module;
+        module = source.description.source.module;
         QCOMPARE(mappings(), 0); // the publisher's own has no name yet in its entry
         QSharedPointer<ProcessDataValue> leaf;
         {

@@ -12,9 +12,7 @@ QVector<QSharedPointer<SourceWatch>> reported;
 QSharedPointer<SourceWatch> watchedSource()
 {
     ProcessDataDescription description;
-    description.module = "Pump";
-    description.object = "Controller";
-    description.instance = "1";
+    description.source = {"Pump", "Controller", "1"};
     description.buffer = BufferDescription{"/processdata.Pump_Controller_1.7", 7, 0, 0};
     return QSharedPointer<SourceWatch>::create(description);
 }

@@ -75,9 +75,9 @@ bool parseDescriptionFile(const QString &fileName, const QByteArray &content,
     const QJsonObject document = json.object();
     QString problem;
     DescriptionFile parsed;
-    if (!readName(document, QStringLiteral("module"), parsed.module, problem)
-        || !readName(document, QStringLiteral("object"), parsed.object, problem)
-        || !readName(document, QStringLiteral("instance"), parsed.instance, problem)
+    if (!readName(document, QStringLiteral("module"), parsed.source.module, problem)
+        || !readName(document, QStringLiteral("object"), parsed.source.object, problem)
+        || !readName(document, QStringLiteral("instance"), parsed.source.instance, problem)
         || !readMotions(parsed, document, problem)) {
         error = QStringLiteral("%1: %2").arg(fileName, problem);
         return false;

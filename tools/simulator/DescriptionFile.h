@@ -4,6 +4,7 @@
 #define DESCRIPTIONFILE_H
 
 #include "Motion.h"
+#include "SourceName.h"
 
 #include <QByteArray>
 #include <QJsonObject>
@@ -22,9 +23,7 @@ struct MovingLeaf
 /// What a description file says.
 struct DescriptionFile
 {
-    QString module;
-    QString object;
-    QString instance;
+    SourceName source;
     QJsonObject description; ///< as it is published: without the simulation keys
     std::vector<MovingLeaf> movingLeaves; ///< in document order; leaves without "simulate" stay out
 };

@@ -82,7 +82,7 @@ bool FaultRunner::runOnModule(const ScenarioStep &step, QString &error)
 {
     bool found = false;
     for (const auto &source : sources) {
-        if (source->module() != step.module) {
+        if (source->source().module != step.module) {
             continue;
         }
         found = true;
@@ -125,7 +125,7 @@ bool FaultRunner::runOnSource(const ScenarioStep &step, SimulatedSource &source,
 SimulatedSource *FaultRunner::find(const QString &source) const
 {
     const auto found = std::find_if(sources.begin(), sources.end(), [&](const auto &candidate) {
-        return candidate->source() == source;
+        return candidate->source().toString() == source;
     });
     return found == sources.end() ? nullptr : found->get();
 }

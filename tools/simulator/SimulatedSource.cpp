@@ -41,9 +41,9 @@ bool SimulatedSource::publish(QString &error)
         return false;
     }
     QString problem;
-    publisher = ProcessDataPublisher::createFromText(file.module, file.object, file.instance,
-                                                     withoutSimulationKeys(published),
-                                                     firstValues(file), &problem);
+    publisher = ProcessDataPublisher::createFromText(
+        file.source.module, file.source.object, file.source.instance,
+        withoutSimulationKeys(published), firstValues(file), &problem);
     if (!publisher) {
         error = QStringLiteral("%1: %2").arg(name, problem);
         return false;
@@ -173,8 +173,7 @@ bool SimulatedSource::replace(const QByteArray &newContent, QString &error)
 
 bool SimulatedSource::apply(DescriptionFile &file, const QByteArray &newContent, QString &error)
 {
-    if (file.module != current.module || file.object != current.object
-        || file.instance != current.instance) {
+    if (file.source != current.source) {
         error
             = QStringLiteral("%1: module, object and instance cannot change while it is published")
                   .arg(name);

@@ -28,9 +28,7 @@ public:
     SimulatedSource(const SimulatedSource &) = delete;
     SimulatedSource &operator=(const SimulatedSource &) = delete;
 
-    const QString &module() const { return current.module; }
-    /// module/object/instance
-    QString source() const;
+    const SourceName &source() const { return current.source; }
     bool isPublished() const { return !publisher.isNull(); }
     /// The description as clients fetch it; only while it is published.
     QByteArray served() const;

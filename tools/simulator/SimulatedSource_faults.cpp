@@ -40,11 +40,6 @@ bool retypeLeaf(QJsonArray &elements, const QString &path, const QString &type, 
 
 } // namespace
 
-QString SimulatedSource::source() const
-{
-    return QStringLiteral("%1/%2/%3").arg(current.module, current.object, current.instance);
-}
-
 QByteArray SimulatedSource::served() const
 {
     return publisher->descriptionText();
@@ -66,7 +61,8 @@ bool SimulatedSource::retype(const QString &path, const QString &type, int capac
     QJsonObject document = QJsonDocument::fromJson(published).object();
     QJsonArray elements = document.value(QLatin1String("elements")).toArray();
     if (!retypeLeaf(elements, path, type, capacity)) {
-        error = QStringLiteral("key \"leaf\": %1 has no leaf \"%2\"").arg(source(), path);
+        error
+            = QStringLiteral("key \"leaf\": %1 has no leaf \"%2\"").arg(source().toString(), path);
         return false;
     }
     document.insert(QStringLiteral("elements"), elements);

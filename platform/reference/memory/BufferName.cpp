@@ -52,10 +52,10 @@ QByteArray escapedPart(const QString &part)
 
 }
 
-QByteArray bufferNamePrefix(const QString &module, const QString &object, const QString &instance)
+QByteArray bufferNamePrefix(const SourceName &name)
 {
-    const QByteArray source
-        = escapedPart(module) + '_' + escapedPart(object) + '_' + escapedPart(instance);
+    const QByteArray source = escapedPart(name.module) + '_' + escapedPart(name.object) + '_'
+        + escapedPart(name.instance);
     if (source.size() <= roomForSource) {
         return bufferNameBegin + source + '.';
     }

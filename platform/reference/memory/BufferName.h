@@ -3,8 +3,9 @@
 #ifndef BUFFERNAME_H
 #define BUFFERNAME_H
 
+#include "SourceName.h"
+
 #include <QByteArray>
-#include <QString>
 
 #include <optional>
 
@@ -26,7 +27,7 @@ constexpr quint64 maximumGeneration = (quint64(1) << 53) - 1;
 ///
 /// Bytes other than letters, digits and "-" are written as "_xx". Different sources have different
 /// names; one that the file system would refuse for its length ends in "~" and a hash.
-QByteArray bufferNamePrefix(const QString &module, const QString &object, const QString &instance);
+QByteArray bufferNamePrefix(const SourceName &name);
 
 /// What the names of all buffers of a module begin with; shorter for a module with a long name.
 QByteArray bufferNameBeginOfModule(const QString &module);

@@ -49,9 +49,8 @@ PreparedDescriptionPointer parsed(const QVariant &description, const QString &fi
 
 QString sourceText(const ProcessDataDescription &description)
 {
-    return QStringLiteral("source %1/%2/%3, buffer %4:")
-        .arg(description.module, description.object, description.instance,
-             description.buffer->name);
+    return QStringLiteral("source %1, buffer %2:")
+        .arg(description.source.toString(), description.buffer->name);
 }
 
 QSharedPointer<SharedMemoryPrivate> attached(const ProcessDataDescription &description)

@@ -31,14 +31,14 @@ bool isPlainName(const QString &name)
 }
 
 // How the URL of each leaf begins; empty when names have to be encoded in it.
-QString plainBeginOfUrls(const ProcessDataDescription &source)
+QString plainBeginOfUrls(const SourceName &source)
 {
     if (!isPlainName(source.module) || !isPlainName(source.object)
         || !isPlainName(source.instance)) {
         return QString();
     }
     return ConfigurationAndProcessDataDefinitions::getSelectorUrlSchemeProcessData()
-        + QStringLiteral("://%1/%2/%3/").arg(source.module, source.object, source.instance);
+        + QStringLiteral("://%1/").arg(source.toString());
 }
 
 }
@@ -48,7 +48,7 @@ ProcessDataRoot::ProcessDataRoot(PreparedDescriptionPointer prepared,
     : block(QSharedPointer<LeafBlock>::create(std::move(prepared), std::move(memory)))
     , leaves(block->description.leaves.size())
 {
-    beginOfUrls = plainBeginOfUrls(block->description);
+    beginOfUrls = plainBeginOfUrls(block->description.source);
 }
 
 ConfigurationAndProcessDataBase::ProcessDataValueSharedPointer ProcessDataRoot::leafAt(int position)
@@ -84,12 +84,11 @@ ProcessDataRoot::getLeafProcessDataValue(const QString &url)
         return leafAt(plain);
     }
     const SelectorUrlParts parts = parseSelectorUrl(url);
-    const ProcessDataDescription &source = block->description;
-    if (!parts.valid || parts.source != SourceName{source.module, source.object, source.instance}
-        || parts.path.isNull()) {
+    const ProcessDataDescription &description = block->description;
+    if (!parts.valid || parts.source != description.source || parts.path.isNull()) {
         return {};
     }
-    const int position = source.positions.value(parts.path, notFound);
+    const int position = description.positions.value(parts.path, notFound);
     return position == notFound ? ProcessDataValueSharedPointer() : leafAt(position);
 }
 

@@ -133,8 +133,7 @@ std::unique_ptr<PublishedBuffer> PublishedBuffer::create(ProcessDataDescription 
     if (!layOut(state->leaves, size, error)) {
         return nullptr;
     }
-    const QByteArray prefix
-        = bufferNamePrefix(description.module, description.object, description.instance);
+    const QByteArray prefix = bufferNamePrefix(description.source);
     removeLeftovers(prefix);
     const FileDescriptor file(makeNamelessFile(modeFor(state->leaves), size, error));
     void *base = file.isValid() ? mapNamelessFile(file.get(), size, error) : nullptr;

@@ -18,9 +18,9 @@ void SourceWatch::setHandler(Handler handler)
 }
 
 SourceWatch::SourceWatch(const ProcessDataDescription &description, QString token)
-    : module(description.module)
-    , object(description.object)
-    , instance(description.instance)
+    : module(description.source.module)
+    , object(description.source.object)
+    , instance(description.source.instance)
     , bufferName(description.buffer ? description.buffer->name : QString())
     , token(std::move(token))
 {

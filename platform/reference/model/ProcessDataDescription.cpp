@@ -7,7 +7,6 @@
 #include "DescriptionText.h"
 #include "JsonReading.h"
 #include "LeafReader.h"
-#include "SourceName.h"
 #include "ValueConversion.h"
 
 #include <limits>
@@ -51,7 +50,7 @@ private:
         return format.has_value();
     }
 
-    bool readSourceName(const JsonNode &document, const JsonKey &key, QString &name)
+    bool readPartOfKey(const JsonNode &document, const JsonKey &key, QString &name)
     {
         const auto text
             = readText(document, key, form == DescriptionForm::Template, documentPlace, error);
@@ -71,8 +70,8 @@ private:
 
     bool readSource(const JsonNode &document)
     {
-        if (!readSourceName(document, Keys::module, description.module)
-            || !readSourceName(document, Keys::object, description.object)) {
+        if (!readPartOfKey(document, Keys::module, description.source.module)
+            || !readPartOfKey(document, Keys::object, description.source.object)) {
             return false;
         }
         const auto instance = readText(document, Keys::instance, form == DescriptionForm::Template,
@@ -85,7 +84,7 @@ private:
                         .arg(documentPlace, Keys::instance.name);
             return false;
         }
-        description.instance = *instance;
+        description.source.instance = *instance;
         if (!document.contains(Keys::session)) {
             return true;
         }

@@ -5,6 +5,7 @@
 
 #include "JsonText.h"
 #include "LeafDescription.h"
+#include "SourceName.h"
 
 #include <QByteArray>
 #include <QHash>
@@ -28,9 +29,7 @@ struct BufferDescription
 /// One instance's description.
 struct ProcessDataDescription
 {
-    QString module;
-    QString object;
-    QString instance;
+    SourceName source;
     quint64 session = 0; ///< one run of the publisher; 0 when the description names none
     std::optional<BufferDescription> buffer; ///< absent in files for publishers
     QVector<LeafDescription> leaves; ///< in document order

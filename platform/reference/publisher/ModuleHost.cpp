@@ -21,30 +21,46 @@ ModuleHost::Pointer ModuleHost::acquire(const QString &moduleName, QString &erro
     return Pointer(ModuleHosts::acquire(moduleName, error));
 }
 
-bool ModuleHost::reserve(const QString &objectName, const QString &instanceName, QString &error)
+bool ModuleHost::reserve(const SourceName &source, QString &error)
 {
     bool reserved = false;
-    ModuleHosts::instance().runAndWait([&] { reserved = reserveHere(objectName, instanceName); });
+    ModuleHosts::instance().runAndWait([&] {
+        reserved = find(source) == nullptr;
+        if (reserved) {
+            instances += Instance{source, false, QStringList()};
+        }
+    });
     if (!reserved) {
         error = QStringLiteral(
                     "Module \"%1\", object \"%2\": this process already publishes instance \"%3\"")
-                    .arg(moduleName, objectName, instanceName);
+                    .arg(source.module, source.object, source.instance);
     }
     return reserved;
 }
 
-void ModuleHost::serve(const QString &objectName, const QString &instanceName,
-                       const QString &description, const QStringList &selectorTypes,
-                       AnnouncedChange change, const std::function<void()> &whenServed)
+void ModuleHost::serve(const SourceName &source, const QString &description,
+                       const QStringList &selectorTypes, AnnouncedChange change,
+                       const std::function<void()> &whenServed)
 {
     ModuleHosts::instance().runAndWait([&] {
-        serveHere(objectName, instanceName, description, selectorTypes, change, whenServed);
+        if (Instance *const instance = find(source)) {
+            serveHere(*instance, description, selectorTypes);
+            if (whenServed) {
+                whenServed();
+            }
+            announce(*instance, change);
+        }
     });
 }
 
-void ModuleHost::withdraw(const QString &objectName, const QString &instanceName)
+void ModuleHost::withdraw(const SourceName &source)
 {
-    ModuleHosts::instance().runAndWait([&] { withdrawHere(objectName, instanceName); });
+    ModuleHosts::instance().runAndWait([&] {
+        if (const Instance *const instance = find(source)) {
+            instances.removeAt(static_cast<int>(instance - instances.constData()));
+            withdrawHere(source);
+        }
+    });
 }
 
 ModuleHost::ModuleHost(const BusChoice &choice, const QString &moduleName,
@@ -76,63 +92,40 @@ void ModuleHost::stop()
     registration->clearConnection();
 }
 
-ModuleHost::Instance *ModuleHost::find(const QString &objectName, const QString &instanceName)
+ModuleHost::Instance *ModuleHost::find(const SourceName &source)
 {
     const auto found
-        = std::find_if(instances.begin(), instances.end(), [&](const Instance &instance) {
-              return instance.objectName == objectName && instance.instanceName == instanceName;
-          });
+        = std::find_if(instances.begin(), instances.end(),
+                       [&](const Instance &instance) { return instance.source == source; });
     return found == instances.end() ? nullptr : &*found;
 }
 
-bool ModuleHost::reserveHere(const QString &objectName, const QString &instanceName)
+void ModuleHost::serveHere(Instance &instance, const QString &description,
+                           const QStringList &selectorTypes)
 {
-    if (find(objectName, instanceName) != nullptr) {
-        return false;
-    }
-    instances += Instance{objectName, instanceName, false, QStringList()};
-    return true;
-}
-
-void ModuleHost::serveHere(const QString &objectName, const QString &instanceName,
-                           const QString &description, const QStringList &selectorTypes,
-                           AnnouncedChange change, const std::function<void()> &whenServed)
-{
-    Instance *const instance = find(objectName, instanceName);
-    if (instance == nullptr) {
-        return;
-    }
-    auto &object = objects[objectName];
+    const SourceName &source = instance.source;
+    auto &object = objects[source.object];
     if (object == nullptr) {
         object = std::make_unique<ProcessDescriptionObject>(moduleName + QLatin1Char('/')
-                                                            + objectName);
-        endpoint->exportObject(BusNames::pathOfObject(objectName), object.get());
+                                                            + source.object);
+        endpoint->exportObject(BusNames::pathOfObject(source.object), object.get());
     }
-    object->setDescription(instanceName, description);
-    const bool registered = instance->served && instance->selectorTypes == selectorTypes;
-    instance->served = true;
-    instance->selectorTypes = selectorTypes;
+    object->setDescription(source.instance, description);
+    const bool registered = instance.served && instance.selectorTypes == selectorTypes;
+    instance.served = true;
+    instance.selectorTypes = selectorTypes;
     if (!registered) {
         updateRegistration();
     }
-    if (whenServed) {
-        whenServed();
-    }
-    announce(*instance, change);
 }
 
-void ModuleHost::withdrawHere(const QString &objectName, const QString &instanceName)
+void ModuleHost::withdrawHere(const SourceName &source)
 {
-    const Instance *const instance = find(objectName, instanceName);
-    if (instance == nullptr) {
-        return;
-    }
-    instances.removeAt(static_cast<int>(instance - instances.constData()));
-    const auto object = objects.find(objectName);
+    const auto object = objects.find(source.object);
     if (object != objects.end()) {
-        object->second->removeDescription(instanceName);
+        object->second->removeDescription(source.instance);
         if (object->second->instances().isEmpty()) {
-            endpoint->withdrawObject(BusNames::pathOfObject(objectName));
+            endpoint->withdrawObject(BusNames::pathOfObject(source.object));
             objects.erase(object);
         }
         updateRegistration();
@@ -142,10 +135,10 @@ void ModuleHost::withdrawHere(const QString &objectName, const QString &instance
 void ModuleHost::announce(const Instance &instance, AnnouncedChange change)
 {
     endpoint->sendSignal(
-        BusNames::pathOfObject(instance.objectName), BusNames::processDescriptionInterface(),
+        BusNames::pathOfObject(instance.source.object), BusNames::processDescriptionInterface(),
         change == AnnouncedChange::Description ? BusNames::processDescriptionChangedSignal()
                                                : BusNames::propertyChangedSignal(),
-        {instance.instanceName});
+        {instance.source.instance});
 }
 
 void ModuleHost::handleAvailable()
@@ -165,7 +158,7 @@ void ModuleHost::updateRegistration()
     for (const Instance &instance : std::as_const(instances)) {
         for (const QString &selectorType : instance.selectorTypes) {
             entries += QStringLiteral("%1/%2/%3")
-                           .arg(instance.objectName, instance.instanceName, selectorType);
+                           .arg(instance.source.object, instance.source.instance, selectorType);
         }
     }
     registration->setSelectorTypes(entries);

@@ -4,9 +4,9 @@
 #define MODULEHOST_H
 
 #include "BusSettings.h"
+#include "SourceName.h"
 
 #include <QObject>
-#include <QString>
 #include <QStringList>
 #include <QVector>
 
@@ -47,19 +47,19 @@ public:
     /// Reserves an instance before its buffer is made.
     ///
     /// @returns false when this process publishes it already
-    bool reserve(const QString &objectName, const QString &instanceName, QString &error);
+    bool reserve(const SourceName &source, QString &error);
 
     /// Serves a description from now on, and announces it.
     ///
     /// @param selectorTypes  of its leaves, distinct, in document order
     /// @param whenServed     called in the host's thread once fetches give the description, before
     ///                       it is announced; may be empty
-    void serve(const QString &objectName, const QString &instanceName, const QString &description,
+    void serve(const SourceName &source, const QString &description,
                const QStringList &selectorTypes, AnnouncedChange change,
                const std::function<void()> &whenServed);
 
     /// Forgets an instance.
-    void withdraw(const QString &objectName, const QString &instanceName);
+    void withdraw(const SourceName &source);
 
 Q_SIGNALS:
     /// The bus went away, or came back and all is announced. Emitted in the host's thread.
@@ -69,8 +69,7 @@ private:
     friend class ModuleHosts;
     struct Instance
     {
-        QString objectName;
-        QString instanceName;
+        SourceName source;
         bool served = false; // else only reserved
         QStringList selectorTypes;
     };
@@ -81,12 +80,10 @@ private:
     // In the host's thread.
     bool start(QString &error);
     void stop();
-    bool reserveHere(const QString &objectName, const QString &instanceName);
-    void serveHere(const QString &objectName, const QString &instanceName,
-                   const QString &description, const QStringList &selectorTypes,
-                   AnnouncedChange change, const std::function<void()> &whenServed);
-    void withdrawHere(const QString &objectName, const QString &instanceName);
-    Instance *find(const QString &objectName, const QString &instanceName);
+    void serveHere(Instance &instance, const QString &description,
+                   const QStringList &selectorTypes);
+    void withdrawHere(const SourceName &source);
+    Instance *find(const SourceName &source);
     void announce(const Instance &instance, AnnouncedChange change);
     void handleAvailable();
     void updateRegistration();

@@ -22,7 +22,7 @@ void tell(QString *errorMessage, const QString &error)
 // Document is an object or a text, which must live as long as the result.
 template <typename Document> ProcessDataPublisherPrivate::Reader readerOf(const Document &document)
 {
-    return [&document](const PublishedSource &source, QString &error) {
+    return [&document](const SourceName &source, QString &error) {
         return PublishedDescription::fromTemplate(source, document, error);
     };
 }
@@ -42,7 +42,7 @@ ProcessDataPublisher::create(const QString &moduleName, const QString &objectNam
                              const QString &instanceName, const QJsonObject &description,
                              const FirstValues &firstValues, QString *errorMessage)
 {
-    const PublishedSource source{moduleName, objectName, instanceName};
+    const SourceName source{moduleName, objectName, instanceName};
     QString error;
     auto read = PublishedDescription::fromTemplate(source, description, error);
     return start(ProcessDataPublisherPrivate::start(source, std::move(read), error), firstValues,
@@ -54,7 +54,7 @@ ProcessDataPublisher::createFromText(const QString &moduleName, const QString &o
                                      const QString &instanceName, const QByteArray &description,
                                      const FirstValues &firstValues, QString *errorMessage)
 {
-    const PublishedSource source{moduleName, objectName, instanceName};
+    const SourceName source{moduleName, objectName, instanceName};
     QString error;
     auto read = PublishedDescription::fromTemplate(source, description, error);
     return start(ProcessDataPublisherPrivate::start(source, std::move(read), error), firstValues,
@@ -109,7 +109,7 @@ bool ProcessDataPublisher::publish(const QVector<QPair<QString, ProcessValue>> &
     for (const auto &value : values) {
         const int leaf = d->description.indexOf(value.first);
         if (leaf < 0) {
-            qCWarning(publisherLog).noquote() << d->source.label()
+            qCWarning(publisherLog).noquote() << label(d->source)
                     + QStringLiteral(": no leaf \"%1\" to publish").arg(value.first);
             return false;
         }
@@ -117,7 +117,7 @@ bool ProcessDataPublisher::publish(const QVector<QPair<QString, ProcessValue>> &
     }
     QString error;
     if (!d->buffer->publish(located, error)) {
-        qCWarning(publisherLog).noquote() << d->source.label() + QStringLiteral(": ") + error;
+        qCWarning(publisherLog).noquote() << label(d->source) + QStringLiteral(": ") + error;
         return false;
     }
     return true;

@@ -27,7 +27,7 @@ QVector<QPair<int, int>> keptLeaves(const PublishedDescription &before,
 }
 
 std::unique_ptr<ProcessDataPublisherPrivate>
-ProcessDataPublisherPrivate::start(const PublishedSource &source,
+ProcessDataPublisherPrivate::start(const SourceName &source,
                                    std::optional<PublishedDescription> description, QString &error)
 {
     if (!description.has_value()) {
@@ -40,14 +40,14 @@ ProcessDataPublisherPrivate::start(const PublishedSource &source,
     if (state->host == nullptr) {
         return nullptr;
     }
-    state->reserved = state->host->reserve(source.object, source.instance, error);
+    state->reserved = state->host->reserve(source, error);
     if (!state->reserved) {
         return nullptr;
     }
     QString reason;
     state->buffer = PublishedBuffer::create(state->description.parsed(), reason);
     if (state->buffer == nullptr) {
-        error = QStringLiteral("%1: %2").arg(source.label(), reason);
+        error = QStringLiteral("%1: %2").arg(label(source), reason);
         return nullptr;
     }
     ProcessDataDescription &parsed = state->description.parsed();
@@ -55,7 +55,7 @@ ProcessDataPublisherPrivate::start(const PublishedSource &source,
     return state;
 }
 
-ProcessDataPublisherPrivate::ProcessDataPublisherPrivate(PublishedSource source)
+ProcessDataPublisherPrivate::ProcessDataPublisherPrivate(SourceName source)
     : source(std::move(source))
 {
     writeDetection.setInterval(defaultWriteDetectionInterval);
@@ -64,7 +64,7 @@ ProcessDataPublisherPrivate::ProcessDataPublisherPrivate(PublishedSource source)
 ProcessDataPublisherPrivate::~ProcessDataPublisherPrivate()
 {
     if (reserved) {
-        host->withdraw(source.object, source.instance);
+        host->withdraw(source);
     }
     buffer.reset(); // before the host: the name is given back last
 }
@@ -75,15 +75,15 @@ bool ProcessDataPublisherPrivate::isForkedChild(QString &error) const
         return false;
     }
     error = QStringLiteral("%1: it belongs to the process that this one was forked from")
-                .arg(source.label());
+                .arg(label(source));
     return true;
 }
 
 void ProcessDataPublisherPrivate::serve(AnnouncedChange change)
 {
     description.parsed().buffer->revision = buffer->nextRevision();
-    host->serve(source.object, source.instance, QString::fromUtf8(description.served()),
-                description.selectorTypes(), change, [this] { buffer->countChange(); });
+    host->serve(source, QString::fromUtf8(description.served()), description.selectorTypes(),
+                change, [this] { buffer->countChange(); });
 }
 
 void ProcessDataPublisherPrivate::publishFirst(ProcessDataPublisher *q,
@@ -111,7 +111,7 @@ bool ProcessDataPublisherPrivate::replaceDescription(ProcessDataPublisher *q, co
     }
     if (publishingFirst) {
         error = QStringLiteral("%1: first values cannot replace the description they belong to")
-                    .arg(source.label());
+                    .arg(label(source));
         return false;
     }
     auto fresh = read(source, error);
@@ -121,7 +121,7 @@ bool ProcessDataPublisherPrivate::replaceDescription(ProcessDataPublisher *q, co
     QString reason;
     std::unique_ptr<PublishedBuffer> freshBuffer = PublishedBuffer::create(fresh->parsed(), reason);
     if (freshBuffer == nullptr) {
-        error = QStringLiteral("%1: %2").arg(source.label(), reason);
+        error = QStringLiteral("%1: %2").arg(label(source), reason);
         return false;
     }
     fresh->parsed().session = description.parsed().session;
@@ -169,7 +169,7 @@ bool ProcessDataPublisherPrivate::replaceProperties(const Reader &read, QString 
     }
     if (publishingFirst) {
         error = QStringLiteral("%1: first values cannot replace the properties they belong to")
-                    .arg(source.label());
+                    .arg(label(source));
         return false;
     }
     auto fresh = read(source, error);
@@ -179,7 +179,7 @@ bool ProcessDataPublisherPrivate::replaceProperties(const Reader &read, QString 
     QString difference;
     if (!fresh->hasLayoutOf(description, difference)) {
         error = QStringLiteral("%1: new properties must keep the layout, but %2")
-                    .arg(source.label(), difference);
+                    .arg(label(source), difference);
         return false;
     }
     fresh->takeLayoutFrom(description);

@@ -25,12 +25,12 @@ public:
 
     /// Reads and checks a description in whichever form it is given.
     using Reader
-        = std::function<std::optional<PublishedDescription>(const PublishedSource &, QString &)>;
+        = std::function<std::optional<PublishedDescription>(const SourceName &, QString &)>;
 
     /// Takes the module's name and makes the buffer. Null with the reason, and nothing left behind,
     /// when one of them fails or there is no description.
     static std::unique_ptr<ProcessDataPublisherPrivate>
-    start(const PublishedSource &source, std::optional<PublishedDescription> description,
+    start(const SourceName &source, std::optional<PublishedDescription> description,
           QString &error);
 
     /// Withdraws the instance first, so that nobody fetches a description whose buffer is retired.
@@ -50,7 +50,7 @@ public:
     /// For callers that are told why.
     bool isForkedChild(QString &error) const;
 
-    const PublishedSource source;
+    const SourceName source;
     ModuleHost::Pointer host;
     PublishedDescription description;
     std::unique_ptr<PublishedBuffer> buffer;
@@ -59,7 +59,7 @@ public:
 private:
     using ClientWrites = QVector<QPair<QString, ProcessValue>>;
 
-    explicit ProcessDataPublisherPrivate(PublishedSource source);
+    explicit ProcessDataPublisherPrivate(SourceName source);
     void serve(AnnouncedChange change);
     void publishFirst(ProcessDataPublisher *q, const FirstValues &firstValues);
     void carryLateWrites(PublishedBuffer &old, const QVector<QPair<int, int>> &kept);

@@ -43,27 +43,20 @@ int beginOfMembers(const JsonText &text)
     return text.text.indexOf('{') + 1;
 }
 
-bool isPartOfUrl(const QString &name)
+bool checkSource(const SourceName &source, QString &error)
 {
-    return !name.isEmpty() && !name.contains(QLatin1Char('_'));
-}
-
-bool checkSource(const PublishedSource &source, QString &error)
-{
-    if (!isPartOfUrl(source.module)) {
+    if (!isPartOfKey(source.module)) {
         error = QStringLiteral("a module's name must not be empty nor contain \"_\"");
         return false;
     }
-    if (!isPartOfUrl(source.object)) {
+    if (!isPartOfKey(source.object)) {
         error = QStringLiteral("an object's name must not be empty nor contain \"_\"");
         return false;
     }
     for (const QString &name : {source.module, source.object, source.instance}) {
-        for (const QChar character : name) {
-            if (character.category() == QChar::Other_Control) {
-                error = QStringLiteral("its names must not contain control characters");
-                return false;
-            }
+        if (hasControlCharacter(name)) {
+            error = QStringLiteral("its names must not contain control characters");
+            return false;
         }
     }
     return true;
@@ -97,14 +90,14 @@ QJsonObject bufferMember(const BufferDescription &buffer)
 }
 }
 
-QString PublishedSource::label() const
+QString label(const SourceName &source)
 {
     return QStringLiteral("Module \"%1\", object \"%2\", instance \"%3\"")
-        .arg(module, object, instance);
+        .arg(source.module, source.object, source.instance);
 }
 
 // The text as it is to be parsed: with all three names.
-JsonTextPointer PublishedDescription::withNames(const PublishedSource &source,
+JsonTextPointer PublishedDescription::withNames(const SourceName &source,
                                                 const JsonTextPointer &text, QString &error)
 {
     const JsonNode document(*text, text->root);
@@ -121,9 +114,9 @@ JsonTextPointer PublishedDescription::withNames(const PublishedSource &source,
         editedJson(text->text, {{beginOfMembers(*text), 0, leadingMembers(missing)}}), error);
 }
 
-std::optional<PublishedDescription>
-PublishedDescription::fromTemplate(const PublishedSource &source, const QJsonObject &document,
-                                   QString &error)
+std::optional<PublishedDescription> PublishedDescription::fromTemplate(const SourceName &source,
+                                                                       const QJsonObject &document,
+                                                                       QString &error)
 {
     QString reason;
     const JsonTextPointer scanned = scanDescription(document, reason);
@@ -131,8 +124,7 @@ PublishedDescription::fromTemplate(const PublishedSource &source, const QJsonObj
 }
 
 std::optional<PublishedDescription>
-PublishedDescription::fromTemplate(const PublishedSource &source, const QByteArray &json,
-                                   QString &error)
+PublishedDescription::fromTemplate(const SourceName &source, const QByteArray &json, QString &error)
 {
     QString reason;
     const JsonTextPointer scanned = scanDescription(json, reason);
@@ -140,7 +132,7 @@ PublishedDescription::fromTemplate(const PublishedSource &source, const QByteArr
 }
 
 std::optional<PublishedDescription>
-PublishedDescription::fromScanned(const PublishedSource &source, const JsonTextPointer &scanned,
+PublishedDescription::fromScanned(const SourceName &source, const JsonTextPointer &scanned,
                                   QString reason, QString &error)
 {
     PublishedDescription result;
@@ -157,7 +149,7 @@ PublishedDescription::fromScanned(const PublishedSource &source, const JsonTextP
         }
     }
     if (!good) {
-        error = QStringLiteral("%1: %2").arg(source.label(), reason);
+        error = QStringLiteral("%1: %2").arg(label(source), reason);
         return std::nullopt;
     }
     result.indices.reserve(result.description.leaves.size());

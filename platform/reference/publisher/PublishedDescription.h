@@ -13,16 +13,8 @@
 
 #include <optional>
 
-/// What a description belongs to.
-struct PublishedSource
-{
-    QString module;
-    QString object;
-    QString instance;
-
-    /// For messages: which instance of what.
-    QString label() const;
-};
+/// For messages: which instance of what.
+QString label(const SourceName &source);
 
 /// Threads: a value type.
 class PublishedDescription
@@ -32,10 +24,10 @@ public:
     ///
     /// @param error  receives one sentence that names the source and what is wrong
     static std::optional<PublishedDescription>
-    fromTemplate(const PublishedSource &source, const QJsonObject &document, QString &error);
+    fromTemplate(const SourceName &source, const QJsonObject &document, QString &error);
 
     /// The same for a document's text, UTF-8: whole numbers keep every digit.
-    static std::optional<PublishedDescription> fromTemplate(const PublishedSource &source,
+    static std::optional<PublishedDescription> fromTemplate(const SourceName &source,
                                                             const QByteArray &json, QString &error);
 
     /// What PublishedBuffer::create() fills in.
@@ -61,10 +53,10 @@ public:
     QStringList selectorTypes() const;
 
 private:
-    static std::optional<PublishedDescription> fromScanned(const PublishedSource &source,
+    static std::optional<PublishedDescription> fromScanned(const SourceName &source,
                                                            const JsonTextPointer &scanned,
                                                            QString reason, QString &error);
-    static JsonTextPointer withNames(const PublishedSource &source, const JsonTextPointer &text,
+    static JsonTextPointer withNames(const SourceName &source, const JsonTextPointer &text,
                                      QString &error);
 
     JsonTextPointer text; // as its owner gave it, with the names of its source

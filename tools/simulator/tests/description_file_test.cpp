@@ -42,9 +42,9 @@ void DescriptionFileTest::leavesAndMotionsAreFound()
 
     QVERIFY2(parseDescriptionFile("pump.pdd", pump, file, error), qPrintable(error));
 
-    QCOMPARE(file.module, QString("Pump"));
-    QCOMPARE(file.object, QString("Controller"));
-    QCOMPARE(file.instance, QString(""));
+    QCOMPARE(file.source.module, QString("Pump"));
+    QCOMPARE(file.source.object, QString("Controller"));
+    QCOMPARE(file.source.instance, QString(""));
     QCOMPARE(file.movingLeaves.size(), std::size_t(1));
     QCOMPARE(file.movingLeaves.front().leaf.path, QString("drive/speed"));
 }
