@@ -115,9 +115,9 @@ QSharedPointer<SharedMemoryPrivate> mapBuffer(const ObjectFile &buffer, size_t s
 }
 
 QSharedPointer<SharedMemoryPrivate> attachBuffer(const ProcessDataDescription &description,
-                                                 QString &error, AttachStep &step)
+                                                 QString &error, BufferInspection::Step &step)
 {
-    step = AttachStep::File;
+    step = BufferInspection::File;
     const QByteArray path = sharedMemoryPath(description.buffer->name);
     if (path.isEmpty()) {
         error = QStringLiteral("its name is not that of a shared-memory object");
@@ -125,7 +125,7 @@ QSharedPointer<SharedMemoryPrivate> attachBuffer(const ProcessDataDescription &d
     }
     // Where the name ends otherwise, somebody else's file was given this name.
     if (generationOfName(path) != description.buffer->generation) {
-        step = AttachStep::Layout;
+        step = BufferInspection::Layout;
         error = QStringLiteral("its name is not that of a buffer of generation %1")
                     .arg(description.buffer->generation);
         return {};
@@ -133,7 +133,7 @@ QSharedPointer<SharedMemoryPrivate> attachBuffer(const ProcessDataDescription &d
     const ObjectFile buffer
         = openObject(path, description.buffer->ownerUid, ObjectAccess::ReadWriteIfAllowed);
     const FileDescriptor descriptor(buffer.descriptor);
-    step = buffer.error.isEmpty() ? AttachStep::Layout : buffer.step;
+    step = buffer.error.isEmpty() ? BufferInspection::Layout : buffer.step;
     QString reason = buffer.error;
     if (reason.isEmpty()) {
         reason = checkSize(buffer.status, *description.buffer);
@@ -150,13 +150,13 @@ QSharedPointer<SharedMemoryPrivate> attachBuffer(const ProcessDataDescription &d
         return {};
     }
     auto mapping = mapBuffer(buffer, size_t(description.buffer->size), std::move(life), error);
-    step = mapping.isNull() ? AttachStep::Layout : AttachStep::Mapped;
+    step = mapping.isNull() ? BufferInspection::Layout : BufferInspection::Liveness;
     return mapping;
 }
 
 QSharedPointer<SharedMemoryPrivate> attachBuffer(const ProcessDataDescription &description,
                                                  QString &error)
 {
-    AttachStep step = AttachStep::File;
+    BufferInspection::Step step = BufferInspection::File;
     return attachBuffer(description, error, step);
 }

@@ -14,13 +14,13 @@
 /// @param description  with its buffer; its offsets are checked once more against the mapped size
 /// @param error        receives one sentence that names what is wrong and, where a person can fix
 /// it, how
-/// @param step         receives which check failed; Mapped when none did
+/// @param step         receives which check failed; Liveness when none did
 /// @returns the mapping; null when anything differs. A buffer whose publisher is gone or has
 /// retired
 ///          it is mapped too, for its last values: see isBufferLive.
 /// Threads: any.
 QSharedPointer<SharedMemoryPrivate> attachBuffer(const ProcessDataDescription &description,
-                                                 QString &error, AttachStep &step);
+                                                 QString &error, BufferInspection::Step &step);
 
 /// The same for callers that only pass the error on.
 QSharedPointer<SharedMemoryPrivate> attachBuffer(const ProcessDataDescription &description,

@@ -54,27 +54,19 @@ void takeContent(const QByteArray &path, BufferFile &file)
 void takeLife(const QByteArray &path, const QByteArray &bufferPath, BufferFile &file)
 {
     QString problem;
-    switch (lifeOfBuffer(bufferPath, file.ownerUid, problem)) {
-    case BufferLife::Live:
-        file.state = BufferFile::Live;
-        break;
-    case BufferLife::Retired:
-        file.state = BufferFile::Retired;
-        break;
-    case BufferLife::Dead:
-        file.state = BufferFile::Dead;
-        break;
-    case BufferLife::Unreadable:
-        file.state = BufferFile::Unreadable;
-        file.problem = problem;
-        return;
-    case BufferLife::Unknown:
+    const auto life = lifeOfBuffer(bufferPath, file.ownerUid, problem);
+    if (!life) {
         if (path == bufferPath) {
             takeContent(path, file);
         }
         if (file.state == BufferFile::NoBuffer && file.problem.isEmpty()) {
             file.problem = problem;
         }
+        return;
+    }
+    file.state = *life;
+    if (file.state == BufferFile::Unreadable) {
+        file.problem = problem;
         return;
     }
     file.layoutVersion = bufferLayoutVersion;

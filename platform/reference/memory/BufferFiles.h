@@ -15,7 +15,7 @@ struct BufferFile
     enum State {
         Live, ///< its publisher runs
         Retired, ///< its publisher has given it up, and only its name was left
-        Dead, ///< its publisher died: the kernel says so in the record beside it
+        Dead, ///< its publisher died: the kernel says so in the record beside it, or nobody holds its lock
         OtherLayout, ///< a buffer of another layout version: nothing can be told of its publisher
         NoBuffer, ///< something else under such a name
         Unreadable, ///< this process may not read it
@@ -33,7 +33,8 @@ struct BufferFile
     quint32 mode = 0; ///< permission bits
 
     /// Whether it is proved that nobody publishes in it any more.
-    bool isLeftOver() const { return state == Retired || state == Dead; }
+    bool isLeftOver() const { return isLeftOver(state); }
+    static bool isLeftOver(State state) { return state == Retired || state == Dead; }
 };
 
 /// How removing a buffer ended.

@@ -26,21 +26,6 @@ QString permissionText(const QByteArray &path)
         .arg(status.st_mode & permissionBits, 4, octal, QLatin1Char('0'));
 }
 
-BufferInspection::Step stepOf(AttachStep step)
-{
-    switch (step) {
-    case AttachStep::File:
-        return BufferInspection::File;
-    case AttachStep::Permission:
-        return BufferInspection::Permission;
-    case AttachStep::Layout:
-        return BufferInspection::Layout;
-    case AttachStep::Mapped:
-        break;
-    }
-    return BufferInspection::Liveness;
-}
-
 QString livenessProblem(const LifeRecord &life)
 {
     if (bufferState(life) != BufferActive) {
@@ -67,9 +52,7 @@ BufferInspection inspectBuffer(const QString &description)
     result.size = content->buffer->size;
     result.leafCount = content->leaves.size();
     result.permission = permissionText(path);
-    AttachStep step = AttachStep::File;
-    const auto memory = attachBuffer(*content, result.problem, step);
-    result.end = stepOf(step);
+    const auto memory = attachBuffer(*content, result.problem, result.end);
     if (memory.isNull()) {
         return result;
     }

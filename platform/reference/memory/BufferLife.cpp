@@ -54,7 +54,7 @@ ObjectFile openRecord(const QByteArray &bufferPath, quint32 ownerUid, LifeRecord
     const QByteArray path = bufferPath + lifeNameEnd;
     ObjectFile file = openObject(path, ownerUid, ObjectAccess::ReadOnly);
     if (file.error.isEmpty()) {
-        file.step = AttachStep::Layout;
+        file.step = BufferInspection::Layout;
         file.error = readRecord(file.descriptor, record);
     }
     if (file.error.isEmpty()) {
@@ -69,21 +69,22 @@ ObjectFile openRecord(const QByteArray &bufferPath, quint32 ownerUid, LifeRecord
 
 }
 
-BufferLife lifeOfBuffer(const QByteArray &bufferPath, quint32 ownerUid, QString &problem)
+std::optional<BufferFile::State> lifeOfBuffer(const QByteArray &bufferPath, quint32 ownerUid,
+                                              QString &problem)
 {
     LifeRecord record{};
     const ObjectFile file = openRecord(bufferPath, ownerUid, record);
     const FileDescriptor descriptor(file.descriptor);
     if (!file.error.isEmpty()) {
         problem = file.error;
-        return file.reason == EACCES ? BufferLife::Unreadable : BufferLife::Unknown;
+        return file.reason == EACCES ? std::make_optional(BufferFile::Unreadable) : std::nullopt;
     }
     if (record.state == BufferRetired) {
-        return BufferLife::Retired;
+        return BufferFile::Retired;
     }
     // A record gets its name only after its publisher holds the lock, so a lock without an owner
     // means death in every state.
-    return isLockOwnerAlive(lockWord(record.lock)) ? BufferLife::Live : BufferLife::Dead;
+    return isLockOwnerAlive(lockWord(record.lock)) ? BufferFile::Live : BufferFile::Dead;
 }
 
 LifeMapping::~LifeMapping()
@@ -93,7 +94,7 @@ LifeMapping::~LifeMapping()
 }
 
 std::unique_ptr<LifeMapping> attachLife(const BufferDescription &buffer, QString &error,
-                                        AttachStep &step)
+                                        BufferInspection::Step &step)
 {
     LifeRecord record{};
     const ObjectFile file = openRecord(sharedMemoryPath(buffer.name), buffer.ownerUid, record);
@@ -103,7 +104,7 @@ std::unique_ptr<LifeMapping> attachLife(const BufferDescription &buffer, QString
         error = file.error;
         return nullptr;
     }
-    step = AttachStep::Layout;
+    step = BufferInspection::Layout;
     if (record.state == BufferBuilding) {
         error = QStringLiteral("it is not complete");
         return nullptr;
@@ -114,6 +115,6 @@ std::unique_ptr<LifeMapping> attachLife(const BufferDescription &buffer, QString
                     .arg(errorText(errno));
         return nullptr;
     }
-    step = AttachStep::Mapped;
+    step = BufferInspection::Liveness;
     return std::make_unique<LifeMapping>(base);
 }

@@ -83,7 +83,8 @@ void removeLeftovers(const QByteArray &prefix)
     const QVector<QByteArray> found = recordedBuffers(prefix);
     for (const QByteArray &path : found) {
         QString problem;
-        if (isAbandoned(lifeOfBuffer(path, geteuid(), problem))) {
+        const auto life = lifeOfBuffer(path, geteuid(), problem);
+        if (life && BufferFile::isLeftOver(*life)) {
             removeFile(path);
             removeFile(path + lifeNameEnd);
         }

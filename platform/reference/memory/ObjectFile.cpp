@@ -25,15 +25,15 @@ QString typeProblem(mode_t mode)
 
 bool judge(ObjectFile &file, quint32 ownerUid)
 {
-    file.step = AttachStep::File;
+    file.step = BufferInspection::File;
     file.error = typeProblem(file.status.st_mode);
     if (file.error.isEmpty() && file.status.st_uid != ownerUid) {
-        file.step = AttachStep::Permission;
+        file.step = BufferInspection::Permission;
         file.error
             = differs("owner", UserNames::ofUser(file.status.st_uid), UserNames::ofUser(ownerUid));
     }
     if (file.error.isEmpty() && file.status.st_nlink > 1) {
-        file.step = AttachStep::Layout;
+        file.step = BufferInspection::Layout;
         file.error = differs("number of names (hard links)", file.status.st_nlink, 1);
     }
     return file.error.isEmpty();
@@ -42,7 +42,8 @@ bool judge(ObjectFile &file, quint32 ownerUid)
 void failed(ObjectFile &file, int reason)
 {
     file.reason = reason;
-    file.step = reason == EACCES || reason == EPERM ? AttachStep::Permission : AttachStep::File;
+    file.step = reason == EACCES || reason == EPERM ? BufferInspection::Permission
+                                                    : BufferInspection::File;
     constexpr int octal = 8;
     file.error = reason == ENOENT
         ? QStringLiteral("it does not exist; its publisher has ended or made a new one")

@@ -3,18 +3,12 @@
 #ifndef OBJECTFILE_H
 #define OBJECTFILE_H
 
+#include "BufferInspection.h"
+
 #include <QByteArray>
 #include <QString>
 
 #include <sys/stat.h>
-
-/// Where attaching ended.
-enum class AttachStep {
-    File, ///< there is no such object
-    Permission, ///< it may not be read, or is not owned by whom the description names
-    Layout, ///< it is not what the description says
-    Mapped,
-};
 
 /// An object that is what it should be, or why it is not.
 struct ObjectFile
@@ -23,7 +17,7 @@ struct ObjectFile
     bool writable = false;
     struct stat status = {};
     QString error; ///< one sentence; empty on success
-    AttachStep step = AttachStep::File; ///< of the failure
+    BufferInspection::Step step = BufferInspection::File; ///< of the failure
     int reason = 0; ///< errno where a system call failed
 };
 

@@ -152,10 +152,6 @@ PublishedDescription::fromScanned(const SourceName &source, const JsonTextPointe
         error = QStringLiteral("%1: %2").arg(label(source), reason);
         return std::nullopt;
     }
-    result.indices.reserve(result.description.leaves.size());
-    for (int i = 0; i < result.description.leaves.size(); ++i) {
-        result.indices.insert(result.description.leaves.at(i).path, i);
-    }
     return result;
 }
 

@@ -6,7 +6,6 @@
 #include "ProcessDataDescription.h"
 
 #include <QByteArray>
-#include <QHash>
 #include <QJsonObject>
 #include <QString>
 #include <QStringList>
@@ -35,7 +34,7 @@ public:
     const ProcessDataDescription &parsed() const { return description; }
 
     /// Position of a leaf; -1 for an unknown path.
-    int indexOf(const QString &path) const { return indices.value(path, -1); }
+    int indexOf(const QString &path) const { return description.positions.value(path, -1); }
 
     /// Whether both lay out to the same buffer: the same leaves in the same order, with the same
     /// type, capacity and readOnly.
@@ -61,7 +60,6 @@ private:
 
     JsonTextPointer text; // as its owner gave it, with the names of its source
     ProcessDataDescription description;
-    QHash<QString, int> indices;
 };
 
 #endif
