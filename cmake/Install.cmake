@@ -73,11 +73,11 @@ if(SELECTORHANDLER_PLATFORM STREQUAL "reference")
             ${reference_dir}/bus/CallDeadline.h
             ${reference_dir}/query/InstanceListClient.h
             ${reference_dir}/query/ServiceOwnerClient.h
-            ${reference_dir}/memory/BufferInspection.h
+            ${reference_dir}/include/BufferInspection.h
             ${reference_dir}/query/ProviderListClient.h
-            ${reference_dir}/publisher/ProcessDataPublisher.h
-            ${reference_dir}/system/ProviderRegistryService.h
-            ${reference_dir}/system/SystemStatusService.h)
+            ${reference_dir}/include/ProcessDataPublisher.h
+            ${reference_dir}/include/ProviderRegistryService.h
+            ${reference_dir}/include/SystemStatusService.h)
     file(GLOB bus_policies CONFIGURE_DEPENDS ${reference_dir}/dbus/*.conf)
     install(FILES ${bus_policies}
         DESTINATION ${CMAKE_INSTALL_DATADIR}/dbus-1/system.d COMPONENT runtime)

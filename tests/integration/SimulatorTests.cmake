@@ -8,5 +8,6 @@ foreach(name exactlimits simulator_faults simulator_lock simulator_scenario)
 endforeach()
 target_compile_definitions(integration_simulator_scenario_test
     PRIVATE EXAMPLE_DATA="${PROJECT_SOURCE_DIR}/examples/data")
-target_include_directories(integration_simulator_lock_test
-    PRIVATE ${PROJECT_SOURCE_DIR}/platform/reference/model) # BufferLayout.h stands on SlotLayout.h
+# It locks a buffer as a foreign process would, so it knows the layout.
+target_include_directories(integration_simulator_lock_test PRIVATE
+    ${PROJECT_SOURCE_DIR}/platform/reference/memory ${PROJECT_SOURCE_DIR}/platform/reference/model)
