@@ -3,6 +3,7 @@
 #include "ControlService.h"
 
 #include "ServiceEndpoint.h"
+#include "com.orvalis.ProcessDataSimulator1.h"
 
 #include <QDBusError>
 #include <QJsonDocument>
@@ -38,25 +39,9 @@ bool ControlService::start(QString &error)
     return endpoint->start(error);
 }
 
-// The same as com.orvalis.ProcessDataSimulator1.xml.
 QString ControlService::introspection() const
 {
-    return QStringLiteral(R"(  <interface name="com.orvalis.ProcessDataSimulator1">
-    <method name="ListSteps">
-      <arg name="names" type="as" direction="out"/>
-    </method>
-    <method name="GetStep">
-      <arg name="name" type="s" direction="in"/>
-      <arg name="json" type="s" direction="out"/>
-    </method>
-    <method name="RunStep">
-      <arg name="name" type="s" direction="in"/>
-    </method>
-    <method name="RunInline">
-      <arg name="json" type="s" direction="in"/>
-    </method>
-  </interface>
-)");
+    return QString::fromLatin1(introspectionXml);
 }
 
 BusAnswer ControlService::answer(const ServedCall &call)

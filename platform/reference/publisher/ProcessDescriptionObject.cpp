@@ -4,6 +4,7 @@
 
 #include "BusNames.h"
 #include "PreparedDescription.h"
+#include "com.orvalis.ProcessDescription1.h"
 
 #include <utility>
 
@@ -35,26 +36,9 @@ bool ProcessDescriptionObject::hasDescription(const QString &instanceName) const
     return descriptions.contains(instanceName);
 }
 
-// The same as dbus/com.orvalis.ProcessDescription1.xml.
 QString ProcessDescriptionObject::introspection() const
 {
-    return QStringLiteral(R"(  <interface name="com.orvalis.ProcessDescription1">
-    <method name="GetProcessDataDescription">
-      <arg name="instance" type="s" direction="in"/>
-      <arg name="reserved" type="s" direction="in"/>
-      <arg name="description" type="s" direction="out"/>
-    </method>
-    <method name="ListInstances">
-      <arg name="instances" type="as" direction="out"/>
-    </method>
-    <signal name="ProcessDataDescriptionChanged">
-      <arg name="instance" type="s"/>
-    </signal>
-    <signal name="PropertyChanged">
-      <arg name="instance" type="s"/>
-    </signal>
-  </interface>
-)");
+    return QString::fromLatin1(introspectionXml);
 }
 
 BusAnswer ProcessDescriptionObject::answer(const ServedCall &call)

@@ -3,6 +3,7 @@
 #include "ProviderRegistryObject.h"
 
 #include "BusNames.h"
+#include "com.orvalis.SystemInformationManager1.h"
 
 namespace {
 
@@ -18,23 +19,9 @@ BusAnswer wrongSignature(const ServedCall &call)
 }
 }
 
-// The same as dbus/com.orvalis.SystemInformationManager1.xml.
 QString ProviderRegistryObject::introspection() const
 {
-    return QStringLiteral(R"(  <interface name="com.orvalis.SystemInformationManager1">
-    <method name="RegisterProvider">
-      <arg name="module" type="s" direction="in"/>
-      <arg name="additionalData" type="s" direction="in"/>
-    </method>
-    <method name="UnregisterProvider">
-      <arg name="module" type="s" direction="in"/>
-    </method>
-    <method name="GetRegisteredProviderList">
-      <arg name="providers" type="s" direction="out"/>
-    </method>
-    <signal name="ProviderListChanged"/>
-  </interface>
-)");
+    return QString::fromLatin1(introspectionXml);
 }
 
 BusAnswer ProviderRegistryObject::answer(const ServedCall &call)

@@ -3,18 +3,14 @@
 #include "SystemStatusObject.h"
 
 #include "BusNames.h"
+#include "com.orvalis.SystemStatusManager1.h"
 
 #include <QDBusError>
 #include <QDBusVariant>
 
-// The same as dbus/com.orvalis.SystemStatusManager1.xml.
 QString SystemStatusObject::introspection() const
 {
-    return QStringLiteral(R"(  <interface name="com.orvalis.SystemStatusManager1">
-    <property name="Ready" type="b" access="read"/>
-    <signal name="StartupReady"/>
-  </interface>
-)");
+    return QString::fromLatin1(introspectionXml);
 }
 
 BusAnswer SystemStatusObject::answer(const ServedCall &call)
