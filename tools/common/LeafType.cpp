@@ -2,34 +2,11 @@
 // Types of leaves and the values that they can hold.
 #include "LeafType.h"
 
-#include <array>
+#include <climits>
 #include <cmath>
 #include <limits>
 
 namespace {
-
-struct NamedType
-{
-    const char *name;
-    LeafType::Kind kind;
-    int bits;
-};
-
-constexpr std::array<NamedType, 13> namedTypes{{
-    {"bool", LeafType::Bool, 0},
-    {"int8", LeafType::Signed, 8},
-    {"int16", LeafType::Signed, 16},
-    {"int32", LeafType::Signed, 32},
-    {"int64", LeafType::Signed, 64},
-    {"uint8", LeafType::Unsigned, 8},
-    {"uint16", LeafType::Unsigned, 16},
-    {"uint32", LeafType::Unsigned, 32},
-    {"uint64", LeafType::Unsigned, 64},
-    {"float32", LeafType::Float, 32},
-    {"float64", LeafType::Float, 64},
-    {"string", LeafType::String, 0},
-    {"bytes", LeafType::Bytes, 0},
-}};
 
 QVariant fromSigned(int bits, qlonglong number)
 {
@@ -41,20 +18,6 @@ QVariant fromUnsigned(int bits, qulonglong number)
     return bits == 64 ? QVariant(number) : QVariant(static_cast<uint>(number));
 }
 
-// The nearest float; infinite when none is near. Out of a float's range the language leaves a cast
-// undefined.
-float nearestFloat(double number)
-{
-    constexpr double pastRounding = 3.4028235677973366e38; // halfway from the largest to 2^128
-    constexpr float largest = std::numeric_limits<float>::max();
-    if (std::abs(number) > static_cast<double>(largest)) {
-        const float magnitude
-            = std::abs(number) < pastRounding ? largest : std::numeric_limits<float>::infinity();
-        return number < 0 ? -magnitude : magnitude;
-    }
-    return static_cast<float>(number);
-}
-
 QVariant fromFloat(int bits, double number)
 {
     return bits == 32 ? QVariant(nearestFloat(number)) : QVariant(number);
@@ -62,7 +25,7 @@ QVariant fromFloat(int bits, double number)
 
 QString rangeError(const LeafType &type)
 {
-    if (type.kind == LeafType::Signed) {
+    if (type.kind == ValueKind::Signed) {
         const qlonglong highest = std::numeric_limits<qlonglong>::max() >> (64 - type.bits);
         return QStringLiteral("%1 holds %2 to %3").arg(type.name).arg(-highest - 1).arg(highest);
     }
@@ -101,7 +64,7 @@ bool integerFromText(const LeafType &type, const QString &text, QVariant &value,
     const QString digits = text.startsWith(QLatin1Char('+')) ? text.mid(1) : text;
     const int base = baseOf(digits.startsWith(QLatin1Char('-')) ? digits.mid(1) : digits);
     bool ok = false;
-    if (type.kind == LeafType::Signed) {
+    if (type.kind == ValueKind::Signed) {
         const qlonglong number = digits.toLongLong(&ok, base);
         const qlonglong highest = std::numeric_limits<qlonglong>::max() >> (64 - type.bits);
         if (ok && number <= highest && number >= -highest - 1) {
@@ -156,7 +119,7 @@ bool isExactJsonText(const LeafType &type, const QString &text)
     static const QStringList reals{QStringLiteral("NaN"), QStringLiteral("Infinity"),
                                    QStringLiteral("-Infinity"), QStringLiteral("-0")};
     constexpr int digitsOfDoubles = 16;
-    return type.kind == LeafType::Float ? reals.contains(text) : text.size() >= digitsOfDoubles;
+    return type.kind == ValueKind::Float ? reals.contains(text) : text.size() >= digitsOfDoubles;
 }
 
 bool boolFromText(const QString &text, QVariant &value, QString &error)
@@ -193,9 +156,9 @@ bool bytesFromText(const QString &text, QVariant &value, QString &error)
 double LeafType::lowest() const
 {
     switch (kind) {
-    case Signed:
+    case ValueKind::Signed:
         return -std::ldexp(1.0, bits - 1);
-    case Float:
+    case ValueKind::Float:
         return bits == 32 ? -std::numeric_limits<float>::max()
                           : -std::numeric_limits<double>::max();
     default:
@@ -206,13 +169,13 @@ double LeafType::lowest() const
 double LeafType::highest() const
 {
     switch (kind) {
-    case Bool:
+    case ValueKind::Bool:
         return 1;
-    case Signed:
+    case ValueKind::Signed:
         return std::ldexp(1.0, bits - 1) - (bits == 64 ? 1024 : 1);
-    case Unsigned:
+    case ValueKind::Unsigned:
         return std::ldexp(1.0, bits) - (bits == 64 ? 2048 : 1);
-    case Float:
+    case ValueKind::Float:
         return bits == 32 ? std::numeric_limits<float>::max() : std::numeric_limits<double>::max();
     default:
         return 0;
@@ -221,27 +184,27 @@ double LeafType::highest() const
 
 std::optional<LeafType> leafType(const QString &name)
 {
-    for (const NamedType &type : namedTypes) {
-        if (name == QLatin1String(type.name)) {
-            return LeafType{name, type.kind, type.bits};
-        }
+    const auto type = valueTypeFromName(name);
+    if (!type) {
+        return std::nullopt;
     }
-    return std::nullopt;
+    const ValueTypeRow &row = valueTypes[size_t(*type)];
+    return LeafType{*type, row.name, row.kind, int(row.size) * CHAR_BIT};
 }
 
 bool valueFromText(const LeafType &type, const QString &text, QVariant &value, QString &error)
 {
     switch (type.kind) {
-    case LeafType::Bool:
+    case ValueKind::Bool:
         return boolFromText(text, value, error);
-    case LeafType::Signed:
-    case LeafType::Unsigned:
+    case ValueKind::Signed:
+    case ValueKind::Unsigned:
         return integerFromText(type, text, value, error);
-    case LeafType::Float:
+    case ValueKind::Float:
         return floatFromText(type, text, value, error);
-    case LeafType::Bytes:
+    case ValueKind::Bytes:
         return bytesFromText(text, value, error);
-    case LeafType::String:
+    case ValueKind::String:
         break;
     }
     value = text;
@@ -250,14 +213,14 @@ bool valueFromText(const LeafType &type, const QString &text, QVariant &value, Q
 
 bool valueFromJson(const LeafType &type, const QJsonValue &json, QVariant &value, QString &error)
 {
-    const bool textual = type.kind == LeafType::String || type.kind == LeafType::Bytes;
+    const bool textual = type.kind == ValueKind::String || type.kind == ValueKind::Bytes;
     if (textual && json.isString()) {
         return valueFromText(type, json.toString(), value, error);
     }
     if (type.isNumber() && json.isString() && isExactJsonText(type, json.toString())) {
         return valueFromText(type, json.toString(), value, error);
     }
-    if (type.kind == LeafType::Bool && json.isBool()) {
+    if (type.kind == ValueKind::Bool && json.isBool()) {
         value = json.toBool();
         return true;
     }
@@ -265,8 +228,8 @@ bool valueFromJson(const LeafType &type, const QJsonValue &json, QVariant &value
         const QVariant number = json.toVariant();
         // A whole number keeps all 64 bits on its way through text; a fraction must stay one.
         const QString text = number.type() == QVariant::Double
-            ? QString::number(number.toDouble(), type.kind == LeafType::Float ? 'g' : 'f',
-                              type.kind == LeafType::Float ? 17 : -128)
+            ? QString::number(number.toDouble(), type.kind == ValueKind::Float ? 'g' : 'f',
+                              type.kind == ValueKind::Float ? 17 : -128)
             : number.toString();
         return valueFromText(type, text, value, error);
     }
@@ -278,11 +241,11 @@ QVariant valueFromNumber(const LeafType &type, double number)
 {
     const double held = qBound(type.lowest(), number, type.highest());
     switch (type.kind) {
-    case LeafType::Bool:
+    case ValueKind::Bool:
         return number >= 0.5;
-    case LeafType::Signed:
+    case ValueKind::Signed:
         return fromSigned(type.bits, static_cast<qlonglong>(std::llround(held)));
-    case LeafType::Unsigned:
+    case ValueKind::Unsigned:
         return fromUnsigned(type.bits, static_cast<qulonglong>(std::round(held)));
     default:
         return fromFloat(type.bits, held);

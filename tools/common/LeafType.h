@@ -3,6 +3,8 @@
 #ifndef LEAFTYPE_H
 #define LEAFTYPE_H
 
+#include "ValueType.h"
+
 #include <QJsonObject>
 #include <QJsonValue>
 #include <QString>
@@ -13,14 +15,13 @@
 /// What the tools need to know of a leaf's type.
 struct LeafType
 {
-    enum Kind { Bool, Signed, Unsigned, Float, String, Bytes };
-
+    ValueType type = ValueType::Float64;
     QString name;
-    Kind kind = Float;
-    int bits = 0; ///< of a number; 0 for the others
+    ValueKind kind = ValueKind::Float;
+    int bits = 0; ///< of a number
 
-    bool isInteger() const { return kind == Signed || kind == Unsigned; }
-    bool isNumber() const { return isInteger() || kind == Float; }
+    bool isInteger() const { return kind == ValueKind::Signed || kind == ValueKind::Unsigned; }
+    bool isNumber() const { return isInteger() || kind == ValueKind::Float; }
 
     /// Smallest and largest value; of 64-bit integers the nearest double.
     double lowest() const;

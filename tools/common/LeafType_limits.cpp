@@ -21,28 +21,16 @@ QVariant limitOf(const LeafType &type, const QJsonValue &json)
     return limit;
 }
 
-bool isLess(const LeafType &type, const QVariant &left, const QVariant &right)
-{
-    switch (type.kind) {
-    case LeafType::Signed:
-        return left.toLongLong() < right.toLongLong();
-    case LeafType::Unsigned:
-        return left.toULongLong() < right.toULongLong();
-    default:
-        return left.toDouble() < right.toDouble();
-    }
-}
-
 } // namespace
 
 bool checkLimits(const LeafType &type, const QJsonObject &properties, const QVariant &value,
                  QString &error)
 {
     if (!type.isNumber()) {
-        const int size = type.kind == LeafType::Bytes ? value.toByteArray().size()
-                                                      : value.toString().toUtf8().size();
+        const int size = type.kind == ValueKind::Bytes ? value.toByteArray().size()
+                                                       : value.toString().toUtf8().size();
         const QJsonValue capacity = properties.value(QLatin1String("capacity"));
-        if (type.kind != LeafType::Bool && capacity.isDouble() && size > capacity.toDouble()) {
+        if (type.kind != ValueKind::Bool && capacity.isDouble() && size > capacity.toDouble()) {
             error = QStringLiteral("has %1 bytes, more than the capacity %2")
                         .arg(size)
                         .arg(capacity.toVariant().toString());
@@ -53,15 +41,15 @@ bool checkLimits(const LeafType &type, const QJsonObject &properties, const QVar
     const QVariant minimum = limitOf(type, properties.value(QLatin1String("minimum")));
     const QVariant maximum = limitOf(type, properties.value(QLatin1String("maximum")));
     const bool isLimited = minimum.isValid() || maximum.isValid();
-    if (isLimited && type.kind == LeafType::Float && std::isnan(value.toDouble())) {
+    if (isLimited && type.kind == ValueKind::Float && std::isnan(value.toDouble())) {
         error = QStringLiteral("has no place between limits");
         return false;
     }
-    if (minimum.isValid() && isLess(type, value, minimum)) {
+    if (minimum.isValid() && isLess(type.type, value, minimum)) {
         error = QStringLiteral("is below the minimum %1").arg(valueToText(minimum));
         return false;
     }
-    if (maximum.isValid() && isLess(type, maximum, value)) {
+    if (maximum.isValid() && isLess(type.type, maximum, value)) {
         error = QStringLiteral("is above the maximum %1").arg(valueToText(maximum));
         return false;
     }

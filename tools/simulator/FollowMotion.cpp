@@ -20,7 +20,7 @@ FollowMotion::FollowMotion(LeafType type, Follow follow)
 
 QVariant FollowMotion::copy(const QVariant &target) const
 {
-    if (type.kind == LeafType::Bytes) {
+    if (type.kind == ValueKind::Bytes) {
         return target.toByteArray().left(follow.capacity);
     }
     QString text = target.toString();
@@ -38,7 +38,7 @@ QVariant FollowMotion::next(qint64 elapsed, const ValueReader &read)
     if (!value.isValid() || (number && !std::isfinite(value.toDouble()))) {
         return {};
     }
-    if (type.kind == LeafType::String || type.kind == LeafType::Bytes) {
+    if (type.kind == ValueKind::String || type.kind == ValueKind::Bytes) {
         return copy(value);
     }
     const double target = qBound(

@@ -48,7 +48,7 @@ Wave readWave(const LeafTemplate &leaf, MotionParameters &parameters, Wave::Shap
 {
     Wave wave;
     wave.shape = shape;
-    if (leaf.type.kind == LeafType::Bool && shape == Wave::Square) {
+    if (leaf.type.kind == ValueKind::Bool && shape == Wave::Square) {
         wave.offset = 0.5;
         wave.amplitude = 0.5;
     } else {
@@ -146,11 +146,11 @@ std::unique_ptr<Motion> makeFollow(const LeafTemplate &leaf, const QVector<LeafT
     const auto target = std::find_if(leaves.begin(), leaves.end(), [&](const LeafTemplate &other) {
         return other.path == follow.path && other.path != leaf.path;
     });
-    const bool numeric = leaf.type.isNumber() || leaf.type.kind == LeafType::Bool;
+    const bool numeric = leaf.type.isNumber() || leaf.type.kind == ValueKind::Bool;
     if (target == leaves.end()) {
         parameters.fail(QStringLiteral("of"),
                         QStringLiteral("names no other leaf: \"%1\"").arg(follow.path));
-    } else if (numeric != (target->type.isNumber() || target->type.kind == LeafType::Bool)
+    } else if (numeric != (target->type.isNumber() || target->type.kind == ValueKind::Bool)
                || (!numeric && target->type.kind != leaf.type.kind)) {
         parameters.fail(QStringLiteral("of"),
                         QStringLiteral("names a leaf of another kind: %1 cannot follow %2")
@@ -192,7 +192,7 @@ const std::map<QString, Kind> &kinds()
 
 bool suits(const Kind &kind, const LeafType &type)
 {
-    return kind.forAllTypes || type.isNumber() || (kind.forBool && type.kind == LeafType::Bool);
+    return kind.forAllTypes || type.isNumber() || (kind.forBool && type.kind == ValueKind::Bool);
 }
 
 } // namespace

@@ -169,19 +169,12 @@ std::optional<QVariant> toBool(const QVariant &value, QString &reason)
     return std::nullopt;
 }
 
-// The nearest number of the type. Out of a float's range the language leaves a cast undefined.
 template <typename Real> Real nearest(double real)
 {
     if constexpr (sizeof(Real) < sizeof(double)) {
-        constexpr double pastRounding = 3.4028235677973366e38; // halfway from FLT_MAX to 2^128
-        using Limits = std::numeric_limits<Real>;
-        const double magnitude = std::fabs(real);
-        if (magnitude > static_cast<double>(Limits::max())) {
-            return std::copysign(magnitude < pastRounding ? Limits::max() : Limits::infinity(),
-                                 static_cast<Real>(std::copysign(1.0, real)));
-        }
+        return nearestFloat(real);
     }
-    return static_cast<Real>(real);
+    return real;
 }
 
 template <typename Real> std::optional<QVariant> wholeToReal(const Whole &whole, QString &reason)
@@ -280,30 +273,6 @@ std::optional<QVariant> convertToType(ValueType type, const QVariant &value, QSt
         return toBytes(value, reason);
     }
     Q_UNREACHABLE();
-}
-
-bool isLess(ValueType type, const QVariant &left, const QVariant &right)
-{
-    switch (type) {
-    case ValueType::Int8:
-    case ValueType::Int16:
-    case ValueType::Int32:
-    case ValueType::Int64:
-        return left.toLongLong() < right.toLongLong();
-    case ValueType::UInt8:
-    case ValueType::UInt16:
-    case ValueType::UInt32:
-    case ValueType::UInt64:
-        return left.toULongLong() < right.toULongLong();
-    case ValueType::Float32:
-    case ValueType::Float64:
-        return left.toDouble() < right.toDouble();
-    case ValueType::Bool:
-    case ValueType::String:
-    case ValueType::Bytes:
-        break;
-    }
-    return false;
 }
 
 QString printable(const QVariant &value)

@@ -20,10 +20,6 @@
 /// @param reason  receives why it does not convert, as the end of a sentence; left alone on success
 std::optional<QVariant> convertToType(ValueType type, const QVariant &value, QString &reason);
 
-/// Whether one value of a type is less than another of the same type; false when they have no
-/// order.
-bool isLess(ValueType type, const QVariant &left, const QVariant &right);
-
 /// A value as it stands in messages, shortened when it is long.
 QString printable(const QVariant &value);
 
