@@ -12,11 +12,13 @@
 
 namespace {
 
-void tell(QString *errorMessage, const QString &error)
+// Whether all went well; else its reason reaches whoever asked for one.
+bool told(bool good, const QString &error, QString *errorMessage)
 {
-    if (errorMessage != nullptr) {
+    if (!good && errorMessage != nullptr) {
         *errorMessage = error;
     }
+    return good;
 }
 
 // Document is an object or a text, which must live as long as the result.
@@ -42,11 +44,10 @@ ProcessDataPublisher::create(const QString &moduleName, const QString &objectNam
                              const QString &instanceName, const QJsonObject &description,
                              const FirstValues &firstValues, QString *errorMessage)
 {
-    const SourceName source{moduleName, objectName, instanceName};
     QString error;
-    auto read = PublishedDescription::fromTemplate(source, description, error);
-    return start(ProcessDataPublisherPrivate::start(source, std::move(read), error), firstValues,
-                 error, errorMessage);
+    auto state = ProcessDataPublisherPrivate::start({moduleName, objectName, instanceName},
+                                                    readerOf(description), error);
+    return start(std::move(state), firstValues, error, errorMessage);
 }
 
 QSharedPointer<ProcessDataPublisher>
@@ -54,11 +55,10 @@ ProcessDataPublisher::createFromText(const QString &moduleName, const QString &o
                                      const QString &instanceName, const QByteArray &description,
                                      const FirstValues &firstValues, QString *errorMessage)
 {
-    const SourceName source{moduleName, objectName, instanceName};
     QString error;
-    auto read = PublishedDescription::fromTemplate(source, description, error);
-    return start(ProcessDataPublisherPrivate::start(source, std::move(read), error), firstValues,
-                 error, errorMessage);
+    auto state = ProcessDataPublisherPrivate::start({moduleName, objectName, instanceName},
+                                                    readerOf(description), error);
+    return start(std::move(state), firstValues, error, errorMessage);
 }
 
 // state is null when an error is to be told.
@@ -67,12 +67,10 @@ ProcessDataPublisher::start(std::unique_ptr<ProcessDataPublisherPrivate> state,
                             const FirstValues &firstValues, const QString &error,
                             QString *errorMessage)
 {
-    QSharedPointer<ProcessDataPublisher> publisher;
-    if (state == nullptr) {
-        tell(errorMessage, error);
-        return publisher;
+    if (!told(state != nullptr, error, errorMessage)) {
+        return {};
     }
-    publisher.reset(new ProcessDataPublisher(state.release()));
+    QSharedPointer<ProcessDataPublisher> publisher(new ProcessDataPublisher(state.release()));
     publisher->d->announceFirst(publisher.data(), firstValues);
     return publisher;
 }
@@ -158,20 +156,14 @@ bool ProcessDataPublisher::replaceDescription(const QJsonObject &description,
 {
     QString error;
     const bool replaced = d->replaceDescription(this, readerOf(description), firstValues, error);
-    if (!replaced) {
-        tell(errorMessage, error);
-    }
-    return replaced;
+    return told(replaced, error, errorMessage);
 }
 
 bool ProcessDataPublisher::replaceProperties(const QJsonObject &description, QString *errorMessage)
 {
     QString error;
     const bool replaced = d->replaceProperties(readerOf(description), error);
-    if (!replaced) {
-        tell(errorMessage, error);
-    }
-    return replaced;
+    return told(replaced, error, errorMessage);
 }
 
 bool ProcessDataPublisher::replaceDescriptionText(const QByteArray &description,
@@ -180,10 +172,7 @@ bool ProcessDataPublisher::replaceDescriptionText(const QByteArray &description,
 {
     QString error;
     const bool replaced = d->replaceDescription(this, readerOf(description), firstValues, error);
-    if (!replaced) {
-        tell(errorMessage, error);
-    }
-    return replaced;
+    return told(replaced, error, errorMessage);
 }
 
 bool ProcessDataPublisher::replacePropertiesText(const QByteArray &description,
@@ -191,10 +180,7 @@ bool ProcessDataPublisher::replacePropertiesText(const QByteArray &description,
 {
     QString error;
     const bool replaced = d->replaceProperties(readerOf(description), error);
-    if (!replaced) {
-        tell(errorMessage, error);
-    }
-    return replaced;
+    return told(replaced, error, errorMessage);
 }
 
 void ProcessDataPublisher::setWriteDetectionInterval(int milliseconds)

@@ -27,9 +27,9 @@ QVector<QPair<int, int>> keptLeaves(const PublishedDescription &before,
 }
 
 std::unique_ptr<ProcessDataPublisherPrivate>
-ProcessDataPublisherPrivate::start(const SourceName &source,
-                                   std::optional<PublishedDescription> description, QString &error)
+ProcessDataPublisherPrivate::start(const SourceName &source, const Reader &read, QString &error)
 {
+    auto description = read(source, error);
     if (!description.has_value()) {
         return nullptr;
     }
@@ -103,18 +103,25 @@ void ProcessDataPublisherPrivate::announceFirst(ProcessDataPublisher *q,
     serve(AnnouncedChange::Description);
 }
 
+std::optional<PublishedDescription>
+ProcessDataPublisherPrivate::readReplacement(const Reader &read, const char *what,
+                                             QString &error) const
+{
+    if (isForkedChild(error)) {
+        return std::nullopt;
+    }
+    if (publishingFirst) {
+        error = QStringLiteral("%1: first values cannot replace the %2 they belong to")
+                    .arg(label(source), QLatin1String(what));
+        return std::nullopt;
+    }
+    return read(source, error);
+}
+
 bool ProcessDataPublisherPrivate::replaceDescription(ProcessDataPublisher *q, const Reader &read,
                                                      const FirstValues &firstValues, QString &error)
 {
-    if (isForkedChild(error)) {
-        return false;
-    }
-    if (publishingFirst) {
-        error = QStringLiteral("%1: first values cannot replace the description they belong to")
-                    .arg(label(source));
-        return false;
-    }
-    auto fresh = read(source, error);
+    auto fresh = readReplacement(read, "description", error);
     if (!fresh.has_value()) {
         return false;
     }
@@ -164,15 +171,7 @@ void ProcessDataPublisherPrivate::carryLateWrites(PublishedBuffer &old,
 
 bool ProcessDataPublisherPrivate::replaceProperties(const Reader &read, QString &error)
 {
-    if (isForkedChild(error)) {
-        return false;
-    }
-    if (publishingFirst) {
-        error = QStringLiteral("%1: first values cannot replace the properties they belong to")
-                    .arg(label(source));
-        return false;
-    }
-    auto fresh = read(source, error);
+    auto fresh = readReplacement(read, "properties", error);
     if (!fresh.has_value()) {
         return false;
     }

@@ -27,11 +27,10 @@ public:
     using Reader
         = std::function<std::optional<PublishedDescription>(const SourceName &, QString &)>;
 
-    /// Takes the module's name and makes the buffer. Null with the reason, and nothing left behind,
-    /// when one of them fails or there is no description.
-    static std::unique_ptr<ProcessDataPublisherPrivate>
-    start(const SourceName &source, std::optional<PublishedDescription> description,
-          QString &error);
+    /// Reads the description, takes the module's name and makes the buffer. Null with the reason,
+    /// and nothing left behind, when one of them fails.
+    static std::unique_ptr<ProcessDataPublisherPrivate> start(const SourceName &source,
+                                                              const Reader &read, QString &error);
 
     /// Withdraws the instance first, so that nobody fetches a description whose buffer is retired.
     ~ProcessDataPublisherPrivate();
@@ -60,6 +59,8 @@ private:
     using ClientWrites = QVector<QPair<QString, ProcessValue>>;
 
     explicit ProcessDataPublisherPrivate(SourceName source);
+    std::optional<PublishedDescription> readReplacement(const Reader &read, const char *what,
+                                                        QString &error) const;
     void serve(AnnouncedChange change);
     void publishFirst(ProcessDataPublisher *q, const FirstValues &firstValues);
     void carryLateWrites(PublishedBuffer &old, const QVector<QPair<int, int>> &kept);

@@ -31,11 +31,6 @@ void ProcessDescriptionObject::removeDescription(const QString &instanceName)
     descriptions.remove(instanceName);
 }
 
-bool ProcessDescriptionObject::hasDescription(const QString &instanceName) const
-{
-    return descriptions.contains(instanceName);
-}
-
 QString ProcessDescriptionObject::introspection() const
 {
     return QString::fromLatin1(introspectionXml);

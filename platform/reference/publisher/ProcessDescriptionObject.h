@@ -22,7 +22,6 @@ public:
 
     void setDescription(const QString &instanceName, const QString &text);
     void removeDescription(const QString &instanceName);
-    bool hasDescription(const QString &instanceName) const;
     QStringList instances() const { return descriptions.keys(); }
 
     QString introspection() const override;

@@ -6,7 +6,14 @@
 #include "ProviderRegistryObject.h"
 #include "ServiceEndpoint.h"
 #include "ServingConnection.h"
-#include "SystemLog.h"
+
+#include <QLoggingCategory>
+
+namespace {
+
+Q_LOGGING_CATEGORY(systemLog, "processdata.system")
+
+}
 
 class ProviderRegistryServicePrivate
 {
