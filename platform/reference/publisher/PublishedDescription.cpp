@@ -62,6 +62,23 @@ bool checkSource(const SourceName &source, QString &error)
     return true;
 }
 
+// The text as it is to be parsed: with all three names.
+JsonTextPointer withNames(const SourceName &source, const JsonTextPointer &text, QString &error)
+{
+    const JsonNode document(*text, text->root);
+    QJsonObject missing;
+    if (!setName(document, Keys::module, source.module, missing, error)
+        || !setName(document, Keys::object, source.object, missing, error)
+        || !setName(document, Keys::instance, source.instance, missing, error)) {
+        return {};
+    }
+    if (missing.isEmpty() || text->shapes.at(int(text->root.size)).keys.isEmpty()) {
+        return text;
+    }
+    return scanDescription(
+        editedJson(text->text, {{beginOfMembers(*text), 0, leadingMembers(missing)}}), error);
+}
+
 // Leaves come in the order in which the parser met them. Each has a name, which the offset follows.
 void addOffsets(const JsonNode &group, const QVector<LeafDescription> &leaves, int &next,
                 QVector<JsonEdit> &edits)
@@ -96,24 +113,6 @@ QString label(const SourceName &source)
         .arg(source.module, source.object, source.instance);
 }
 
-// The text as it is to be parsed: with all three names.
-JsonTextPointer PublishedDescription::withNames(const SourceName &source,
-                                                const JsonTextPointer &text, QString &error)
-{
-    const JsonNode document(*text, text->root);
-    QJsonObject missing;
-    if (!setName(document, Keys::module, source.module, missing, error)
-        || !setName(document, Keys::object, source.object, missing, error)
-        || !setName(document, Keys::instance, source.instance, missing, error)) {
-        return {};
-    }
-    if (missing.isEmpty() || text->shapes.at(int(text->root.size)).keys.isEmpty()) {
-        return text;
-    }
-    return scanDescription(
-        editedJson(text->text, {{beginOfMembers(*text), 0, leadingMembers(missing)}}), error);
-}
-
 std::optional<PublishedDescription> PublishedDescription::fromTemplate(const SourceName &source,
                                                                        const QJsonObject &document,
                                                                        QString &error)
@@ -136,22 +135,16 @@ PublishedDescription::fromScanned(const SourceName &source, const JsonTextPointe
                                   QString reason, QString &error)
 {
     PublishedDescription result;
-    bool good = checkSource(source, reason) && scanned;
-    if (good) {
+    if (checkSource(source, reason) && scanned) {
         result.text = withNames(source, scanned, reason);
-        good = bool(result.text);
     }
-    if (good) {
-        auto parsed = parseDescription(result.text, DescriptionForm::Template, reason);
-        good = parsed.has_value();
-        if (good) {
-            result.description = std::move(*parsed);
-        }
-    }
-    if (!good) {
+    auto parsed = result.text ? parseDescription(result.text, DescriptionForm::Template, reason)
+                              : std::nullopt;
+    if (!parsed) {
         error = QStringLiteral("%1: %2").arg(label(source), reason);
         return std::nullopt;
     }
+    result.description = std::move(*parsed);
     return result;
 }
 

@@ -55,8 +55,6 @@ private:
     static std::optional<PublishedDescription> fromScanned(const SourceName &source,
                                                            const JsonTextPointer &scanned,
                                                            QString reason, QString &error);
-    static JsonTextPointer withNames(const SourceName &source, const JsonTextPointer &text,
-                                     QString &error);
 
     JsonTextPointer text; // as its owner gave it, with the names of its source
     ProcessDataDescription description;
