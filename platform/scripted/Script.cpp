@@ -36,9 +36,9 @@ ScriptedUrl Script::parsed(const QString &text)
     result.valid = parts.valid && (query < 0 || result.deactivated);
     if (result.valid) {
         result.scheme = parts.scheme;
-        result.moduleName = parts.moduleName;
-        result.objectName = parts.objectName;
-        result.instance = parts.instance;
+        result.moduleName = parts.source.module;
+        result.objectName = parts.source.object;
+        result.instance = parts.source.instance;
         result.path = parts.path;
     }
     return result;
