@@ -69,12 +69,12 @@ if(SELECTORHANDLER_PLATFORM STREQUAL "reference")
         PC processdataplatform DESCRIPTION "Process data over D-Bus and POSIX shared memory"
         REQUIRES "Qt5Core >= 5.15"
         HEADERS ${contract_headers}
-            ${reference_dir}/query/BusQueryResult.h
-            ${reference_dir}/bus/CallDeadline.h
-            ${reference_dir}/query/InstanceListClient.h
-            ${reference_dir}/query/ServiceOwnerClient.h
+            ${reference_dir}/include/BusQueryResult.h
+            ${reference_dir}/include/CallDeadline.h
+            ${reference_dir}/include/InstanceListClient.h
+            ${reference_dir}/include/ServiceOwnerClient.h
             ${reference_dir}/include/BufferInspection.h
-            ${reference_dir}/query/ProviderListClient.h
+            ${reference_dir}/include/ProviderListClient.h
             ${reference_dir}/include/ProcessDataPublisher.h
             ${reference_dir}/include/ProviderRegistryService.h
             ${reference_dir}/include/SystemStatusService.h)
