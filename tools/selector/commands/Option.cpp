@@ -23,11 +23,11 @@ const QVector<Option> &commonOptions()
 {
     static const QVector<Option> options{
         {"--format FORMAT", "table (default), json or csv; -j is --format json",
-         "selector(1) describes them.", Option::Text, "table json csv"},
+         "FORMATS in selector(1) describes them.", Option::Text, "table json csv"},
         {"-j, --json", "", "The same as --format json."},
         {"--no-legend", "leave out the header line of a table and of csv"},
         {"-v, --verbose", "also print the libraries' warnings on standard error",
          "With file, line and function."},
-        {"-h, --help", "print this and exit", "That is the help: these options in short."}};
+        {"-h, --help", "print this and exit", "The help is the usage in short."}};
     return options;
 }

@@ -115,7 +115,7 @@ void HelpTest::aPageHasItsOptionsInFull()
                              ".TP\n.BR \\-\\-by \" \\fIWAY\\fR\"\nhand or pump\\e.\n"
                              ".TP\n.BR \\-\\-format \" \\fIFORMAT\\fR\"\ntable (default), "),
              qPrintable(page));
-    QVERIFY2(page.endsWith("these options in short.\n.SH END\n"), qPrintable(page));
+    QVERIFY2(page.endsWith("The help is the usage in short.\n.SH END\n"), qPrintable(page));
 }
 
 void HelpTest::theManPageNamesEverything()
