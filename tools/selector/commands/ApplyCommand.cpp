@@ -5,26 +5,8 @@
 #include "ExitCode.h"
 #include "InterruptExit.h"
 #include "LiveLeaves.h"
-#include "SelectorUrlHandler.h"
 
 namespace {
-
-bool readValues(const QString &file, QVector<ListLine> &lines, QString &error)
-{
-    if (!readListFile(file, lines, error)) {
-        return false;
-    }
-    for (const ListLine &line : qAsConst(lines)) {
-        if (!line.hasValue) {
-            error = QStringLiteral("%1: line %2: no value for %3")
-                        .arg(file)
-                        .arg(line.number)
-                        .arg(line.url);
-            return false;
-        }
-    }
-    return true;
-}
 
 int run(const CommandLine &line, const Console &console, QString &usage)
 {
@@ -36,8 +18,14 @@ int run(const CommandLine &line, const Console &console, QString &usage)
         usage = QStringLiteral("--dry-run writes nothing that --verify or --rollback could treat.");
         return ExitUsage;
     }
+    const QString &file = line.arguments.constFirst();
     QVector<ListLine> lines;
-    if (!readValues(line.arguments.constFirst(), lines, usage)) {
+    QString problem;
+    if (!readListFile(file, lines, usage)) {
+        return ExitUsage;
+    }
+    if (!haveValues(lines, problem)) {
+        usage = QStringLiteral("%1: %2").arg(file, problem);
         return ExitUsage;
     }
     if (!busIsReachable(console)) {
@@ -45,8 +33,8 @@ int run(const CommandLine &line, const Console &console, QString &usage)
     }
     LiveLeaves leaves(lines);
     const QVector<CheckedLine> checked
-        = checkLines(lines, [&leaves](int position, const SelectorUrlHandler &url) {
-              return leaves.find(position, url.getUrl());
+        = checkLines(lines, [&leaves](int position, const SelectorUrlParts & /*parts*/) {
+              return leaves.find(position);
           });
     const QVector<ProcessValue> before = leaves.handler().getValues();
     QVector<ApplyItem> items;

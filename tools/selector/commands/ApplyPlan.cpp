@@ -4,24 +4,13 @@
 
 #include "Entries.h"
 #include "InterruptExit.h"
+#include "LiveLeaves.h"
 #include "MessageLog.h"
-#include "SelectorHandlerProcessValue.h"
 #include "ValueText.h"
 
 #include <algorithm>
 
 namespace {
-
-// Nothing about the value is wrong, so the memory is.
-Finding refusedByMemory()
-{
-    const QStringList warnings = MessageLog::takeWarnings();
-    return {Finding::ValueRefused,
-            warnings.isEmpty()
-                ? QStringLiteral("the write was refused: no permission, the publisher "
-                                 "is gone or another writer holds the lock")
-                : warnings.constLast()};
-}
 
 bool isDeactivated(const ApplyItem &item)
 {
@@ -213,29 +202,19 @@ Entry applyEntry(const ApplyItem &item)
     const QVariant before = item.before.getErrorType() == ProcessDataDefinitions::NoError
         ? item.before.getValue()
         : QVariant();
-    Entry entry;
-    entry.subject = QStringLiteral("line %1: %2").arg(line.number).arg(line.url);
-    entry.reason = item.finding.text;
-    entry.failure = item.finding.exitCode();
-    entry.state = stateOfItem(item);
-    entry.json = {
-        {QStringLiteral("line"), line.number},
-        {QStringLiteral("url"), line.url},
-        {QStringLiteral("status"), stateName(entry.state)},
-        {QStringLiteral("result"), verdictName(item.verdict)},
-        {QStringLiteral("before"), valueToJson(before)},
-        {QStringLiteral("value"), value.isValid() ? valueToJson(value) : QJsonValue(line.value)}};
-    if (item.finding.code != Finding::None) {
-        entry.json.insert(QStringLiteral("code"), item.finding.codeName());
-        entry.json.insert(QStringLiteral("reason"), item.finding.text);
-    }
+    const QString verdict = verdictName(item.verdict);
+    Entry entry = lineEntry(line, item.finding, stateOfItem(item));
+    entry.json.insert(QStringLiteral("result"), verdict);
+    entry.json.insert(QStringLiteral("before"), valueToJson(before));
+    entry.json.insert(QStringLiteral("value"),
+                      value.isValid() ? valueToJson(value) : QJsonValue(line.value));
     const QString unit = item.checked.properties.value(QLatin1String("unit")).toString();
     if (!unit.isEmpty()) {
         entry.json.insert(QStringLiteral("unit"), unit);
     }
     entry.rows.append({QString::number(line.number), line.url,
                        Cell(valueToShortText(before), valueToText(before)),
-                       value.isValid() ? valueToText(value) : line.value, unit,
-                       verdictName(item.verdict), item.finding.text});
+                       value.isValid() ? valueToText(value) : line.value, unit, verdict,
+                       item.finding.text});
     return entry;
 }

@@ -1,36 +1,22 @@
 // SPDX-License-Identifier: MIT
 // selector browse: from modules down to leaves.
-#include "BrowsePlace.h"
 #include "Command.h"
-#include "DescriptionLeaves.h"
-#include "Diagnosis.h"
 #include "Entries.h"
-#include "ExactJson.h"
+#include "Examination.h"
 #include "ExitCode.h"
-#include "InstanceListClient.h"
 #include "ModuleEntries.h"
-#include "SelectorSharedMemoryHandler.h"
 #include "SelectorUrlBuilder.h"
-
-#include <utility>
+#include "SourceList.h"
 
 namespace {
 
 Entry failure(const QString &subject, const Finding &finding, int columns)
 {
-    const QString reason = finding.text;
-    Entry entry;
-    entry.subject = subject;
-    entry.reason = reason;
-    entry.failure = finding.exitCode();
-    entry.state = Entry::Failed;
-    entry.json = {{QStringLiteral("place"), subject},
-                  {QStringLiteral("status"), QStringLiteral("failed")},
-                  {QStringLiteral("code"), finding.codeName()},
-                  {QStringLiteral("reason"), reason}};
+    Entry entry = entryOf(subject, finding);
+    entry.json.insert(QStringLiteral("place"), subject);
     Row row(columns, Cell(QString()));
     row.first() = subject;
-    row.last() = reason;
+    row.last() = finding.text;
     entry.rows.append(row);
     return entry;
 }
@@ -55,27 +41,14 @@ int browseSystem(const Console &console)
     return printReport(report, console);
 }
 
-void addInstances(const QString &module, const QString &object, Report &report)
+Entry instanceEntry(const SourceName &name)
 {
-    QStringList instances;
-    QString error;
-    const BusQueryResult result = fetchInstances(module, object, instances, error);
-    if (result != BusQueryResult::Ok) {
-        report.entries.append(failure(module + QLatin1Char('/') + object,
-                                      Diagnosis::explainQuery(result, error),
-                                      report.columns.size()));
-        return;
-    }
-    for (const QString &instance : std::as_const(instances)) {
-        Entry entry;
-        entry.subject = QStringLiteral("%1/%2/%3").arg(module, object, instance);
-        entry.json = {{QStringLiteral("module"), module},
-                      {QStringLiteral("object"), object},
-                      {QStringLiteral("instance"), instance},
-                      {QStringLiteral("status"), QStringLiteral("ok")}};
-        entry.rows.append({entry.subject, module, object, instance, QString()});
-        report.entries.append(entry);
-    }
+    Entry entry = entryOf(name.toString(), {});
+    entry.json.insert(QStringLiteral("module"), name.module);
+    entry.json.insert(QStringLiteral("object"), name.object);
+    entry.json.insert(QStringLiteral("instance"), name.instance);
+    entry.rows.append({entry.subject, name.module, name.object, name.instance, QString()});
+    return entry;
 }
 
 int browseInstances(const BrowsePlace &place, const Console &console)
@@ -89,18 +62,16 @@ int browseInstances(const BrowsePlace &place, const Console &console)
                   {},
                   0,
                   true};
-    QStringList objects{place.object};
-    QString error;
-    if (place.level == BrowsePlace::Module) {
-        objects.clear();
-        const BusQueryResult result = fetchObjects(place.module, objects, error);
-        if (result != BusQueryResult::Ok) {
-            report.entries.append(failure(place.module, Diagnosis::explainQuery(result, error),
-                                          report.columns.size()));
-        }
-    }
-    for (const QString &object : qAsConst(objects)) {
-        addInstances(place.module, object, report);
+    QVector<ListedSource> sources;
+    Finding ignored; // a module or an object is listed without the registry
+    listSources(place, sources, ignored);
+    for (const ListedSource &source : qAsConst(sources)) {
+        const SourceName &name = source.name;
+        const QString known
+            = name.object.isEmpty() ? name.module : name.module + QLatin1Char('/') + name.object;
+        report.entries.append(source.finding.isNone()
+                                  ? instanceEntry(name)
+                                  : failure(known, source.finding, report.columns.size()));
     }
     return printReport(report, console);
 }
@@ -108,18 +79,14 @@ int browseInstances(const BrowsePlace &place, const Console &console)
 int browseLeaves(const BrowsePlace &place, const Console &console)
 {
     Report report{QStringLiteral("selector.browse/1"), leafColumns(), {}, 0, true};
-    const QString name = QStringLiteral("%1/%2/%3").arg(place.module, place.object, place.instance);
-    QSharedPointer<SelectorSharedMemoryHandler> source;
-    const Finding finding
-        = Diagnosis::explainSource(place.module, place.object, place.instance, source);
+    const Examination source = examine({place.module, place.object, place.instance});
+    const QString name = source.source.toString();
     // A description whose memory cannot be attached still names the leaves.
-    const QVariant description = source->getProcessDescription();
-    if (!description.isValid()) {
-        report.entries.append(failure(name, finding, report.columns.size()));
+    if (source.description.isEmpty()) {
+        report.entries.append(failure(name, source.reason, report.columns.size()));
         return printReport(report, console);
     }
-    const QJsonObject document = exactObject(description.toString().toUtf8());
-    const QVector<DescribedLeaf> leaves = leavesBelow(document, place.group);
+    const QVector<DescribedLeaf> leaves = leavesBelow(source.description, place.group);
     for (const DescribedLeaf &leaf : leaves) {
         report.entries.append(
             leafEntry(selectorUrl(place.module, place.object, place.instance, leaf.path), leaf.path,

@@ -4,33 +4,20 @@
 #include "Entries.h"
 #include "ExitCode.h"
 #include "LiveLeaves.h"
-#include "SelectorUrlHandler.h"
 #include "Snapshot.h"
 
 namespace {
 
 Entry checkEntry(const CheckedLine &checked)
 {
-    Entry entry;
-    entry.subject = QStringLiteral("line %1: %2").arg(checked.line.number).arg(checked.line.url);
-    entry.reason = checked.finding.text;
-    entry.failure = checked.finding.exitCode();
-    entry.state
-        = checked.finding.code == Finding::Duplicate ? Entry::Doubtful : stateOf(checked.finding);
-    entry.json = {{QStringLiteral("line"), checked.line.number},
-                  {QStringLiteral("url"), checked.line.url},
-                  {QStringLiteral("status"), stateName(entry.state)}};
-    if (checked.line.hasValue) {
-        entry.json.insert(QStringLiteral("value"), checked.line.value);
+    const ListLine &line = checked.line;
+    const Finding &finding = checked.finding;
+    Entry entry = lineEntry(line, finding, stateOf(finding));
+    if (line.hasValue) {
+        entry.json.insert(QStringLiteral("value"), line.value);
     }
-    if (checked.finding.code != Finding::None) {
-        entry.json.insert(QStringLiteral("code"), checked.finding.codeName());
-        entry.json.insert(QStringLiteral("reason"), checked.finding.text);
-    }
-    const QString result
-        = checked.finding.code == Finding::None ? QStringLiteral("ok") : checked.finding.codeName();
-    entry.rows.append(
-        {QString::number(checked.line.number), checked.line.url, result, checked.finding.text});
+    entry.rows.append({QString::number(line.number), line.url,
+                       finding.isNone() ? QStringLiteral("ok") : finding.codeName(), finding.text});
     return entry;
 }
 
@@ -54,16 +41,16 @@ int run(const CommandLine &line, const Console &console, QString &usage)
                   {}};
     QVector<CheckedLine> checked;
     if (line.has("against")) {
-        checked = checkLines(lines, [&snapshot](int /*position*/, const SelectorUrlHandler &url) {
-            return snapshot.find(url);
+        checked = checkLines(lines, [&snapshot](int /*position*/, const SelectorUrlParts &parts) {
+            return snapshot.find(parts);
         });
     } else {
         if (!busIsReachable(console)) {
             return ExitNotReachable;
         }
         LiveLeaves leaves(lines);
-        checked = checkLines(lines, [&leaves](int position, const SelectorUrlHandler &url) {
-            return leaves.find(position, url.getUrl());
+        checked = checkLines(lines, [&leaves](int position, const SelectorUrlParts & /*parts*/) {
+            return leaves.find(position);
         });
     }
     for (const CheckedLine &one : qAsConst(checked)) {

@@ -8,9 +8,7 @@
 #include "LineCompletion.h"
 #include "ModuleList.h"
 #include "ProviderListClient.h"
-#include "SelectorSharedMemoryHandler.h"
 
-#include <QJsonDocument>
 #include <QRegularExpression>
 
 namespace {
@@ -36,13 +34,11 @@ QStringList modules()
 
 QStringList leafPaths(const QStringList &source)
 {
-    SelectorSharedMemoryHandler handler(QString(), source.at(0), source.at(1), source.at(2),
-                                        nullptr);
-    handler.attachToProcessBuffer();
-    const QJsonObject document
-        = QJsonDocument::fromJson(handler.getProcessDescription().toString().toUtf8()).object();
+    QString description;
+    QString error;
+    fetchDescription(source.at(0), source.at(1), source.at(2), description, error);
     QStringList paths;
-    const QVector<DescribedLeaf> leaves = leavesBelow(document, QString());
+    const QVector<DescribedLeaf> leaves = leavesBelow(description, QString());
     for (const DescribedLeaf &leaf : leaves) {
         paths.append(leaf.path);
     }

@@ -1,12 +1,10 @@
 // SPDX-License-Identifier: MIT
 // selector diff: what became of leaves between two snapshots.
 #include "Command.h"
-#include "Diagnosis.h"
 #include "Entries.h"
 #include "ExitCode.h"
 #include "LeafDifferences.h"
 #include "SelectorUrlBuilder.h"
-#include "SelectorUrlHandler.h"
 #include "Snapshot.h"
 
 #include <QJsonArray>
@@ -26,10 +24,10 @@ QVector<Pair> pairsOfList(const QVector<ListLine> &lines, const Snapshot &before
 {
     QVector<Pair> pairs;
     for (int i = 0; i < lines.size(); ++i) {
-        const SelectorUrlHandler url(lines.at(i).url);
-        if (Diagnosis::explainText(url).code == Finding::None) {
+        const SelectorUrlParts parts = parseSelectorUrl(lines.at(i).url);
+        if (textFinding(parts).isNone()) {
             pairs.append(
-                {i, lines.at(i).url, before.find(url).properties, after.find(url).properties});
+                {i, lines.at(i).url, before.find(parts).properties, after.find(parts).properties});
         }
     }
     return pairs;
@@ -39,12 +37,14 @@ QVector<Pair> pairsOfAll(const Snapshot &before, const Snapshot &after)
 {
     QVector<Pair> pairs;
     const auto collect = [&](const Snapshot &snapshot, bool onlyNew) {
-        for (const SnapshotSource &source : snapshot.sources()) {
-            for (const DescribedLeaf &leaf : source.leaves) {
-                const QString text
-                    = selectorUrl(source.module, source.object, source.instance, leaf.path);
-                const SelectorUrlHandler url(text);
-                const Pair pair{-1, text, before.find(url).properties, after.find(url).properties};
+        const auto &sources = snapshot.sources();
+        for (auto source = sources.begin(); source != sources.end(); ++source) {
+            const SourceName &name = source.key();
+            for (const DescribedLeaf &leaf : source->leaves) {
+                const QString url = selectorUrl(name.module, name.object, name.instance, leaf.path);
+                const SelectorUrlParts parts = parseSelectorUrl(url);
+                const Pair pair{-1, url, before.find(parts).properties,
+                                after.find(parts).properties};
                 if (!onlyNew || pair.before.isEmpty()) {
                     pairs.append(pair);
                 }

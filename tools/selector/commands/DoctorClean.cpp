@@ -6,36 +6,31 @@
 
 namespace {
 
-void takeDenial(DoctorFinding &finding)
+void takeDenial(DoctorFinding &finding, const QString &text)
 {
-    finding.code = QStringLiteral("denied");
+    finding.finding = {Finding::Denied, text, QStringLiteral("run as root or as the file's owner")};
     finding.action = QStringLiteral("kept");
-    finding.advice = QStringLiteral("run as root or as the file's owner");
-    finding.failure = ExitDenied;
 }
 
 void remove(const BufferFile &file, DoctorFinding &finding)
 {
     QString error;
+    finding.action = QStringLiteral("kept");
     switch (removeLeftover(file, error)) {
     case BufferRemoval::Removed:
     case BufferRemoval::Gone:
         finding.severity = DoctorFinding::Good;
-        finding.failure = ExitAllGood;
-        finding.code.clear();
+        finding.finding.code = Finding::None;
         finding.action = QStringLiteral("removed");
         break;
     case BufferRemoval::Kept:
-        finding.action = QStringLiteral("kept");
-        finding.text = error;
+        finding.finding.text = error;
         break;
     case BufferRemoval::Denied:
-        takeDenial(finding);
-        finding.text = error;
+        takeDenial(finding, error);
         break;
     case BufferRemoval::Failed:
-        finding.action = QStringLiteral("kept");
-        finding.text = error;
+        finding.finding.text = error;
         finding.severity = DoctorFinding::Error;
         break;
     }
@@ -43,21 +38,15 @@ void remove(const BufferFile &file, DoctorFinding &finding)
 
 DoctorFinding cleaned(const BufferFile &file, bool really)
 {
-    DoctorFinding finding{QStringLiteral("buffers"),
-                          file.path,
-                          DoctorFinding::Warning,
-                          QStringLiteral("leftover"),
-                          leftoverText(file),
-                          {},
-                          {},
-                          ExitSomeFailed};
+    DoctorFinding finding = DoctorFinding::warning(QStringLiteral("buffers"), file.path,
+                                                   {Finding::Leftover, leftoverText(file)});
     if (really) {
         remove(file, finding);
     } else if (!mayRemove(file)) {
-        takeDenial(finding);
+        takeDenial(finding, finding.finding.text);
     } else {
         finding.action = QStringLiteral("wouldRemove");
-        finding.advice = QStringLiteral("--clean --yes removes it");
+        finding.finding.advice = QStringLiteral("--clean --yes removes it");
     }
     return finding;
 }
@@ -70,43 +59,23 @@ QVector<DoctorFinding> cleanLeftovers(const QStringList &only, bool really)
     QString error;
     const QString check = QStringLiteral("buffers");
     if (!listFiles(only, files, error)) {
-        return {{check,
-                 {},
-                 DoctorFinding::Error,
-                 QStringLiteral("denied"),
-                 error,
-                 QStringLiteral("run as a user that may list it"),
-                 {},
-                 ExitDenied}};
+        return {DoctorFinding::error(
+            check, {}, {Finding::Denied, error, QStringLiteral("run as a user that may list it")})};
     }
     QVector<DoctorFinding> findings;
     for (const BufferFile &file : qAsConst(files)) {
         if (file.isLeftOver()) {
             findings.append(cleaned(file, really));
         } else if (file.state == BufferFile::Unreadable) {
-            DoctorFinding finding{
-                check,
-                file.path,
-                DoctorFinding::Warning,
-                {},
-                QStringLiteral("it cannot be determined whether its publisher lives: %1")
-                    .arg(file.problem),
-                {},
-                {},
-                ExitSomeFailed};
-            takeDenial(finding);
+            DoctorFinding finding = DoctorFinding::warning(check, file.path, {});
+            takeDenial(finding,
+                       QStringLiteral("it cannot be determined whether its publisher lives: %1")
+                           .arg(file.problem));
             findings.append(finding);
         }
     }
     if (findings.isEmpty()) {
-        findings.append({check,
-                         {},
-                         DoctorFinding::Good,
-                         {},
-                         QStringLiteral("nothing is left over"),
-                         {},
-                         {},
-                         ExitAllGood});
+        findings.append(DoctorFinding::good(check, QStringLiteral("nothing is left over")));
     }
     return findings;
 }

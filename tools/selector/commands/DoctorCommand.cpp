@@ -32,38 +32,26 @@ bool checkUsage(const CommandLine &line, QString &usage)
 
 DoctorFinding versions()
 {
-    return {QStringLiteral("versions"),
-            {},
-            DoctorFinding::Good,
-            {},
-            QStringLiteral("selector " TOOLS_VERSION ", buffer layout %1, Qt %2")
-                .arg(ownBufferLayoutVersion())
-                .arg(QLatin1String(qVersion())),
-            {},
-            {},
-            ExitAllGood};
+    return DoctorFinding::good(QStringLiteral("versions"),
+                               QStringLiteral("selector " TOOLS_VERSION ", buffer layout %1, Qt %2")
+                                   .arg(ownBufferLayoutVersion())
+                                   .arg(QLatin1String(qVersion())));
 }
 
 DoctorFinding writeReport(const QString &name, const QJsonObject &report)
 {
+    const QString check = QStringLiteral("report");
     const QByteArray text = QJsonDocument(report).toJson();
-    DoctorFinding finding{QStringLiteral("report"),
-                          name,
-                          DoctorFinding::Good,
-                          {},
-                          QStringLiteral("%1 bytes written").arg(text.size()),
-                          {},
-                          {},
-                          ExitAllGood};
     QString problem;
     if (!writeWholeFile(name, text, problem)) {
-        finding.severity = DoctorFinding::Error;
-        finding.code = QStringLiteral("notWritten");
-        finding.text = problem;
-        finding.advice
-            = QStringLiteral("name a file in a folder that may be written and has space left");
-        finding.failure = ExitSomeFailed;
+        return DoctorFinding::error(
+            check, name,
+            {Finding::NotWritten, problem,
+             QStringLiteral("name a file in a folder that may be written and has space left")});
     }
+    DoctorFinding finding
+        = DoctorFinding::good(check, QStringLiteral("%1 bytes written").arg(text.size()));
+    finding.subject = name;
     return finding;
 }
 
@@ -76,7 +64,7 @@ int print(const QVector<DoctorFinding> &findings, const Console &console)
     const int exitCode = printReport(report, console);
     const bool outOfReach
         = std::any_of(findings.begin(), findings.end(), [](const DoctorFinding &finding) {
-              return finding.failure == ExitNotReachable;
+              return finding.finding.exitCode() == ExitNotReachable;
           });
     return outOfReach ? int(ExitNotReachable) : exitCode;
 }

@@ -2,11 +2,9 @@
 // Everything that a person who fixes a fault wants to know, in one file.
 #include "DoctorReport.h"
 
-#include "DescriptionLeaves.h"
 #include "DoctorEntries.h"
+#include "LiveLeaves.h"
 #include "MessageLog.h"
-#include "SelectorHandlerProcessValue.h"
-#include "SelectorUrlBuilder.h"
 #include "ValueText.h"
 
 #include <QDateTime>
@@ -14,39 +12,15 @@
 #include <QJsonDocument>
 #include <QSysInfo>
 
-#include <array>
 #include <unistd.h>
 
 namespace {
 
 constexpr int octal = 8;
 
-// A description that stems from a snapshot or simulation holds values as well.
-QJsonArray withoutSimulation(const QJsonArray &elements, int level)
+QJsonArray valuesObject(const SourceName &source, const QVector<DescribedLeaf> &leaves)
 {
-    constexpr int deepestLevel = 64;
-    const QLatin1String below("elements");
-    QJsonArray result;
-    for (const QJsonValue &element : elements) {
-        QJsonObject object = element.toObject();
-        object.remove(QLatin1String("simulate"));
-        if (object.value(below).isArray() && level < deepestLevel) {
-            object.insert(below, withoutSimulation(object.value(below).toArray(), level + 1));
-        }
-        result.append(object);
-    }
-    return result;
-}
-
-QJsonArray valuesOf(const SourceState &source, const QJsonObject &document)
-{
-    QVector<QString> urls;
-    const QVector<DescribedLeaf> leaves = leavesBelow(document, QString());
-    for (const DescribedLeaf &leaf : leaves) {
-        urls.append(selectorUrl(source.module, source.object, source.instance, leaf.path));
-    }
-    SelectorHandlerProcessValue handler(urls, nullptr);
-    const QVector<ProcessValue> values = handler.getValues();
+    const QVector<ProcessValue> values = valuesOf(source, leaves);
     QJsonArray result;
     for (int i = 0; i < values.size(); ++i) {
         const ProcessValue &value = values.at(i);
@@ -59,26 +33,46 @@ QJsonArray valuesOf(const SourceState &source, const QJsonObject &document)
     return result;
 }
 
-QJsonObject sourceObject(const SourceState &source, bool withValues)
+QString attachedName(BufferInspection::Step end)
 {
-    static const std::array<const char *, 6> ends{"description", "bufferFile", "permission",
-                                                  "layout",      "liveness",   "complete"};
+    switch (end) {
+    case BufferInspection::Description:
+        return QStringLiteral("description");
+    case BufferInspection::File:
+        return QStringLiteral("bufferFile");
+    case BufferInspection::Permission:
+        return QStringLiteral("permission");
+    case BufferInspection::Layout:
+        return QStringLiteral("layout");
+    case BufferInspection::Liveness:
+        return QStringLiteral("liveness");
+    case BufferInspection::Complete:
+        break;
+    }
+    return QStringLiteral("complete");
+}
+
+QJsonObject sourceObject(const Examination &source, bool withValues)
+{
     const QJsonObject document = QJsonDocument::fromJson(source.description.toUtf8()).object();
     QJsonObject shown = document;
-    const QLatin1String elements("elements");
-    if (shown.value(elements).isArray() && !withValues) {
-        shown.insert(elements, withoutSimulation(shown.value(elements).toArray(), 1));
+    if (shown.value(QLatin1String("elements")).isArray() && !withValues) {
+        // A description that stems from a snapshot or simulation holds values as well.
+        shown = withElements(document, [](const QString & /*path*/, QJsonObject &element) {
+            element.remove(QLatin1String("simulate"));
+            return true;
+        });
     }
-    QJsonObject result{
-        {QStringLiteral("source"), source.place()},
-        {QStringLiteral("description"), shown},
-        {QStringLiteral("file"), source.buffer.path},
-        {QStringLiteral("attached"), QLatin1String(ends.at(size_t(source.buffer.end)))},
-        {QStringLiteral("problem"), source.buffer.problem},
-        {QStringLiteral("permission"), source.buffer.permission},
-        {QStringLiteral("writable"), source.buffer.writable}};
+    QJsonObject result{{QStringLiteral("source"), source.source.toString()},
+                       {QStringLiteral("description"), shown},
+                       {QStringLiteral("file"), source.buffer.path},
+                       {QStringLiteral("attached"), attachedName(source.buffer.end)},
+                       {QStringLiteral("problem"), source.buffer.problem},
+                       {QStringLiteral("permission"), source.buffer.permission},
+                       {QStringLiteral("writable"), source.buffer.writable}};
     if (withValues && !document.isEmpty()) {
-        result.insert(QStringLiteral("values"), valuesOf(source, document));
+        result.insert(QStringLiteral("values"),
+                      valuesObject(source.source, leavesBelow(document, QString())));
     }
     return result;
 }
@@ -95,12 +89,29 @@ QJsonObject moduleObject(const ModuleState &module)
             {QStringLiteral("problem"), module.answer.error}};
 }
 
+QString stateName(BufferFile::State state)
+{
+    switch (state) {
+    case BufferFile::Live:
+        return QStringLiteral("live");
+    case BufferFile::Retired:
+        return QStringLiteral("retired");
+    case BufferFile::Dead:
+        return QStringLiteral("dead");
+    case BufferFile::OtherLayout:
+        return QStringLiteral("otherLayout");
+    case BufferFile::NoBuffer:
+        return QStringLiteral("noBuffer");
+    case BufferFile::Unreadable:
+        break;
+    }
+    return QStringLiteral("unreadable");
+}
+
 QJsonObject fileObject(const BufferFile &file)
 {
-    static const std::array<const char *, 6> states{"live",        "retired",  "dead",
-                                                    "otherLayout", "noBuffer", "unreadable"};
     return {{QStringLiteral("file"), file.path},
-            {QStringLiteral("state"), QLatin1String(states.at(size_t(file.state)))},
+            {QStringLiteral("state"), stateName(file.state)},
             {QStringLiteral("problem"), file.problem},
             {QStringLiteral("layoutVersion"), double(file.layoutVersion)},
             {QStringLiteral("generation"), double(file.generation)},
@@ -162,7 +173,7 @@ QJsonObject doctorReport(const SystemState &state, const QVector<DoctorFinding> 
         {QStringLiteral("sources"),
          listOf(
              state.sources,
-             [withValues](const SourceState &source) { return sourceObject(source, withValues); })},
+             [withValues](const Examination &source) { return sourceObject(source, withValues); })},
         {QStringLiteral("buffers"), listOf(state.files, fileObject)},
         {QStringLiteral("findings"),
          listOf(findings, [](const DoctorFinding &finding) { return doctorEntry(finding).json; })}};

@@ -1,42 +1,63 @@
 // SPDX-License-Identifier: MIT
 // selector explain: why a selector does, or does not, lead to a value.
 #include "Command.h"
-#include "SelectorWalk.h"
+#include "Entries.h"
+#include "Explanation.h"
 
 namespace {
 
-QString resultName(WalkStep::Result result)
+struct StepName
 {
-    switch (result) {
-    case WalkStep::Ok:
-        return QStringLiteral("ok");
-    case WalkStep::Failed:
-        return QStringLiteral("failed");
-    case WalkStep::NotReached:
-        break;
-    }
-    return QStringLiteral("skipped");
-}
+    Step step;
+    const char *name; // for people
+    const char *key; // for programs
+};
 
-Entry stepEntry(const QString &url, const WalkStep &step)
+constexpr StepName stepNames[]{{Step::Text, "text", "text"},
+                               {Step::Scheme, "scheme", "scheme"},
+                               {Step::Module, "module", "module"},
+                               {Step::Bus, "bus", "bus"},
+                               {Step::Owner, "service owner", "serviceOwner"},
+                               {Step::Object, "object", "object"},
+                               {Step::Description, "description", "description"},
+                               {Step::File, "buffer file", "bufferFile"},
+                               {Step::Permission, "permission", "permission"},
+                               {Step::Layout, "layout", "layout"},
+                               {Step::Liveness, "liveness", "liveness"},
+                               {Step::Leaf, "leaf", "leaf"},
+                               {Step::Property, "property", "property"},
+                               {Step::Value, "value", "value"}};
+
+Entry stepEntry(const QString &url, const StepName &step, const Explanation &explanation)
 {
+    const QString name = QString::fromLatin1(step.name);
+    const QString key = QString::fromLatin1(step.key);
     Entry entry;
     entry.subject = url;
-    entry.state = step.result == WalkStep::Ok ? Entry::Good
-        : step.result == WalkStep::Failed     ? Entry::Failed
-                                              : Entry::Skipped;
-    const QString name = resultName(step.result);
+    entry.state = Entry::Skipped;
+    QString text;
+    QString advice;
+    if (step.step < explanation.end()) {
+        entry.state = Entry::Good;
+        text = explanation.passed.at(int(step.step));
+    } else if (step.step == explanation.end()) {
+        entry.state = Entry::Failed;
+        entry.failure = explanation.finding.exitCode();
+        text = explanation.finding.text;
+        advice = explanation.finding.advice;
+        entry.reason = QStringLiteral("%1: %2; %3").arg(name, text, advice);
+    }
+    const QString result = stateName(entry.state);
     entry.json = {{QStringLiteral("url"), url},
-                  {QStringLiteral("step"), step.key},
-                  {QStringLiteral("status"), name}};
-    if (!step.finding.isEmpty()) {
-        entry.json.insert(QStringLiteral("finding"), step.finding);
+                  {QStringLiteral("step"), key},
+                  {QStringLiteral("status"), result}};
+    if (!text.isEmpty()) {
+        entry.json.insert(QStringLiteral("finding"), text);
     }
-    if (!step.advice.isEmpty()) {
-        entry.json.insert(QStringLiteral("advice"), step.advice);
-        entry.reason = QStringLiteral("%1: %2; %3").arg(step.name, step.finding, step.advice);
+    if (!advice.isEmpty()) {
+        entry.json.insert(QStringLiteral("advice"), advice);
     }
-    entry.rows.append({Cell(step.name, step.key), name, step.finding, step.advice});
+    entry.rows.append({Cell(name, key), result, text, advice});
     return entry;
 }
 
@@ -49,19 +70,18 @@ int run(const CommandLine &line, const Console &console, QString &usage)
         return ExitUsage;
     }
     const QString &url = line.arguments.constFirst();
-    SelectorWalk walk(url, line.texts("property"));
-    walk.walk();
+    const Explanation explanation = explainSelector(url, line.texts("property"));
     Report report{QStringLiteral("selector.explain/1"),
                   {{QStringLiteral("step")},
                    {QStringLiteral("result")},
                    {QStringLiteral("finding")},
                    {QStringLiteral("advice")}},
                   {}};
-    for (const WalkStep &step : walk.steps()) {
-        report.entries.append(stepEntry(url, step));
+    for (const StepName &step : stepNames) {
+        report.entries.append(stepEntry(url, step, explanation));
     }
     printReport(report, console);
-    return walk.exitCode();
+    return explanation.finding.exitCode();
 }
 
 } // namespace

@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: MIT
 // selector properties: what descriptions say of leaves.
 #include "Command.h"
-#include "Diagnosis.h"
 #include "Entries.h"
-#include "ExactJson.h"
 #include "ExitCode.h"
-#include "SelectorHandlerProcessValue.h"
+#include "LiveLeaves.h"
 #include "SelectorList.h"
 
 #include <QMap>
@@ -25,34 +23,26 @@ constexpr int valueColumn = 2;
 
 int run(const CommandLine &line, const Console &console, QString &usage)
 {
-    QVector<SelectorInput> selectors;
-    if (!collectSelectors(line, false, selectors, usage)) {
+    QVector<ListLine> selectors;
+    if (!collectSelectors(line, LineForm::Url, selectors, usage)) {
         return ExitUsage;
     }
     if (!busIsReachable(console)) {
         return ExitNotReachable;
     }
-    const QVector<QString> urls = urlsOf(selectors);
-    SelectorHandlerProcessValue handler(urls, nullptr);
+    LiveLeaves leaves(selectors);
     const QStringList names = line.texts("property");
     QMap<QString, QVector<QVariant>> wanted;
     for (const QString &name : names) {
-        wanted.insert(name, handler.getProperties(name));
+        wanted.insert(name, leaves.handler().getProperties(name));
     }
-    Diagnosis diagnosis;
     Report report{QStringLiteral("selector.properties/1"), propertiesColumns(), {}, valueColumn};
-    for (int i = 0; i < urls.size(); ++i) {
-        PropertiesResult result{urls.at(i), {}, {}};
-        const QJsonObject all = exactObject(handler.getPropertyAsJsonString(i).toUtf8());
-        if (all.isEmpty()) {
-            result.finding = diagnosis.explain(result.url);
-            if (result.finding.code == Finding::None) {
-                result.finding = {Finding::NotReadable,
-                                  QStringLiteral("the leaf has only just appeared, try again")};
-            }
-        } else if (names.isEmpty()) {
-            result.properties = allProperties(all);
-        } else {
+    for (int i = 0; i < selectors.size(); ++i) {
+        const FoundLeaf leaf = leaves.find(i);
+        PropertiesResult result{selectors.at(i).url, {}, leaf.finding};
+        if (names.isEmpty()) {
+            result.properties = allProperties(leaf.properties);
+        } else if (leaf.finding.isNone()) {
             for (const QString &name : names) {
                 result.properties.append({name, wanted.value(name).at(i)});
             }

@@ -1,13 +1,10 @@
 // SPDX-License-Identifier: MIT
 // selector read: current values.
 #include "Command.h"
-#include "Diagnosis.h"
 #include "Entries.h"
 #include "ExitCode.h"
-#include "SelectorHandlerProcessValue.h"
+#include "LiveLeaves.h"
 #include "SelectorList.h"
-
-#include <QJsonDocument>
 
 namespace {
 
@@ -15,8 +12,8 @@ constexpr int valueColumn = 1;
 
 int run(const CommandLine &line, const Console &console, QString &usage)
 {
-    QVector<SelectorInput> selectors;
-    if (!collectSelectors(line, false, selectors, usage)) {
+    QVector<ListLine> selectors;
+    if (!collectSelectors(line, LineForm::Url, selectors, usage)) {
         return ExitUsage;
     }
     if (!busIsReachable(console)) {
@@ -25,14 +22,12 @@ int run(const CommandLine &line, const Console &console, QString &usage)
     const QVector<QString> urls = urlsOf(selectors);
     SelectorHandlerProcessValue handler(urls, nullptr);
     const QVector<ProcessValue> values = handler.getValues();
-    Diagnosis diagnosis;
+    SelectorExaminer examiner;
     Report report{QStringLiteral("selector.read/1"), readColumns(), {}, valueColumn};
     for (int i = 0; i < urls.size(); ++i) {
-        ReadResult result{urls.at(i), values.at(i), {}, {}};
-        result.properties
-            = QJsonDocument::fromJson(handler.getPropertyAsJsonString(i).toUtf8()).object();
+        ReadResult result{urls.at(i), values.at(i), propertiesOf(handler, i), {}};
         if (result.value.getErrorType() == ProcessDataDefinitions::NoValue) {
-            result.finding = diagnosis.explain(result.url);
+            result.finding = examiner.explain(result.url);
         }
         report.entries.append(readEntry(result));
     }

@@ -1,40 +1,13 @@
 // SPDX-License-Identifier: MIT
-// Reads lists of selectors.
+// Collects selectors from arguments and files.
 #include "SelectorList.h"
 
 #include "EscapedText.h"
 #include "InputFile.h"
 
-#include <QRegularExpression>
-
-bool readSelectorLines(QTextStream &stream, bool withValues, QVector<SelectorInput> &selectors,
-                       QString &error)
-{
-    static const QRegularExpression blanks(QStringLiteral("\\s+"));
-    int number = 0;
-    while (!stream.atEnd()) {
-        const QString line = withoutBlanks(stream.readLine());
-        ++number;
-        if (line.isEmpty() || line.startsWith(QLatin1Char('#'))) {
-            continue;
-        }
-        if (!withValues) {
-            selectors.append({line, QString()});
-            continue;
-        }
-        const QRegularExpressionMatch gap = blanks.match(line);
-        if (!gap.hasMatch()) {
-            error = QStringLiteral("line %1: no value for %2").arg(number).arg(line);
-            return false;
-        }
-        selectors.append({line.left(gap.capturedStart()), line.mid(gap.capturedEnd())});
-    }
-    return true;
-}
-
 namespace {
 
-bool readSelectorFile(const QString &name, bool withValues, QVector<SelectorInput> &selectors,
+bool readSelectorFile(const QString &name, LineForm form, QVector<ListLine> &selectors,
                       QString &error)
 {
     QString text;
@@ -42,18 +15,20 @@ bool readSelectorFile(const QString &name, bool withValues, QVector<SelectorInpu
         return false;
     }
     QTextStream stream(&text);
+    const QVector<ListLine> lines = readListLines(stream, form);
     QString problem;
-    if (!readSelectorLines(stream, withValues, selectors, problem)) {
+    if (form == LineForm::UrlAndValue && !haveValues(lines, problem)) {
         error = QStringLiteral("%1: %2").arg(
             isStandardInput(name) ? QStringLiteral("standard input") : name, problem);
         return false;
     }
+    selectors += lines;
     return true;
 }
 
-bool readEscapes(QVector<SelectorInput> &selectors, QString &error)
+bool readEscapes(QVector<ListLine> &selectors, QString &error)
 {
-    for (SelectorInput &selector : selectors) {
+    for (ListLine &selector : selectors) {
         QString problem;
         if (!textFromEscapes(selector.value, selector.value, problem)) {
             error = QStringLiteral("The value \"%1\" of %2 %3.")
@@ -66,18 +41,20 @@ bool readEscapes(QVector<SelectorInput> &selectors, QString &error)
 
 } // namespace
 
-bool collectSelectors(const CommandLine &line, bool withValues, QVector<SelectorInput> &selectors,
+bool collectSelectors(const CommandLine &line, LineForm form, QVector<ListLine> &selectors,
                       QString &error)
 {
+    const bool withValues = form == LineForm::UrlAndValue;
     const int step = withValues ? 2 : 1;
     if (line.arguments.size() % step != 0) {
         error = QStringLiteral("No value for %1.").arg(line.arguments.constLast());
         return false;
     }
     for (int i = 0; i < line.arguments.size(); i += step) {
-        selectors.append({line.arguments.at(i), withValues ? line.arguments.at(i + 1) : QString()});
+        selectors.append({0, line.arguments.at(i),
+                          withValues ? line.arguments.at(i + 1) : QString(), withValues});
     }
-    if (line.has("file") && !readSelectorFile(line.text("file"), withValues, selectors, error)) {
+    if (line.has("file") && !readSelectorFile(line.text("file"), form, selectors, error)) {
         return false;
     }
     if (line.has("escapes") && !readEscapes(selectors, error)) {
@@ -88,14 +65,4 @@ bool collectSelectors(const CommandLine &line, bool withValues, QVector<Selector
         return false;
     }
     return true;
-}
-
-QVector<QString> urlsOf(const QVector<SelectorInput> &selectors)
-{
-    QVector<QString> urls;
-    urls.reserve(selectors.size());
-    for (const SelectorInput &selector : selectors) {
-        urls.append(selector.url);
-    }
-    return urls;
 }

@@ -4,32 +4,13 @@
 #define SELECTORLIST_H
 
 #include "CommandLine.h"
-
-#include <QString>
-#include <QTextStream>
-#include <QVector>
-
-/// A selector and, for writing, the text of its value.
-struct SelectorInput
-{
-    QString url;
-    QString value;
-};
-
-/// Reads one URL a line; empty lines and lines that begin with # are left out.
-///
-/// @param withValues  whether each line holds a URL, blanks and a value (the rest of the line)
-/// @param error       receives the line's number and what is wrong
-bool readSelectorLines(QTextStream &stream, bool withValues, QVector<SelectorInput> &selectors,
-                       QString &error);
+#include "ListFile.h"
 
 /// Collects what the arguments name, then what the file (- for standard input) names.
 ///
+/// @param form   with values each selector has one
 /// @param error  receives one sentence, also when there is no selector at all
-bool collectSelectors(const CommandLine &line, bool withValues, QVector<SelectorInput> &selectors,
+bool collectSelectors(const CommandLine &line, LineForm form, QVector<ListLine> &selectors,
                       QString &error);
-
-/// The URLs alone.
-QVector<QString> urlsOf(const QVector<SelectorInput> &selectors);
 
 #endif

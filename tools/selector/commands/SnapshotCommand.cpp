@@ -1,16 +1,13 @@
 // SPDX-License-Identifier: MIT
 // selector snapshot: descriptions and values of sources into files.
 #include "Command.h"
-#include "Diagnosis.h"
 #include "Entries.h"
 #include "ExactJson.h"
 #include "ExitCode.h"
 #include "InterruptExit.h"
 #include "LeafType.h"
+#include "LiveLeaves.h"
 #include "OutputFile.h"
-#include "SelectorHandlerProcessValue.h"
-#include "SelectorSharedMemoryHandler.h"
-#include "SelectorUrlBuilder.h"
 #include "Snapshot.h"
 #include "SourceList.h"
 #include "ValueText.h"
@@ -23,7 +20,7 @@ namespace {
 
 struct ChosenSource
 {
-    SourceName name;
+    ListedSource source;
     QString group; ///< empty for all of it
 };
 
@@ -45,15 +42,10 @@ bool canBePlayed(const QJsonObject &properties, const QJsonValue &json)
         && checkLimits(*type, properties, value, problem);
 }
 
-QHash<QString, QJsonValue> currentValues(const SourceName &name,
-                                         const QVector<DescribedLeaf> &leaves)
+QHash<QString, QJsonValue> goodValues(const SourceName &source,
+                                      const QVector<DescribedLeaf> &leaves)
 {
-    QVector<QString> urls;
-    for (const DescribedLeaf &leaf : leaves) {
-        urls.append(selectorUrl(name.module, name.object, name.instance, leaf.path));
-    }
-    SelectorHandlerProcessValue handler(urls, nullptr);
-    const QVector<ProcessValue> values = handler.getValues();
+    const QVector<ProcessValue> values = valuesOf(source, leaves);
     QHash<QString, QJsonValue> result;
     for (int i = 0; i < values.size(); ++i) {
         const QJsonValue json = valueToJson(values.at(i).getValue());
@@ -68,24 +60,24 @@ QHash<QString, QJsonValue> currentValues(const SourceName &name,
 SavedSource save(const SourceName &name, const QString &group, const QDir &directory)
 {
     SavedSource saved;
-    QSharedPointer<SelectorSharedMemoryHandler> source;
-    saved.finding = Diagnosis::explainSource(name.module, name.object, name.instance, source);
-    if (saved.finding.code != Finding::None) {
+    const Examination source = examine(name);
+    saved.finding = source.reason;
+    if (!saved.finding.isNone()) {
         return saved;
     }
-    const QByteArray description = source->getProcessDescription().toString().toUtf8();
-    const QVector<DescribedLeaf> leaves = leavesBelow(exactObject(description), group);
+    const QVector<DescribedLeaf> leaves = leavesBelow(source.description, group);
     if (leaves.isEmpty() && !group.isEmpty()) {
         saved.finding
             = {Finding::NoSuchLeaf,
-               QStringLiteral("%1 has no leaf at or below \"%2\"").arg(name.place(), group)};
+               QStringLiteral("%1 has no leaf at or below \"%2\"").arg(name.toString(), group)};
         return saved;
     }
-    const QHash<QString, QJsonValue> values = currentValues(name, leaves);
+    const QHash<QString, QJsonValue> values = goodValues(name, leaves);
     saved.leaves = leaves.size();
     saved.values = values.size();
-    saved.file = directory.filePath(snapshotFileName(name.module, name.object, name.instance));
-    const QByteArray text = exactText(snapshotOf(rewritableObject(description), values, group));
+    saved.file = directory.filePath(snapshotFileName(name));
+    const QByteArray text
+        = exactText(snapshotOf(rewritableObject(source.description.toUtf8()), values, group));
     QString problem;
     if (!writeWholeFile(saved.file, text, problem)) {
         saved.finding = {Finding::NotWritten, QStringLiteral("%1: %2").arg(saved.file, problem)};
@@ -95,22 +87,15 @@ SavedSource save(const SourceName &name, const QString &group, const QDir &direc
 
 Entry snapshotEntry(const SourceName &name, const SavedSource &saved)
 {
-    Entry entry;
-    entry.subject = name.place();
-    entry.state = stateOf(saved.finding);
-    entry.reason = saved.finding.text;
-    entry.failure = saved.finding.exitCode();
-    entry.json = {{QStringLiteral("source"), entry.subject},
-                  {QStringLiteral("status"), stateName(entry.state)}};
-    if (saved.finding.code == Finding::None) {
+    Entry entry = entryOf(name.toString(), saved.finding);
+    entry.json.insert(QStringLiteral("source"), entry.subject);
+    if (saved.finding.isNone()) {
         entry.json.insert(QStringLiteral("file"), saved.file);
         entry.json.insert(QStringLiteral("leaves"), saved.leaves);
         entry.json.insert(QStringLiteral("values"), saved.values);
         entry.rows.append({entry.subject, saved.file, QString::number(saved.leaves),
                            QString::number(saved.values), QString()});
     } else {
-        entry.json.insert(QStringLiteral("code"), saved.finding.codeName());
-        entry.json.insert(QStringLiteral("reason"), saved.finding.text);
         entry.rows.append({entry.subject, QString(), QString(), QString(), saved.finding.text});
     }
     return entry;
@@ -146,9 +131,9 @@ int run(const CommandLine &line, const Console &console, QString &usage)
     Finding finding;
     const QVector<BrowsePlace> chosen = places.isEmpty() ? QVector<BrowsePlace>{{}} : places;
     for (const BrowsePlace &place : chosen) {
-        QVector<SourceName> found;
+        QVector<ListedSource> found;
         const bool listed = listSources(place, found, finding);
-        for (const SourceName &source : qAsConst(found)) {
+        for (const ListedSource &source : qAsConst(found)) {
             sources.append({source, place.group});
         }
         if (!listed) {
@@ -164,17 +149,16 @@ int run(const CommandLine &line, const Console &console, QString &usage)
                    {QStringLiteral("values"), true},
                    {QStringLiteral("note")}},
                   {}};
-    for (const ChosenSource &chosenOne : qAsConst(sources)) {
-        const SourceName &source = chosenOne.name;
+    for (const ChosenSource &one : qAsConst(sources)) {
         if (wasInterrupted()) {
             break;
         }
         SavedSource saved;
-        saved.finding = source.finding;
-        report.entries.append(snapshotEntry(source,
-                                            source.finding.code == Finding::None
-                                                ? save(source, chosenOne.group, QDir(output))
-                                                : saved));
+        saved.finding = one.source.finding;
+        if (saved.finding.isNone()) {
+            saved = save(one.source.name, one.group, QDir(output));
+        }
+        report.entries.append(snapshotEntry(one.source.name, saved));
     }
     return printReport(report, console);
 }

@@ -56,8 +56,8 @@ int verdict(End end, const Watcher &watcher, const CommandLine &line, const Cons
 
 int run(const CommandLine &line, const Console &console, QString &usage)
 {
-    QVector<SelectorInput> selectors;
-    if (!collectSelectors(line, false, selectors, usage)) {
+    QVector<ListLine> selectors;
+    if (!collectSelectors(line, LineForm::Url, selectors, usage)) {
         return ExitUsage;
     }
     if (line.has("plot") && line.format != Format::Table) {

@@ -3,9 +3,8 @@
 #ifndef DOCTORFINDING_H
 #define DOCTORFINDING_H
 
-#include "ExitCode.h"
+#include "Finding.h"
 
-#include <QString>
 #include <QVector>
 
 /// One thing that was looked at, good or not.
@@ -17,14 +16,25 @@ struct DoctorFinding
         Error, ///< clients do not get at values that they should
     };
 
+    static DoctorFinding good(const QString &check, const QString &text)
+    {
+        return {check, {}, Good, {Finding::None, text}, {}};
+    }
+    static DoctorFinding warning(const QString &check, const QString &subject,
+                                 const Finding &finding)
+    {
+        return {check, subject, Warning, finding, {}};
+    }
+    static DoctorFinding error(const QString &check, const QString &subject, const Finding &finding)
+    {
+        return {check, subject, Error, finding, {}};
+    }
+
     QString check; ///< versions, bus, services, registry, sources, buffers, permissions, report
     QString subject; ///< module, source or file; empty: the system
     Severity severity = Good;
-    QString code; ///< for programs; empty when it is good
-    QString text;
-    QString advice;
+    Finding finding; ///< its code is None when it is good
     QString action; ///< of a leftover: wouldRemove, removed, kept
-    ExitCode failure = ExitSomeFailed; ///< what it means for a script when it is not good
 };
 
 #endif

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
-// Why a selector has no value.
+// What is wrong with a selector, a source or the system.
 #ifndef FINDING_H
 #define FINDING_H
 
+#include "BusQueryResult.h"
 #include "ExitCode.h"
 #include "ProcessDataDefinitions.h"
 
@@ -30,10 +31,33 @@ struct Finding
         LeftOut,
         TimeLimit, ///< a service did not answer in time
         Denied, ///< permission is missing
+        BusOutOfReach, // from here on findings about the system alone
+        NotReady,
+        NotRegistered,
+        BadEntry, ///< of the registry
+        BadDescription,
+        BufferMissing,
+        PublisherDead,
+        NotDescribed,
+        Leftover,
+        OtherLayout,
+        NotABuffer,
+        OpenToAll,
     };
+
+    Finding() = default;
+    Finding(Code code, const QString &text, const QString &advice = QString())
+        : code(code)
+        , text(text)
+        , advice(advice)
+    {
+    }
 
     Code code = None;
     QString text; ///< for people
+    QString advice; ///< what to do; empty where nothing is known to help
+
+    bool isNone() const { return code == None; }
 
     /// The code as it stands in JSON: "noSuchLeaf" and the like; empty for None.
     QString codeName() const;
@@ -41,6 +65,28 @@ struct Finding
     /// What the reason means for a script.
     ExitCode exitCode() const;
 };
+
+/// How a question ended.
+struct Answer
+{
+    BusQueryResult result = BusQueryResult::Ok;
+    QString error; ///< why it is not Ok, for people
+
+    bool isOk() const { return result == BusQueryResult::Ok; }
+};
+
+/// Asks with a function that takes a place for the error.
+template <typename Fetch> Answer ask(const Fetch &fetch)
+{
+    Answer answer;
+    answer.result = fetch(answer.error);
+    return answer;
+}
+
+/// What a question that was not answered well means.
+///
+/// @param service  that was asked; empty where that is said elsewhere
+Finding unanswered(const Answer &answer, const QString &service = QString());
 
 /// How far a value with an error type can be trusted, for people; empty for NoError.
 QString explainErrorType(ProcessDataDefinitions::ErrorTypes errorType);

@@ -3,15 +3,13 @@
 #ifndef LEAFCHECK_H
 #define LEAFCHECK_H
 
-#include "Finding.h"
+#include "Examination.h"
 #include "ListFile.h"
 
 #include <QJsonObject>
 #include <QVariant>
 
 #include <functional>
-
-class SelectorUrlHandler;
 
 /// A leaf as a check sees it.
 struct FoundLeaf
@@ -21,7 +19,7 @@ struct FoundLeaf
 };
 
 /// Finds the leaf of the line at a position of the list. Asked only for URLs whose text is right.
-using LeafLookup = std::function<FoundLeaf(int position, const SelectorUrlHandler &url)>;
+using LeafLookup = std::function<FoundLeaf(int position, const SelectorUrlParts &parts)>;
 
 struct CheckedLine
 {
@@ -30,9 +28,6 @@ struct CheckedLine
     QJsonObject properties;
     QVariant value; ///< of the leaf's type, of a line with one
 };
-
-/// Path of the leaf that a URL names, decoded; null when no leaf can have it.
-QString leafPathOf(const SelectorUrlHandler &url);
 
 /// Whether a text can be written to a leaf.
 ///

@@ -3,36 +3,60 @@
 #include "LiveLeaves.h"
 
 #include "ExactJson.h"
+#include "MessageLog.h"
+#include "SelectorUrlBuilder.h"
 
-namespace {
+QJsonObject propertiesOf(SelectorHandlerProcessValue &handler, int position)
+{
+    return exactObject(handler.getPropertyAsJsonString(position).toUtf8());
+}
 
-QVector<QString> urlsOf(const QVector<ListLine> &lines)
+QVector<ProcessValue> valuesOf(const SourceName &source, const QVector<DescribedLeaf> &leaves)
 {
     QVector<QString> urls;
-    urls.reserve(lines.size());
-    for (const ListLine &line : lines) {
-        urls.append(line.url);
+    for (const DescribedLeaf &leaf : leaves) {
+        urls.append(selectorUrl(source.module, source.object, source.instance, leaf.path));
     }
-    return urls;
+    return SelectorHandlerProcessValue(urls, nullptr).getValues();
 }
 
-} // namespace
+Finding refusedByMemory()
+{
+    const QStringList warnings = MessageLog::takeWarnings();
+    return {Finding::ValueRefused,
+            warnings.isEmpty()
+                ? QStringLiteral("the write was refused: no permission, the publisher "
+                                 "is gone or another writer holds the lock")
+                : warnings.constLast()};
+}
 
 LiveLeaves::LiveLeaves(const QVector<ListLine> &lines)
-    : values(urlsOf(lines), nullptr)
+    : urls(urlsOf(lines))
+    , values(urls, nullptr)
 {
 }
 
-FoundLeaf LiveLeaves::find(int position, const QString &url)
+FoundLeaf LiveLeaves::find(int position)
 {
-    const QJsonObject properties = exactObject(values.getPropertyAsJsonString(position).toUtf8());
+    const QJsonObject properties = propertiesOf(values, position);
     if (!properties.isEmpty()) {
         return {{}, properties};
     }
-    const Finding finding = diagnosis.explain(url);
-    if (finding.code != Finding::None) {
+    const Finding finding = examiner.explain(urls.at(position));
+    if (!finding.isNone()) {
         return {finding, {}};
     }
     return {{Finding::NotReadable, QStringLiteral("the leaf has only just appeared, try again")},
             {}};
+}
+
+Finding LiveLeaves::write(int position, const QVariant &value)
+{
+    MessageLog::takeWarnings();
+    if (values.setValue(ProcessValue(value), position)) {
+        return {};
+    }
+    const Finding refused = refusedByMemory();
+    const Finding finding = examiner.explainRefusal(urls.at(position));
+    return finding.isNone() ? refused : finding;
 }

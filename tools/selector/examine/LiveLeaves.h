@@ -3,9 +3,19 @@
 #ifndef LIVELEAVES_H
 #define LIVELEAVES_H
 
-#include "Diagnosis.h"
 #include "LeafCheck.h"
 #include "SelectorHandlerProcessValue.h"
+
+/// The properties of the leaf at a position; empty without a leaf. Whole numbers that JSON would
+/// round are strings of digits.
+QJsonObject propertiesOf(SelectorHandlerProcessValue &handler, int position);
+
+/// The values of a source's leaves, in their order.
+QVector<ProcessValue> valuesOf(const SourceName &source, const QVector<DescribedLeaf> &leaves);
+
+/// Why a write of a good value was refused, as far as the libraries' warnings say since they were
+/// taken last: nothing about the value is wrong, so the memory is.
+Finding refusedByMemory();
 
 /// Threads: one; blocks for D-Bus calls.
 class LiveLeaves
@@ -13,13 +23,17 @@ class LiveLeaves
 public:
     explicit LiveLeaves(const QVector<ListLine> &lines);
 
-    FoundLeaf find(int position, const QString &url);
+    FoundLeaf find(int position);
+
+    /// Writes a value that fits the leaf.
+    Finding write(int position, const QVariant &value);
 
     SelectorHandlerProcessValue &handler() { return values; }
 
 private:
+    const QVector<QString> urls;
     SelectorHandlerProcessValue values;
-    Diagnosis diagnosis;
+    SelectorExaminer examiner;
 };
 
 #endif

@@ -4,7 +4,6 @@
 
 #include "ExactJson.h"
 #include "PropertyManagerConst.h"
-#include "SelectorUrlHandler.h"
 
 #include <QDir>
 #include <QFile>
@@ -14,46 +13,12 @@
 
 namespace {
 
-constexpr int deepestLevel = 64; // what descriptions may have at most
-
-QString place(const QString &module, const QString &object, const QString &instance)
-{
-    return QStringLiteral("%1/%2/%3").arg(module, object, instance);
-}
-
 // Whether a path is that of a group, in it, or on the way to it.
 bool isOnTheWay(const QString &path, const QString &group)
 {
     const QLatin1Char slash('/');
     return group.isEmpty() || (path + slash).startsWith(group + slash)
         || (group + slash).startsWith(path + slash);
-}
-
-QJsonArray kept(const QJsonArray &elements, const QString &prefix, int level,
-                const QHash<QString, QJsonValue> &values, const QString &group)
-{
-    const QLatin1String below("elements");
-    QJsonArray result;
-    for (const QJsonValue &element : elements) {
-        QJsonObject object = element.toObject();
-        const QString path = prefix + object.value(QLatin1String("name")).toString();
-        if (!isOnTheWay(path, group)) {
-            continue;
-        }
-        object.remove(QLatin1String("offset"));
-        object.remove(QLatin1String("simulate"));
-        if (object.value(below).isArray() && level < deepestLevel) {
-            object.insert(below,
-                          kept(object.value(below).toArray(), path + QLatin1Char('/'), level + 1,
-                               values, group));
-        } else if (values.contains(path)) {
-            object.insert(QStringLiteral("simulate"),
-                          QJsonObject{{QStringLiteral("kind"), QStringLiteral("constant")},
-                                      {QStringLiteral("value"), values.value(path)}});
-        }
-        result.append(object);
-    }
-    return result;
 }
 
 QString escaped(const QString &name)
@@ -66,20 +31,26 @@ QString escaped(const QString &name)
 QJsonObject snapshotOf(const QJsonObject &document, const QHash<QString, QJsonValue> &values,
                        const QString &group)
 {
-    QJsonObject result = document;
+    QJsonObject result = withElements(document, [&](const QString &path, QJsonObject &element) {
+        element.remove(QLatin1String("offset"));
+        element.remove(QLatin1String("simulate"));
+        if (values.contains(path)) {
+            element.insert(QStringLiteral("simulate"),
+                           QJsonObject{{QStringLiteral("kind"), QStringLiteral("constant")},
+                                       {QStringLiteral("value"), values.value(path)}});
+        }
+        return isOnTheWay(path, group);
+    });
     result.remove(QLatin1String("buffer"));
     result.remove(QLatin1String("session"));
-    result.insert(
-        QStringLiteral("elements"),
-        kept(document.value(QLatin1String("elements")).toArray(), QString(), 1, values, group));
     return result;
 }
 
-QString snapshotFileName(const QString &module, const QString &object, const QString &instance)
+QString snapshotFileName(const SourceName &source)
 {
     // Module and object contain no "_", so no two sources share a name.
     return QStringLiteral("%1_%2_%3.%4")
-        .arg(escaped(module), escaped(object), escaped(instance),
+        .arg(escaped(source.module), escaped(source.object), escaped(source.instance),
              PropertyManagerConst::getProcessDataDescriptionFileExtension());
 }
 
@@ -138,36 +109,33 @@ bool Snapshot::add(const QString &fileName, QString &error)
                   .arg(fileName);
         return false;
     }
-    SnapshotSource source{module.toString(), object.toString(), instance.toString(), {}};
-    const QString key = place(source.module, source.object, source.instance);
-    if (all.contains(key)) {
-        error = QStringLiteral("%1: %2 stands in another file already").arg(fileName, key);
+    const SourceName name{module.toString(), object.toString(), instance.toString()};
+    if (all.contains(name)) {
+        error = QStringLiteral("%1: %2 stands in another file already")
+                    .arg(fileName, name.toString());
         return false;
     }
-    QHash<QString, QJsonObject> byPath;
-    QVector<DescribedLeaf> leaves = leavesBelow(document, QString());
-    for (DescribedLeaf &leaf : leaves) {
-        for (const char *name : {"offset", "session", "simulate"}) {
-            leaf.properties.remove(QLatin1String(name));
+    SnapshotSource &source = all[name];
+    source.leaves = leavesBelow(document, QString());
+    for (DescribedLeaf &leaf : source.leaves) {
+        for (const char *key : {"offset", "session", "simulate"}) {
+            leaf.properties.remove(QLatin1String(key));
         }
-        byPath.insert(leaf.path, leaf.properties);
-        source.leaves.append(leaf);
+        source.byPath.insert(leaf.path, leaf.properties);
     }
-    leavesByPath.insert(key, byPath);
-    all.insert(key, source);
     return true;
 }
 
-FoundLeaf Snapshot::find(const SelectorUrlHandler &url) const
+FoundLeaf Snapshot::find(const SelectorUrlParts &parts) const
 {
-    const QString key = place(url.getModuleName(), url.getObjectName(), url.getInstance());
-    const auto source = leavesByPath.find(key);
-    if (source == leavesByPath.end()) {
-        return {{Finding::NoSuchInstance, QStringLiteral("the snapshot has no %1").arg(key)}, {}};
+    const QString place = parts.source.toString();
+    const auto source = all.find(parts.source);
+    if (source == all.end()) {
+        return {{Finding::NoSuchInstance, QStringLiteral("the snapshot has no %1").arg(place)}, {}};
     }
-    const auto leaf = source->find(leafPathOf(url));
-    if (leaf == source->end()) {
-        return {{Finding::NoSuchLeaf, QStringLiteral("%1 has no such leaf").arg(key)}, {}};
+    const auto leaf = source->byPath.find(parts.path);
+    if (leaf == source->byPath.end()) {
+        return {{Finding::NoSuchLeaf, QStringLiteral("%1 has no such leaf").arg(place)}, {}};
     }
     return {{}, *leaf};
 }

@@ -11,13 +11,11 @@
 
 struct SnapshotSource
 {
-    QString module;
-    QString object;
-    QString instance;
     QVector<DescribedLeaf> leaves; ///< properties without those of a run and of simulation
+    QHash<QString, QJsonObject> byPath; ///< the same
 };
 
-/// Sources by their place, MODULE/OBJECT/INSTANCE.
+/// Sources by their names.
 class Snapshot
 {
 public:
@@ -26,15 +24,14 @@ public:
     /// @param error  receives one sentence that names the file
     static bool load(const QString &path, Snapshot &snapshot, QString &error);
 
-    const QMap<QString, SnapshotSource> &sources() const { return all; }
+    const QMap<SourceName, SnapshotSource> &sources() const { return all; }
 
-    FoundLeaf find(const SelectorUrlHandler &url) const;
+    FoundLeaf find(const SelectorUrlParts &parts) const;
 
 private:
     bool add(const QString &fileName, QString &error);
 
-    QMap<QString, SnapshotSource> all;
-    QMap<QString, QHash<QString, QJsonObject>> leavesByPath;
+    QMap<SourceName, SnapshotSource> all;
 };
 
 /// A description as it is kept: without buffer, session and offsets, with each value as a
@@ -48,6 +45,6 @@ QJsonObject snapshotOf(const QJsonObject &document, const QHash<QString, QJsonVa
                        const QString &group = QString());
 
 /// Name of the file of a source.
-QString snapshotFileName(const QString &module, const QString &object, const QString &instance);
+QString snapshotFileName(const SourceName &source);
 
 #endif

@@ -2,33 +2,31 @@
 // Asks modules for their objects and instances.
 #include "SourceList.h"
 
-#include "Diagnosis.h"
 #include "InstanceListClient.h"
 #include "ModuleList.h"
 #include "ProviderListClient.h"
 
 namespace {
 
-void addInstances(const QString &module, const QString &object, QVector<SourceName> &sources)
+void addInstances(const QString &module, const QString &object, QVector<ListedSource> &sources)
 {
     QStringList instances;
-    QString error;
-    const BusQueryResult result = fetchInstances(module, object, instances, error);
-    if (result != BusQueryResult::Ok) {
-        sources.append({module, object, QString(), Diagnosis::explainQuery(result, error)});
+    const Answer answer
+        = ask([&](QString &error) { return fetchInstances(module, object, instances, error); });
+    if (!answer.isOk()) {
+        sources.append({{module, object, QString()}, unanswered(answer)});
     }
     for (const QString &instance : qAsConst(instances)) {
-        sources.append({module, object, instance, {}});
+        sources.append(ListedSource{{module, object, instance}, {}});
     }
 }
 
-void addObjects(const QString &module, QVector<SourceName> &sources)
+void addObjects(const QString &module, QVector<ListedSource> &sources)
 {
     QStringList objects;
-    QString error;
-    const BusQueryResult result = fetchObjects(module, objects, error);
-    if (result != BusQueryResult::Ok) {
-        sources.append({module, QString(), QString(), Diagnosis::explainQuery(result, error)});
+    const Answer answer = ask([&](QString &error) { return fetchObjects(module, objects, error); });
+    if (!answer.isOk()) {
+        sources.append({{module, QString(), QString()}, unanswered(answer)});
     }
     for (const QString &object : qAsConst(objects)) {
         addInstances(module, object, sources);
@@ -37,16 +35,11 @@ void addObjects(const QString &module, QVector<SourceName> &sources)
 
 } // namespace
 
-QString SourceName::place() const
-{
-    return QStringLiteral("%1/%2/%3").arg(module, object, instance);
-}
-
-bool listSources(const BrowsePlace &place, QVector<SourceName> &sources, Finding &finding)
+bool listSources(const BrowsePlace &place, QVector<ListedSource> &sources, Finding &finding)
 {
     switch (place.level) {
     case BrowsePlace::Instance:
-        sources.append({place.module, place.object, place.instance, {}});
+        sources.append(ListedSource{{place.module, place.object, place.instance}, {}});
         return true;
     case BrowsePlace::Object:
         addInstances(place.module, place.object, sources);
@@ -58,10 +51,10 @@ bool listSources(const BrowsePlace &place, QVector<SourceName> &sources, Finding
         break;
     }
     QString list;
-    QString error;
-    const BusQueryResult result = fetchRegisteredProviderList(list, error);
-    if (result != BusQueryResult::Ok) {
-        finding = Diagnosis::explainQuery(result, error);
+    const Answer answer
+        = ask([&](QString &error) { return fetchRegisteredProviderList(list, error); });
+    if (!answer.isOk()) {
+        finding = unanswered(answer);
         return false;
     }
     const QVector<Module> modules = modulesOfList(list);

@@ -5,17 +5,14 @@
 
 #include "BrowsePlace.h"
 #include "Finding.h"
+#include "SourceName.h"
 
 #include <QVector>
 
-struct SourceName
+struct ListedSource
 {
-    QString module;
-    QString object;
-    QString instance;
+    SourceName name;
     Finding finding; ///< why the names below it, and perhaps its own, are not known
-
-    QString place() const;
 };
 
 /// All instances at or below a place, in the order of their names. What gives no answer has a
@@ -23,6 +20,6 @@ struct SourceName
 ///
 /// @param finding  why the list of modules cannot be had
 /// Threads: any; blocks for D-Bus calls.
-bool listSources(const BrowsePlace &place, QVector<SourceName> &sources, Finding &finding);
+bool listSources(const BrowsePlace &place, QVector<ListedSource> &sources, Finding &finding);
 
 #endif

@@ -5,19 +5,11 @@
 #include "InstanceListClient.h"
 #include "ModuleList.h"
 #include "ProviderListClient.h"
-#include "SourceInspection.h"
 #include "SystemReadyClient.h"
 
 #include <algorithm>
 
 namespace {
-
-template <typename Fetch> Answer ask(const Fetch &fetch)
-{
-    Answer answer;
-    answer.result = fetch(answer.error);
-    return answer;
-}
 
 ModuleState &moduleOf(const QString &name, QVector<ModuleState> &modules)
 {
@@ -49,25 +41,16 @@ void askRegistry(SystemState &state)
     }
 }
 
-Answer askSource(SourceState &source)
-{
-    SourceInspection found;
-    Answer answer = ask([&](QString &error) {
-        return inspectSource(source.module, source.object, source.instance, found, error);
-    });
-    source.description = found.description;
-    source.buffer = found.buffer;
-    return answer;
-}
-
-Answer askObject(const QString &module, const QString &object, QVector<SourceState> &sources)
+Answer askObject(const ModuleState &module, const QString &object, QVector<Examination> &sources)
 {
     QStringList instances;
-    Answer answer
-        = ask([&](QString &error) { return fetchInstances(module, object, instances, error); });
+    Answer answer = ask(
+        [&](QString &error) { return fetchInstances(module.name, object, instances, error); });
     for (const QString &instance : qAsConst(instances)) {
-        SourceState source{module, object, instance, {}, {}};
-        answer = askSource(source);
+        Examination source;
+        source.source = {module.name, object, instance};
+        source.owner = module.owner;
+        answer = examineListed(source);
         if (!answer.isOk()) {
             break;
         }
@@ -76,7 +59,7 @@ Answer askObject(const QString &module, const QString &object, QVector<SourceSta
     return answer;
 }
 
-void askModule(ModuleState &module, QVector<SourceState> &sources)
+void askModule(ModuleState &module, QVector<Examination> &sources)
 {
     module.answer
         = ask([&](QString &error) { return fetchServiceOwner(module.name, module.owner, error); });
@@ -86,7 +69,7 @@ void askModule(ModuleState &module, QVector<SourceState> &sources)
             = ask([&](QString &error) { return fetchObjects(module.name, objects, error); });
     }
     for (const QString &object : qAsConst(objects)) {
-        const Answer answer = askObject(module.name, object, sources);
+        const Answer answer = askObject(module, object, sources);
         if (!answer.isOk()) {
             module.answer = answer;
         }
@@ -125,11 +108,6 @@ void lookAgain(QVector<BufferFile> &files)
 }
 
 } // namespace
-
-QString SourceState::place() const
-{
-    return QStringLiteral("%1/%2/%3").arg(module, object, instance);
-}
 
 SystemState examineSystem(const QStringList &only)
 {

@@ -4,22 +4,7 @@
 #define SYSTEMSTATE_H
 
 #include "BufferFiles.h"
-#include "BufferInspection.h"
-#include "BusQueryResult.h"
-#include "ServiceOwnerClient.h"
-
-#include <QString>
-#include <QStringList>
-#include <QVector>
-
-/// How a question ended.
-struct Answer
-{
-    BusQueryResult result = BusQueryResult::Ok;
-    QString error; ///< why it is not Ok
-
-    bool isOk() const { return result == BusQueryResult::Ok; }
-};
+#include "Examination.h"
 
 struct ModuleState
 {
@@ -32,18 +17,6 @@ struct ModuleState
     bool complete = false; ///< whether all its sources are known
 };
 
-/// One instance of an object.
-struct SourceState
-{
-    QString module;
-    QString object;
-    QString instance;
-    QString description; ///< as the service sends it
-    BufferInspection buffer;
-
-    QString place() const;
-};
-
 struct SystemState
 {
     Answer bus;
@@ -54,7 +27,7 @@ struct SystemState
     Answer status; ///< meaningful while the status manager is on the bus
     bool ready = false;
     QVector<ModuleState> modules; ///< sorted by name: on the bus, registered, or both
-    QVector<SourceState> sources;
+    QVector<Examination> sources;
     QVector<BufferFile> files;
     QString filesError; ///< why shared memory cannot be looked at
 };

@@ -6,7 +6,7 @@
 
 #include <QRegularExpression>
 
-QVector<ListLine> readListLines(QTextStream &stream)
+QVector<ListLine> readListLines(QTextStream &stream, LineForm form)
 {
     static const QRegularExpression blanks(QStringLiteral("\\s+"));
     QVector<ListLine> lines;
@@ -16,7 +16,7 @@ QVector<ListLine> readListLines(QTextStream &stream)
             continue;
         }
         const QRegularExpressionMatch gap = blanks.match(text);
-        if (gap.hasMatch()) {
+        if (form == LineForm::UrlAndValue && gap.hasMatch()) {
             lines.append(
                 {number, text.left(gap.capturedStart()), text.mid(gap.capturedEnd()), true});
         } else {
@@ -39,4 +39,25 @@ bool readListFile(const QString &name, QVector<ListLine> &lines, QString &error)
         return false;
     }
     return true;
+}
+
+bool haveValues(const QVector<ListLine> &lines, QString &error)
+{
+    for (const ListLine &line : lines) {
+        if (!line.hasValue) {
+            error = QStringLiteral("line %1: no value for %2").arg(line.number).arg(line.url);
+            return false;
+        }
+    }
+    return true;
+}
+
+QVector<QString> urlsOf(const QVector<ListLine> &lines)
+{
+    QVector<QString> urls;
+    urls.reserve(lines.size());
+    for (const ListLine &line : lines) {
+        urls.append(line.url);
+    }
+    return urls;
 }

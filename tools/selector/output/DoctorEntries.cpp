@@ -45,24 +45,24 @@ Entry doctorEntry(const DoctorFinding &finding)
     Entry entry;
     entry.subject = finding.subject.isEmpty() ? finding.check : finding.subject;
     entry.state = stateOf(finding.severity);
-    entry.failure = finding.failure;
-    entry.reason = finding.advice.isEmpty()
-        ? finding.text
-        : QStringLiteral("%1; %2").arg(finding.text, finding.advice);
+    entry.failure = finding.finding.exitCode();
+    const QString &text = finding.finding.text;
+    const QString &advice = finding.finding.advice;
+    entry.reason = advice.isEmpty() ? text : QStringLiteral("%1; %2").arg(text, advice);
     entry.json = {{QStringLiteral("check"), finding.check},
                   {QStringLiteral("severity"), severityName(finding.severity)},
                   {QStringLiteral("status"), stateName(entry.state)},
-                  {QStringLiteral("finding"), finding.text}};
+                  {QStringLiteral("finding"), text}};
     const auto insert = [&entry](const QString &key, const QString &text) {
         if (!text.isEmpty()) {
             entry.json.insert(key, text);
         }
     };
     insert(QStringLiteral("subject"), finding.subject);
-    insert(QStringLiteral("code"), finding.code);
-    insert(QStringLiteral("advice"), finding.advice);
+    insert(QStringLiteral("code"), finding.finding.codeName());
+    insert(QStringLiteral("advice"), advice);
     insert(QStringLiteral("action"), finding.action);
-    entry.rows.append({severityName(finding.severity), finding.check, finding.subject, finding.text,
-                       finding.advice, finding.action});
+    entry.rows.append({severityName(finding.severity), finding.check, finding.subject, text, advice,
+                       finding.action});
     return entry;
 }

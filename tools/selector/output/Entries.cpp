@@ -14,20 +14,11 @@ QString textOf(const QJsonObject &object, const char *key)
     return object.value(QLatin1String(key)).toString();
 }
 
-void addReason(const Finding &finding, Entry &entry)
+Entry urlEntry(const QString &url, const Finding &finding)
 {
-    entry.reason = finding.text;
-    if (finding.code != Finding::None) {
-        entry.failure = finding.exitCode();
-        entry.json.insert(QStringLiteral("code"), finding.codeName());
-        entry.json.insert(QStringLiteral("reason"), finding.text);
-    }
-}
-
-void addStatus(Entry &entry)
-{
-    entry.json.insert(QStringLiteral("url"), entry.subject);
-    entry.json.insert(QStringLiteral("status"), stateName(entry.state));
+    Entry entry = entryOf(url, finding);
+    entry.json.insert(QStringLiteral("url"), url);
+    return entry;
 }
 
 void copyText(const QJsonObject &from, const char *key, QJsonObject &to)
@@ -79,9 +70,36 @@ Entry::State stateOf(const Finding &finding)
         return Entry::Good;
     case Finding::Deactivated:
         return Entry::Skipped;
+    case Finding::Duplicate:
+        return Entry::Doubtful;
     default:
         return Entry::Failed;
     }
+}
+
+Entry entryOf(const QString &subject, const Finding &finding)
+{
+    Entry entry;
+    entry.subject = subject;
+    entry.state = stateOf(finding);
+    entry.reason = finding.text;
+    entry.json.insert(QStringLiteral("status"), stateName(entry.state));
+    if (!finding.isNone()) {
+        entry.failure = finding.exitCode();
+        entry.json.insert(QStringLiteral("code"), finding.codeName());
+        entry.json.insert(QStringLiteral("reason"), finding.text);
+    }
+    return entry;
+}
+
+Entry lineEntry(const ListLine &line, const Finding &finding, Entry::State state)
+{
+    Entry entry = entryOf(QStringLiteral("line %1: %2").arg(line.number).arg(line.url), finding);
+    entry.state = state;
+    entry.json.insert(QStringLiteral("status"), stateName(state));
+    entry.json.insert(QStringLiteral("line"), line.number);
+    entry.json.insert(QStringLiteral("url"), line.url);
+    return entry;
 }
 
 QVector<Column> readColumns()
@@ -92,16 +110,13 @@ QVector<Column> readColumns()
 
 Entry readEntry(const ReadResult &result)
 {
-    Entry entry;
-    entry.subject = result.url;
-    entry.state = stateOf(result.finding);
+    Entry entry = urlEntry(result.url, result.finding);
     const auto errorType = result.value.getErrorType();
     if (entry.state == Entry::Good && errorType != ProcessDataDefinitions::NoError) {
         entry.state
             = errorType == ProcessDataDefinitions::NoValue ? Entry::Failed : Entry::Doubtful;
+        entry.json.insert(QStringLiteral("status"), stateName(entry.state));
     }
-    addStatus(entry);
-    addReason(result.finding, entry);
     if (entry.reason.isEmpty()) {
         entry.reason = explainErrorType(errorType);
     }
@@ -139,11 +154,7 @@ QVector<Column> writeColumns()
 
 Entry writeEntry(const WriteResult &result)
 {
-    Entry entry;
-    entry.subject = result.url;
-    entry.state = stateOf(result.finding);
-    addStatus(entry);
-    addReason(result.finding, entry);
+    Entry entry = urlEntry(result.url, result.finding);
     copyText(result.properties, "type", entry.json);
     copyText(result.properties, "unit", entry.json);
     entry.json.insert(QStringLiteral("value"),
@@ -166,31 +177,28 @@ QVector<Column> propertiesColumns()
 
 Entry propertiesEntry(const PropertiesResult &result)
 {
-    Entry entry;
-    entry.subject = result.url;
     Finding finding = result.finding;
+    QVector<Row> rows;
     QJsonObject properties;
     QStringList missing;
     for (const auto &property : result.properties) {
         if (property.second.isValid()) {
             properties.insert(property.first, propertyJson(property.second));
-            entry.rows.append(
-                {result.url, property.first, propertyText(property.second), QString()});
+            rows.append({result.url, property.first, propertyText(property.second), QString()});
         } else {
             missing.append(property.first);
-            entry.rows.append({result.url, property.first, QString(),
-                               QStringLiteral("the leaf has no such property")});
+            rows.append({result.url, property.first, QString(),
+                         QStringLiteral("the leaf has no such property")});
         }
     }
-    if (finding.code == Finding::None && !missing.isEmpty()) {
+    if (finding.isNone() && !missing.isEmpty()) {
         finding = {Finding::NoSuchProperty,
                    QStringLiteral("the leaf has no property \"%1\"")
                        .arg(missing.join(QLatin1String("\", \"")))};
     }
-    entry.state = stateOf(finding);
-    addStatus(entry);
-    addReason(finding, entry);
-    if (result.finding.code == Finding::None) {
+    Entry entry = urlEntry(result.url, finding);
+    if (result.finding.isNone()) {
+        entry.rows = rows;
         entry.json.insert(QStringLiteral("properties"), properties);
     } else {
         entry.rows = {{result.url, QString(), QString(), finding.text}};

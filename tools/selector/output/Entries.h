@@ -4,6 +4,7 @@
 #define ENTRIES_H
 
 #include "Finding.h"
+#include "ListFile.h"
 #include "ProcessValue.h"
 #include "Report.h"
 
@@ -54,6 +55,12 @@ Entry leafEntry(const QString &url, const QString &path, const QJsonObject &prop
 
 /// The state of an entry that has a finding.
 Entry::State stateOf(const Finding &finding);
+
+/// An entry with the state, the reason and the code of a finding, which has no rows yet.
+Entry entryOf(const QString &subject, const Finding &finding);
+
+/// The same about a line of a list, with a state of its own.
+Entry lineEntry(const ListLine &line, const Finding &finding, Entry::State state);
 
 /// "ok", "skipped", "doubtful" or "failed".
 QString stateName(Entry::State state);

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Selector lists held against snapshots.
 #include "LeafCheck.h"
-#include "SelectorUrlHandler.h"
 #include "Snapshot.h"
 
 #include <QJsonArray>
@@ -96,8 +95,8 @@ void LeafCheckTest::eachLineIsJudged()
     QTextStream stream(&line);
 
     const auto checked
-        = checkLines(readListLines(stream), [&](int position, const SelectorUrlHandler &url) {
-              return position == 0 ? snapshot.find(url) : FoundLeaf();
+        = checkLines(readListLines(stream), [&](int position, const SelectorUrlParts &parts) {
+              return position == 0 ? snapshot.find(parts) : FoundLeaf();
           });
 
     QCOMPARE(checked.size(), 1);
@@ -114,8 +113,8 @@ void LeafCheckTest::anEarlierLineIsNamed()
 
     QStringList found;
     for (const CheckedLine &one :
-         checkLines(readListLines(stream), [&](int /*position*/, const SelectorUrlHandler &url) {
-             return snapshot.find(url);
+         checkLines(readListLines(stream), [&](int /*position*/, const SelectorUrlParts &parts) {
+             return snapshot.find(parts);
          })) {
         found.append(QString("%1 %2").arg(one.line.number).arg(one.finding.text));
     }
@@ -221,9 +220,9 @@ void LeafCheckTest::brokenSnapshotsAreNamed()
 
 void LeafCheckTest::fileNamesAreUniqueAndSafe()
 {
-    QCOMPARE(snapshotFileName("M", "O", "1"), QString("M_O_1.pdd"));
-    QCOMPARE(snapshotFileName("M", "O", ""), QString("M_O_.pdd"));
-    QCOMPARE(snapshotFileName("M", "O", "../a/b c"), QString("M_O_..%2Fa%2Fb%20c.pdd"));
+    QCOMPARE(snapshotFileName({"M", "O", "1"}), QString("M_O_1.pdd"));
+    QCOMPARE(snapshotFileName({"M", "O", ""}), QString("M_O_.pdd"));
+    QCOMPARE(snapshotFileName({"M", "O", "../a/b c"}), QString("M_O_..%2Fa%2Fb%20c.pdd"));
 }
 
 QTEST_GUILESS_MAIN(LeafCheckTest)

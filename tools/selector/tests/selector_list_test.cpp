@@ -24,10 +24,8 @@ void SelectorListTest::linesAreReadWithoutComments()
 {
     QString text("# pumps\n\n  a  \r\n#b\nc?deactivated\n");
     QTextStream stream(&text);
-    QVector<SelectorInput> selectors;
-    QString error;
 
-    QVERIFY(readSelectorLines(stream, false, selectors, error));
+    const QVector<ListLine> selectors = readListLines(stream, LineForm::Url);
 
     QCOMPARE(urlsOf(selectors), QVector<QString>({"a", "c?deactivated"}));
 }
@@ -36,10 +34,8 @@ void SelectorListTest::valuesAreTheRestOfTheLine()
 {
     QString text("a \t two words  \nb\t-5\n");
     QTextStream stream(&text);
-    QVector<SelectorInput> selectors;
-    QString error;
 
-    QVERIFY(readSelectorLines(stream, true, selectors, error));
+    const QVector<ListLine> selectors = readListLines(stream);
 
     QCOMPARE(urlsOf(selectors), QVector<QString>({"a", "b"}));
     QCOMPARE(selectors.at(0).value, QString("two words"));
@@ -50,10 +46,9 @@ void SelectorListTest::aLineWithoutValueIsNamed()
 {
     QString text("# comment\na 1\nb\n");
     QTextStream stream(&text);
-    QVector<SelectorInput> selectors;
     QString error;
 
-    QVERIFY(!readSelectorLines(stream, true, selectors, error));
+    QVERIFY(!haveValues(readListLines(stream), error));
 
     QCOMPARE(error, QString("line 3: no value for b"));
 }
@@ -67,10 +62,10 @@ void SelectorListTest::argumentsComeBeforeTheFile()
     CommandLine line;
     line.arguments = QStringList{"a", "b"};
     line.given["file"] = QStringList{file.fileName()};
-    QVector<SelectorInput> selectors;
+    QVector<ListLine> selectors;
     QString error;
 
-    QVERIFY2(collectSelectors(line, false, selectors, error), qPrintable(error));
+    QVERIFY2(collectSelectors(line, LineForm::Url, selectors, error), qPrintable(error));
 
     QCOMPARE(urlsOf(selectors), QVector<QString>({"a", "b", "c", "ä"}));
 }
@@ -83,10 +78,10 @@ void SelectorListTest::aFileThatIsNotUtf8IsRefusedWithItsLine()
     file.close();
     CommandLine line;
     line.given["file"] = QStringList{file.fileName()};
-    QVector<SelectorInput> selectors;
+    QVector<ListLine> selectors;
     QString error;
 
-    QVERIFY(!collectSelectors(line, true, selectors, error));
+    QVERIFY(!collectSelectors(line, LineForm::UrlAndValue, selectors, error));
 
     QCOMPARE(error, file.fileName() + ": line 2 is not UTF-8 text; convert the file");
 }
@@ -101,10 +96,10 @@ void SelectorListTest::aValueInAFileKeepsWhatIsNotABlank()
     file.close();
     CommandLine line;
     line.given["file"] = QStringList{file.fileName()};
-    QVector<SelectorInput> selectors;
+    QVector<ListLine> selectors;
     QString error;
 
-    QVERIFY2(collectSelectors(line, true, selectors, error), qPrintable(error));
+    QVERIFY2(collectSelectors(line, LineForm::UrlAndValue, selectors, error), qPrintable(error));
 
     QCOMPARE(selectors.at(0).url, QString("a"));
     QCOMPARE(selectors.at(0).value, mark + "text" + wide);
@@ -114,38 +109,38 @@ void SelectorListTest::escapesAreReadWhereTheyAreAskedFor()
 {
     CommandLine line;
     line.arguments = QStringList{"a", "x\\n\\\\"};
-    QVector<SelectorInput> selectors;
+    QVector<ListLine> selectors;
     QString error;
-    QVERIFY(collectSelectors(line, true, selectors, error));
+    QVERIFY(collectSelectors(line, LineForm::UrlAndValue, selectors, error));
     QCOMPARE(selectors.at(0).value, QString("x\\n\\\\"));
 
     selectors.clear();
     line.given["escapes"] = QStringList();
-    QVERIFY(collectSelectors(line, true, selectors, error));
+    QVERIFY(collectSelectors(line, LineForm::UrlAndValue, selectors, error));
     QCOMPARE(selectors.at(0).value, QString("x\n\\"));
 
     selectors.clear();
     line.arguments = QStringList{"a", "\\q"};
-    QVERIFY(!collectSelectors(line, true, selectors, error));
+    QVERIFY(!collectSelectors(line, LineForm::UrlAndValue, selectors, error));
     QVERIFY2(error.startsWith("The value \"\\q\" of a has a backslash at character 1"),
              qPrintable(error));
 }
 
 void SelectorListTest::wrongUsageIsNamed()
 {
-    QVector<SelectorInput> selectors;
+    QVector<ListLine> selectors;
     QString error;
     CommandLine line;
-    QVERIFY(!collectSelectors(line, false, selectors, error));
+    QVERIFY(!collectSelectors(line, LineForm::Url, selectors, error));
     QCOMPARE(error, QString("No selector given."));
 
     line.arguments = QStringList{"a", "1", "b"};
-    QVERIFY(!collectSelectors(line, true, selectors, error));
+    QVERIFY(!collectSelectors(line, LineForm::UrlAndValue, selectors, error));
     QCOMPARE(error, QString("No value for b."));
 
     line.arguments.clear();
     line.given["file"] = QStringList{"/nonexistent/list"};
-    QVERIFY(!collectSelectors(line, false, selectors, error));
+    QVERIFY(!collectSelectors(line, LineForm::Url, selectors, error));
     QCOMPARE(error, QString("/nonexistent/list: No such file or directory"));
 }
 

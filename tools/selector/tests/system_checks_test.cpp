@@ -19,7 +19,9 @@ SystemState healthy()
     module.complete = true;
     module.selectorTypes = QStringList{"Controller/a/b/AnalogSelector"};
     state.modules = {module};
-    SourceState source{"Pump", "Controller", "a/b", {}, {}};
+    Examination source;
+    source.source = {"Pump", "Controller", "a/b"};
+    source.end = Step::Leaf;
     source.buffer.end = BufferInspection::Complete;
     source.buffer.path = "/dev/shm/processdata.Pump_Controller_a_2fb.7";
     state.sources = {source};
@@ -38,7 +40,8 @@ QStringList codes(const SystemState &state)
     const QVector<DoctorFinding> findings = checkSystem(state);
     for (const DoctorFinding &finding : findings) {
         if (finding.severity != DoctorFinding::Good) {
-            list.append(finding.code + ' ' + QString::number(finding.failure));
+            list.append(finding.finding.codeName() + ' '
+                        + QString::number(finding.finding.exitCode()));
         }
     }
     return list;

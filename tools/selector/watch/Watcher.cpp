@@ -5,7 +5,6 @@
 #include "ValueText.h"
 
 #include <QDateTime>
-#include <QJsonDocument>
 
 #include <numeric>
 
@@ -51,7 +50,7 @@ Watcher::Watcher(const QVector<WatchTarget> &targets, const WatchOptions &option
     }
     handler.setSelectorUrls(urls);
     for (int i = 0; i < selectors.size(); ++i) {
-        selectors[i].properties = currentProperties(i);
+        selectors[i].properties = propertiesOf(handler, i);
     }
 }
 
@@ -67,17 +66,12 @@ void Watcher::start()
     poll();
 }
 
-QJsonObject Watcher::currentProperties(int index)
-{
-    return QJsonDocument::fromJson(handler.getPropertyAsJsonString(index).toUtf8()).object();
-}
-
 void Watcher::poll()
 {
     const QVector<ProcessValue> values = handler.getValues();
-    Diagnosis diagnosis; // one for all: a service is asked once
+    SelectorExaminer examiner; // one for all: a service is asked once
     for (int i = 0; i < values.size() && !hasEnded(); ++i) {
-        read(i, values.at(i), diagnosis);
+        read(i, values.at(i), examiner);
     }
     if (screen) {
         plot();
@@ -125,7 +119,7 @@ void Watcher::checkCondition()
     values.reserve(selectors.size());
     for (const Selector &selector : qAsConst(selectors)) {
         const bool good = selector.errorType == ProcessDataDefinitions::NoError;
-        values.append({good ? selector.value : QVariant(), selector.changed});
+        values.append({good ? selector.value : QVariant(), selector.seen == Seen::Changed});
     }
     if (until->evaluate(values) == UntilExpression::True) {
         met = true;
@@ -134,24 +128,23 @@ void Watcher::checkCondition()
     }
 }
 
-void Watcher::read(int index, const ProcessValue &value, Diagnosis &diagnosis)
+void Watcher::read(int index, const ProcessValue &value, SelectorExaminer &examiner)
 {
     Selector &selector = selectors[index];
     const bool missing = value.getErrorType() == ProcessDataDefinitions::NoValue;
     Finding finding;
     if (missing) {
         // Asking the services anew each time would cost a call for each selector.
-        finding = selector.examine ? diagnosis.explain(selector.url) : selector.finding;
+        finding = selector.examine ? examiner.explain(selector.url) : selector.finding;
     }
     selector.examine = !missing;
-    const bool same = selector.seen && value.getErrorType() == selector.errorType
+    const bool same = selector.seen != Seen::Never && value.getErrorType() == selector.errorType
         && value.getValue() == selector.value && finding.text == selector.finding.text;
     if (same) {
         return;
     }
-    const bool first = !selector.seen;
-    selector.changed = !first;
-    selector.seen = true;
+    const bool first = selector.seen == Seen::Never;
+    selector.seen = first ? Seen::Unchanged : Seen::Changed;
     selector.value = value.getValue();
     selector.errorType = value.getErrorType();
     selector.finding = finding;
@@ -177,13 +170,13 @@ void Watcher::announce(const QString &signal, const QVector<int> &indices)
         }
         Selector &selector = selectors[index];
         selector.examine = true;
-        const QJsonObject properties = currentProperties(index);
+        const QJsonObject properties = propertiesOf(handler, index);
         if (properties.isEmpty() && selector.properties.isEmpty()) {
             continue; // it was not there and is not: at most the reason differs, which poll() shows
         }
         changes.append(compareProperties(index, selector.url, selector.properties, properties));
         selector.properties = properties;
-        selector.changed = true;
+        selector.seen = selector.seen == Seen::Never ? Seen::Never : Seen::Changed;
     }
     if (!changes.isEmpty() && !screen && !console.style.quiet) {
         print(lines.signal(signal, changes, now()));

@@ -4,9 +4,8 @@
 #define WATCHER_H
 
 #include "Console.h"
-#include "Diagnosis.h"
+#include "LiveLeaves.h"
 #include "PlotScreen.h"
-#include "SelectorHandlerProcessValue.h"
 #include "UntilExpression.h"
 #include "WatchLines.h"
 
@@ -64,6 +63,9 @@ Q_SIGNALS:
     void finished();
 
 private:
+    /// What was printed of a selector.
+    enum class Seen { Never, Unchanged, Changed };
+
     struct Selector
     {
         QString url;
@@ -71,15 +73,14 @@ private:
         QVariant value;
         ProcessDataDefinitions::ErrorTypes errorType = ProcessDataDefinitions::NoError;
         Finding finding;
-        bool changed = false; ///< at least once since it was printed first
-        bool seen = false; ///< whether it was printed at least once
+        Seen seen = Seen::Never;
         bool examine = true; ///< whether its finding may differ from before
         ExitCode failure = ExitAllGood; ///< what its latest line means for a script
         QString reason; ///< why it is not good
     };
 
     void poll();
-    void read(int index, const ProcessValue &value, Diagnosis &diagnosis);
+    void read(int index, const ProcessValue &value, SelectorExaminer &examiner);
     void announce(const QString &signal, const QVector<int> &indices);
     void print(const QString &text);
     bool flush(); ///< ends the watch when it fails
@@ -87,7 +88,6 @@ private:
     void countLine();
     void checkCondition();
     void plot();
-    QJsonObject currentProperties(int index);
 
     SelectorHandlerProcessValue handler;
     QVector<Selector> selectors;

@@ -1,0 +1,273 @@
+// SPDX-License-Identifier: MIT
+// The steps from a source's owner to its buffer.
+#include "Examination.h"
+
+#include "ConfigurationAndProcessDataDefinitions.h"
+#include "Counted.h"
+#include "InstanceListClient.h"
+
+namespace {
+
+// Also for a source in whose way nothing stands: then both findings are None.
+void conclude(Examination &found, Step step, const Finding &cause, const Finding &reason)
+{
+    found.end = step;
+    found.cause = cause;
+    found.reason = reason;
+}
+
+void failUnanswered(Examination &found, Step step, const Answer &answer)
+{
+    const QString silent
+        = QStringLiteral("the service of module %1 gives no answer").arg(found.source.module);
+    conclude(found, step, unanswered(answer, found.owner.service),
+             unanswered({answer.result, silent}));
+    if (answer.result == BusQueryResult::BusNotReachable) {
+        found.cause.code = Finding::BusOutOfReach;
+    }
+}
+
+bool findOwner(Examination &found)
+{
+    const QString &module = found.source.module;
+    const Answer answer
+        = ask([&](QString &error) { return fetchServiceOwner(module, found.owner, error); });
+    if (answer.result == BusQueryResult::ServiceMissing) {
+        conclude(found, Step::Owner,
+                 {Finding::ServiceMissing, answer.error,
+                  QStringLiteral("start the service of module \"%1\"").arg(module)},
+                 {Finding::ServiceMissing,
+                  QStringLiteral("the service of module %1 is not running").arg(module)});
+    } else if (!answer.isOk()) {
+        failUnanswered(found, Step::Owner, answer);
+    }
+    return answer.isOk();
+}
+
+// Whether the service that was asked for names has this one.
+bool isListed(const QString &name, const QStringList &names, const Answer &answer,
+              Examination &found, const QString &problem, const QString &advice)
+{
+    if (!answer.isOk()) {
+        failUnanswered(found, Step::Object, answer);
+        return false;
+    }
+    const Finding missing{Finding::NoSuchInstance, problem, advice + quotedList(names)};
+    if (!names.contains(name)) {
+        conclude(found, Step::Object, missing, missing);
+        return false;
+    }
+    return true;
+}
+
+// Which name is wrong, when a service gives no description.
+bool findNames(Examination &found)
+{
+    const SourceName &source = found.source;
+    QStringList names;
+    Answer answer = ask([&](QString &error) { return fetchObjects(source.module, names, error); });
+    if (!isListed(
+            source.object, names, answer, found,
+            QStringLiteral("module %1 has no object \"%2\"").arg(source.module, source.object),
+            QStringLiteral("its objects: "))) {
+        return false;
+    }
+    answer = ask(
+        [&](QString &error) { return fetchInstances(source.module, source.object, names, error); });
+    return isListed(source.instance, names, answer, found,
+                    QStringLiteral("object %1/%2 has no instance \"%3\"")
+                        .arg(source.module, source.object, source.instance),
+                    QStringLiteral("its instances: "));
+}
+
+Finding causeOf(const BufferInspection &buffer, const QString &service)
+{
+    switch (buffer.end) {
+    case BufferInspection::Description:
+        return {Finding::BadDescription, buffer.problem,
+                QStringLiteral("the service serves what clients refuse: fix its description")};
+    case BufferInspection::File:
+        return {Finding::BufferMissing, QStringLiteral("%1: %2").arg(buffer.path, buffer.problem),
+                QStringLiteral("something removed it: restart the service %1").arg(service)};
+    case BufferInspection::Permission:
+        return {Finding::Denied, QStringLiteral("%1 (%2)").arg(buffer.problem, buffer.permission),
+                QStringLiteral("run as a user in the buffer's group; a buffer of another owner "
+                               "than the description names is forged or left over")};
+    case BufferInspection::Layout:
+        return {Finding::NotReadable, buffer.problem,
+                QStringLiteral("buffer and description do not belong together: try again, and "
+                               "restart the service %1 if it stays")
+                    .arg(service)};
+    case BufferInspection::Liveness:
+        return {Finding::PublisherDead,
+                buffer.problem + QStringLiteral("; reads give the last values as SourceLost"),
+                QStringLiteral("restart the service %1").arg(service)};
+    case BufferInspection::Complete:
+        break;
+    }
+    return {};
+}
+
+Step stepOf(BufferInspection::Step step)
+{
+    switch (step) {
+    case BufferInspection::Description:
+        return Step::Description;
+    case BufferInspection::File:
+        return Step::File;
+    case BufferInspection::Permission:
+        return Step::Permission;
+    case BufferInspection::Layout:
+        return Step::Layout;
+    case BufferInspection::Liveness:
+        return Step::Liveness;
+    case BufferInspection::Complete:
+        break;
+    }
+    return Step::Leaf;
+}
+
+} // namespace
+
+QString quotedList(const QStringList &names)
+{
+    constexpr int shown = 8;
+    QStringList quoted;
+    const QStringList first = names.mid(0, shown);
+    for (const QString &name : first) {
+        quoted.append(QLatin1Char('"') + name + QLatin1Char('"'));
+    }
+    if (names.size() > shown) {
+        quoted.append(QStringLiteral("%1 more").arg(names.size() - shown));
+    }
+    return quoted.isEmpty() ? QStringLiteral("none") : quoted.join(QLatin1String(", "));
+}
+
+Finding textFinding(const SelectorUrlParts &parts)
+{
+    if (parts.deactivated) {
+        return {Finding::Deactivated, QStringLiteral("deactivated")};
+    }
+    const QString scheme
+        = ConfigurationAndProcessDataDefinitions::getSelectorUrlSchemeProcessData();
+    if (!parts.valid) {
+        return {Finding::InvalidUrl,
+                QStringLiteral("no valid selector URL (%1://MODULE/OBJECT/INSTANCE/…/LEAF)")
+                    .arg(scheme)};
+    }
+    if (parts.scheme != scheme) {
+        return {Finding::WrongScheme,
+                QStringLiteral("the scheme is \"%1\", not \"%2\"").arg(parts.scheme, scheme)};
+    }
+    return {};
+}
+
+Finding busFinding(const Answer &bus)
+{
+    if (bus.result == BusQueryResult::BusNotReachable) {
+        return {Finding::BusOutOfReach, bus.error,
+                QStringLiteral("start the bus, or choose the right one with PROCESSDATA_BUS")};
+    }
+    return bus.isOk() ? Finding() : unanswered(bus);
+}
+
+QString busText(const ServicesOnBus &services)
+{
+    const QString choice = qEnvironmentVariable("PROCESSDATA_BUS");
+    return QStringLiteral("%1, %2 on it")
+        .arg(choice.isEmpty() ? QStringLiteral("system") : choice,
+             counted(services.modules.size(), "module", "modules"));
+}
+
+Answer examineListed(Examination &found)
+{
+    constexpr int attempts = 3;
+    const SourceName &source = found.source;
+    for (int i = 0; i < attempts && found.buffer.end != BufferInspection::Complete; ++i) {
+        QString description;
+        const Answer answer = ask([&](QString &error) {
+            return fetchDescription(source.module, source.object, source.instance, description,
+                                    error);
+        });
+        if (!answer.isOk()) {
+            return answer;
+        }
+        if (i > 0 && description == found.description) {
+            break;
+        }
+        found.description = description;
+        found.buffer = inspectBuffer(description);
+    }
+    const Finding cause = causeOf(found.buffer, found.owner.service);
+    Finding reason = cause;
+    if (!cause.isNone()) {
+        reason = {
+            cause.code == Finding::Denied ? Finding::Denied : Finding::NotReadable,
+            QStringLiteral("cannot attach to %1: %2").arg(source.toString(), found.buffer.problem)};
+    }
+    conclude(found, stepOf(found.buffer.end), cause, reason);
+    return {};
+}
+
+Examination examine(const SourceName &source)
+{
+    Examination found;
+    found.source = source;
+    if (!findOwner(found)) {
+        return found;
+    }
+    const Answer answer = examineListed(found);
+    if (!answer.isOk() && findNames(found)) {
+        failUnanswered(found, Step::Description, answer);
+        found.reason
+            = {Finding::ServiceFailed,
+               QStringLiteral("the service gave no description of %1").arg(source.toString())};
+    }
+    return found;
+}
+
+const SelectorExaminer::Source &SelectorExaminer::sourceOf(const SourceName &name)
+{
+    auto source = sources.find(name);
+    if (source == sources.end()) {
+        source = sources.insert(name, {examine(name), {}});
+        if (source->found.cause.isNone()) {
+            const auto leaves = leavesBelow(source->found.description, QString());
+            for (const DescribedLeaf &leaf : leaves) {
+                source->paths.insert(leaf.path);
+            }
+        }
+    }
+    return *source;
+}
+
+Finding SelectorExaminer::explain(const QString &url)
+{
+    const SelectorUrlParts parts = parseSelectorUrl(url);
+    const Finding text = textFinding(parts);
+    if (!text.isNone()) {
+        return text;
+    }
+    const Source &source = sourceOf(parts.source);
+    if (source.found.reason.isNone()
+        && (parts.path.isNull() || !source.paths.contains(parts.path))) {
+        return {Finding::NoSuchLeaf,
+                QStringLiteral("%1 has no such leaf").arg(parts.source.toString())};
+    }
+    return source.found.reason;
+}
+
+Finding SelectorExaminer::explainRefusal(const QString &url)
+{
+    const Finding finding = explain(url);
+    if (!finding.isNone()) {
+        return finding;
+    }
+    const BufferInspection &buffer = sourceOf(parseSelectorUrl(url).source).found.buffer;
+    if (!buffer.writable) {
+        return {Finding::Denied,
+                QStringLiteral("this process may only read %1 (%2)")
+                    .arg(buffer.path, buffer.permission)};
+    }
+    return {};
+}

@@ -1,0 +1,244 @@
+// SPDX-License-Identifier: MIT
+// The steps before and behind those of a selector's source.
+#include "Explanation.h"
+
+#include "ConfigurationAndProcessDataDefinitions.h"
+#include "Counted.h"
+#include "LiveLeaves.h"
+#include "UserNames.h"
+#include "ValueText.h"
+
+#include <algorithm>
+#include <numeric>
+
+namespace {
+
+// How many letters must be put in, taken out or replaced to make one word of the other.
+int distance(const QString &left, const QString &right)
+{
+    QVector<int> row(right.size() + 1);
+    std::iota(row.begin(), row.end(), 0);
+    for (int i = 1; i <= left.size(); ++i) {
+        int diagonal = row.at(0);
+        row[0] = i;
+        for (int j = 1; j <= right.size(); ++j) {
+            const bool same = left.at(i - 1).toCaseFolded() == right.at(j - 1).toCaseFolded();
+            const int replaced = diagonal + (same ? 0 : 1);
+            diagonal = row.at(j);
+            row[j] = std::min({replaced, row.at(j) + 1, row.at(j - 1) + 1});
+        }
+    }
+    return row.constLast();
+}
+
+// The leaf that was probably meant; empty when none comes near.
+QString nearest(const QString &path, const QVector<DescribedLeaf> &leaves)
+{
+    constexpr int mostLeaves = 10000; // beyond, looking takes longer than people wait
+    constexpr int mostEdits = 3;
+    int best = std::min(mostEdits, path.size() / 2) + 1;
+    QString result;
+    for (int i = 0; i < std::min(mostLeaves, leaves.size()); ++i) {
+        const QString &candidate = leaves.at(i).path;
+        const int edits
+            = std::abs(candidate.size() - path.size()) < best ? distance(path, candidate) : best;
+        if (edits < best) {
+            best = edits;
+            result = candidate;
+        }
+    }
+    return result;
+}
+
+QString leafSummary(const QJsonObject &leaf)
+{
+    const QString unit = leaf.value(QLatin1String("unit")).toString();
+    const bool readOnly = leaf.value(QLatin1String("readOnly")).toBool();
+    return leaf.value(QLatin1String("type")).toString()
+        + (unit.isEmpty() ? QString() : QStringLiteral(", unit ") + unit)
+        + (readOnly ? QStringLiteral(", read-only") : QStringLiteral(", writable"));
+}
+
+// While a publisher replaces its buffer a client may come too late for the old one.
+QSharedPointer<SelectorHandlerProcessValue> clientOf(const QString &url)
+{
+    constexpr int attempts = 3;
+    QSharedPointer<SelectorHandlerProcessValue> handler;
+    for (int i = 0; i < attempts; ++i) {
+        // The text without its query: a deactivated selector has no value at any client.
+        handler.reset(
+            new SelectorHandlerProcessValue({url.section(QLatin1Char('?'), 0, 0)}, nullptr));
+        const auto errorType = handler->getValue(0).getErrorType();
+        if (errorType != ProcessDataDefinitions::NoValue
+            && errorType != ProcessDataDefinitions::SourceLost) {
+            break;
+        }
+    }
+    return handler;
+}
+
+// Walks one way; each step says whether it is passed.
+class Walk
+{
+public:
+    Walk(const QString &url, const QStringList &properties)
+        : url(url)
+        , properties(properties)
+        , parts(parseSelectorUrl(url))
+    {
+    }
+
+    bool text();
+    bool bus();
+    bool source();
+    bool leaf();
+    bool property();
+    bool value();
+
+    Explanation result;
+
+private:
+    bool pass(const QString &found)
+    {
+        result.passed.append(found);
+        return true;
+    }
+    bool fail(Finding::Code code, const QString &found, const QString &advice)
+    {
+        result.finding = {code, found, advice};
+        return false;
+    }
+
+    const QString url;
+    const QStringList properties;
+    const SelectorUrlParts parts;
+    QStringList modules; // on the bus
+    Examination found;
+    QJsonObject description; // of the leaf
+};
+
+// Text, scheme and module.
+bool Walk::text()
+{
+    if (!parts.valid && !parts.sourceNameRefused) {
+        return fail(Finding::InvalidUrl, parts.problem,
+                    QStringLiteral("write processdata://MODULE/OBJECT/INSTANCE/GROUP/LEAF, "
+                                   "special characters percent-encoded"));
+    }
+    pass(parts.deactivated ? QStringLiteral("well formed, deactivated: clients leave it out")
+                           : QStringLiteral("well formed"));
+    const QString wanted
+        = ConfigurationAndProcessDataDefinitions::getSelectorUrlSchemeProcessData();
+    const QString scheme = url.section(QStringLiteral("://"), 0, 0);
+    if (scheme != wanted) {
+        return fail(Finding::WrongScheme, QStringLiteral("the scheme is \"%1\"").arg(scheme),
+                    QStringLiteral("process data has the scheme \"%1\"").arg(wanted));
+    }
+    pass(scheme);
+    if (!parts.valid) {
+        return fail(Finding::InvalidUrl, parts.problem,
+                    QStringLiteral("use the name that selector modules lists; module and object "
+                                   "hold no \"_\""));
+    }
+    return pass(parts.source.module);
+}
+
+bool Walk::bus()
+{
+    ServicesOnBus services;
+    result.finding
+        = busFinding(ask([&](QString &error) { return fetchServices(services, error); }));
+    modules = services.modules;
+    return result.finding.isNone() && pass(busText(services));
+}
+
+// What was found at the steps of the source, as far as they are passed.
+bool Walk::source()
+{
+    found = examine(parts.source);
+    const BufferInspection &buffer = found.buffer;
+    QString access;
+    if (found.end > Step::Layout) {
+        access = buffer.writable ? QStringLiteral(", this process may write")
+                                 : QStringLiteral(", this process may only read");
+    }
+    const QStringList all{QStringLiteral("%1 is %2, process %3, user %4")
+                              .arg(found.owner.service, found.owner.connection)
+                              .arg(found.owner.processId)
+                              .arg(UserNames::ofUser(found.owner.userId)),
+                          QStringLiteral("object \"%1\", instance \"%2\"")
+                              .arg(parts.source.object, parts.source.instance),
+                          QStringLiteral("%1, generation %2")
+                              .arg(counted(buffer.leafCount, "leaf", "leaves"))
+                              .arg(buffer.generation),
+                          QStringLiteral("%1, %2 bytes").arg(buffer.path).arg(buffer.size),
+                          buffer.permission + access,
+                          QStringLiteral("as described"),
+                          QStringLiteral("its publisher lives")};
+    result.passed += all.mid(0, int(found.end) - int(Step::Owner));
+    result.finding = found.cause;
+    if (found.end == Step::Owner && found.cause.code == Finding::ServiceMissing) {
+        result.finding.advice += QStringLiteral("; running modules: ") + quotedList(modules);
+    }
+    return found.cause.isNone();
+}
+
+bool Walk::leaf()
+{
+    const QString place = parts.source.toString();
+    const auto leaves = leavesBelow(found.description, QString());
+    const auto wanted = std::find_if(leaves.begin(), leaves.end(), [this](const auto &one) {
+        return !parts.path.isNull() && one.path == parts.path;
+    });
+    if (wanted == leaves.end()) {
+        const QString guess = nearest(parts.path, leaves);
+        return fail(
+            Finding::NoSuchLeaf, QStringLiteral("%1 has no leaf \"%2\"").arg(place, parts.path),
+            (guess.isEmpty() ? QString() : QStringLiteral("did you mean \"%1\"? ").arg(guess))
+                + QStringLiteral("selector browse %1 lists its leaves").arg(place));
+    }
+    description = wanted->properties;
+    return pass(parts.path);
+}
+
+bool Walk::property()
+{
+    if (!properties.isEmpty()) {
+        // Not the description's keys: clients know properties that are in none.
+        const auto handler = clientOf(url);
+        const QStringList known = propertiesOf(*handler, 0).keys();
+        for (const QString &name : properties) {
+            if (!handler->getProperties(name).constFirst().isValid()) {
+                return fail(Finding::NoSuchProperty,
+                            QStringLiteral("the leaf has no property \"%1\"").arg(name),
+                            QStringLiteral("it has: %1").arg(known.join(QLatin1String(", "))));
+            }
+        }
+    }
+    return pass(leafSummary(description));
+}
+
+bool Walk::value()
+{
+    const ProcessValue value = clientOf(url)->getValue(0);
+    const auto errorType = value.getErrorType();
+    if (errorType != ProcessDataDefinitions::NoError) {
+        return fail(
+            Finding::NotReadable,
+            QStringLiteral("%1: %2").arg(errorTypeName(errorType), explainErrorType(errorType)),
+            QStringLiteral("nothing is in the way; the cause is in the service %1")
+                .arg(found.owner.service));
+    }
+    return pass(QStringLiteral("NoError, of %1").arg(timeToText(value.getTimestamp())));
+}
+
+} // namespace
+
+Explanation explainSelector(const QString &url, const QStringList &properties)
+{
+    Walk walk(url, properties);
+    if (walk.text() && walk.bus() && walk.source() && walk.leaf() && walk.property()) {
+        walk.value();
+    }
+    return walk.result;
+}
