@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // A service is asked about while its lost sources go on being read, and no longer.
 #include "LossWatch.h"
-#include "ProcessDataDescription.h"
+#include "WatchedSource.h"
 
 #include <QtTest>
 
@@ -14,10 +14,7 @@ int reports = 0;
 // As a reading thread leaves it: reported, and read again since.
 QSharedPointer<SourceWatch> sourceThatIsReadOn()
 {
-    ProcessDataDescription description;
-    description.source = {"Pump", "Controller", "1"};
-    description.buffer = BufferDescription{"/processdata.Pump_Controller_1.7", 7, 0, 0};
-    const auto source = QSharedPointer<SourceWatch>::create(description);
+    const auto source = watchedSource();
     source->noteLostRead();
     source->noteLostRead();
     return source;

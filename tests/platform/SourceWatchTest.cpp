@@ -1,21 +1,12 @@
 // SPDX-License-Identifier: MIT
 // A lost source is reported by whoever reads it, a living one never.
 #include "SourceWatch.h"
-#include "ProcessDataDescription.h"
+#include "WatchedSource.h"
 
 #include <QtTest>
 
 namespace {
-
 QVector<QSharedPointer<SourceWatch>> reported;
-
-QSharedPointer<SourceWatch> watchedSource()
-{
-    ProcessDataDescription description;
-    description.source = {"Pump", "Controller", "1"};
-    description.buffer = BufferDescription{"/processdata.Pump_Controller_1.7", 7, 0, 0};
-    return QSharedPointer<SourceWatch>::create(description);
-}
 }
 
 class SourceWatchTest : public QObject
