@@ -11,6 +11,7 @@
 
 #include <fcntl.h>
 #include <sys/mman.h>
+#include <unistd.h>
 
 namespace {
 
@@ -42,8 +43,8 @@ const QVector<Reading> &after()
 
 QJsonArray leaves()
 {
-    return {leafJson("number", "float64"), leafJson("text", "string", {{"capacity", 30}}),
-            leafJson("count", "uint64")};
+    return {leaf("number", "float64"), leaf("text", "string", {{"capacity", 30}}),
+            leaf("count", "uint64")};
 }
 
 const QStringList leafNames{"number", "text", "count"};
@@ -127,7 +128,7 @@ class CrashPointsTest : public QObject
 
 private Q_SLOTS:
     void initTestCase() { QLoggingCategory::setFilterRules("processdata.memory=false"); }
-    void init() { module = BufferSource::uniqueModule(); }
+    void init() { module = uniqueModule(); }
     void aPublisherThatDiesWhilePublishing();
     void aClientThatDiesWhileWriting();
     void aPublisherThatDiesWhileComingUp();
@@ -158,7 +159,7 @@ void CrashPointsTest::requireLeftoversOnly(bool remove)
         }
     }
     if (remove) {
-        QCOMPARE(filesOf(module), QStringList());
+        QCOMPARE(buffersOf(module), QStringList());
     }
 }
 
@@ -171,13 +172,13 @@ void CrashPointsTest::requireSuccessor()
     {
         BufferSource next(leaves(), module);
         QVERIFY2(next.buffer, qPrintable(next.error));
-        QCOMPARE(filesOf(module).size(), 1);
+        QCOMPARE(buffersOf(module).size(), 1);
         QVERIFY2(next.buffer->publish(asValues(after()), next.error), qPrintable(next.error));
         const BufferClient client(next.text());
         QVERIFY(client.manager->isBufferValid());
         QVERIFY(isWhole(readLeaf(client.leaf(next.url("text"))), after().at(1), true));
     }
-    QCOMPARE(filesOf(module), QStringList());
+    QCOMPARE(buffersOf(module), QStringList());
 }
 
 // A publisher whose values stand does the deed and dies at each point of it in turn.
@@ -237,7 +238,7 @@ void CrashPointsTest::aPublisherThatDiesWhileReplacingItsDescription()
         [this](BufferSource &source) {
             // The steps of a publisher: the new buffer, its values, and the old one is given up.
             QJsonArray more = leaves();
-            more.prepend(leafJson("added", "bool"));
+            more.prepend(leaf("added", "bool"));
             BufferSource fresh(more, module);
             for (int leaf = 0; leaf < leafNames.size(); ++leaf) {
                 fresh.buffer->carryOver(leaf + 1, *source.buffer, leaf);
@@ -263,7 +264,7 @@ void CrashPointsTest::aPublisherThatDiesWhileComingUp()
         DoomedProcess predecessor(prepare, never); // leaves its buffer behind
         QCOMPARE(predecessor.news(), QByteArray("ready"));
         QVERIFY(!predecessor.diesAtItsPoint());
-        QCOMPARE(filesOf(module).size(), 1);
+        QCOMPARE(buffersOf(module).size(), 1);
         DoomedProcess publisher(prepare, point);
         QCOMPARE(publisher.news(), QByteArray("ready"));
         if (!publisher.diesAtItsPoint()) {
@@ -271,7 +272,7 @@ void CrashPointsTest::aPublisherThatDiesWhileComingUp()
             QVERIFY2(point >= 15, qPrintable(QString::number(point)));
             break;
         }
-        QVERIFY2(filesOf(module).size() <= 2, qPrintable(filesOf(module).join(' ')));
+        QVERIFY2(buffersOf(module).size() <= 2, qPrintable(buffersOf(module).join(' ')));
         requireSuccessor();
         if (QTest::currentTestFailed()) {
             qWarning("died at point %d", point);
@@ -314,7 +315,7 @@ void CrashPointsTest::aClientThatDiesWhileWriting()
         }
     }
     source.buffer.reset();
-    QCOMPARE(filesOf(module), QStringList());
+    QCOMPARE(buffersOf(module), QStringList());
 }
 
 QTEST_GUILESS_MAIN(CrashPointsTest)

@@ -5,7 +5,6 @@
 #include "PostgresCluster.h"
 #include "Rounds.h"
 
-#include <QProcess>
 #include <QRandomGenerator>
 
 using namespace HistorySupport;
@@ -81,10 +80,7 @@ void KillTest::aKilledWriterLeavesAWholeFileWithAllThatWasStored()
         QVERIFY2(promised >= next, writer.report());
         writer.kill();
 
-        QProcess integrity;
-        integrity.start("sqlite3", {database, "PRAGMA integrity_check"});
-        QVERIFY(integrity.waitForFinished());
-        QCOMPARE(integrity.readAll(), QByteArray("ok\n"));
+        QCOMPARE(outputOf("sqlite3", {database, "PRAGMA integrity_check"}), QByteArray("ok\n"));
         next = check(database, promised);
         QVERIFY(next > promised);
     }

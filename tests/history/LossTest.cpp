@@ -51,8 +51,7 @@ void LossTest::aFullDiskCostsTheOldestAndIsRecordedWhenThereIsSpace()
     const auto inside = [&writer](const QStringList &command) {
         ChildProcess process(
             "nsenter", QStringList{"--target", QString::number(writer.pid()), "--mount"} + command);
-        process.start();
-        process.waitForEnd();
+        process.run();
         return process.output().trimmed() + process.errors();
     };
     for (int round = 2; round < 4; ++round) {

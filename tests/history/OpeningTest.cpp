@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What cannot be opened is refused with one error that names it, what is wrong and what to do.
 #include "ChildProcess.h"
+#include "Files.h"
 #include "HistorySchema.h"
 #include "HistorySupport.h"
 
@@ -77,8 +78,7 @@ bool OpeningTest::sql(const QString &statement)
 QByteArray OpeningTest::inProcess(const QStringList &command)
 {
     ChildProcess process(command.first(), command.mid(1));
-    process.start();
-    process.waitForEnd();
+    process.run();
     return process.output().trimmed() + process.errors();
 }
 
@@ -210,7 +210,7 @@ void OpeningTest::aFailedUpgradeLeavesTheDatabaseAsItWas()
 
 void OpeningTest::anEmptyFileBecomesAHistory()
 {
-    QVERIFY(QFile(file).open(QIODevice::WriteOnly));
+    QVERIFY(writeFile(file, {}));
     make();
     QCOMPARE(stored(file, numbers().selector).size(), 1000);
 }

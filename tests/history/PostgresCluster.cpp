@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 // A PostgreSQL server of the test's own, in a folder, reached by a socket file alone.
 #include "PostgresCluster.h"
+#include "Files.h"
 
 #include <QDir>
 #include <QElapsedTimer>
-#include <QFile>
 #include <QProcess>
 #include <QThread>
 
@@ -86,10 +86,8 @@ QString PostgresCluster::start()
             server->start();
         }
         if (waited.hasExpired(limit)) {
-            QFile messages(log);
-            messages.open(QIODevice::ReadOnly);
             return QStringLiteral("the server did not come up: ")
-                + QString::fromUtf8(messages.readAll().right(2000));
+                + QString::fromUtf8(contentOf(log).right(2000));
         }
         QThread::msleep(20);
     }
@@ -98,9 +96,10 @@ QString PostgresCluster::start()
 
 void PostgresCluster::kill()
 {
-    QFile list(QStringLiteral("/proc/%1/task/%1/children").arg(server->pid()));
-    list.open(QIODevice::ReadOnly);
-    const QList<QByteArray> children = list.readAll().simplified().split(' ');
+    const QList<QByteArray> children
+        = contentOf(QStringLiteral("/proc/%1/task/%1/children").arg(server->pid()))
+              .simplified()
+              .split(' ');
     server->kill();
     for (const QByteArray &child : children) {
         if (child.toInt() > 1) {

@@ -4,9 +4,8 @@
 # add_selector_test(name): like add_integration_test, with the programs built first.
 function(add_selector_test name)
     add_integration_test(${name})
-    add_dependencies(integration_${name}_test selector process-data-simulator bus-service-helper)
+    add_dependencies(integration_${name}_test selector process-data-simulator)
     target_compile_definitions(integration_${name}_test PRIVATE
-        BUS_SERVICE_HELPER="$<TARGET_FILE:bus-service-helper>"
         CHECK_SCHEMA="${CMAKE_CURRENT_SOURCE_DIR}/check_schema.py"
         SCHEMA_DIRECTORY="${PROJECT_SOURCE_DIR}/tools/selector/schema"
         COMPLETIONS="${PROJECT_SOURCE_DIR}/tools/selector/completion")

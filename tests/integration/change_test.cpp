@@ -51,9 +51,7 @@ void ChangeTest::init()
 {
     SystemTest::init();
     running.reset(new PublisherProcess);
-    VERIFY_COMMAND(publisher().start());
-    VERIFY_COMMAND(
-        publisher().create(module, "Controller", "1", description({speed, level, pulses, name})));
+    VERIFY_COMMAND(publisher().serve(module, description({speed, level, pulses, name})));
 }
 
 // "alarm" is not there at first; "speed" is asked for twice.

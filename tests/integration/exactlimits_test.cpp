@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Limits past an int64 on their whole way: description file, simulator, bus, library, snapshot, diff.
+#include "Files.h"
 #include "SelectorHandlerProcessValue.h"
 #include "SystemTest.h"
 
@@ -21,7 +22,6 @@ private Q_SLOTS:
 private:
     QString file() const { return directory->filePath("meter.pdd"); }
     QByteArray write(const QByteArray &maximum) const;
-    QByteArray select(const QStringList &arguments, int exitCode) const;
 
     QScopedPointer<QTemporaryDir> directory;
     QScopedPointer<ChildProcess> simulator;
@@ -63,21 +63,7 @@ QByteArray ExactLimitsTest::write(const QByteArray &maximum) const
             {"simulate": {"kind": "constant", "value": 7},
              "name": "total", "type": "uint64", "minimum": 0, "maximum": )"
         + maximum + "}]}]}";
-    QFile out(file());
-    return out.open(QIODevice::WriteOnly) && out.write(text) == text.size()
-        ? QByteArray()
-        : out.errorString().toUtf8();
-}
-
-// What the client prints; empty when the exit code is another one, whose reason is printed.
-QByteArray ExactLimitsTest::select(const QStringList &arguments, int exitCode) const
-{
-    ChildProcess client(SELECTOR, arguments);
-    if (!client.start() || !client.waitForEnd() || client.exitCode() != exitCode) {
-        qWarning("%s", client.report().constData());
-        return QByteArray();
-    }
-    return client.output();
+    return writeFile(file(), text) ? QByteArray() : "no description file";
 }
 
 void ExactLimitsTest::clientsHaveEveryDigitAndHearOfAChangeByOne()
@@ -86,14 +72,16 @@ void ExactLimitsTest::clientsHaveEveryDigitAndHearOfAChangeByOne()
         {selectorUrl(module, "level"), selectorUrl(module, "meter/total")}, nullptr);
     QCOMPARE(handler.getValue(1).getValue().toULongLong(), Q_UINT64_C(7));
     QSignalSpy changed(&handler, SIGNAL(propertyChanged(QVector<int>)));
-    const QByteArray before = select({"properties", selectorUrl(module, "meter/total")}, 0);
+    const QByteArray before
+        = outputOf(SELECTOR, {"properties", selectorUrl(module, "meter/total")}, 0);
     QVERIFY2(before.contains(highest) && !before.contains("simulate"), before.constData());
 
     VERIFY_COMMAND(write(oneLess));
 
     QTRY_COMPARE(changed.count(), 1);
     QCOMPARE(changed.at(0).at(0).value<QVector<int>>(), QVector<int>{1});
-    const QByteArray after = select({"properties", selectorUrl(module, "meter/total")}, 0);
+    const QByteArray after
+        = outputOf(SELECTOR, {"properties", selectorUrl(module, "meter/total")}, 0);
     QVERIFY2(after.contains(oneLess), after.constData());
 }
 
@@ -101,20 +89,16 @@ void ExactLimitsTest::aSnapshotOfAGroupKeepsEveryDigitAndDiffSeesAChangeByOne()
 {
     const QString before = directory->filePath("before");
     const QString group = module + "/Controller/1/meter";
-    QVERIFY(!select({"snapshot", "-o", before, group}, 0).isEmpty());
-    QFile saved(before + "/" + module + "_Controller_1.pdd");
-    QVERIFY(saved.open(QIODevice::ReadOnly));
-    QByteArray text = saved.readAll();
+    QVERIFY(!outputOf(SELECTOR, {"snapshot", "-o", before, group}, 0).isEmpty());
+    QByteArray text = contentOf(before + "/" + module + "_Controller_1.pdd");
     QVERIFY2(text.contains("\"maximum\": " + highest), text.constData());
     QVERIFY2(text.contains("\"total\"") && !text.contains("\"level\""), text.constData());
 
-    QFile narrower(directory->filePath("narrower.pdd"));
-    QVERIFY(narrower.open(QIODevice::WriteOnly));
-    QVERIFY(narrower.write(text.replace(highest, oneLess)) > 0);
-    narrower.close();
-    const QByteArray found = select({"diff", "--format", "csv", before, narrower.fileName()}, 1);
+    const QString narrower = directory->filePath("narrower.pdd");
+    QVERIFY(writeFile(narrower, text.replace(highest, oneLess)));
+    const QByteArray found = outputOf(SELECTOR, {"diff", "--format", "csv", before, narrower}, 1);
     QVERIFY2(found.contains("breaks,maximum," + highest + ',' + oneLess), found.constData());
-    select({"snapshot", "-o", before, module + "/Controller/1/nowhere"}, 1);
+    outputOf(SELECTOR, {"snapshot", "-o", before, module + "/Controller/1/nowhere"}, 1);
 }
 
 QTEST_GUILESS_MAIN(ExactLimitsTest)

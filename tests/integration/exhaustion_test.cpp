@@ -2,6 +2,7 @@
 // Shared memory, descriptors or memory used up: the operation that hits it fails with its reason,
 // and everything before it goes on.
 #include "BusTestMain.h"
+#include "MessageLog.h"
 #include "RequireRoot.h"
 #include "SelectorHandlerProcessValue.h"
 #include "Shortage.h"
@@ -48,33 +49,6 @@ bool canBeStarvedOfDescriptors()
     }                                                                                              \
     static_assert(true, "takes a semicolon")
 
-// Every warning of this process, the platform's too.
-class AllWarnings
-{
-public:
-    AllWarnings()
-    {
-        texts().clear();
-        previous = qInstallMessageHandler(
-            [](QtMsgType, const QMessageLogContext &, const QString &text) { texts() += text; });
-    }
-    ~AllWarnings() { qInstallMessageHandler(previous); }
-    AllWarnings(const AllWarnings &) = delete;
-    AllWarnings &operator=(const AllWarnings &) = delete;
-
-    bool contain(const QString &text) const { return texts().join('\n').contains(text); }
-    QByteArray all() const { return texts().join('\n').toLocal8Bit(); }
-
-private:
-    static QStringList &texts()
-    {
-        static QStringList list;
-        return list;
-    }
-
-    QtMessageHandler previous;
-};
-
 } // namespace
 
 class ExhaustionTest : public SystemTest
@@ -114,8 +88,7 @@ void ExhaustionTest::fullSharedMemoryFailsANewBufferAndHarmsNoOther()
                                {"unshare", "--mount", "sh", "-c",
                                 "mount -t tmpfs -o size=64k tmpfs /dev/shm && "
                                 "exec \"$0\" \"$@\""});
-    VERIFY_COMMAND(publisher.start());
-    VERIFY_COMMAND(publisher.create(module, "Controller", "1", small));
+    VERIFY_COMMAND(publisher.serve(module, small));
     VERIFY_COMMAND(publisher.publish("setpoint", 8));
     const auto inside = [&publisher](const QStringList &command) {
         return QStringList{"--target", QString::number(publisher.process().pid()), "--mount"}
@@ -123,7 +96,7 @@ void ExhaustionTest::fullSharedMemoryFailsANewBufferAndHarmsNoOther()
     };
     // Not without end: in a chroot the namespace's /dev/shm is that of the machine after all.
     ChildProcess filler("nsenter", inside({"sh", "-c", "head -c 1M /dev/zero > /dev/shm/filler"}));
-    QVERIFY(filler.start() && filler.waitForEnd());
+    QVERIFY(filler.run());
     QVERIFY2(filler.errors().contains("No space left"), filler.report());
 
     const QByteArray noSpace = "bytes in /dev/shm failed: No space left on device";
@@ -134,12 +107,12 @@ void ExhaustionTest::fullSharedMemoryFailsANewBufferAndHarmsNoOther()
 
     ChildProcess client("nsenter",
                         inside({INTEGRATION_CLIENT, "0:0", selectorUrl(module, "setpoint")}));
-    QVERIFY(client.start() && client.waitForEnd());
+    QVERIFY(client.run());
     QCOMPARE(client.output(), QByteArray("0 8 written\n"));
     QCOMPARE(client.errors(), QByteArray());
     QCOMPARE(publisher.waitForWrite("setpoint"), QByteArray("44"));
     ChildProcess cleaner("nsenter", inside({"rm", "/dev/shm/filler"}));
-    QVERIFY(cleaner.start() && cleaner.waitForEnd());
+    QVERIFY(cleaner.run());
     VERIFY_COMMAND(publisher.create(module, "Controller", "2", small));
 }
 
@@ -160,8 +133,7 @@ void ExhaustionTest::aStarvedPublisherMakesNoInstanceAndGoesOnWithItsOthers()
         REQUIRE_STARVATION();
     }
     PublisherProcess publisher;
-    VERIFY_COMMAND(publisher.start());
-    VERIFY_COMMAND(publisher.create(module, "Controller", "1", small));
+    VERIFY_COMMAND(publisher.serve(module, small));
     SelectorHandlerProcessValue handler({selectorUrl(module, "setpoint")}, nullptr);
     QVERIFY(isPublished(publisher, handler, 1));
     const QStringList before = buffers();
@@ -188,12 +160,13 @@ void ExhaustionTest::aClientWithoutDescriptorsGoesOnButAttachesNothing()
     VERIFY_COMMAND(publisher.create(module, "Controller", "1", small));
     SelectorHandlerProcessValue before({selectorUrl(module, "setpoint")}, nullptr);
     QSignalSpy spy(&before, changed);
-    const AllWarnings warnings;
+    const MessageLog warnings;
     auto shortage = std::make_unique<DescriptorShortage>();
 
     SelectorHandlerProcessValue late({selectorUrl(module, "setpoint", "Controller", "2")}, nullptr);
     QCOMPARE(late.getValue(0).getErrorType(), ProcessDataDefinitions::NoValue);
-    QVERIFY2(warnings.contain("Too many open files"), warnings.all());
+    const QByteArray all = warnings.texts().join('\n').toLocal8Bit();
+    QVERIFY2(all.contains("Too many open files"), all);
     QVERIFY(isPublished(publisher, before, 1));
     // A new description cannot be attached either; it is when there are descriptors again.
     VERIFY_COMMAND(publisher.replaceDescription(other));
@@ -215,13 +188,14 @@ void ExhaustionTest::aClientWithoutMemoryGoesOnButAttachesNothingLarge()
     SelectorHandlerProcessValue before({selectorUrl(module, "setpoint")}, nullptr);
     const QVector<QString> largeUrl{selectorUrl(module, "setpoint", "Controller", "2")};
     {
-        const AllWarnings warnings;
+        const MessageLog warnings;
         const MemoryShortage shortage;
 
         SelectorHandlerProcessValue late(largeUrl, nullptr);
 
         QCOMPARE(late.getValue(0).getErrorType(), ProcessDataDefinitions::NoValue);
-        QVERIFY2(warnings.contain("mapping it failed: Cannot allocate memory"), warnings.all());
+        const QByteArray all = warnings.texts().join('\n').toLocal8Bit();
+        QVERIFY2(all.contains("mapping it failed: Cannot allocate memory"), all);
         QVERIFY(isPublished(publisher, before, 1));
     }
     SelectorHandlerProcessValue later(largeUrl, nullptr);
@@ -246,7 +220,7 @@ void ExhaustionTest::whoeverHasNoDescriptorsForTheBusSaysSo()
     VERIFY_COMMAND(publisher.publish("setpoint", 8));
     ChildProcess client(INTEGRATION_CLIENT, {"--starved", selectorUrl(module, "setpoint")});
 
-    QVERIFY(client.start() && client.waitForEnd());
+    QVERIFY(client.run());
 
     QVERIFY2(client.output() == "3  refused\n", client.report());
     QVERIFY2(client.errors().contains("Cannot connect to the bus at "), client.report());

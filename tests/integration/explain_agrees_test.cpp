@@ -34,9 +34,8 @@ void ExplainAgreesTest::init()
 {
     SystemTest::init();
     publisher.reset(new PublisherProcess);
-    VERIFY_COMMAND(publisher->start());
-    VERIFY_COMMAND(publisher->create(module, "Controller", "1",
-                                     description({leaf("speed", "float64", {{"unit", "1/min"}})})));
+    VERIFY_COMMAND(
+        publisher->serve(module, description({leaf("speed", "float64", {{"unit", "1/min"}})})));
     VERIFY_COMMAND(publisher->publish("speed", 1450.5));
     QString text;
     QString error;
@@ -52,7 +51,7 @@ void ExplainAgreesTest::init()
     served["buffer"] = buffer;
     past = oneLine(served);
     service.reset(new ScriptedService(other));
-    QVERIFY(service->start());
+    QVERIFY(service->comeUp());
 }
 
 void ExplainAgreesTest::cleanup()
@@ -80,8 +79,7 @@ void ExplainAgreesTest::itHasThePropertiesThatPropertiesHas()
     for (const char *command : {"explain", "properties"}) {
         ChildProcess client(SELECTOR,
                             {command, "--property", property, selectorUrl(module, "speed")});
-        QVERIFY(client.start() && client.waitForEnd());
-        QVERIFY2(client.exitCode() == exitCode, client.report());
+        VERIFY_RUN(client, exitCode);
     }
 }
 
@@ -89,7 +87,7 @@ void ExplainAgreesTest::itListsThePropertiesThatPropertiesLists()
 {
     ChildProcess properties(SELECTOR,
                             {"properties", "--format", "csv", selectorUrl(module, "speed")});
-    QVERIFY(properties.start() && properties.waitForEnd());
+    QVERIFY(properties.run());
     QByteArrayList names;
     const QByteArrayList lines = properties.output().trimmed().split('\n');
     for (const QByteArray &line : lines.mid(1)) {
@@ -97,7 +95,7 @@ void ExplainAgreesTest::itListsThePropertiesThatPropertiesLists()
     }
     ChildProcess explain(SELECTOR,
                          {"explain", "--property", "colour", selectorUrl(module, "speed")});
-    QVERIFY(explain.start() && explain.waitForEnd());
+    QVERIFY(explain.run());
     QVERIFY2(names.size() > 3 && explain.errors().contains("it has: " + names.join(", ") + '\n'),
              explain.report() + properties.report());
 }
@@ -120,7 +118,7 @@ void ExplainAgreesTest::aBufferThatIsReplacedMeanwhileIsNobodysFault()
     QCOMPARE(service->order({"once", "1", past}), QByteArray("ok"));
 
     ChildProcess client(SELECTOR, {"explain", "--property", "unit", selectorUrl(other, "speed")});
-    QVERIFY(client.start() && client.waitForEnd());
+    QVERIFY(client.run());
     QVERIFY2(client.exitCode() == 0 && client.errors().isEmpty(), client.report());
 }
 
@@ -128,7 +126,7 @@ void ExplainAgreesTest::aBufferThatStaysAwayIsToldOfAllTheSame()
 {
     QVERIFY(service->describe("1", past));
     ChildProcess client(SELECTOR, {"explain", selectorUrl(other, "speed")});
-    QVERIFY(client.start() && client.waitForEnd());
+    QVERIFY(client.run());
     QVERIFY2(client.exitCode() == 1 && client.errors().contains("buffer file"), client.report());
 }
 

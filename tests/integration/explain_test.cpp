@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // selector explain names each fault on a selector's way, here made for real, by its step.
 #include "InstanceListClient.h"
+#include "ScriptedService.h"
 #include "SystemTest.h"
 
 #include <QFile>
@@ -47,13 +48,12 @@ private:
     };
 
     QString url(const QString &path) const { return selectorUrl(module, path); }
-    QString bufferFile() const;
     QJsonObject served() const;
     bool serve(const QByteArray &description, const QByteArray &mode = "ok");
     static Outcome explain(const QStringList &arguments, const QStringList &prefix = {});
 
     QScopedPointer<PublisherProcess> publisher;
-    QScopedPointer<ChildProcess> impostor;
+    QScopedPointer<ScriptedService> impostor;
 };
 
 namespace {
@@ -83,9 +83,8 @@ void ExplainTest::init()
 {
     SystemTest::init();
     publisher.reset(new PublisherProcess);
-    VERIFY_COMMAND(publisher->start());
-    VERIFY_COMMAND(publisher->create(
-        module, "Controller", "1",
+    VERIFY_COMMAND(publisher->serve(
+        module,
         description({leaf("speed", "float64", {{"unit", "1/min"}}), leaf("idle", "bool")})));
     VERIFY_COMMAND(publisher->publish("speed", 1450.5));
 }
@@ -95,12 +94,6 @@ void ExplainTest::cleanup()
     impostor.reset();
     publisher.reset();
     SystemTest::cleanup();
-}
-
-QString ExplainTest::bufferFile() const
-{
-    const QStringList files = buffersOf(module);
-    return files.size() == 1 ? "/dev/shm/" + files.first() : QString();
 }
 
 // The description as the publisher serves it now.
@@ -116,16 +109,8 @@ QJsonObject ExplainTest::served() const
 bool ExplainTest::serve(const QByteArray &description, const QByteArray &mode)
 {
     publisher->process().kill();
-    impostor.reset(new ChildProcess(BUS_SERVICE_HELPER, {}));
-    bool good = impostor->start();
-    const QByteArray name = module.toUtf8();
-    for (const QByteArray &order : {"set\t1\t" + description, "mode\t" + mode,
-                                    QByteArray("export\t/com/orvalis/ProcessData/Controller"),
-                                    "own\tcom.orvalis.ProcessData." + name}) {
-        impostor->write(order);
-        good = good && impostor->waitForLine([](const QByteArray &) { return true; }) == "ok";
-    }
-    return good;
+    impostor.reset(new ScriptedService(module));
+    return impostor->order({"mode", mode}) == "ok" && impostor->serve("1", description);
 }
 
 ExplainTest::Outcome ExplainTest::explain(const QStringList &arguments, const QStringList &prefix)
@@ -133,7 +118,7 @@ ExplainTest::Outcome ExplainTest::explain(const QStringList &arguments, const QS
     QStringList command = prefix + QStringList{SELECTOR, "explain", "--format", "json"} + arguments;
     const QString program = command.takeFirst();
     ChildProcess client(program, command);
-    if (!client.start() || !client.waitForEnd()) {
+    if (!client.run()) {
         return {"did not end", client.report(), {}, -1};
     }
     const QJsonObject document = QJsonDocument::fromJson(client.output()).object();
@@ -275,14 +260,14 @@ void ExplainTest::aServiceThatAnswersSomethingElseFailsAtItsDescription()
 
 void ExplainTest::aRemovedBufferIsToldWithItsFile()
 {
-    const QString file = bufferFile();
+    const QString file = bufferFile(module);
     QVERIFY(QFile::remove(file));
     COMPARE_OUTCOME(explain({url("speed")}), "bufferFile", 1, file);
 }
 
 void ExplainTest::aBufferThatMayNotBeReadIsDenied()
 {
-    QVERIFY(QFile::setPermissions(bufferFile(), QFile::Permissions()));
+    QVERIFY(QFile::setPermissions(bufferFile(module), QFile::Permissions()));
     COMPARE_OUTCOME(explain({url("speed")}, powerless()), "permission", 5, "mode 0000");
 }
 
@@ -298,7 +283,7 @@ void ExplainTest::aBufferOfAnotherOwnerIsDenied()
 
 void ExplainTest::anOverwrittenBufferFailsAtItsLayout()
 {
-    QFile file(bufferFile());
+    QFile file(bufferFile(module));
     QVERIFY(file.open(QIODevice::ReadWrite) && file.write("rubbish!") == 8);
     file.close();
     COMPARE_OUTCOME(explain({url("speed")}), "layout", 1, "not a process-data buffer");
@@ -374,7 +359,7 @@ void ExplainTest::tableAndCsvReadAsWritten()
     QFETCH(const QString, format);
     QFETCH(const QByteArray, output);
     ChildProcess client(SELECTOR, {"explain", "--format", format, "pdt://Pump/Controller/1/a"});
-    QVERIFY(client.start() && client.waitForEnd());
+    QVERIFY(client.run());
     QCOMPARE(client.output(), output);
     QCOMPARE(client.errors(),
              QByteArray("selector: pdt://Pump/Controller/1/a: scheme: the scheme is \"pdt\"; "

@@ -3,11 +3,11 @@
 #include "BusTestMain.h"
 #include "DBusProcessDescriptionConnector.h"
 #include "DBusReply.h"
+#include "MessageLog.h"
 #include "ProcessDataPublisher.h"
 #include "ScriptedService.h"
 #include "SelectorHandlerProcessValue.h"
 #include "SystemTest.h"
-#include "WarningLog.h"
 
 #include <QElapsedTimer>
 #include <QJsonDocument>
@@ -76,7 +76,7 @@ void HostileBusTest::init()
     const QVariant text = connector->getProcessDataDescription("1", QString()).getValue();
     good = claimed(QJsonDocument::fromJson(text.toString().toUtf8()).object(), module, "1");
     service.reset(new ScriptedService(module));
-    QVERIFY(service->start());
+    QVERIFY(service->comeUp());
     QVERIFY(service->describe("1", oneLine(good)));
 }
 
@@ -137,7 +137,7 @@ void HostileBusTest::whatIsNoDescriptionIsRefusedAtSetUp()
 {
     QFETCH(QString, kind);
     QVERIFY(service->describe("1", answer(kind)));
-    const WarningLog warnings;
+    const MessageLog warnings(MessageLog::LibraryWarnings);
     SelectorHandlerProcessValue handler({url()}, nullptr);
     QSignalSpy spy(&handler, changed);
 
@@ -160,7 +160,7 @@ void HostileBusTest::whatIsNoDescriptionIsRefusedInAClientAtWork()
     QSignalSpy spy(&handler, changed);
     QVERIFY(isResolved(handler));
     QVERIFY(service->describe("1", answer(kind)));
-    const WarningLog warnings;
+    const MessageLog warnings(MessageLog::LibraryWarnings);
 
     QVERIFY(service->announce("1"));
 
@@ -197,7 +197,7 @@ void HostileBusTest::aFailedFetchLeavesAClientAtWorkUntouched()
     SelectorHandlerProcessValue handler({url()}, nullptr);
     QSignalSpy spy(&handler, changed);
     QCOMPARE(service->order(order), QByteArray("ok"));
-    const WarningLog warnings;
+    const MessageLog warnings(MessageLog::LibraryWarnings);
 
     QVERIFY(service->announce("1"));
 
@@ -216,7 +216,7 @@ void HostileBusTest::aDescriptionTooLargeForTheBusCostsItsServiceTheConnection()
     SelectorHandlerProcessValue handler({url()}, nullptr);
     QSignalSpy spy(&handler, changed);
     QCOMPARE(service->order({"mode", "large"}), QByteArray("ok"));
-    const WarningLog warnings;
+    const MessageLog warnings(MessageLog::LibraryWarnings);
 
     QVERIFY(service->announce("1"));
 
@@ -224,7 +224,7 @@ void HostileBusTest::aDescriptionTooLargeForTheBusCostsItsServiceTheConnection()
     QVERIFY2(warnings.texts().at(0).startsWith("DBus error"), qPrintable(warnings.texts().at(0)));
     QVERIFY(isResolved(handler));
     service.reset(new ScriptedService(module));
-    QVERIFY(service->start());
+    QVERIFY(service->comeUp());
     QVERIFY(service->describe("1", answer("another instance")));
     QVERIFY(service->announce("1"));
     QTRY_COMPARE_WITH_TIMEOUT(indexLists(spy), IndexLists({{0}}), waitLimit);
@@ -236,7 +236,7 @@ void HostileBusTest::aServiceThatNeverAnswersLeavesTheEventLoopTurning()
     SelectorHandlerProcessValue handler({url()}, nullptr);
     QVERIFY(isResolved(handler));
     QCOMPARE(service->order({"mode", "silent"}), QByteArray("ok"));
-    const WarningLog warnings;
+    const MessageLog warnings(MessageLog::LibraryWarnings);
     QTimer timer;
     int turns = 0;
     connect(&timer, &QTimer::timeout, this, [&] { turns += warnings.texts().isEmpty() ? 1 : 0; });
@@ -256,7 +256,7 @@ void HostileBusTest::aLateAnswerIsNotTakenAndTheServiceIsAskedAgain()
     qputenv("PROCESSDATA_DBUS_TIMEOUT_MS", "500");
     SelectorHandlerProcessValue handler({url()}, nullptr);
     QSignalSpy spy(&handler, changed);
-    const WarningLog warnings;
+    const MessageLog warnings(MessageLog::LibraryWarnings);
     QVERIFY(service->describe("1", answer("another instance")));
     QCOMPARE(service->order({"mode", "silent"}), QByteArray("ok"));
     QVERIFY(service->announce("1"));
@@ -280,7 +280,7 @@ void HostileBusTest::aLateAnswerIsNotTakenAndTheServiceIsAskedAgain()
 void HostileBusTest::theSecondOfTwoAnswersIsNotTaken()
 {
     QCOMPARE(service->order({"mode", "twice"}), QByteArray("ok"));
-    const WarningLog warnings;
+    const MessageLog warnings(MessageLog::LibraryWarnings);
     SelectorHandlerProcessValue handler({url()}, nullptr);
     QVERIFY(isResolved(handler));
     QSignalSpy spy(&handler, changed);

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 // What any user may call: too much at once, what nobody knows, without reading the answers.
 #include "BusTestMain.h"
+#include "Files.h"
 #include "InstanceListClient.h"
 #include "RudeCaller.h"
 #include "SystemTest.h"
 
 #include <QElapsedTimer>
-#include <QFile>
 #include <QTest>
 
 #include <memory>
@@ -20,24 +20,7 @@ constexpr int mostOfOneCaller = 64; // calls that wait
 // Kilobytes of a process, as its status names them.
 int memory(qint64 pid, const QByteArray &field)
 {
-    QFile file(QString("/proc/%1/status").arg(pid));
-    if (file.open(QIODevice::ReadOnly)) {
-        const QList<QByteArray> lines = file.readAll().split('\n');
-        for (const QByteArray &line : lines) {
-            if (line.startsWith(field + ':')) {
-                return line.mid(field.size() + 1).simplified().split(' ').first().toInt();
-            }
-        }
-    }
-    return -1;
-}
-
-void forgetPeak(qint64 pid)
-{
-    QFile file(QString("/proc/%1/clear_refs").arg(pid));
-    if (file.open(QIODevice::WriteOnly)) {
-        file.write("5");
-    }
+    return statusOf(pid, field).split(' ').first().toInt();
 }
 
 QJsonObject largeDescription()
@@ -70,31 +53,7 @@ private:
     QByteArray service() const { return "com.orvalis.ProcessData." + module.toUtf8(); }
     RudeCaller::Call fetch(bool wantsAnswer) const
     {
-        return {service(),
-                "/com/orvalis/ProcessData/Controller",
-                "com.orvalis.ProcessDescription1",
-                "GetProcessDataDescription",
-                {"1", ""},
-                wantsAnswer};
-    }
-    RudeCaller::Call list() const
-    {
-        return {service(),
-                "/com/orvalis/ProcessData/Controller",
-                "com.orvalis.ProcessDescription1",
-                "ListInstances",
-                {}};
-    }
-    QByteArray ownerOf(const QByteArray &name) const
-    {
-        RudeCaller caller(bus->address());
-        return caller
-            .ask({"org.freedesktop.DBus",
-                  "/org/freedesktop/DBus",
-                  "org.freedesktop.DBus",
-                  "GetNameOwner",
-                  {name}})
-            .text;
+        return RudeCaller::fetch(service(), wantsAnswer);
     }
     void publishLargeDescription();
     void checkPeak();
@@ -105,9 +64,7 @@ private:
 
 void HostileCallsTest::init()
 {
-    module = uniqueModule();
-    bus.reset(new PrivateBus(PrivateBus::Limits::OfSystemBus));
-    QVERIFY2(bus->start(), bus->report().constData());
+    startSystem(PrivateBus::Limits::OfSystemBus);
     publisher.reset(new PublisherProcess);
     VERIFY_COMMAND(publisher->start());
 }
@@ -115,8 +72,7 @@ void HostileCallsTest::init()
 void HostileCallsTest::cleanup()
 {
     publisher.reset();
-    bus.reset();
-    removeLeftBuffers(module);
+    SystemTest::cleanup();
 }
 
 void HostileCallsTest::publishLargeDescription()
@@ -124,7 +80,7 @@ void HostileCallsTest::publishLargeDescription()
     VERIFY_COMMAND(publisher->create(module, "Controller", "1", largeDescription()));
     const qint64 pid = publisher->process().pid();
     restKilobytes = memory(pid, "VmRSS");
-    forgetPeak(pid);
+    writeFile(QString("/proc/%1/clear_refs").arg(pid), "5"); // forgets the peak
 }
 
 // Prints what was measured: the figures of docs/reliability.md.
@@ -208,7 +164,7 @@ void HostileCallsTest::whatIsTooLargeOrUnknownGetsAShortError()
     VERIFY_COMMAND(
         publisher->create(module, "Controller", "1", description({leaf("level", "int32")})));
     const QByteArray name = service.size() < 2 ? this->service() : service;
-    const QByteArray owner = ownerOf(name);
+    const QByteArray owner = RudeCaller(bus->address()).ownerOf(name);
     QVERIFY(owner.startsWith(':'));
 
     RudeCaller caller(bus->address());
@@ -217,8 +173,8 @@ void HostileCallsTest::whatIsTooLargeOrUnknownGetsAShortError()
 
     QCOMPARE(answer.error, error);
     QVERIFY2(answer.size <= 1000, answer.text);
-    QCOMPARE(ownerOf(name), owner);
-    QCOMPARE(caller.ask(list()).error, QByteArray());
+    QCOMPARE(RudeCaller(bus->address()).ownerOf(name), owner);
+    QCOMPARE(caller.ask(RudeCaller::list(this->service())).error, QByteArray());
 }
 
 void HostileCallsTest::callsThatWantNoAnswerGetNone_data()
@@ -236,7 +192,7 @@ void HostileCallsTest::callsThatWantNoAnswerGetNone()
 
     caller.send(fetch(false), count);
 
-    const RudeCaller::Answer answer = caller.ask(list());
+    const RudeCaller::Answer answer = caller.ask(RudeCaller::list(service()));
     QVERIFY(answer.came);
     QCOMPARE(caller.otherAnswers, 0);
     checkPeak();

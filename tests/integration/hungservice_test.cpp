@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // A service that stops answering: clients wait a bounded time, and are served again afterwards.
 #include "BusTestMain.h"
+#include "MessageLog.h"
 #include "SelectorHandlerProcessValue.h"
 #include "SystemTest.h"
-#include "WarningLog.h"
 
 #include <QElapsedTimer>
 #include <QTest>
@@ -41,15 +41,14 @@ void HungServiceTest::init()
 {
     SystemTest::init();
     publisher.reset(new PublisherProcess);
-    VERIFY_COMMAND(publisher->start());
-    VERIFY_COMMAND(publisher->create(module, "Controller", "1", pump));
+    VERIFY_COMMAND(publisher->serve(module, pump));
     VERIFY_COMMAND(publisher->publish("speed", 8.0));
 }
 
 void HungServiceTest::aClientReturnsWithinTheTimeLimitAndSaysWhy()
 {
     publisher->process().suspend();
-    const WarningLog warnings;
+    const MessageLog warnings(MessageLog::LibraryWarnings);
     QElapsedTimer timer;
     timer.start();
 
@@ -101,8 +100,7 @@ void HungServiceTest::aClientIsServedOnceTheServiceAnswersAgain()
 void HungServiceTest::otherSourcesAreServedMeanwhile()
 {
     PublisherProcess other;
-    VERIFY_COMMAND(other.start());
-    VERIFY_COMMAND(other.create(module + "b", "Controller", "1", pump));
+    VERIFY_COMMAND(other.serve(module + "b", pump));
     VERIFY_COMMAND(other.publish("speed", 3.0));
     publisher->process().suspend();
 

@@ -43,7 +43,6 @@ private Q_SLOTS:
 
 private:
     QByteArray publish(const QJsonObject &description, const QString &path);
-    QString bufferFile() const;
 
     QString module;
     QScopedPointer<PolicedBus> bus;
@@ -69,23 +68,14 @@ void PermissionsTest::cleanup()
 QByteArray PermissionsTest::publish(const QJsonObject &description, const QString &path)
 {
     publisher.reset(new PublisherProcess({"--as", PolicedBus::publisher}));
-    QByteArray problem = publisher->start();
-    if (problem.isEmpty()) {
-        problem = publisher->create(module, "Controller", "1", description);
-    }
+    const QByteArray problem = publisher->serve(module, description);
     return problem.isEmpty() ? publisher->publish(path, 8) : problem;
-}
-
-QString PermissionsTest::bufferFile() const
-{
-    const QStringList files = buffersOf("processdata." + module + '_');
-    return files.size() == 1 ? "/dev/shm/" + files.at(0) : "not one: " + files.join(' ');
 }
 
 void PermissionsTest::aMemberOfTheGroupReadsAndWrites()
 {
     VERIFY_COMMAND(publish(pump, "setpoint"));
-    QCOMPARE(QFileInfo(bufferFile()).groupId(), PolicedBus::buffersGroup);
+    QCOMPARE(QFileInfo(bufferFile(module)).groupId(), PolicedBus::buffersGroup);
 
     const Reading reading(PolicedBus::client, selectorUrl(module, "setpoint"));
 
@@ -110,14 +100,15 @@ void PermissionsTest::aReaderWithoutAccessIsToldWhichGroupToJoin()
 void PermissionsTest::aReaderWhoMayOnlyReadIsToldWhyHisWriteFails()
 {
     VERIFY_COMMAND(publish(pump, "setpoint"));
-    QCOMPARE(::chmod(bufferFile().toUtf8(), 0640), 0);
+    QCOMPARE(::chmod(bufferFile(module).toUtf8(), 0640), 0);
 
     const Reading reading(PolicedBus::client, selectorUrl(module, "setpoint"));
 
     QCOMPARE(reading.line, QByteArray("0 8 refused"));
     QVERIFY2(reading.errors.contains("this process may not write to buffer"), reading.errors);
-    QVERIFY2(reading.errors.contains("that takes the right to write " + bufferFile().toUtf8()),
-             reading.errors);
+    QVERIFY2(
+        reading.errors.contains("that takes the right to write " + bufferFile(module).toUtf8()),
+        reading.errors);
 }
 
 void PermissionsTest::aBufferOfReadOnlyLeavesIsNotWritableForItsGroup()
@@ -127,11 +118,11 @@ void PermissionsTest::aBufferOfReadOnlyLeavesIsNotWritableForItsGroup()
     const Reading reading(PolicedBus::client, selectorUrl(module, "level"));
 
     QCOMPARE(reading.line, QByteArray("0 8 refused"));
-    const Deed overwriting(PolicedBus::client, ": >> " + bufferFile());
+    const Deed overwriting(PolicedBus::client, ": >> " + bufferFile(module));
     QVERIFY(!overwriting.done);
-    const Deed asMember("61002:61101", ": >> " + bufferFile());
+    const Deed asMember("61002:61101", ": >> " + bufferFile(module));
     QVERIFY2(!asMember.done && asMember.errors.contains("Permission denied"), asMember.errors);
-    QVERIFY(Deed("61002:61101", "cat " + bufferFile() + " > /dev/null").done);
+    QVERIFY(Deed("61002:61101", "cat " + bufferFile(module) + " > /dev/null").done);
 }
 
 void PermissionsTest::aSquatterOnTheNamesOfBuffersKeepsNobodyOut()
@@ -168,7 +159,7 @@ void PermissionsTest::aStrangerMayNotTakeAModulesName()
     QVERIFY2(refusal.contains("its bus policy lets root and members of the group "
                               "processdata-publisher do that"),
              refusal);
-    QVERIFY(bufferFile().startsWith("not one")); // nothing was left
+    QVERIFY(bufferFile(module).startsWith("not one")); // nothing was left
     VERIFY_COMMAND(publish(pump, "setpoint"));
     QCOMPARE(Reading(PolicedBus::client, selectorUrl(module, "setpoint")).line,
              QByteArray("0 8 written"));

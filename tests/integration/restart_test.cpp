@@ -55,8 +55,7 @@ void RestartTest::valuesMoveAgainAfterTheirPublisherRestarts()
 {
     QFETCH(const bool, killed);
     PublisherProcess before;
-    VERIFY_COMMAND(before.start());
-    VERIFY_COMMAND(before.create(module, "Controller", "1", pump));
+    VERIFY_COMMAND(before.serve(module, pump));
     SelectorHandlerProcessValue handler({selectorUrl(module, "speed"),
                                          selectorUrl(module, "running"),
                                          selectorUrl(module, "setpoint")},
@@ -68,8 +67,7 @@ void RestartTest::valuesMoveAgainAfterTheirPublisherRestarts()
 
     QVERIFY(end(before, killed));
     PublisherProcess after;
-    VERIFY_COMMAND(after.start());
-    VERIFY_COMMAND(after.create(module, "Controller", "1", pump));
+    VERIFY_COMMAND(after.serve(module, pump));
     VERIFY_COMMAND(after.publish("speed", 2.0));
 
     QTRY_COMPARE(handler.getValue(0).getValue(), QVariant(2.0));
@@ -94,8 +92,7 @@ void RestartTest::aLostSourceKeepsItsLastValueAndSaysSo()
 {
     QFETCH(const bool, killed);
     PublisherProcess publisher;
-    VERIFY_COMMAND(publisher.start());
-    VERIFY_COMMAND(publisher.create(module, "Controller", "1", pump));
+    VERIFY_COMMAND(publisher.serve(module, pump));
     VERIFY_COMMAND(publisher.publish("speed", 9.5));
     SelectorHandlerProcessValue handler({selectorUrl(module, "speed")}, nullptr);
     QCOMPARE(handler.getValue(0).getErrorType(), ProcessDataDefinitions::NoError);
@@ -111,10 +108,8 @@ void RestartTest::onlyTheSelectorsOfTheRestartedPublisherAreReported()
 {
     PublisherProcess steady;
     PublisherProcess before;
-    VERIFY_COMMAND(steady.start());
-    VERIFY_COMMAND(before.start());
-    VERIFY_COMMAND(steady.create(module + "a", "Controller", "1", pump));
-    VERIFY_COMMAND(before.create(module + "b", "Controller", "1", pump));
+    VERIFY_COMMAND(steady.serve(module + "a", pump));
+    VERIFY_COMMAND(before.serve(module + "b", pump));
     SelectorHandlerProcessValue handler(
         {selectorUrl(module + "a", "speed"), selectorUrl(module + "b", "speed"),
          selectorUrl(module + "a", "running"), selectorUrl(module + "b", "running")},
@@ -123,8 +118,7 @@ void RestartTest::onlyTheSelectorsOfTheRestartedPublisherAreReported()
 
     before.process().kill();
     PublisherProcess after;
-    VERIFY_COMMAND(after.start());
-    VERIFY_COMMAND(after.create(module + "b", "Controller", "1", pump));
+    VERIFY_COMMAND(after.serve(module + "b", pump));
 
     QTRY_COMPARE(indexLists(spy), IndexLists({{1, 3}}));
     VERIFY_COMMAND(steady.publish("speed", 6.0));
@@ -134,15 +128,13 @@ void RestartTest::onlyTheSelectorsOfTheRestartedPublisherAreReported()
 void RestartTest::aCrashedPublishersBufferIsRemovedByItsSuccessor()
 {
     PublisherProcess before;
-    VERIFY_COMMAND(before.start());
-    VERIFY_COMMAND(before.create(module, "Controller", "1", pump));
+    VERIFY_COMMAND(before.serve(module, pump));
     before.process().kill();
     const QStringList left = buffersOf(module);
     QCOMPARE(left.size(), 1);
 
     PublisherProcess after;
-    VERIFY_COMMAND(after.start());
-    VERIFY_COMMAND(after.create(module, "Controller", "1", pump));
+    VERIFY_COMMAND(after.serve(module, pump));
     QCOMPARE(buffersOf(module).size(), 1);
     QVERIFY(buffersOf(module) != left);
 
@@ -153,8 +145,7 @@ void RestartTest::aCrashedPublishersBufferIsRemovedByItsSuccessor()
 void RestartTest::announcementsArriveAgainAfterTheBusRestarted()
 {
     PublisherProcess publisher;
-    VERIFY_COMMAND(publisher.start());
-    VERIFY_COMMAND(publisher.create(module, "Controller", "1", pump));
+    VERIFY_COMMAND(publisher.serve(module, pump));
     SelectorHandlerProcessValue handler({selectorUrl(module, "speed")}, nullptr);
     QSignalSpy descriptions(&handler, changed);
     QSignalSpy properties(&handler, propertyChanged);

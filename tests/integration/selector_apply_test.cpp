@@ -29,9 +29,8 @@ void SelectorApplyTest::init()
 {
     SystemTest::init();
     publisher.reset(new PublisherProcess);
-    VERIFY_COMMAND(publisher->start());
-    VERIFY_COMMAND(publisher->create(
-        module, "Controller", "1",
+    VERIFY_COMMAND(publisher->serve(
+        module,
         description({leaf("speed", "float32", {{"unit", "1/min"}, {"maximum", 3000}}),
                      leaf("name", "string", {{"capacity", 32}}), leaf("on", "bool"),
                      leaf("fixed", "int32", {{"readOnly", true}})})));
@@ -50,16 +49,8 @@ void SelectorApplyTest::cleanup()
 QByteArray SelectorApplyTest::run(const QStringList &options, const QStringList &lines,
                                   int exitCode)
 {
-    ChildProcess client(SELECTOR, QStringList{"apply", "-", "--format", "csv"} + options);
-    if (client.start()) {
-        client.write(lines.join('\n').toUtf8());
-        client.closeInput();
-    }
-    if (!client.waitForEnd() || client.exitCode() != exitCode) {
-        qWarning("%s", client.report().constData());
-        return QByteArray();
-    }
-    return client.output() + client.errors();
+    return outputOf(SELECTOR, QStringList{"apply", "-", "--format", "csv"} + options, exitCode,
+                    lines.join('\n').toUtf8());
 }
 
 void SelectorApplyTest::aListIsWrittenAndReadBack()
@@ -105,7 +96,7 @@ void SelectorApplyTest::aDryRunShowsWhatIsThereAndWritesNothing()
     QVERIFY2(output.contains(",900,1000,1/min,checked,\n"), output.constData());
 
     ChildProcess reader(SELECTOR, {"read", "--format", "csv", url("speed")});
-    QVERIFY(reader.start() && reader.waitForEnd());
+    QVERIFY(reader.run());
     QVERIFY2(reader.output().contains("/speed,900,"), reader.report().constData());
 }
 

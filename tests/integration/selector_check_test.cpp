@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // selector check, snapshot and diff against a running system and without one.
+#include "Files.h"
 #include "SystemTest.h"
 
 #include <QDir>
@@ -28,7 +29,10 @@ private:
     QString url(const QString &path) const { return selectorUrl(module, path); }
     QString place() const { return module + "/Controller/1"; }
     QString file(const QString &name, const QStringList &lines) const;
-    QByteArray run(const QStringList &arguments, int exitCode);
+    static QByteArray run(const QStringList &arguments, int exitCode)
+    {
+        return outputOf(SELECTOR, arguments, exitCode);
+    }
     void takeSnapshot(const QString &name);
 
     QScopedPointer<PublisherProcess> publisher;
@@ -47,10 +51,8 @@ void SelectorCheckTest::init()
     SystemTest::init();
     directory.reset(new QTemporaryDir);
     publisher.reset(new PublisherProcess);
-    VERIFY_COMMAND(publisher->start());
-    VERIFY_COMMAND(publisher->create(
-        module, "Controller", "1",
-        description({speed, name, leaf("never", "int64"), leaf("setpoint", "int32")})));
+    VERIFY_COMMAND(publisher->serve(
+        module, description({speed, name, leaf("never", "int64"), leaf("setpoint", "int32")})));
     VERIFY_COMMAND(publisher->publish("speed", 1450.5));
     VERIFY_COMMAND(publisher->publish("name", "Süd"));
     VERIFY_COMMAND(publisher->publish("setpoint", -7));
@@ -66,20 +68,7 @@ void SelectorCheckTest::cleanup()
 QString SelectorCheckTest::file(const QString &fileName, const QStringList &lines) const
 {
     const QString path = directory->filePath(fileName);
-    QFile out(path);
-    const QByteArray text = lines.join('\n').toUtf8();
-    return out.open(QIODevice::WriteOnly) && out.write(text) == text.size() ? path : QString();
-}
-
-// Empty when the exit code is another one; the reason is printed.
-QByteArray SelectorCheckTest::run(const QStringList &arguments, int exitCode)
-{
-    ChildProcess client(SELECTOR, arguments);
-    if (!client.start() || !client.waitForEnd() || client.exitCode() != exitCode) {
-        qWarning("%s", client.report().constData());
-        return QByteArray();
-    }
-    return client.output() + client.errors();
+    return writeFile(path, lines.join('\n').toUtf8()) ? path : QString();
 }
 
 void SelectorCheckTest::takeSnapshot(const QString &target)

@@ -68,9 +68,7 @@ void SelectorCompletionTest::eachLevelIsCompleted()
     QFETCH(QString, expected);
 
     ChildProcess client(SELECTOR, {"complete", kind, filledIn(word)});
-    QVERIFY(client.start() && client.waitForEnd());
-
-    QVERIFY2(client.exitCode() == 0, client.report().constData());
+    VERIFY_RUN(client, 0);
     QCOMPARE(client.output(), filledIn(expected));
     QCOMPARE(client.errors(), QByteArray());
 }
@@ -125,7 +123,7 @@ void SelectorCompletionTest::shellsOfferOnlyWhatIsAccepted()
         {"bash", "-c", bash}, {"zsh", "-fc", zsh}, {"fish", "--no-config", "-c", fish}};
     for (QStringList command : shells) {
         ChildProcess shell(command.takeFirst(), command);
-        QVERIFY(shell.start() && shell.waitForEnd());
+        QVERIFY(shell.run());
         QVERIFY2(shell.output() == filledIn(expected) && shell.errors().isEmpty(), shell.report());
     }
 }
@@ -161,7 +159,7 @@ void SelectorCompletionTest::shellsCompleteUrls()
     command.replaceInStrings("MODULE", module);
 
     ChildProcess shell(command.takeFirst(), command);
-    QVERIFY(shell.start() && shell.waitForEnd());
+    QVERIFY(shell.run());
 
     QVERIFY2(shell.output() == filledIn(expected), shell.report().constData());
     QCOMPARE(shell.errors(), QByteArray());
@@ -182,9 +180,7 @@ void SelectorCompletionTest::withoutASystemNothingIsSaid()
     bus->stop();
 
     ChildProcess client(SELECTOR, {"complete", "url", filledIn(word)});
-    QVERIFY(client.start() && client.waitForEnd());
-
-    QCOMPARE(client.exitCode(), 0);
+    VERIFY_RUN(client, 0);
     QCOMPARE(client.output() + client.errors(), QByteArray());
 }
 
@@ -196,9 +192,7 @@ void SelectorCompletionTest::aHungServiceHoldsNobodyUp()
     ChildProcess client("env",
                         {"PROCESSDATA_DBUS_TIMEOUT_MS=600000", SELECTOR, "complete", "url",
                          filledIn("processdata://MODULE/")});
-    QVERIFY(client.start() && client.waitForEnd());
-
-    QCOMPARE(client.exitCode(), 0);
+    VERIFY_RUN(client, 0);
     QCOMPARE(client.output() + client.errors(), QByteArray());
     publisher->process().resume();
 }
@@ -206,8 +200,7 @@ void SelectorCompletionTest::aHungServiceHoldsNobodyUp()
 void SelectorCompletionTest::wrongUsageIsNamed()
 {
     ChildProcess client(SELECTOR, {"complete", "everything"});
-    QVERIFY(client.start() && client.waitForEnd());
-    QCOMPARE(client.exitCode(), 2);
+    VERIFY_RUN(client, 2);
     QVERIFY2(client.errors().contains("expected \"url\", \"place\" or \"module\""),
              client.report().constData());
 }

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // What scripts may rely on: JSON as its schemas say, exit codes, one time limit for a request.
+#include "Files.h"
 #include "SchemaCheck.h"
 #include "SelectorSystemTest.h"
 
@@ -71,7 +72,7 @@ void SelectorContractTest::outputKeepsItsSchema()
 {
     QFETCH(const QStringList, arguments);
     ChildProcess client(SELECTOR, filledIn(arguments) + QStringList{"--format", "json"});
-    QVERIFY(client.start() && client.waitForEnd());
+    QVERIFY(client.run());
     QVERIFY2(client.output().contains("selector." + arguments.first().toUtf8() + "/1"),
              client.report().constData());
     const QByteArray problems = schemaProblems(client.output());
@@ -82,17 +83,16 @@ void SelectorContractTest::listsAndSnapshotsKeepTheirSchemas()
 {
     const QTemporaryDir directory;
     const QString list = directory.filePath("list");
-    QFile file(list);
-    QVERIFY(file.open(QIODevice::WriteOnly));
+    QByteArray lines;
     for (const char *line : {"speed 2", "name x", "none 1", "speed 3", "idle?deactivated on"}) {
-        file.write(selectorUrl(module, line).toUtf8() + '\n');
+        lines += selectorUrl(module, line).toUtf8() + '\n';
     }
-    file.close();
+    QVERIFY(writeFile(list, lines));
     const QString before = directory.filePath("before");
     const QString after = directory.filePath("after");
     const auto keepsItsSchema = [](const QStringList &arguments) {
         ChildProcess client(SELECTOR, arguments + QStringList{"--format", "json"});
-        if (!client.start() || !client.waitForEnd()
+        if (!client.run()
             || !client.output().contains("selector." + arguments.first().toUtf8() + "/1")) {
             return client.report();
         }
@@ -139,7 +139,7 @@ void SelectorContractTest::jStandsForJson()
     const QString url = selectorUrl(module, "speed");
     ChildProcess shortly(SELECTOR, {"properties", "-j", url});
     ChildProcess fully(SELECTOR, {"properties", "--format", "json", url});
-    QVERIFY(shortly.start() && shortly.waitForEnd() && fully.start() && fully.waitForEnd());
+    QVERIFY(shortly.run() && fully.run());
     QVERIFY2(fully.output().startsWith('{'), fully.report().constData());
     QCOMPARE(shortly.output(), fully.output());
 }
@@ -165,8 +165,7 @@ void SelectorContractTest::missingPermissionExitsWithFive()
     QStringList command = powerless() + QStringList{SELECTOR} + filledIn(arguments);
     const QString program = command.takeFirst();
     ChildProcess client(program, command);
-    QVERIFY(client.start() && client.waitForEnd());
-    QVERIFY2(client.exitCode() == 5, client.report().constData());
+    VERIFY_RUN(client, 5);
 }
 
 void SelectorContractTest::oneTimeLimitHoldsForAllServicesTogether()
@@ -181,9 +180,7 @@ void SelectorContractTest::oneTimeLimitHoldsForAllServicesTogether()
     QElapsedTimer elapsed;
     elapsed.start();
     ChildProcess client(SELECTOR, QStringList{"read", "--timeout", "2"} + urls);
-    QVERIFY(client.start() && client.waitForEnd());
-
-    QVERIFY2(client.exitCode() == 4, client.report().constData());
+    VERIFY_RUN(client, 4);
     QVERIFY2(elapsed.elapsed() < 6000, "each service had a time limit of its own");
     for (const QString &url : qAsConst(urls)) {
         QVERIFY2(client.output().contains(url.toUtf8()), client.report().constData());

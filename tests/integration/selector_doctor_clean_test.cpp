@@ -2,6 +2,7 @@
 // selector doctor removes what dead publishers left and nothing else; its report tells everything
 // but values.
 #include "DoctorRun.h"
+#include "Files.h"
 #include "SchemaCheck.h"
 #include "SystemTest.h"
 
@@ -44,20 +45,13 @@ namespace {
 const QJsonArray elements{leaf("speed", "float64", {{"unit", "1/min"}}),
                           leaf("idle", "bool", {{"simulate", QJsonObject{{"value", true}}}})};
 
-QByteArray contentOf(const QString &name)
-{
-    QFile file(name);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
 } // namespace
 
 void SelectorDoctorCleanTest::init()
 {
     SystemTest::init();
     publisher.reset(new PublisherProcess);
-    VERIFY_COMMAND(publisher->start());
-    VERIFY_COMMAND(publisher->create(module, "Controller", "1", description(elements)));
+    VERIFY_COMMAND(publisher->serve(module, description(elements)));
     VERIFY_COMMAND(publisher->publish("speed", 1450.5));
 }
 
@@ -72,8 +66,7 @@ QString SelectorDoctorCleanTest::leftBehind()
 {
     const QStringList before = buffers();
     PublisherProcess second;
-    if (!second.start().isEmpty()
-        || !second.create(modules().last(), "Controller", "1", description(elements)).isEmpty()) {
+    if (!second.serve(modules().last(), description(elements)).isEmpty()) {
         return {};
     }
     second.process().kill();
@@ -111,7 +104,7 @@ void SelectorDoctorCleanTest::leftoversAreRemovedAndLiveBuffersUntouched()
 
     VERIFY_COMMAND(publisher->publish("speed", 7));
     ChildProcess client(SELECTOR, {"read", "--format", "csv", selectorUrl(module, "speed")});
-    QVERIFY(client.start() && client.waitForEnd());
+    QVERIFY(client.run());
     QVERIFY2(client.exitCode() == 0 && client.output().contains(",7,"), client.report());
     COMPARE_DOCTOR(DoctorRun(SELECTOR, QStringList{"--clean", "--yes"} + modules()), 0,
                    QStringList());
@@ -129,11 +122,8 @@ void SelectorDoctorCleanTest::aStoppedPublisherKeepsItsBuffer()
 
 void SelectorDoctorCleanTest::whatAWriterForgesIsNotBelieved()
 {
-    QFile buffer("/dev/shm/" + buffers().value(0));
-    QVERIFY(buffer.open(QIODevice::ReadWrite));
     constexpr int headerSize = 192;
-    QCOMPARE(buffer.write(QByteArray(headerSize, '\x40')), qint64(headerSize)); // dead, all of it
-    buffer.close();
+    QVERIFY(overwrite(bufferFile(module), 0, QByteArray(headerSize, '\x40'))); // dead, all of it
     COMPARE_DOCTOR(DoctorRun(SELECTOR, QStringList{"--clean", "--yes"} + modules()), 0,
                    QStringList());
     QCOMPARE(buffers().size(), 1);
@@ -160,9 +150,7 @@ void SelectorDoctorCleanTest::cleaningNeedsNoBus()
 
 void SelectorDoctorCleanTest::whatCannotBeProvedDeadIsKept()
 {
-    QFile foreign("/dev/shm/processdata." + module + "_Controller_3.7");
-    QVERIFY(foreign.open(QIODevice::WriteOnly) && foreign.write("mine") == 4);
-    foreign.close();
+    QVERIFY(writeFile("/dev/shm/processdata." + module + "_Controller_3.7", "mine"));
     const QString left = leftBehind();
     QVERIFY(QFile::setPermissions(left + ".life", QFile::Permissions()));
     const DoctorRun run(SELECTOR, QStringList{"--clean", "--yes"} + modules(), powerless());
@@ -242,7 +230,7 @@ void SelectorDoctorCleanTest::wrongUsageIsNamed()
     QFETCH(const QStringList, arguments);
     QFETCH(const QByteArray, problem);
     ChildProcess client(SELECTOR, QStringList{"doctor"} + arguments);
-    QVERIFY(client.start() && client.waitForEnd());
+    QVERIFY(client.run());
     QVERIFY2(client.exitCode() == 2 && client.errors().contains(problem), client.report());
     QCOMPARE(client.output(), QByteArray());
 }
@@ -275,7 +263,7 @@ void SelectorDoctorCleanTest::tableAndCsvReadAsWritten()
     QFETCH(const QByteArray, output);
     const QString left = leftBehind();
     ChildProcess client(SELECTOR, QStringList{"doctor"} + arguments + modules());
-    QVERIFY(client.start() && client.waitForEnd());
+    QVERIFY(client.run());
     QByteArray shown = client.output();
     QVERIFY2(shown.contains(left.toUtf8()), client.report());
     // The file's name differs from run to run, and so does the width of its column.

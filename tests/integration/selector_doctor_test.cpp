@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 // selector doctor names each fault of a system, here made for real.
 #include "DoctorRun.h"
+#include "Files.h"
 #include "InstanceListClient.h"
 #include "ProviderListClient.h"
+#include "ScriptedService.h"
 #include "SelectorSystemTest.h"
 
 #include <QDBusConnection>
@@ -42,7 +44,6 @@ private Q_SLOTS:
     void aBufferThatIsOpenToAllIsTold();
 
 private:
-    QString bufferFile() const;
     QString servedDescription() const;
     bool serve(const QString &name, const QString &description, const QByteArray &mode = "ok");
     DoctorRun doctor(const QStringList &more = {}, const QStringList &prefix = {}) const
@@ -50,7 +51,7 @@ private:
         return DoctorRun(SELECTOR, more + QStringList{module}, prefix);
     }
 
-    QScopedPointer<ChildProcess> impostor;
+    QScopedPointer<ScriptedService> impostor;
 };
 
 namespace {
@@ -99,12 +100,6 @@ void SelectorDoctorTest::cleanup()
     SelectorSystemTest::cleanup();
 }
 
-QString SelectorDoctorTest::bufferFile() const
-{
-    const QStringList files = buffersOf(module + '_');
-    return files.size() == 1 ? "/dev/shm/" + files.first() : QString();
-}
-
 QString SelectorDoctorTest::servedDescription() const
 {
     QString text;
@@ -117,15 +112,8 @@ QString SelectorDoctorTest::servedDescription() const
 bool SelectorDoctorTest::serve(const QString &name, const QString &description,
                                const QByteArray &mode)
 {
-    impostor.reset(new ChildProcess(BUS_SERVICE_HELPER, {}));
-    bool good = impostor->start();
-    for (const QByteArray &order : {"set\t1\t" + description.toUtf8(), "mode\t" + mode,
-                                    QByteArray("export\t/com/orvalis/ProcessData/Controller"),
-                                    "own\tcom.orvalis.ProcessData." + name.toUtf8()}) {
-        impostor->write(order);
-        good = good && impostor->waitForLine([](const QByteArray &) { return true; }) == "ok";
-    }
-    return good;
+    impostor.reset(new ScriptedService(name));
+    return impostor->order({"mode", mode}) == "ok" && impostor->serve("1", description);
 }
 
 void SelectorDoctorTest::aHealthySystemGivesNothingToComplainAbout()
@@ -142,9 +130,9 @@ void SelectorDoctorTest::aMissingBusIsOutOfReachAndMemoryExaminedAllTheSame()
     bus->stop();
     COMPARE_DOCTOR(doctor(), 3, QStringList{"error bus busOutOfReach "});
     publisher->process().kill();
-    COMPARE_DOCTOR(
-        doctor(), 3,
-        (QStringList{"error bus busOutOfReach ", "warning buffers leftover " + bufferFile()}));
+    COMPARE_DOCTOR(doctor(), 3,
+                   (QStringList{"error bus busOutOfReach ",
+                                "warning buffers leftover " + bufferFile(module)}));
 }
 
 void SelectorDoctorTest::missingManagersAreToldOfEach()
@@ -218,7 +206,7 @@ void SelectorDoctorTest::aServiceThatIsNotRegisteredIsTold()
 
 void SelectorDoctorTest::aDescriptionThatClientsRefuseIsTold()
 {
-    const QString file = bufferFile();
+    const QString file = bufferFile(module);
     publisher->process().kill();
     QVERIFY(serve(module, "{}"));
     COMPARE_DOCTOR(doctor(), 1,
@@ -229,7 +217,7 @@ void SelectorDoctorTest::aDescriptionThatClientsRefuseIsTold()
 
 void SelectorDoctorTest::aServiceThatAnswersSomethingElseIsTold()
 {
-    const QString file = bufferFile();
+    const QString file = bufferFile(module);
     publisher->process().kill();
     QVERIFY(serve(module, "{}", "number"));
     COMPARE_DOCTOR(
@@ -240,21 +228,21 @@ void SelectorDoctorTest::aServiceThatAnswersSomethingElseIsTold()
 
 void SelectorDoctorTest::aMissingBufferIsTold()
 {
-    QVERIFY(QFile::remove(bufferFile()));
+    QVERIFY(QFile::remove(bufferFile(module)));
     COMPARE_DOCTOR(doctor(), 1,
                    QStringList{"error sources bufferMissing " + module + "/Controller/1"});
 }
 
 void SelectorDoctorTest::aBufferThatMayNotBeReadIsDenied()
 {
-    QVERIFY(QFile::setPermissions(bufferFile(), QFile::Permissions()));
+    QVERIFY(QFile::setPermissions(bufferFile(module), QFile::Permissions()));
     COMPARE_DOCTOR(doctor({}, powerless()), 5,
                    QStringList{"error sources denied " + module + "/Controller/1"});
 }
 
 void SelectorDoctorTest::anOverwrittenBufferIsTold()
 {
-    QFile file(bufferFile());
+    QFile file(bufferFile(module));
     QVERIFY(file.open(QIODevice::ReadWrite) && file.write("rubbish!") == 8);
     file.close();
     COMPARE_DOCTOR(doctor(), 1,
@@ -279,7 +267,7 @@ void SelectorDoctorTest::aBufferWithoutADescriptionIsTold()
                    (QStringList{"warning services serviceMissing " + informationManager,
                                 "warning services serviceMissing " + statusManager,
                                 "error registry serviceMissing " + module,
-                                "warning buffers notDescribed " + bufferFile()}));
+                                "warning buffers notDescribed " + bufferFile(module)}));
 }
 
 void SelectorDoctorTest::theBufferOfAKilledPublisherIsALeftover()
@@ -289,52 +277,50 @@ void SelectorDoctorTest::theBufferOfAKilledPublisherIsALeftover()
     const DoctorRun run = doctor();
     COMPARE_DOCTOR(run, 1,
                    (QStringList{"error registry serviceMissing " + module,
-                                "warning buffers leftover " + bufferFile()}));
+                                "warning buffers leftover " + bufferFile(module)}));
     QVERIFY2(run.text("leftover", "finding").startsWith("its publisher died"), run.report);
 }
 
 void SelectorDoctorTest::filesThatOnlyLookLikeBuffersAreTold()
 {
-    QFile file("/dev/shm/processdata." + module + "_Controller_2.7");
-    QVERIFY(file.open(QIODevice::WriteOnly) && file.write("mine") == 4);
-    file.close();
-    QVERIFY(file.setPermissions(QFile::ReadOwner | QFile::ReadOther));
+    const QString file = "/dev/shm/processdata." + module + "_Controller_2.7";
+    QVERIFY(writeFile(file, "mine"));
+    QVERIFY(QFile::setPermissions(file, QFile::ReadOwner | QFile::ReadOther));
     const DoctorRun run = doctor();
-    COMPARE_DOCTOR(run, 1, QStringList{"warning buffers notABuffer " + file.fileName()});
+    COMPARE_DOCTOR(run, 1, QStringList{"warning buffers notABuffer " + file});
     QVERIFY2(run.text("notABuffer", "finding").contains("4 bytes"), run.report);
 }
 
 void SelectorDoctorTest::aBufferOfAnotherLayoutIsTold()
 {
     publisher->process().kill();
-    QFile file(bufferFile());
+    const QString file = bufferFile(module);
     const qint64 versionOffset = 8;
-    QVERIFY(file.open(QIODevice::ReadWrite) && file.seek(versionOffset) && file.putChar(9));
-    file.close();
-    QVERIFY(QFile::remove(file.fileName() + ".life"));
+    QVERIFY(overwrite(file, versionOffset, "\x09"));
+    QVERIFY(QFile::remove(file + ".life"));
     QTRY_VERIFY_WITH_TIMEOUT(!isRegistered(module), 20000);
     const DoctorRun run = doctor();
     COMPARE_DOCTOR(run, 1,
                    (QStringList{"error registry serviceMissing " + module,
-                                "warning buffers otherLayout " + file.fileName()}));
+                                "warning buffers otherLayout " + file}));
     QCOMPARE(run.text("otherLayout", "finding"), QString("layout version 9, this system has 2"));
 }
 
 void SelectorDoctorTest::aLeftoverThatMayNotBeReadIsDenied()
 {
     publisher->process().kill();
-    QVERIFY(QFile::setPermissions(bufferFile() + ".life", QFile::Permissions()));
+    QVERIFY(QFile::setPermissions(bufferFile(module) + ".life", QFile::Permissions()));
     QTRY_VERIFY_WITH_TIMEOUT(!isRegistered(module), 20000);
     COMPARE_DOCTOR(doctor({}, powerless()), 5,
                    (QStringList{"error registry serviceMissing " + module,
-                                "warning buffers denied " + bufferFile()}));
+                                "warning buffers denied " + bufferFile(module)}));
 }
 
 void SelectorDoctorTest::aBufferThatIsOpenToAllIsTold()
 {
     const auto open = QFile::ReadOwner | QFile::WriteOwner | QFile::ReadOther;
-    QVERIFY(QFile::setPermissions(bufferFile(), open));
-    COMPARE_DOCTOR(doctor(), 1, QStringList{"warning permissions openToAll " + bufferFile()});
+    QVERIFY(QFile::setPermissions(bufferFile(module), open));
+    COMPARE_DOCTOR(doctor(), 1, QStringList{"warning permissions openToAll " + bufferFile(module)});
 }
 
 QTEST_GUILESS_MAIN(SelectorDoctorTest)

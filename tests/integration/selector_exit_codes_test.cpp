@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Every command ends with each exit code that its man page promises.
+#include "Files.h"
 #include "ProviderListClient.h"
 #include "SelectorSystemTest.h"
 
@@ -149,12 +150,6 @@ private:
     const QString name;
 };
 
-bool write(const QString &fileName, const QByteArray &content)
-{
-    QFile file(fileName);
-    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
-}
-
 } // namespace
 
 void SelectorExitCodesTest::init()
@@ -165,10 +160,10 @@ void SelectorExitCodesTest::init()
     VERIFY_COMMAND(publisher->publish("speed", 2));
     QTRY_VERIFY_WITH_TIMEOUT(isRegistered(module), 20000);
     const QByteArray head = R"({"module":"M","object":"O","instance":"1","elements":[)";
-    QVERIFY(write(folder->filePath("LIST"), selectorUrl(module, "speed").toUtf8() + " 3\n")
-            && write(folder->filePath("BAD"), selectorUrl(module, "none").toUtf8() + " 3\n")
-            && write(folder->filePath("BEFORE"), head + R"({"name":"a","type":"bool"}]})")
-            && write(folder->filePath("AFTER"), head + "]}"));
+    QVERIFY(writeFile(folder->filePath("LIST"), selectorUrl(module, "speed").toUtf8() + " 3\n")
+            && writeFile(folder->filePath("BAD"), selectorUrl(module, "none").toUtf8() + " 3\n")
+            && writeFile(folder->filePath("BEFORE"), head + R"({"name":"a","type":"bool"}]})")
+            && writeFile(folder->filePath("AFTER"), head + "]}"));
 }
 
 void SelectorExitCodesTest::cleanup()
@@ -224,9 +219,7 @@ void SelectorExitCodesTest::commandsEndAsTheirPagesSay()
     make(fault);
 
     ChildProcess client(SELECTOR, words);
-    QVERIFY(client.start() && client.waitForEnd());
-
-    QVERIFY2(client.exitCode() == exitCode, client.report());
+    VERIFY_RUN(client, exitCode);
     QVERIFY2((exitCode == 0) == client.errors().isEmpty(), client.report());
 }
 
@@ -242,10 +235,9 @@ void SelectorExitCodesTest::everyCodeThatAPagePromisesHasARow()
     QCOMPARE(commands.size(), 13);
     const QRegularExpression promise(R"((?:^|[;.:] )(\d)[ ,])");
     for (const QString &command : qAsConst(commands)) {
-        QFile page(QString(MAN_PAGES "/selector-%1.1").arg(command));
-        QVERIFY2(page.open(QIODevice::ReadOnly), qPrintable(page.fileName()));
-        const QString text
-            = QString::fromUtf8(page.readAll()).section(".SH EXIT STATUS\n", 1).section('\n', 0, 0);
+        const QString page
+            = QString::fromUtf8(contentOf(QString(MAN_PAGES "/selector-%1.1").arg(command)));
+        const QString text = page.section(".SH EXIT STATUS\n", 1).section('\n', 0, 0);
         int count = 0;
         for (auto match = promise.globalMatch(text); match.hasNext(); ++count) {
             const QString wanted = command + ' ' + match.next().captured(1);

@@ -2,6 +2,7 @@
 // Every command in every format, byte for byte as golden/ has it, with its reasons and exit code.
 //
 // SELECTOR_UPDATE_GOLDEN=1 in the environment writes the files anew; then read the difference.
+#include "Files.h"
 #include "ProviderListClient.h"
 #include "SelectorSystemTest.h"
 
@@ -56,12 +57,6 @@ const QString idle("processdata://MODULE/Controller/1/idle");
 const QString serial("processdata://MODULE/Controller/1/serial");
 const QString none("processdata://MODULE/Controller/1/drive/sped");
 
-bool write(const QString &fileName, const QByteArray &content)
-{
-    QFile file(fileName);
-    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
-}
-
 } // namespace
 
 void SelectorGoldenTest::init()
@@ -80,18 +75,18 @@ void SelectorGoldenTest::init()
         = QStringList{speed + " 2000",         name + " x", none + " 1", speed + " 3",
                       idle + "?deactivated 4", "nonsense 1"}
               .join('\n');
-    QVERIFY(write(folder->filePath("list"), list.toUtf8().replace("MODULE", module.toUtf8())));
+    QVERIFY(writeFile(folder->filePath("list"), list.toUtf8().replace("MODULE", module.toUtf8())));
     const QString good = QStringList{speed + " 2000", on + " off"}.join('\n');
-    QVERIFY(write(folder->filePath("good"), good.toUtf8().replace("MODULE", module.toUtf8())));
+    QVERIFY(writeFile(folder->filePath("good"), good.toUtf8().replace("MODULE", module.toUtf8())));
     const QByteArray head = R"({"module":"M","object":"O","instance":"1","elements":[)";
-    QVERIFY(write(folder->filePath("before"),
-                  head + R"({"name":"a","type":"int8","unit":"V"},{"name":"b","type":"bool"},)"
-                      + R"({"name":"c","type":"bool","description":"one"}]})"));
-    QVERIFY(write(folder->filePath("after"),
-                  head + R"({"name":"a","type":"int8","unit":"A"},{"name":"d","type":"bool"},)"
-                      + R"({"name":"c","type":"bool","description":"two"}]})"));
-    QVERIFY(write(folder->filePath("urls"),
-                  "processdata://M/O/1/b\nprocessdata://M/O/1/c\nprocessdata://M/O/1/e\n"));
+    QVERIFY(writeFile(folder->filePath("before"),
+                      head + R"({"name":"a","type":"int8","unit":"V"},{"name":"b","type":"bool"},)"
+                          + R"({"name":"c","type":"bool","description":"one"}]})"));
+    QVERIFY(writeFile(folder->filePath("after"),
+                      head + R"({"name":"a","type":"int8","unit":"A"},{"name":"d","type":"bool"},)"
+                          + R"({"name":"c","type":"bool","description":"two"}]})"));
+    QVERIFY(writeFile(folder->filePath("urls"),
+                      "processdata://M/O/1/b\nprocessdata://M/O/1/c\nprocessdata://M/O/1/e\n"));
 }
 
 void SelectorGoldenTest::cleanup()
@@ -137,7 +132,7 @@ QString SelectorGoldenTest::outcome(const QStringList &arguments) const
     }
     for (const QStringList &format : formats) {
         ChildProcess client(SELECTOR, arguments + format);
-        if (!client.start() || !client.waitForEnd()) {
+        if (!client.run()) {
             return QString::fromUtf8(client.report());
         }
         all += QString("== %1\n%2").arg(format.last(), QString::fromUtf8(client.output()));
@@ -196,11 +191,9 @@ void SelectorGoldenTest::outputIsAsWritten()
 
     const QString fileName = QString(GOLDEN "/%1.txt").arg(QTest::currentDataTag());
     if (qEnvironmentVariableIsSet("SELECTOR_UPDATE_GOLDEN")) {
-        QVERIFY(write(fileName, text.toUtf8()));
+        QVERIFY(writeFile(fileName, text.toUtf8()));
     }
-    QFile file(fileName);
-    QVERIFY2(file.open(QIODevice::ReadOnly), qPrintable(fileName));
-    const QStringList wanted = QString::fromUtf8(file.readAll()).split('\n');
+    const QStringList wanted = QString::fromUtf8(contentOf(fileName)).split('\n');
     const QStringList shown = text.split('\n');
     for (int i = 0; i < qMax(wanted.size(), shown.size()); ++i) {
         QVERIFY2(wanted.value(i) == shown.value(i),

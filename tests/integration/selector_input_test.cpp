@@ -62,7 +62,7 @@ void SelectorInputTest::listsAreReadFromPipes()
     const QTemporaryDir folder;
     ChildProcess client(
         "bash", {"-c", command, SELECTOR, selectorUrl(module, "speed"), folder.filePath("list")});
-    QVERIFY(client.start() && client.waitForEnd());
+    QVERIFY(client.run());
     QVERIFY2(client.exitCode() == 0 && client.output().endsWith(output), client.report());
 }
 
@@ -74,7 +74,7 @@ void SelectorInputTest::aListMayComeInPieces()
                          "\"$0\" read -q -f <(for i in {1..3000}; do echo \"$1?deactivated\"; "
                          "done; printf %s \"$1\") | sort | uniq -c",
                          SELECTOR, selectorUrl(module, "speed")});
-    QVERIFY(client.start() && client.waitForEnd());
+    QVERIFY(client.run());
     QCOMPARE(client.output().simplified(), QByteArray("3000 1 2"));
 }
 
@@ -94,7 +94,7 @@ void SelectorInputTest::aListThatCannotBeReadIsNamed()
     QFETCH(const QString, arguments);
     QFETCH(const QByteArray, reason);
     ChildProcess client("bash", {"-c", "\"$0\" read " + arguments, SELECTOR});
-    QVERIFY(client.start() && client.waitForEnd());
+    QVERIFY(client.run());
     QVERIFY2(client.exitCode() == 2 && client.errors().startsWith("selector: " + reason),
              client.report());
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Results that cannot be written are a failure with one reason, on whatever they go to.
 #include "BusTestMain.h"
+#include "Files.h"
 #include "RequireRoot.h"
 #include "SelectorSystemTest.h"
 
@@ -68,7 +69,7 @@ QByteArray SelectorOutputTest::shell(const QString &command, const QString &redi
 {
     ChildProcess client("bash",
                         {"-c", "exec " + QString(filledIn(command)) + ' ' + redirection, "bash"});
-    const bool ended = client.start() && client.waitForEnd();
+    const bool ended = client.run();
     return ended && client.exitCode() == exitCode ? client.errors() : client.report();
 }
 
@@ -126,8 +127,7 @@ void SelectorOutputTest::aDiskThatFillsHalfWayIsAFailure()
     REQUIRE_ROOT();
     ChildProcess client(
         "unshare", onSmallDisk("\"$0\" read -q \"$3\" > out; code=$?; stat -c %s out; exit $code"));
-    QVERIFY(client.start() && client.waitForEnd());
-    QVERIFY2(client.exitCode() == 1, client.report());
+    VERIFY_RUN(client, 1);
     QCOMPARE(client.errors(), noSpace);
     QCOMPARE(client.output(), QByteArray("65536\n"));
 }
@@ -154,11 +154,8 @@ void SelectorOutputTest::aClosedStandardOutputIsNotTakenByTheBus()
     ChildProcess client("bash",
                         {"-c", "exec \"$0\" watch \"$1\" 0>&- 1>&- 2>\"$2\"", SELECTOR,
                          selectorUrl(module, "speed"), folder->filePath("errors")});
-    QVERIFY(client.start() && client.waitForEnd());
-    QVERIFY2(client.exitCode() == 1, client.report());
-    QFile errors(folder->filePath("errors"));
-    QVERIFY(errors.open(QIODevice::ReadOnly));
-    QCOMPARE(errors.readAll(), notOpen);
+    VERIFY_RUN(client, 1);
+    QCOMPARE(contentOf(folder->filePath("errors")), notOpen);
 }
 
 void SelectorOutputTest::aSimulatorThatCannotSayReadyEnds_data()
@@ -185,8 +182,7 @@ void SelectorOutputTest::aReportOnAFullDiskNamesTheErrorAndLeavesNothing()
         "unshare",
         onSmallDisk("\"$0\" doctor --report fault.json --with-values \"$2\" > /dev/null; "
                     "code=$?; ls -A; exit $code"));
-    QVERIFY(client.start() && client.waitForEnd());
-    QVERIFY2(client.exitCode() == 1, client.report());
+    VERIFY_RUN(client, 1);
     QCOMPARE(client.errors(),
              QByteArray("selector: fault.json: No space left on device; name a file in a folder "
                         "that may be written and has space left\n"));
@@ -199,8 +195,7 @@ void SelectorOutputTest::aSnapshotOnAFullDiskNamesTheErrorAndLeavesNothing()
     ChildProcess client("unshare",
                         onSmallDisk("\"$0\" snapshot --output . \"$2\" > /dev/null; "
                                     "code=$?; ls -A; exit $code"));
-    QVERIFY(client.start() && client.waitForEnd());
-    QVERIFY2(client.exitCode() == 1, client.report());
+    VERIFY_RUN(client, 1);
     QVERIFY2(client.errors().endsWith(".pdd: No space left on device\n"), client.report());
     QCOMPARE(client.output(), QByteArray());
 }
@@ -216,8 +211,7 @@ void SelectorOutputTest::aReportIntoADeviceLeavesTheDevice()
                          "\"$0\" doctor --report \"$2\" \"$1\" > /dev/null; code=$?; "
                          "wait; [[ -p $2 ]] || exit 9; exit $code",
                          SELECTOR, module, pipe});
-    QVERIFY(client.start() && client.waitForEnd());
-    QVERIFY2(client.exitCode() == 0, client.report());
+    VERIFY_RUN(client, 0);
     QVERIFY2(client.output().contains("\"selector.doctorReport/1\""), client.report());
 }
 

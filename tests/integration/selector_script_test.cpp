@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // What scripts and terminals ask for: values only, no header, no colour, a clean end by SIGINT.
+#include "Files.h"
 #include "SelectorSystemTest.h"
 
 #include <QFile>
@@ -41,13 +42,7 @@ const QString noneUrl("processdata://MODULE/Controller/1/none");
 // Whether a process has taken a signal into its own hands.
 bool catches(int signalNumber, qint64 pid)
 {
-    QFile status(QString("/proc/%1/status").arg(pid));
-    if (!status.open(QIODevice::ReadOnly)) {
-        return false;
-    }
-    const QByteArray text = status.readAll();
-    const int start = text.indexOf("SigCgt:\t") + 8;
-    const quint64 caught = text.mid(start, 16).toULongLong(nullptr, 16);
+    const quint64 caught = statusOf(pid, "SigCgt").toULongLong(nullptr, 16);
     return (caught >> (signalNumber - 1) & 1) != 0; // bit 0 is signal 1
 }
 
@@ -99,8 +94,8 @@ void SelectorScriptTest::quietPrintsValuesAndNothingElse()
     const QByteArray wanted = output.replace("MODULE", module).toUtf8();
     const auto prints = [&](QByteArray &report) {
         ChildProcess client(SELECTOR, filledIn(arguments));
-        const bool same = client.start() && client.waitForEnd() && client.output() == wanted
-            && client.exitCode() == exitCode && client.errors().isEmpty() == (exitCode == 0);
+        const bool same = client.run() && client.output() == wanted && client.exitCode() == exitCode
+            && client.errors().isEmpty() == (exitCode == 0);
         report = client.report();
         return same;
     };
@@ -112,11 +107,11 @@ void SelectorScriptTest::quietWatchPrintsEachNewValue()
 {
     ChildProcess client(SELECTOR, {"watch", "-q", "--count", "3", selectorUrl(module, "speed")});
     QVERIFY(client.start());
-    QCOMPARE(client.waitForLine([](const QByteArray &) { return true; }), QByteArray("0.1"));
+    QCOMPARE(client.nextLine(), QByteArray("0.1"));
     VERIFY_COMMAND(publisher->replaceProperties(description(
         {leaf("speed", "float64", {{"unit", "Hz"}}), leaf("name", "string", {{"capacity", 32}})})));
     VERIFY_COMMAND(publisher->publish("speed", 2));
-    QCOMPARE(client.waitForLine([](const QByteArray &) { return true; }), QByteArray("2"));
+    QCOMPARE(client.nextLine(), QByteArray("2"));
     VERIFY_COMMAND(publisher->publish("speed", 3));
     QVERIFY(client.waitForEnd());
     QVERIFY2(client.exitCode() == 0 && client.output() == "0.1\n2\n3\n", client.report());
@@ -143,7 +138,7 @@ void SelectorScriptTest::noLegendLeavesOutTheHeader()
     QFETCH(const QStringList, arguments);
     QFETCH(QString, begin);
     ChildProcess client(SELECTOR, filledIn(arguments));
-    QVERIFY(client.start() && client.waitForEnd());
+    QVERIFY(client.run());
     QVERIFY2(client.output().startsWith(begin.replace("MODULE", module).toUtf8()), client.report());
 }
 
@@ -151,9 +146,8 @@ void SelectorScriptTest::noLegendLeavesOutTheHeader()
 QByteArray SelectorScriptTest::onTerminal(const QByteArray &command)
 {
     ChildProcess terminal("script", {"-qec", "TERM=xterm " + command, "/dev/null"});
-    return terminal.start() && terminal.waitForEnd() && terminal.exitCode() == 0
-        ? terminal.output()
-        : "failed: " + terminal.report();
+    return terminal.run() && terminal.exitCode() == 0 ? terminal.output()
+                                                      : "failed: " + terminal.report();
 }
 
 void SelectorScriptTest::aTerminalGetsColourUnlessNoColorIsSet()
@@ -192,17 +186,12 @@ void SelectorScriptTest::interruptEndsEveryCommandThatWaits()
 {
     QFETCH(QStringList, arguments);
     const QTemporaryDir folder;
-    QFile list(folder.filePath("list"));
-    QVERIFY(list.open(QIODevice::WriteOnly));
-    list.write(selectorUrl(module, "speed").toUtf8() + " 1\n");
-    list.close();
-    QFile source(folder.filePath("source"));
-    QVERIFY(source.open(QIODevice::WriteOnly));
-    source.write(R"({"module":"M","object":"O","instance":"1","elements":[]})");
-    source.close();
-    arguments.replaceInStrings("SOURCE", source.fileName());
-    arguments.replaceInStrings("LIST", list.fileName());
-    arguments.replaceInStrings("FOLDER", folder.filePath("out"));
+    for (const char *name : {"LIST", "SOURCE", "FOLDER"}) {
+        arguments.replaceInStrings(name, folder.filePath(name));
+    }
+    QVERIFY(writeFile(folder.filePath("LIST"), selectorUrl(module, "speed").toUtf8() + " 1\n"));
+    QVERIFY(writeFile(folder.filePath("SOURCE"),
+                      R"({"module":"M","object":"O","instance":"1","elements":[]})"));
     publisher->process().suspend();
     system->suspend();
 
@@ -239,8 +228,7 @@ void SelectorScriptTest::anInterruptThatTheParentSwitchedOffStaysOff()
 {
     ChildProcess client(
         "bash", {"-c", "trap '' INT; echo $$; exec \"$0\" \"$@\"", SELECTOR, "read", "-f", "-"});
-    QVERIFY(client.start()
-            && !client.waitForLine([](const QByteArray &) { return true; }).isNull());
+    QVERIFY(client.start() && !client.nextLine().isNull());
     client.interrupt();
     client.write(selectorUrl(module, "speed").toUtf8());
     client.closeInput();

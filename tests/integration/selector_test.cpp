@@ -58,7 +58,7 @@ void SelectorTest::init()
 void SelectorTest::aTableNamesUnitErrorAndReason()
 {
     ChildProcess client(SELECTOR, {"read", url("speed"), url("nothing")});
-    QVERIFY(client.start() && client.waitForEnd());
+    QVERIFY(client.run());
 
     const QList<QByteArray> lines = client.output().split('\n');
     QVERIFY2(lines.size() == 4 && lines.at(3).isEmpty(), client.report().constData());
@@ -74,7 +74,7 @@ void SelectorTest::jsonIsOneDocumentWithARowForEachSelector()
 {
     ChildProcess client(SELECTOR,
                         {"read", "--format", "json", url("speed"), url("nothing"), url("name")});
-    QVERIFY(client.start() && client.waitForEnd());
+    QVERIFY(client.run());
 
     const QJsonArray rows = json(client.output()).value("results").toArray();
     QVERIFY2(rows.size() == 3, client.report().constData());
@@ -89,7 +89,7 @@ void SelectorTest::jsonIsOneDocumentWithARowForEachSelector()
 void SelectorTest::csvHasAHeaderAndARowForEachSelector()
 {
     ChildProcess client(SELECTOR, {"read", "--format", "csv", url("speed"), url("name")});
-    QVERIFY(client.start() && client.waitForEnd());
+    QVERIFY(client.run());
 
     const QList<QByteArray> lines = client.output().split('\n');
     QVERIFY2(lines.size() == 4 && lines.at(3).isEmpty(), client.report().constData());
@@ -144,9 +144,7 @@ void SelectorTest::exitCodesTellScriptsWhatHappened()
     QFETCH(const int, exitCode);
 
     ChildProcess client(SELECTOR, filledIn(arguments));
-    QVERIFY(client.start() && client.waitForEnd());
-
-    QVERIFY2(client.exitCode() == exitCode, client.report().constData());
+    VERIFY_RUN(client, exitCode);
     // Results to standard output, and a wrong command line to standard error.
     QVERIFY2(client.output().isEmpty() == (exitCode == 2), client.report().constData());
     QVERIFY2(exitCode != 2 || !client.errors().isEmpty(), client.report().constData());
@@ -171,9 +169,7 @@ void SelectorTest::withoutABusTheSystemIsOutOfReach()
     bus->stop();
 
     ChildProcess client(SELECTOR, filledIn(arguments));
-    QVERIFY(client.start() && client.waitForEnd());
-
-    QVERIFY2(client.exitCode() == 3, client.report().constData());
+    VERIFY_RUN(client, 3);
     QVERIFY2(client.output().isEmpty(), client.report().constData());
     QVERIFY2(client.errors().contains("bus"), client.report().constData());
 }
@@ -181,9 +177,7 @@ void SelectorTest::withoutABusTheSystemIsOutOfReach()
 void SelectorTest::aWrittenValueReachesItsService()
 {
     ChildProcess client(SELECTOR, {"write", url("setpoint"), "2100", url("speed"), "-1.5"});
-    QVERIFY(client.start() && client.waitForEnd());
-
-    QVERIFY2(client.exitCode() == 0, client.report().constData());
+    VERIFY_RUN(client, 0);
     QSet<QByteArray> written;
     publisher->process().waitForLine([&written](const QByteArray &line) {
         written += line;
@@ -208,17 +202,17 @@ void SelectorTest::selectorsComeFromStandardInput()
 void SelectorTest::modulesAndTheirLeavesAreListed()
 {
     ChildProcess modules(SELECTOR, {"modules", "--type", "AnalogSelector", "--format", "csv"});
-    QVERIFY(modules.start() && modules.waitForEnd());
+    QVERIFY(modules.run());
     QVERIFY2(modules.output().contains(module.toUtf8()), modules.report().constData());
     QVERIFY2(modules.output().contains("Controller/1/AnalogSelector"),
              modules.report().constData());
 
     ChildProcess none(SELECTOR, {"modules", "--type", "DigitalSelector", "--format", "csv"});
-    QVERIFY(none.start() && none.waitForEnd());
+    QVERIFY(none.run());
     QVERIFY2(!none.output().contains(module.toUtf8()), none.report().constData());
 
     ChildProcess leaves(SELECTOR, {"browse", module + "/Controller/1", "--format", "csv"});
-    QVERIFY(leaves.start() && leaves.waitForEnd());
+    QVERIFY(leaves.run());
     for (const char *path : {"speed", "name", "setpoint"}) {
         QVERIFY2(leaves.output().contains(url(path).toUtf8()), leaves.report().constData());
     }
@@ -272,9 +266,7 @@ void SelectorTest::aHungServiceCostsOneTimeLimit()
     publisher->process().suspend();
 
     ChildProcess client(SELECTOR, {"read", "--timeout", "0.3", url("speed"), url("setpoint")});
-    QVERIFY(client.start() && client.waitForEnd());
-
-    QVERIFY2(client.exitCode() == 4, client.report().constData());
+    VERIFY_RUN(client, 4);
     QCOMPARE(client.output().count(url("").toUtf8()), 2);
 }
 

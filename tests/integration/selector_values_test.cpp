@@ -45,7 +45,7 @@ void SelectorValuesTest::init()
 SelectorValuesTest::Result SelectorValuesTest::run(const QStringList &arguments) const
 {
     ChildProcess client("/usr/bin/env", QStringList{"LC_ALL=C", SELECTOR} + arguments);
-    const bool ended = client.start() && client.waitForEnd();
+    const bool ended = client.run();
     return {ended ? client.exitCode() : -1, client.output(), client.report()};
 }
 
@@ -155,7 +155,7 @@ void SelectorValuesTest::textThatIsNotUtf8IsRefused()
     QCOMPARE(run({"write", url("name"), "before"}).exitCode, 0);
 
     ChildProcess shell("/bin/sh", {"-c", command, SELECTOR, url("name")});
-    QVERIFY(shell.start() && shell.waitForEnd());
+    QVERIFY(shell.run());
 
     QVERIFY2(shell.exitCode() == 2 && shell.errors().contains(reason), shell.report());
     QCOMPARE(run({"read", "-q", url("name")}).output, QByteArray("before\n"));

@@ -61,8 +61,7 @@ void SelectorWatchPresenceTest::whatComesUpLaterIsFound()
     QVERIFY(client.start());
     QVERIFY2(!client.waitForLineWith("is not running").isNull(), client.report());
     PublisherProcess other;
-    VERIFY_COMMAND(other.start());
-    VERIFY_COMMAND(other.create(later, "Controller", "1", description({leaf("speed", "float64")})));
+    VERIFY_COMMAND(other.serve(later, description({leaf("speed", "float64")})));
 
     QVERIFY(client.waitForEnd());
     QVERIFY2(client.exitCode() == 0 && client.output().contains("0 found"), client.report());
@@ -88,9 +87,7 @@ void SelectorWatchPresenceTest::hungServicesDoNotHoldTheEndUp()
     QStringList urls{selectorUrl(module, "speed")};
     for (int i = 0; i < 2; ++i) {
         const QString name = QString("%1x%2").arg(module).arg(i);
-        VERIFY_COMMAND(others[i].start());
-        VERIFY_COMMAND(
-            others[i].create(name, "Controller", "1", description({leaf("speed", "float64")})));
+        VERIFY_COMMAND(others[i].serve(name, description({leaf("speed", "float64")})));
         others[i].process().suspend();
         urls += selectorUrl(name, "speed");
     }
@@ -100,7 +97,7 @@ void SelectorWatchPresenceTest::hungServicesDoNotHoldTheEndUp()
         "env",
         QStringList{"PROCESSDATA_DBUS_TIMEOUT_MS=60000", SELECTOR, "watch", "-j", "--timeout", "1"}
             + options + urls);
-    QVERIFY(client.start() && client.waitForEnd());
+    QVERIFY(client.run());
 
     QVERIFY2(client.exitCode() == 4 && client.errors().endsWith(reason), client.report());
     QVERIFY2(client.output().count("\"code\":\"timeLimit\"") == 3, client.report());

@@ -42,9 +42,8 @@ void SelectorWatchTest::init()
 {
     SystemTest::init();
     publisher.reset(new PublisherProcess);
-    VERIFY_COMMAND(publisher->start());
-    VERIFY_COMMAND(publisher->create(
-        module, "Controller", "1",
+    VERIFY_COMMAND(publisher->serve(
+        module,
         description({leaf("speed", "float64", {{"unit", "1/min"}}), leaf("running", "bool")})));
     VERIFY_COMMAND(publisher->publish("speed", 900.5));
     VERIFY_COMMAND(publisher->publish("running", true));
@@ -59,9 +58,7 @@ void SelectorWatchTest::cleanup()
 void SelectorWatchTest::aConditionThatHoldsAlreadyEndsAtOnce()
 {
     ChildProcess client(SELECTOR, arguments({"--until", "speed>900 && on==true"}));
-    QVERIFY(client.start() && client.waitForEnd());
-
-    QVERIFY2(client.exitCode() == 0, client.report().constData());
+    VERIFY_RUN(client, 0);
     QCOMPARE(client.output().count('\n'), 3);
     QCOMPARE(client.errors(), QByteArray());
 }
@@ -69,7 +66,7 @@ void SelectorWatchTest::aConditionThatHoldsAlreadyEndsAtOnce()
 void SelectorWatchTest::aConditionThatHoldsWithTheLastLineCounts()
 {
     ChildProcess client(SELECTOR, arguments({"--until", "on==true", "--count", "2"}));
-    QVERIFY(client.start() && client.waitForEnd());
+    QVERIFY(client.run());
 
     QVERIFY2(client.exitCode() == 0 && client.errors().isEmpty(), client.report());
 }
@@ -131,9 +128,7 @@ void SelectorWatchTest::theTimeLimitEndsWithItsOwnCode()
     QFETCH(QByteArray, reason);
 
     ChildProcess client(SELECTOR, arguments(options + QStringList{"--timeout", "0.5"}));
-    QVERIFY(client.start() && client.waitForEnd());
-
-    QVERIFY2(client.exitCode() == exitCode, client.report().constData());
+    VERIFY_RUN(client, exitCode);
     QCOMPARE(client.errors(), reason);
 }
 
@@ -155,9 +150,7 @@ void SelectorWatchTest::aWrongConditionIsWrongUsage()
     QFETCH(QByteArray, reason);
 
     ChildProcess client(SELECTOR, arguments(options));
-    QVERIFY(client.start() && client.waitForEnd());
-
-    QVERIFY2(client.exitCode() == 2, client.report().constData());
+    VERIFY_RUN(client, 2);
     QVERIFY2(client.errors().contains(reason), client.report().constData());
     QCOMPARE(client.output(), QByteArray());
 }
@@ -207,9 +200,7 @@ void SelectorWatchTest::aTerminationEndsWithTheStateOfTheSelectors()
 void SelectorWatchTest::aChartIsPrintedOnceWithoutATerminal()
 {
     ChildProcess client(SELECTOR, arguments({"--plot", "--count", "3"}));
-    QVERIFY(client.start() && client.waitForEnd());
-
-    QVERIFY2(client.exitCode() == 0, client.report().constData());
+    VERIFY_RUN(client, 0);
     QVERIFY2(client.output().startsWith("speed  900.5 1/min\n"), client.report().constData());
     QVERIFY2(client.output().contains("\non  true\n"), client.report().constData());
     QCOMPARE(client.output().count("***\n"), 2);
@@ -220,7 +211,7 @@ void SelectorWatchTest::aChartIsPrintedOnceWithoutATerminal()
 void SelectorWatchTest::selectorsWithoutALineDoNotCountAtTheEnd()
 {
     ChildProcess client(SELECTOR, arguments({"--count", "1"}));
-    QVERIFY(client.start() && client.waitForEnd());
+    QVERIFY(client.run());
     QVERIFY2(client.exitCode() == 0 && client.errors().isEmpty(), client.report());
 }
 

@@ -30,24 +30,9 @@ private:
         return "com.orvalis.ProcessData." + name.toUtf8();
     }
     void publish(int count);
-    RudeCaller::Call fetch(const QByteArray &destination) const
-    {
-        return {destination,
-                "/com/orvalis/ProcessData/Controller",
-                "com.orvalis.ProcessDescription1",
-                "GetProcessDataDescription",
-                {"1", ""}};
-    }
     QByteArray ownerOf(int number) const
     {
-        RudeCaller caller(bus->address());
-        return caller
-            .ask({"org.freedesktop.DBus",
-                  "/org/freedesktop/DBus",
-                  "org.freedesktop.DBus",
-                  "GetNameOwner",
-                  {service(name(number))}})
-            .text;
+        return RudeCaller(bus->address()).ownerOf(service(name(number)));
     }
     // How many of them answer with their own description.
     int served() const;
@@ -80,7 +65,7 @@ int SharedConnectionTest::served() const
     int good = 0;
     for (int i = 0; i < publishers.size(); ++i) {
         const QByteArray own = "\"module\":\"" + name(i).toUtf8() + '"';
-        good += caller.ask(fetch(service(name(i)))).text.contains(own) ? 1 : 0;
+        good += caller.ask(RudeCaller::fetch(service(name(i)))).text.contains(own) ? 1 : 0;
     }
     return good;
 }
@@ -126,14 +111,10 @@ void SharedConnectionTest::objectsOfTheSameNameAreToldApart()
     QCOMPARE(served(), 2);
 
     // The connection itself cannot say which one is meant.
-    const RudeCaller::Answer both = caller.ask(fetch(ownerOf(0)));
+    const RudeCaller::Answer both = caller.ask(RudeCaller::fetch(ownerOf(0)));
     QCOMPARE(both.error, QByteArray("org.freedesktop.DBus.Error.UnknownObject"));
     QVERIFY2(both.text.contains("call one by its name"), both.text);
-    RudeCaller::Call list = fetch(ownerOf(0));
-    list.path = "/com/orvalis/ProcessData/Other";
-    list.member = "ListInstances";
-    list.texts.clear();
-    QCOMPARE(caller.ask(list).error, QByteArray());
+    QCOMPARE(caller.ask(RudeCaller::list(ownerOf(0), "Other")).error, QByteArray());
 
     QStringList names;
     QString error;

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: MIT
 // Each fault of the simulator, set off over D-Bus, and what a client gets to see of it.
 #include "BusTestMain.h"
+#include "Files.h"
+#include "MessageLog.h"
 #include "SelectorHandlerProcessValue.h"
 #include "SimulatorProcess.h"
 #include "SystemTest.h"
-#include "WarningLog.h"
 
 #include <QDBusPendingCall>
 #include <QFile>
@@ -65,13 +66,6 @@ QJsonObject pump()
 }
 
 const int endedBySignal = -1;
-
-QByteArray bufferOf(const QString &module)
-{
-    const QStringList names = buffersOf(module);
-    QFile file("/dev/shm/" + names.value(0));
-    return names.size() == 1 && file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
 
 // Half a copy of the leaf "name": its head and 64 bytes.
 bool isHalfWritten(const QByteArray &buffer)
@@ -186,7 +180,7 @@ void SimulatorFaultsTest::aSpoiltReplyIsRefused()
     QFETCH(QString, warning);
     qputenv("PROCESSDATA_DBUS_TIMEOUT_MS", "60000");
     VERIFY_COMMAND(run(what, keys + ",\"count\":1"));
-    QScopedPointer<WarningLog> warnings(new WarningLog);
+    QScopedPointer<MessageLog> warnings(new MessageLog(MessageLog::LibraryWarnings));
 
     SelectorHandlerProcessValue handler({url("speed")}, nullptr);
     QVERIFY(isWithoutValue(handler.getValue(0)));
@@ -228,7 +222,7 @@ void SimulatorFaultsTest::aClientKilledInTheMiddleOfAWriteHarmsNobody()
     VERIFY_COMMAND(run("kill-in-write", R"("leaf":"name","writer":"client")"));
 
     QVERIFY(simulator->process().isRunning());
-    QVERIFY(isHalfWritten(bufferOf(module)));
+    QVERIFY(isHalfWritten(contentOf(bufferFile(module))));
     QCOMPARE(handler.getValue(0).getValue(), QVariant("feed pump"));
     QVERIFY(handler.setValue(ProcessValue(QString("drain pump")), 0)); // inherits the lock
     QCOMPARE(handler.getValue(0).getValue(), QVariant("drain pump"));
@@ -246,8 +240,8 @@ void SimulatorFaultsTest::thePublisherIsKilledInTheMiddleOfAWrite()
 
     QVERIFY(simulator->process().waitForEnd());
     QCOMPARE(simulator->process().exitCode(), endedBySignal);
-    QVERIFY(isHalfWritten(bufferOf(module)));
-    QVERIFY(isLockOfTheDead(bufferOf(module)));
+    QVERIFY(isHalfWritten(contentOf(bufferFile(module))));
+    QVERIFY(isLockOfTheDead(contentOf(bufferFile(module))));
     const ProcessValue value = handler.getValue(0);
     QCOMPARE(value.getErrorType(), ProcessDataDefinitions::SourceLost);
     QCOMPARE(value.getValue(), QVariant("feed pump"));
@@ -313,13 +307,11 @@ void SimulatorFaultsTest::permissionsReallyChange()
     const QString program = command.takeFirst();
     VERIFY_COMMAND(run("permissions", "\"mode\":\"0\""));
     ChildProcess denied(program, command);
-    QVERIFY(denied.start() && denied.waitForEnd());
-    QVERIFY2(denied.exitCode() == 5, denied.report());
+    VERIFY_RUN(denied, 5);
 
     VERIFY_COMMAND(run("permissions", "\"mode\":\"640\""));
     ChildProcess allowed(program, command);
-    QVERIFY(allowed.start() && allowed.waitForEnd());
-    QVERIFY2(allowed.exitCode() == 0, allowed.report());
+    VERIFY_RUN(allowed, 0);
 }
 
 BUS_TEST_MAIN(SimulatorFaultsTest)

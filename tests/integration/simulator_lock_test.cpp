@@ -26,11 +26,6 @@ QJsonObject counter(const QString &name, const QJsonObject &more = {})
     return leaf(name, "uint32", properties);
 }
 
-QString onlyBufferOf(const QString &module)
-{
-    return "/dev/shm/" + buffersOf(module).value(0);
-}
-
 uint valueOf(SelectorHandlerProcessValue &handler, int index)
 {
     return handler.getValue(index).getValue().toUInt();
@@ -46,7 +41,7 @@ void SimulatorLockTest::allValuesMoveAgainOnceTheLockIsFree()
                                         nullptr);
     QTRY_VERIFY_WITH_TIMEOUT(valueOf(handler, 0) > 0 && valueOf(handler, 1) > 0, 20000);
 
-    QFile file(onlyBufferOf(module));
+    QFile file(bufferFile(module));
     QVERIFY(file.open(QIODevice::ReadWrite));
     auto *const header = reinterpret_cast<BufferHeader *>(file.map(0, sizeof(BufferHeader)));
     QVERIFY(header != nullptr);

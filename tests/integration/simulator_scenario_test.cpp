@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Scenarios of the simulator: files that time faults, and the interface that runs their steps.
 #include "BusTestMain.h"
+#include "Files.h"
 #include "SelectorHandlerProcessValue.h"
 #include "SimulatorProcess.h"
 #include "SystemTest.h"
@@ -97,10 +98,7 @@ void SimulatorScenarioTest::aStepIsRunByItsName()
 void SimulatorScenarioTest::everyStepOfTheExampleCanBeRun()
 {
     const auto content = [this](const QString &name) {
-        QFile file(EXAMPLE_DATA "/" + name);
-        return file.open(QIODevice::ReadOnly)
-            ? file.readAll().replace("PumpStation", module.toUtf8())
-            : QByteArray();
+        return contentOf(EXAMPLE_DATA "/" + name).replace("PumpStation", module.toUtf8());
     };
     SimulatorProcess example(bus->address());
     VERIFY_COMMAND(example.publish(

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Client, publishers, system services and bus, started in any order.
 #include "BusTestMain.h"
+#include "MessageLog.h"
 #include "SelectorHandlerProcessValue.h"
 #include "SystemTest.h"
-#include "WarningLog.h"
 
 #include <QDir>
 #include <QTest>
@@ -54,10 +54,9 @@ public:
 void StartOrderTest::aClientThatStartsAfterThePublisherReadsAtOnce()
 {
     PublisherProcess publisher;
-    VERIFY_COMMAND(publisher.start());
-    VERIFY_COMMAND(publisher.create(module, "Controller", "1", pump));
+    VERIFY_COMMAND(publisher.serve(module, pump));
     VERIFY_COMMAND(publisher.publish("speed", 1450.5));
-    const WarningLog warnings;
+    const MessageLog warnings(MessageLog::LibraryWarnings);
 
     SelectorHandlerProcessValue handler(
         {selectorUrl(module, "speed"), selectorUrl(module, "running")}, nullptr);
@@ -76,9 +75,7 @@ void StartOrderTest::aClientThatStartsFirstIsToldOnceWhenThePublisherComesUp()
     QSignalSpy spy(&handler, changed);
     QCOMPARE(handler.getValue(0).getErrorType(), ProcessDataDefinitions::NoValue);
     PublisherProcess publisher;
-    VERIFY_COMMAND(publisher.start());
-
-    VERIFY_COMMAND(publisher.create(module, "Controller", "1", pump));
+    VERIFY_COMMAND(publisher.serve(module, pump));
     VERIFY_COMMAND(publisher.publish("speed", 7.0));
 
     QTRY_COMPARE(handler.getValue(0).getValue(), QVariant(7.0));
@@ -115,8 +112,7 @@ void StartOrderTest::twoPublishersServeOneListInItsOrder()
 void StartOrderTest::oneOfTwoPublishersMayComeLater()
 {
     PublisherProcess first;
-    VERIFY_COMMAND(first.start());
-    VERIFY_COMMAND(first.create(module + "a", "Controller", "1", pump));
+    VERIFY_COMMAND(first.serve(module + "a", pump));
     SelectorHandlerProcessValue handler({selectorUrl(module + "b", "speed"),
                                          selectorUrl(module + "a", "speed"),
                                          selectorUrl(module + "b", "running")},
@@ -124,8 +120,7 @@ void StartOrderTest::oneOfTwoPublishersMayComeLater()
     QSignalSpy spy(&handler, changed);
 
     PublisherProcess second;
-    VERIFY_COMMAND(second.start());
-    VERIFY_COMMAND(second.create(module + "b", "Controller", "1", pump));
+    VERIFY_COMMAND(second.serve(module + "b", pump));
 
     QTRY_COMPARE(indexLists(spy), IndexLists({{0, 2}}));
     VERIFY_COMMAND(second.publish("speed", 3.5));
@@ -141,8 +136,7 @@ void StartOrderTest::aClientWithoutABusGetsItsValuesWithItsNextList()
 
     QVERIFY2(bus->start(), bus->report().constData());
     PublisherProcess publisher;
-    VERIFY_COMMAND(publisher.start());
-    VERIFY_COMMAND(publisher.create(module, "Controller", "1", pump));
+    VERIFY_COMMAND(publisher.serve(module, pump));
     VERIFY_COMMAND(publisher.publish("speed", 12.0));
     handler.setSelectorUrls(urls);
 
@@ -155,8 +149,7 @@ void StartOrderTest::theEndOfTheStartUpAttachesTheSourcesThatWereNotAttached()
     VERIFY_COMMAND(system.start());
     VERIFY_COMMAND(system.playStatusManager());
     PublisherProcess publisher;
-    VERIFY_COMMAND(publisher.start());
-    VERIFY_COMMAND(publisher.create(module, "Controller", "1", pump));
+    VERIFY_COMMAND(publisher.serve(module, pump));
     VERIFY_COMMAND(publisher.publish("speed", 5.0));
     VERIFY_COMMAND(publisher.create(module + "b", "Controller", "1", pump));
     SelectorHandlerProcessValue handler(nullptr);
@@ -182,8 +175,7 @@ void StartOrderTest::aLateClientLearnsThatTheStartUpIsOver()
     VERIFY_COMMAND(system.playStatusManager());
     VERIFY_COMMAND(system.announceStartupReady());
     PublisherProcess publisher;
-    VERIFY_COMMAND(publisher.start());
-    VERIFY_COMMAND(publisher.create(module, "Controller", "1", pump));
+    VERIFY_COMMAND(publisher.serve(module, pump));
     SelectorHandlerProcessValue handler(nullptr);
     QSignalSpy spy(&handler, changed);
     {

@@ -79,8 +79,7 @@ void StoppedClientTest::fillQueues()
         return;
     }
     PublisherProcess other;
-    VERIFY_COMMAND(other.start());
-    VERIFY_COMMAND(other.create(module + "Other", "Controller", "1", pump));
+    VERIFY_COMMAND(other.serve(module + "Other", pump));
     for (int i = 0; i < 1500; ++i) {
         VERIFY_COMMAND(other.replaceProperties(pump));
     }
@@ -90,8 +89,7 @@ void StoppedClientTest::itReadsAgainAfterItsPublisherRestarted()
 {
     QVERIFY(startBus());
     PublisherProcess before;
-    VERIFY_COMMAND(before.start());
-    VERIFY_COMMAND(before.create(module, "Controller", "1", pump));
+    VERIFY_COMMAND(before.serve(module, pump));
     VERIFY_COMMAND(before.publish("speed", 1.0));
     ChildProcess reader(INTEGRATION_READER, {selectorUrl(module, "speed")});
     QVERIFY(reader.start());
@@ -101,8 +99,7 @@ void StoppedClientTest::itReadsAgainAfterItsPublisherRestarted()
     fillQueues();
     before.process().kill();
     PublisherProcess after;
-    VERIFY_COMMAND(after.start());
-    VERIFY_COMMAND(after.create(module, "Controller", "1", pump));
+    VERIFY_COMMAND(after.serve(module, pump));
     VERIFY_COMMAND(after.publish("speed", 2.0));
     reader.resume();
 
@@ -115,8 +112,7 @@ void StoppedClientTest::itReadsAgainAfterItsDescriptionWasReplaced()
 {
     QVERIFY(startBus());
     PublisherProcess publisher;
-    VERIFY_COMMAND(publisher.start());
-    VERIFY_COMMAND(publisher.create(module, "Controller", "1", pump));
+    VERIFY_COMMAND(publisher.serve(module, pump));
     VERIFY_COMMAND(publisher.publish("speed", 1.0));
     ChildProcess reader(INTEGRATION_READER, {selectorUrl(module, "speed")});
     QVERIFY(reader.start());
@@ -136,8 +132,7 @@ void StoppedClientTest::itHearsOfAChangedPropertyOfASourceThatLives()
 {
     QVERIFY(startBus());
     PublisherProcess publisher;
-    VERIFY_COMMAND(publisher.start());
-    VERIFY_COMMAND(publisher.create(module, "Controller", "1", pump));
+    VERIFY_COMMAND(publisher.serve(module, pump));
     VERIFY_COMMAND(publisher.publish("speed", 1.0));
     ChildProcess reader(INTEGRATION_READER, {selectorUrl(module, "speed"), "unit"});
     QVERIFY(reader.start());

@@ -141,7 +141,7 @@ void StormTest::init()
     QVERIFY2(!publisher.isNull(), qPrintable(error));
     QVERIFY(publisher->publish("speed", 8.0));
     service.reset(new ScriptedService(module));
-    QVERIFY(service->start());
+    QVERIFY(service->comeUp());
 }
 
 void StormTest::cleanup()

@@ -82,10 +82,7 @@ void TrustTest::startBus(const QMap<QString, QString> &modules)
 QByteArray TrustTest::publish(const QString &name, const char *user)
 {
     publishers.push_back(std::make_unique<PublisherProcess>(QStringList{"--as", user}));
-    QByteArray problem = publishers.back()->start();
-    if (problem.isEmpty()) {
-        problem = publishers.back()->create(name, "Controller", "1", pump);
-    }
+    const QByteArray problem = publishers.back()->serve(name, pump);
     return problem.isEmpty() ? publishers.back()->publish("setpoint", 8) : problem;
 }
 

@@ -4,8 +4,9 @@
 #include "BufferChild.h"
 #include "BufferLayout.h"
 #include "BufferSource.h"
+#include "Files.h"
+#include "MessageLog.h"
 #include "RequireRoot.h"
-#include "WarningList.h"
 
 #include <QtTest>
 
@@ -23,14 +24,10 @@ using Change = std::function<void(BufferSource &)>;
 // Puts a changed copy in the buffer's place; the publisher goes on with the original.
 void replaceByCopy(const BufferSource &source, const std::function<void(QByteArray &)> &change)
 {
-    QFile original(source.file());
-    QVERIFY(original.open(QIODevice::ReadOnly));
-    QByteArray content = original.readAll();
-    QVERIFY(original.remove());
+    QByteArray content = contentOf(source.file());
+    QVERIFY(QFile::remove(source.file()));
     change(content);
-    QFile copy(source.file());
-    QVERIFY(copy.open(QIODevice::WriteOnly));
-    QCOMPARE(copy.write(content), qint64(content.size()));
+    QVERIFY(writeFile(source.file(), content));
 }
 
 Change putsNumber(size_t offset, quint32 number)
@@ -160,13 +157,13 @@ void BufferAttachTest::aBufferThatDiffersFromItsDescriptionIsRefused()
 {
     QFETCH(Change, change);
     QFETCH(QString, reason);
-    BufferSource source({leafJson("level", "float64"), leafJson("count", "int32")});
+    BufferSource source({leaf("level", "float64"), leaf("count", "int32")});
     QVERIFY2(source.buffer, qPrintable(source.error));
     change(source);
     if (QTest::currentTestFailed()) {
         return;
     }
-    const WarningList warnings;
+    const MessageLog warnings;
 
     const BufferClient client(source.text());
 
@@ -187,7 +184,7 @@ void BufferAttachTest::aBufferThatDiffersFromItsDescriptionIsRefused()
 
 void BufferAttachTest::aLeafOutsideTheBufferIsRefused()
 {
-    const BufferSource source({leafJson("level", "float64"), leafJson("count", "int32")});
+    const BufferSource source({leaf("level", "float64"), leaf("count", "int32")});
     for (const quint64 offset : {0, 128, 193, 320, 64 * 1024}) {
         ProcessDataDescription description = source.description;
         LeafDescription leaf = description.leaves.last();
@@ -201,8 +198,8 @@ void BufferAttachTest::aLeafOutsideTheBufferIsRefused()
 
 void BufferAttachTest::anUnchangedBufferIsAttachedSilently()
 {
-    const BufferSource source({leafJson("level", "float64")});
-    const WarningList warnings;
+    const BufferSource source({leaf("level", "float64")});
+    const MessageLog warnings;
     const BufferClient client(source.text());
     QVERIFY(client.manager->isBufferValid());
     QCOMPARE(warnings.texts(), QStringList());
@@ -211,14 +208,14 @@ void BufferAttachTest::anUnchangedBufferIsAttachedSilently()
 void BufferAttachTest::aUserWithoutAccessIsToldWhichGroupHasIt()
 {
     REQUIRE_ROOT();
-    BufferSource source({leafJson("setpoint", "float64")});
+    BufferSource source({leaf("setpoint", "float64")});
     QCOMPARE(chown(source.file().toUtf8(), uid_t(-1), 4321), 0);
     BufferChild reader({"use-as", "12345", "12345"}, QProcess::SeparateChannels);
     reader.tell(source.text());
 
     QCOMPARE(reader.line(), QString("invalid unreadable refused"));
     QVERIFY(reader.finish());
-    const QString errors = QString::fromUtf8(reader.process.readAllStandardError());
+    const QString errors = QString::fromUtf8(reader.errors());
     QVERIFY2(errors.contains("Permission denied; reading it takes membership in the group 4321 "
                              "(its mode is 660)"),
              qPrintable(errors));
@@ -230,14 +227,14 @@ void BufferAttachTest::aUserWithoutAccessIsToldTheGroupsName()
     const struct group *const group = getgrgid(1);
     QVERIFY2(group, "no group with the id 1 here");
     const QString name = QString::fromLocal8Bit(group->gr_name);
-    BufferSource source({leafJson("setpoint", "float64")});
+    BufferSource source({leaf("setpoint", "float64")});
     QCOMPARE(chown(source.file().toUtf8(), uid_t(-1), 1), 0);
     BufferChild reader({"use-as", "12345", "12345"}, QProcess::SeparateChannels);
     reader.tell(source.text());
 
     QCOMPARE(reader.line(), QString("invalid unreadable refused"));
     QVERIFY(reader.finish());
-    const QString errors = QString::fromUtf8(reader.process.readAllStandardError());
+    const QString errors = QString::fromUtf8(reader.errors());
     QVERIFY2(errors.contains("takes membership in the group " + name + " (its mode is 660)"),
              qPrintable(errors));
 }
@@ -245,7 +242,7 @@ void BufferAttachTest::aUserWithoutAccessIsToldTheGroupsName()
 void BufferAttachTest::aUserWithReadAccessReadsAndIsRefusedWriting()
 {
     REQUIRE_ROOT();
-    BufferSource source({leafJson("setpoint", "float64")});
+    BufferSource source({leaf("setpoint", "float64")});
     QVERIFY(source.publish(0, ProcessValue(QVariant(1.0))));
     for (const QString &path : {source.file(), source.life()}) {
         QCOMPARE(chmod(path.toUtf8(), 0644), 0);
@@ -255,7 +252,7 @@ void BufferAttachTest::aUserWithReadAccessReadsAndIsRefusedWriting()
 
     QCOMPARE(reader.line(), QString("valid readable refused"));
     QVERIFY(reader.finish());
-    const QString errors = QString::fromUtf8(reader.process.readAllStandardError());
+    const QString errors = QString::fromUtf8(reader.errors());
     QVERIFY2(errors.contains("Leaf setpoint was not written: this process may not write to buffer "
                              + source.description.buffer->name),
              qPrintable(errors));
@@ -265,7 +262,7 @@ void BufferAttachTest::aUserWithReadAccessReadsAndIsRefusedWriting()
 void BufferAttachTest::aMemberOfTheGroupReadsAndWrites()
 {
     REQUIRE_ROOT();
-    BufferSource source({leafJson("setpoint", "float64")});
+    BufferSource source({leaf("setpoint", "float64")});
     QVERIFY(source.publish(0, ProcessValue(QVariant(1.0))));
     for (const QString &path : {source.file(), source.life()}) {
         QCOMPARE(chown(path.toUtf8(), uid_t(-1), 4321), 0);

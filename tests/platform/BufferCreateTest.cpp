@@ -4,6 +4,7 @@
 #include "BufferLayout.h"
 #include "BufferName.h"
 #include "BufferSource.h"
+#include "Files.h"
 #include "RequireRoot.h"
 #include "SharedLock.h"
 
@@ -19,8 +20,8 @@ constexpr uid_t otherUser = 12345;
 
 QJsonArray twoLeaves()
 {
-    return {leafJson("level", "float64", {{"readOnly", true}}),
-            leafJson("name", "string", {{"capacity", 100}})};
+    return {leaf("level", "float64", {{"readOnly", true}}),
+            leaf("name", "string", {{"capacity", 100}})};
 }
 
 mode_t modeOf(const QString &file)
@@ -29,12 +30,6 @@ mode_t modeOf(const QString &file)
     {
     };
     return stat(file.toUtf8(), &status) == 0 ? status.st_mode & 07777U : 0;
-}
-
-QByteArray contentOf(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 bool makeFile(const QString &name, const QByteArray &content, uid_t owner = geteuid())
@@ -70,12 +65,12 @@ private:
 
 void BufferCreateTest::init()
 {
-    module = BufferSource::uniqueModule();
+    module = uniqueModule();
 }
 
 void BufferCreateTest::cleanup()
 {
-    const QStringList files = filesOf(module);
+    const QStringList files = buffersOf(module);
     for (const QString &file : files) {
         QFile::remove("/dev/shm/" + file);
     }
@@ -88,7 +83,7 @@ void BufferCreateTest::aBufferIsAsDescribed()
     QVERIFY2(source.buffer, qPrintable(source.error));
 
     const BufferDescription &described = *source.description.buffer;
-    QCOMPARE(filesOf(module), QStringList(described.name.mid(1)));
+    QCOMPARE(buffersOf(module), QStringList(described.name.mid(1)));
     QCOMPARE(described.name,
              QString("/processdata.%1_Tank_1.%2").arg(module).arg(described.generation));
     QCOMPARE(described.ownerUid, quint32(geteuid()));
@@ -140,7 +135,7 @@ void BufferCreateTest::everyBufferHasAHigherGeneration()
     const BufferSource first(twoLeaves(), module);
     const BufferSource second(twoLeaves(), module);
     QVERIFY(second.description.buffer->generation > first.description.buffer->generation);
-    QCOMPARE(filesOf(module).size(), 2);
+    QCOMPARE(buffersOf(module).size(), 2);
 }
 
 void BufferCreateTest::retiringRemovesTheName()
@@ -151,7 +146,7 @@ void BufferCreateTest::retiringRemovesTheName()
     source.buffer->retire();
     source.buffer->retire();
 
-    QCOMPARE(filesOf(module), QStringList());
+    QCOMPARE(buffersOf(module), QStringList());
     QCOMPARE(source.buffer->value(0).getValue(), QVariant(2.5));
     QVERIFY(!source.publish(0, ProcessValue(QVariant(3.5))));
     QCOMPARE(source.error, "buffer " + source.description.buffer->name + " is retired");
@@ -162,25 +157,25 @@ void BufferCreateTest::aLeftoverOfADeadPublisherIsRemoved()
     BufferChild publisher({"publish", module});
     QVERIFY(publisher.line().startsWith('{'));
     publisher.kill();
-    const QStringList left = filesOf(module);
+    const QStringList left = buffersOf(module);
     QCOMPARE(left.size(), 1);
 
     const BufferSource source(twoLeaves(), module);
 
-    QCOMPARE(filesOf(module), QStringList(source.description.buffer->name.mid(1)));
-    QVERIFY(left != filesOf(module));
+    QCOMPARE(buffersOf(module), QStringList(source.description.buffer->name.mid(1)));
+    QVERIFY(left != buffersOf(module));
 }
 
 void BufferCreateTest::aLivingPublisherKeepsItsBuffer()
 {
     BufferChild publisher({"publish", module});
     QVERIFY(publisher.line().startsWith('{'));
-    const QStringList others = filesOf(module);
+    const QStringList others = buffersOf(module);
     {
         const BufferSource source(twoLeaves(), module);
-        QCOMPARE(filesOf(module).size(), 2);
+        QCOMPARE(buffersOf(module).size(), 2);
     }
-    QCOMPARE(filesOf(module), others);
+    QCOMPARE(buffersOf(module), others);
     QVERIFY(publisher.finish());
 }
 
@@ -190,7 +185,7 @@ void BufferCreateTest::filesThatAreNotProvedDeadStay()
     BufferChild publisher({"publish", module});
     QVERIFY(publisher.line().startsWith('{'));
     publisher.kill();
-    const QString dead = "/dev/shm/" + filesOf(module).value(0);
+    const QString dead = bufferFile(module);
     const QByteArray record = contentOf(dead + ".life");
     const QString name = "processdata." + module + "_Tank_";
     QVERIFY(makeFile(name + "1.5", "a buffer without a record"));
@@ -208,10 +203,10 @@ void BufferCreateTest::filesThatAreNotProvedDeadStay()
         QVERIFY(!QFile::exists(dead) && !QFile::exists(dead + ".life"));
     }
     QVERIFY(QDir().rmdir("/dev/shm/" + name + "1.11.life"));
-    QCOMPARE(filesOf(module),
+    QCOMPARE(buffersOf(module),
              QStringList({name + "1.10.life", name + "1.5", name + "1.6", name + "1.7.life",
                           name + "1.8.life", name + "1.9.life", name + "1.x"}));
-    removeFilesOf(module);
+    removeLeftBuffers(module);
 }
 
 void BufferCreateTest::aFullFileSystemIsAnErrorThatLeavesNothing()
@@ -242,7 +237,7 @@ void BufferCreateTest::aFullFileSystemIsAnErrorThatLeavesNothing()
     }
     QVERIFY(!description.buffer.has_value());
     QCOMPARE(description.leaves.at(0).offset, quint64(0));
-    QCOMPARE(filesOf(module), QStringList());
+    QCOMPARE(buffersOf(module), QStringList());
 }
 
 QTEST_GUILESS_MAIN(BufferCreateTest)

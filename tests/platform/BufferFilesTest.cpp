@@ -4,6 +4,7 @@
 #include "BufferChild.h"
 #include "BufferName.h"
 #include "BufferSource.h"
+#include "Files.h"
 #include "LifeRecord.h"
 #include "RequireRoot.h"
 
@@ -32,13 +33,6 @@ BufferFile fileOf(const QString &module)
     return count == 1 ? result : BufferFile();
 }
 
-bool overwrite(const QString &path, qint64 position, const QByteArray &bytes)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadWrite | QIODevice::Unbuffered) && file.seek(position)
-        && file.write(bytes) == bytes.size();
-}
-
 }
 
 class BufferFilesTest : public QObject
@@ -46,7 +40,7 @@ class BufferFilesTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { module = BufferSource::uniqueModule(); }
+    void init() { module = uniqueModule(); }
     void cleanup();
     void aLiveBufferIsListedAndNeverRemoved();
     void aStoppedPublisherIsAlive();
@@ -68,12 +62,12 @@ private:
 
 void BufferFilesTest::cleanup()
 {
-    removeFilesOf(module);
+    removeLeftBuffers(module);
 }
 
 void BufferFilesTest::aLiveBufferIsListedAndNeverRemoved()
 {
-    const BufferSource source({leafJson("level", "float64")}, module);
+    const BufferSource source({leaf("level", "float64")}, module);
     const BufferFile file = fileOf(module);
 
     QCOMPARE(file.path, source.file());
@@ -93,7 +87,7 @@ void BufferFilesTest::aStoppedPublisherIsAlive()
 {
     BufferChild publisher({"publish", module});
     QVERIFY(!publisher.line().isEmpty());
-    QCOMPARE(::kill(pid_t(publisher.process.processId()), SIGSTOP), 0);
+    publisher.suspend();
     const BufferFile file = fileOf(module);
     QCOMPARE(file.state, BufferFile::Live);
     QString error;
@@ -113,12 +107,12 @@ void BufferFilesTest::theBufferOfAKilledPublisherIsProvedDeadAndRemoved()
     QString error;
     QCOMPARE(removeLeftover(file, error), BufferRemoval::Removed);
     QCOMPARE(error, QString());
-    QCOMPARE(filesOf(module), QStringList());
+    QCOMPARE(buffersOf(module), QStringList());
 }
 
 void BufferFilesTest::aRetiredBufferIsALeftover()
 {
-    const BufferSource source({leafJson("level", "float64")}, module);
+    const BufferSource source({leaf("level", "float64")}, module);
     const quint32 retired = BufferRetired;
     QVERIFY(overwrite(source.life(), offsetof(LifeRecord, state),
                       QByteArray(reinterpret_cast<const char *>(&retired), sizeof(retired))));
@@ -130,7 +124,7 @@ void BufferFilesTest::aRetiredBufferIsALeftover()
 
 void BufferFilesTest::aBufferThatCameBackToLifeIsKept()
 {
-    const BufferSource source({leafJson("level", "float64")}, module);
+    const BufferSource source({leaf("level", "float64")}, module);
     BufferFile believedDead = fileOf(module);
     believedDead.state = BufferFile::Dead;
     QString error;
@@ -187,8 +181,7 @@ void BufferFilesTest::whatIsNoBufferIsToldAndKept()
     if (content.isNull()) {
         QCOMPARE(mkfifo(qPrintable(path), 0600), 0);
     } else {
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
+        QVERIFY(writeFile(path, content));
     }
     const BufferFile file = fileOf(module);
     QCOMPARE(file.path, path);
@@ -196,7 +189,7 @@ void BufferFilesTest::whatIsNoBufferIsToldAndKept()
     QCOMPARE(file.problem, problem);
     QString error;
     QCOMPARE(removeLeftover(file, error), BufferRemoval::Kept);
-    QCOMPARE(filesOf(module).size(), 1);
+    QCOMPARE(buffersOf(module).size(), 1);
 }
 
 void BufferFilesTest::aBufferOfAnotherLayoutIsKept()

@@ -4,12 +4,12 @@
 #include "BufferAttachment.h"
 #include "BufferFiles.h"
 #include "BufferSource.h"
+#include "OtherUser.h"
 #include "SharedLock.h"
 #include "Slot.h"
 
 #include <csignal>
 #include <cstdio>
-#include <grp.h>
 #include <iostream>
 #include <poll.h>
 #include <string>
@@ -41,8 +41,7 @@ QString setpointUrl(const QString &text)
 int publish(const QString &module)
 {
     BufferSource source(
-        {leafJson("level", "float64", {{"readOnly", true}}), leafJson("setpoint", "float64")},
-        module);
+        {leaf("level", "float64", {{"readOnly", true}}), leaf("setpoint", "float64")}, module);
     if (!source.buffer || !source.publish(0, ProcessValue(QVariant(1.5)))) {
         say(source.error.toUtf8());
         return 1;
@@ -60,8 +59,8 @@ int publish(const QString &module)
 // ends.
 int flood(const QString &module)
 {
-    BufferSource source(
-        {leafJson("number", "uint64"), leafJson("text", "string", {{"capacity", 100}})}, module);
+    BufferSource source({leaf("number", "uint64"), leaf("text", "string", {{"capacity", 100}})},
+                        module);
     if (!source.buffer) {
         return 1;
     }
@@ -114,22 +113,9 @@ int use()
     return 0;
 }
 
-int useAs(uid_t user, gid_t group)
+// Looks at a buffer's file and tries to remove it.
+int removeBuffer(const QString &path)
 {
-    if (setgroups(0, nullptr) == -1 || setresgid(group, group, group) == -1
-        || setresuid(user, user, user) == -1) {
-        return 1;
-    }
-    return use();
-}
-
-// Looks at a buffer's file as another user and tries to remove it.
-int removeAs(uid_t user, const QString &path)
-{
-    if (setgroups(0, nullptr) == -1 || setresgid(user, user, user) == -1
-        || setresuid(user, user, user) == -1) {
-        return 1;
-    }
     BufferFile file;
     QString error;
     inspectBufferFile(path, file);
@@ -174,7 +160,7 @@ int main(int argc, char **argv)
         return holdLock(SIGKILL);
     }
     if (command == "remove-as" && argc > 3) {
-        return removeAs(argument.toUInt(), argv[3]);
+        return becomeUser(argument + ':' + argument) ? removeBuffer(argv[3]) : 1;
     }
     if (command == "stop-with-lock") {
         return holdLock(SIGSTOP);
@@ -183,7 +169,7 @@ int main(int argc, char **argv)
         return use();
     }
     if (command == "use-as" && argc > 3) {
-        return useAs(argument.toUInt(), QString(argv[3]).toUInt());
+        return becomeUser(argument + ':' + argv[3]) ? use() : 1;
     }
     if (command == "write") {
         return write(argument.toInt());

@@ -4,30 +4,24 @@
 #include "BufferChild.h"
 #include "BufferFiles.h"
 #include "BufferSource.h"
+#include "Files.h"
 #include "LifeRecord.h"
+#include "MessageLog.h"
+#include "OtherUser.h"
 #include "RequireRoot.h"
 #include "SourceWatch.h"
-#include "WarningList.h"
 
 #include <QScopeGuard>
 #include <QtTest>
 
 #include <fcntl.h>
 #include <functional>
-#include <grp.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 
 namespace {
 
 using Change = std::function<bool(const BufferSource &)>;
-
-bool overwrite(const QString &path, qint64 position, const QByteArray &bytes)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadWrite | QIODevice::Unbuffered) && file.seek(position)
-        && file.write(bytes) == bytes.size();
-}
 
 template <typename Number> QByteArray bytesOf(Number number)
 {
@@ -52,8 +46,7 @@ bool groupMayWrite(const QString &path, gid_t group)
     constexpr uid_t other = 12345;
     const pid_t child = fork();
     if (child == 0) {
-        const bool dropped = setgroups(0, nullptr) == 0 && setresgid(group, group, group) == 0
-            && setresuid(other, other, other) == 0;
+        const bool dropped = becomeUser(QString("%1:%2").arg(other).arg(group));
         const bool opened = open(path.toUtf8().constData(), O_RDWR | O_CLOEXEC) != -1;
         _exit(dropped && !opened && errno == EACCES ? 1 : 0);
     }
@@ -71,8 +64,8 @@ class BufferLifeTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { module = BufferSource::uniqueModule(); }
-    void cleanup() { removeFilesOf(module); }
+    void init() { module = uniqueModule(); }
+    void cleanup() { removeLeftBuffers(module); }
     void theRecordIsNotForTheGroupToWrite();
     void aWriterCannotMakeAPublisherLookDead();
     void aWriterCannotHaveALivingPublishersBufferRemoved();
@@ -94,7 +87,7 @@ private:
 
 void BufferLifeTest::theRecordIsNotForTheGroupToWrite()
 {
-    const BufferSource source({leafJson("setpoint", "float64")}, module);
+    const BufferSource source({leaf("setpoint", "float64")}, module);
     struct stat status
     {
     };
@@ -111,7 +104,7 @@ void BufferLifeTest::theRecordIsNotForTheGroupToWrite()
 
 void BufferLifeTest::aWriterCannotMakeAPublisherLookDead()
 {
-    BufferSource source({leafJson("setpoint", "float64")}, module);
+    BufferSource source({leaf("setpoint", "float64")}, module);
     QVERIFY(source.publish(0, ProcessValue(QVariant(2.5))));
     const BufferClient client(source.text());
     for (const char byte : {'\0', '\x40', '\xff'}) {
@@ -126,7 +119,7 @@ void BufferLifeTest::aWriterCannotMakeAPublisherLookDead()
 
 void BufferLifeTest::aWriterCannotHaveALivingPublishersBufferRemoved()
 {
-    const BufferSource source({leafJson("setpoint", "float64")}, module);
+    const BufferSource source({leaf("setpoint", "float64")}, module);
     BufferFile file;
     QString error;
     for (const char byte : {'\0', '\x40', '\xff'}) {
@@ -138,7 +131,7 @@ void BufferLifeTest::aWriterCannotHaveALivingPublishersBufferRemoved()
     QCOMPARE(truncate(source.file().toUtf8(), 0), 0);
     QVERIFY(inspectBufferFile(source.file(), file));
     QCOMPARE(removeLeftover(file, error), BufferRemoval::Kept);
-    const BufferSource next({leafJson("setpoint", "float64")}, module);
+    const BufferSource next({leaf("setpoint", "float64")}, module);
     QVERIFY(QFile::exists(source.file()) && QFile::exists(source.life()));
 }
 
@@ -184,7 +177,7 @@ void BufferLifeTest::aRecordThatCannotBeBelievedIsRefused()
 {
     QFETCH(Change, change);
     QFETCH(QString, reason);
-    const BufferSource source({leafJson("level", "float64")}, module);
+    const BufferSource source({leaf("level", "float64")}, module);
     QVERIFY(change(source));
     QString error;
 
@@ -203,7 +196,7 @@ void BufferLifeTest::aRecordThatCannotBeBelievedIsRefused()
 
 void BufferLifeTest::aBufferWithASecondNameIsRefused()
 {
-    const BufferSource source({leafJson("level", "float64")}, module);
+    const BufferSource source({leaf("level", "float64")}, module);
     QVERIFY(givesSecondName(source.file()));
     QString error;
 
@@ -219,7 +212,7 @@ void BufferLifeTest::aBufferWithASecondNameIsRefused()
 
 void BufferLifeTest::aBufferUnderAnotherSourcesNameIsRefused()
 {
-    BufferSource source({leafJson("level", "float64")}, module);
+    BufferSource source({leaf("level", "float64")}, module);
     ProcessDataDescription other = source.description;
     QString error;
     other.buffer->generation += 1;
@@ -237,7 +230,7 @@ void BufferLifeTest::aBufferUnderAnotherSourcesNameIsRefused()
     other.buffer->name.replace("_Tank_1.", "_Tank_2.");
     QVERIFY(attachBuffer(other, error).isNull());
     QVERIFY2(error.startsWith("the record of its publisher's life, " + linked), qPrintable(error));
-    const BufferSource next({leafJson("level", "float64")}, module, "2");
+    const BufferSource next({leaf("level", "float64")}, module, "2");
     QVERIFY(QFile::exists(linked)); // not ours to judge
 }
 
@@ -245,7 +238,7 @@ void BufferLifeTest::aBufferCutToNothingIsRemovedOnceItsPublisherIsDead()
 {
     BufferChild publisher({"publish", module});
     QVERIFY(publisher.line().startsWith('{'));
-    const QString path = "/dev/shm/" + filesOf(module).value(0);
+    const QString path = bufferFile(module);
     QCOMPARE(truncate(path.toUtf8(), 0), 0);
     publisher.kill();
     BufferFile file;
@@ -253,26 +246,26 @@ void BufferLifeTest::aBufferCutToNothingIsRemovedOnceItsPublisherIsDead()
     QVERIFY(inspectBufferFile(path, file));
     QCOMPARE(file.state, BufferFile::Dead);
     QCOMPARE(removeLeftover(file, error), BufferRemoval::Removed);
-    QCOMPARE(filesOf(module), QStringList());
+    QCOMPARE(buffersOf(module), QStringList());
 }
 
 void BufferLifeTest::aBufferCutToNothingIsRemovedByTheNextPublisher()
 {
     BufferChild publisher({"publish", module});
     QVERIFY(publisher.line().startsWith('{'));
-    QCOMPARE(truncate(("/dev/shm/" + filesOf(module).value(0)).toUtf8(), 0), 0);
+    QCOMPARE(truncate(bufferFile(module).toUtf8(), 0), 0);
     publisher.kill();
 
-    const BufferSource next({leafJson("level", "float64")}, module);
+    const BufferSource next({leaf("level", "float64")}, module);
 
-    QCOMPARE(filesOf(module), QStringList(next.description.buffer->name.mid(1)));
+    QCOMPARE(buffersOf(module), QStringList(next.description.buffer->name.mid(1)));
 }
 
 void BufferLifeTest::aRecordWithoutItsBufferIsALeftover()
 {
     BufferChild publisher({"publish", module});
     QVERIFY(publisher.line().startsWith('{'));
-    const QString path = "/dev/shm/" + filesOf(module).value(0);
+    const QString path = bufferFile(module);
     QVERIFY(QFile::remove(path));
     BufferFile file;
     QString error;
@@ -283,12 +276,12 @@ void BufferLifeTest::aRecordWithoutItsBufferIsALeftover()
     QVERIFY(inspectBufferFile(path + ".life", file));
     QCOMPARE(file.state, BufferFile::Dead);
     QCOMPARE(removeLeftover(file, error), BufferRemoval::Removed);
-    QCOMPARE(filesOf(module), QStringList());
+    QCOMPARE(buffersOf(module), QStringList());
 }
 
 void BufferLifeTest::aPublisherSurvivesThatItsBufferIsCutShort()
 {
-    BufferSource source({leafJson("level", "float64")}, module);
+    BufferSource source({leaf("level", "float64")}, module);
     QVERIFY(source.publish(0, ProcessValue(QVariant(1.0))));
     QCOMPARE(truncate(source.file().toUtf8(), 0), 0);
 
@@ -298,15 +291,15 @@ void BufferLifeTest::aPublisherSurvivesThatItsBufferIsCutShort()
              QString("buffer %1 was cut short by another process that may write it; "
                      "replaceDescription makes a new one")
                  .arg(source.description.buffer->name));
-    BufferSource next({leafJson("level", "float64")}, module);
+    BufferSource next({leaf("level", "float64")}, module);
     QVERIFY(next.publish(0, ProcessValue(QVariant(2.0))));
     source.buffer.reset();
-    QCOMPARE(filesOf(module), QStringList(next.description.buffer->name.mid(1)));
+    QCOMPARE(buffersOf(module), QStringList(next.description.buffer->name.mid(1)));
 }
 
 void BufferLifeTest::eachAnnouncedChangeHasARevisionOfItsOwn()
 {
-    const BufferSource source({leafJson("level", "float64")}, module);
+    const BufferSource source({leaf("level", "float64")}, module);
     QString error;
     const auto memory = attachBuffer(source.description, error);
     QVERIFY2(memory, qPrintable(error));
@@ -325,9 +318,9 @@ void BufferLifeTest::aReadOfAnotherRevisionThanTheDescriptionsIsReported_data()
     QTest::addColumn<QJsonObject>("level");
     QTest::addColumn<QVariant>("value");
     QTest::newRow("the type that is read straight through")
-        << leafJson("level", "float64") << QVariant(7.0);
-    QTest::newRow("another number") << leafJson("level", "int32") << QVariant(7);
-    QTest::newRow("a text") << leafJson("level", "string", {{"capacity", 8}}) << QVariant("7");
+        << leaf("level", "float64") << QVariant(7.0);
+    QTest::newRow("another number") << leaf("level", "int32") << QVariant(7);
+    QTest::newRow("a text") << leaf("level", "string", {{"capacity", 8}}) << QVariant("7");
 }
 
 void BufferLifeTest::aReadOfAnotherRevisionThanTheDescriptionsIsReported()

@@ -6,13 +6,14 @@
 
 #include <cmath>
 #include <ctime>
+#include <unistd.h>
 
 namespace {
 
 QJsonArray threeLeaves()
 {
-    return {leafJson("level", "float64", {{"readOnly", true}, {"maximum", 100}}),
-            leafJson("count", "int32"), leafJson("name", "string", {{"capacity", 20}})};
+    return {leaf("level", "float64", {{"readOnly", true}, {"maximum", 100}}),
+            leaf("count", "int32"), leaf("name", "string", {{"capacity", 20}})};
 }
 
 using Batch = QVector<QPair<int, ProcessValue>>;
@@ -206,7 +207,7 @@ void BufferPublishTest::aValueThatDoesNotFitIsNotCarriedOver()
 {
     BufferSource old(threeLeaves());
     QVERIFY(old.publish(2, ProcessValue(QVariant("123456789"))));
-    BufferSource next({leafJson("name", "string", {{"capacity", 8}})});
+    BufferSource next({leaf("name", "string", {{"capacity", 8}})});
 
     QVERIFY(!next.buffer->carryOver(0, *old.buffer, 2)); // too long
     QVERIFY(!next.buffer->carryOver(0, *old.buffer, 1)); // another type

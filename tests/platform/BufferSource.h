@@ -3,27 +3,16 @@
 #ifndef BUFFERSOURCE_H
 #define BUFFERSOURCE_H
 
+#include "Descriptions.h"
+#include "ModuleFiles.h"
 #include "ProcessDataManager.h"
 #include "ProcessDataValue.h"
 #include "ProcessValue.h"
 #include "PublishedBuffer.h"
 
-#include <QDir>
-#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QStringList>
-
-#include <unistd.h>
-
-/// A leaf as descriptions have it.
-inline QJsonObject leafJson(const QString &name, const QString &type, QJsonObject more = {})
-{
-    more.insert("name", name);
-    more.insert("type", type);
-    return more;
-}
 
 /// A publisher's buffer and the text that a service would send for it.
 struct BufferSource
@@ -31,11 +20,10 @@ struct BufferSource
     explicit BufferSource(const QJsonArray &leaves, const QString &module = uniqueModule(),
                           const QString &instance = "1")
     {
-        document = {{"format", "process-data-description/1"},
-                    {"module", module},
-                    {"object", "Tank"},
-                    {"instance", instance},
-                    {"elements", leaves}};
+        document = ::description(leaves);
+        document.insert("module", module);
+        document.insert("object", "Tank");
+        document.insert("instance", instance);
         const auto parsed = parseDescription(document, DescriptionForm::Template, error);
         if (!parsed) {
             return;
@@ -45,12 +33,6 @@ struct BufferSource
         if (buffer) {
             describeBuffer();
         }
-    }
-
-    static QString uniqueModule()
-    {
-        static int count = 0;
-        return QString("Test%1x%2").arg(getpid()).arg(++count);
     }
 
     /// Fills "buffer" and the offsets into the document.
@@ -128,31 +110,6 @@ inline ProcessValue readLeaf(const QSharedPointer<ProcessDataValue> &leaf)
     ProcessValue value(ProcessDataDefinitions::NoValue);
     leaf->getValue(value, false);
     return value;
-}
-
-/// Files of a module in shared memory. A record of a publisher's life counts only where its buffer
-/// is not there.
-inline QStringList filesOf(const QString &module)
-{
-    const QStringList all
-        = QDir("/dev/shm")
-              .entryList({"processdata." + module + "_*"}, QDir::AllEntries | QDir::System);
-    QStringList files;
-    for (const QString &name : all) {
-        if (!name.endsWith(".life") || !all.contains(name.left(name.size() - 5))) {
-            files += name;
-        }
-    }
-    return files;
-}
-
-/// Removes them, with the records.
-inline void removeFilesOf(const QString &module)
-{
-    for (const QString &name : filesOf(module)) {
-        QFile::remove("/dev/shm/" + name);
-        QFile::remove("/dev/shm/" + name + ".life");
-    }
 }
 
 #endif

@@ -2,8 +2,8 @@
 // Publishers come up whatever names others have taken, and how many.
 #include "BufferName.h"
 #include "BufferSource.h"
+#include "MessageLog.h"
 #include "RequireRoot.h"
-#include "WarningList.h"
 
 #include <QtTest>
 
@@ -42,7 +42,7 @@ class BufferSquatTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { module = BufferSource::uniqueModule(); }
+    void init() { module = uniqueModule(); }
     void cleanup();
     void namesThatAreTakenAreLeaptOver();
     void aClockThatStandsStillGivesEachBufferItsOwnGeneration();
@@ -61,7 +61,7 @@ void BufferSquatTest::cleanup()
         QFile::remove("/dev/shm/" + name);
     }
     squatted.clear();
-    QCOMPARE(filesOf(module), QStringList());
+    QCOMPARE(buffersOf(module), QStringList());
 }
 
 void BufferSquatTest::namesThatAreTakenAreLeaptOver()
@@ -77,7 +77,7 @@ void BufferSquatTest::namesThatAreTakenAreLeaptOver()
         QVERIFY(makeFile(file, otherUser));
     }
 
-    const BufferSource source({leafJson("level", "float64")}, module);
+    const BufferSource source({leaf("level", "float64")}, module);
 
     QVERIFY2(source.buffer, qPrintable(source.error));
     QCOMPARE(source.description.buffer->generation, microsecondsSinceStart + 7);
@@ -87,18 +87,18 @@ void BufferSquatTest::namesThatAreTakenAreLeaptOver()
 void BufferSquatTest::aClockThatStandsStillGivesEachBufferItsOwnGeneration()
 {
     microsecondsSinceStart = 1'500'000'000'000'000;
-    const BufferSource first({leafJson("level", "float64")}, module);
+    const BufferSource first({leaf("level", "float64")}, module);
     const quint64 generation = first.description.buffer->generation;
-    const BufferSource second({leafJson("level", "float64")}, module);
+    const BufferSource second({leaf("level", "float64")}, module);
     QCOMPARE(second.description.buffer->generation, generation + 1);
     microsecondsSinceStart -= 1'000'000;
-    const BufferSource third({leafJson("level", "float64")}, module);
+    const BufferSource third({leaf("level", "float64")}, module);
     QCOMPARE(third.description.buffer->generation, generation + 2);
 }
 
 void BufferSquatTest::linksToABufferRepeatNoGeneration()
 {
-    const BufferSource source({leafJson("level", "float64")}, module);
+    const BufferSource source({leaf("level", "float64")}, module);
     // The last number there is, and the one before: nothing comes after them.
     for (const quint64 generation : {maximumGeneration, maximumGeneration - 1}) {
         squatted += "processdata." + module + "_Tank_2." + QString::number(generation);
@@ -107,7 +107,7 @@ void BufferSquatTest::linksToABufferRepeatNoGeneration()
     microsecondsSinceStart = 2'000'000'000'000'000;
     quint64 before = 0;
     for (int i = 0; i < 3; ++i) {
-        const BufferSource linked({leafJson("level", "float64")}, module, "2");
+        const BufferSource linked({leaf("level", "float64")}, module, "2");
         QVERIFY2(linked.buffer, qPrintable(linked.error));
         const quint64 generation = linked.description.buffer->generation;
         QVERIFY(generation > before && generation < microsecondsSinceStart + 10);
@@ -127,10 +127,10 @@ void BufferSquatTest::theSearchForLeftoversIsBounded()
         close(file);
     }
     close(directory);
-    const WarningList warnings;
+    const MessageLog warnings;
 
-    const BufferSource first({leafJson("level", "float64")}, module);
-    const BufferSource second({leafJson("level", "float64")}, module, "2");
+    const BufferSource first({leaf("level", "float64")}, module);
+    const BufferSource second({leaf("level", "float64")}, module, "2");
 
     QVERIFY2(first.buffer && second.buffer, qPrintable(first.error + second.error));
     QCOMPARE(warnings.texts(),

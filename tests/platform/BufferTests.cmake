@@ -3,6 +3,7 @@
 
 add_executable(BufferHelper BufferHelper.cpp)
 target_link_platform_objects(BufferHelper)
+target_include_directories(BufferHelper PRIVATE ${PROJECT_SOURCE_DIR}/tests/support)
 target_link_libraries(BufferHelper PRIVATE SelectorHandlerOptions)
 target_compile_options(BufferHelper PRIVATE -UQT_NO_CAST_FROM_ASCII)
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // A closed link leaves nothing behind through which QtDBus' thread could reach objects of its owner.
 #include "BusLink.h"
-#include "BusDaemon.h"
 #include "BusNames.h"
 #include "BusTestMain.h"
+#include "PrivateBus.h"
 
 #include <QAtomicInt>
 #include <QAtomicPointer>
@@ -89,7 +89,7 @@ private Q_SLOTS:
     void theLinkItselfIsReleased();
 
 private:
-    BusDaemon bus;
+    PrivateBus bus;
 };
 
 // Otherwise nothing below could fail.

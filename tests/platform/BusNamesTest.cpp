@@ -3,7 +3,7 @@
 #include "BusNames.h"
 #include "BusSettings.h"
 #include "ErrorContainer.h"
-#include "WarningList.h"
+#include "MessageLog.h"
 
 #include <QDBusConnection>
 #include <QSet>
@@ -166,7 +166,7 @@ void BusNamesTest::theTimeLimitComesFromTheEnvironment()
 {
     QFETCH(QByteArray, text);
     qputenv("PROCESSDATA_DBUS_TIMEOUT_MS", text);
-    const WarningList warnings;
+    const MessageLog warnings;
 
     QTEST(callTimeLimit(), "limit");
 
@@ -175,7 +175,7 @@ void BusNamesTest::theTimeLimitComesFromTheEnvironment()
 
 void BusNamesTest::aBadTimeLimitWarnsOnceAndCountsAsTheDefault()
 {
-    const WarningList warnings;
+    const MessageLog warnings;
     for (const char *text : {"soon", "soon", "0", "600001", "-5", "1.5"}) {
         qputenv("PROCESSDATA_DBUS_TIMEOUT_MS", text);
 

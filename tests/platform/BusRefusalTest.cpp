@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 // A bus daemon that refuses a connection's greeting costs nobody more than that connection.
-#include "BusDaemon.h"
 #include "BusLink.h"
 #include "BusTestMain.h"
 #include "DBusProcessDescriptionConnector.h"
+#include "MessageLog.h"
+#include "PrivateBus.h"
 #include "ProcessDataPublisher.h"
-#include "WarningList.h"
 
 #include <QSignalSpy>
 #include <QtTest>
@@ -35,19 +35,19 @@ private Q_SLOTS:
 private:
     void startAnew(int connections);
 
-    QScopedPointer<BusDaemon> bus;
+    QScopedPointer<PrivateBus> bus;
 };
 
 void BusRefusalTest::startAnew(int connections)
 {
     bus->stop();
-    bus->limitConnections(connections);
+    bus->setLimit("max_connections_per_user", connections);
     QVERIFY(bus->start());
 }
 
 void BusRefusalTest::init()
 {
-    bus.reset(new BusDaemon);
+    bus.reset(new PrivateBus);
     startAnew(0);
 }
 
@@ -80,7 +80,7 @@ void BusRefusalTest::aLostLinkTriesAgainUntilItIsNoLongerRefused()
     QVERIFY2(link.open(error), qPrintable(error));
     QSignalSpy lost(&link, &BusLink::lost);
     QSignalSpy restored(&link, &BusLink::restored);
-    const WarningList warnings;
+    const MessageLog warnings;
 
     startAnew(0);
     QTRY_COMPARE(lost.count(), 1);
@@ -97,7 +97,7 @@ void BusRefusalTest::aLostLinkTriesAgainUntilItIsNoLongerRefused()
 void BusRefusalTest::aConnectorIsRefusedWithAWarningAndMadeWhenThereIsRoom()
 {
     {
-        const WarningList warnings;
+        const MessageLog warnings;
         QVERIFY(DBusProcessDescriptionConnector::createAndConnect("Pump", "Controller").isNull());
         QCOMPARE(warnings.texts().size(), 1);
         QVERIFY2(warnings.texts().first().contains("maximum number of active connections"),

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Announcements: whose are believed, what gets through, and how services come and go.
-#include "BusDaemon.h"
-#include "BusService.h"
 #include "BusTestMain.h"
 #include "DBusProcessDescriptionConnector.h"
+#include "PrivateBus.h"
+#include "ScriptedService.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>
@@ -12,7 +12,6 @@
 
 namespace {
 
-const QString pumpService("com.orvalis.ProcessData.Pump");
 const QString path("/com/orvalis/ProcessData/Controller");
 const QString interface("com.orvalis.ProcessDescription1");
 
@@ -53,64 +52,65 @@ private Q_SLOTS:
     void aConnectorMayBeReleasedInsideItsSignal();
 
 private:
-    BusDaemon bus;
+    PrivateBus bus;
 };
 
 void ConnectorAnnouncementTest::announcementsOfTheOwnerArriveInTheirOrder()
 {
-    BusService service;
-    QVERIFY(service.serve(pumpService, path, "1", "text"));
+    ScriptedService service;
+    QVERIFY(service.serve("1", "text"));
     Heard heard;
 
-    service.announce(path, "1");
-    service.announce(path, "2", "PropertyChanged");
-    service.announce(path, "");
+    service.announce("1");
+    service.announce("2", "PropertyChanged");
+    service.announce("");
 
     QTRY_COMPARE(heard.list, (QStringList{"description 1", "property 2", "description "}));
 }
 
 void ConnectorAnnouncementTest::announcementsOfOthersAreDropped()
 {
-    BusService service;
-    BusService stranger;
-    QVERIFY(service.serve(pumpService, path, "1", "text"));
+    ScriptedService service;
+    ScriptedService stranger;
+    QVERIFY(service.serve("1", "text"));
     Heard heard;
     QTRY_VERIFY(heard.connector->isDBusInterfaceValid());
 
-    stranger.announce(path, "forged");
-    QCOMPARE(stranger.order({"own", "some.other.Name"}), QString("ok"));
-    stranger.announce(path, "forged too");
-    service.announce(path, "genuine");
+    stranger.announce("forged");
+    QCOMPARE(stranger.order({"own", "some.other.Name"}), QByteArray("ok"));
+    stranger.announce("forged too");
+    service.announce("genuine");
 
     QTRY_COMPARE(heard.list, QStringList{"description genuine"});
 }
 
 void ConnectorAnnouncementTest::announcementsOfAnotherObjectOrFormAreDropped()
 {
-    BusService service;
-    QVERIFY(service.serve(pumpService, path, "1", "text"));
+    ScriptedService service;
+    QVERIFY(service.serve("1", "text"));
     Heard heard;
 
-    service.announce("/com/orvalis/ProcessData/Other", "other object");
-    service.announce(path + "/below", "below");
+    for (const QString &other : {QString("/com/orvalis/ProcessData/Other"), path + "/below"}) {
+        service.order({"signal", other, interface, "ProcessDataDescriptionChanged", "other path"});
+    }
     service.order({"signal", path, interface, "SomethingElse", "other member"});
     service.order({"signal", path, "other.interface", "PropertyChanged", "other interface"});
-    service.announce(path, "last");
+    service.announce("last");
 
     QTRY_COMPARE(heard.list, QStringList{"description last"});
 }
 
 void ConnectorAnnouncementTest::twoModulesWithTheSameObjectAreNotMixedUp()
 {
-    BusService pump;
-    BusService tank;
-    QVERIFY(pump.serve(pumpService, path, "1", "text"));
-    QVERIFY(tank.serve("com.orvalis.ProcessData.Tank", path, "1", "text"));
+    ScriptedService pump;
+    ScriptedService tank("Tank");
+    QVERIFY(pump.serve("1", "text"));
+    QVERIFY(tank.serve("1", "text"));
     Heard pumpHeard;
     Heard tankHeard("Tank");
 
-    tank.announce(path, "of tank");
-    pump.announce(path, "of pump");
+    tank.announce("of tank");
+    pump.announce("of pump");
 
     QTRY_COMPARE(pumpHeard.list, QStringList{"description of pump"});
     QTRY_COMPARE(tankHeard.list, QStringList{"description of tank"});
@@ -120,11 +120,10 @@ void ConnectorAnnouncementTest::whatAServiceSaysRightAfterItCameUpIsNeverLost()
 {
     Heard early;
     for (int round = 0; round < 30; ++round) {
-        BusService service;
-        QCOMPARE(service.order({"export", path}), QString("ok"));
-        QCOMPARE(service.order({"own", pumpService}), QString("ok"));
+        ScriptedService service;
+        QVERIFY(service.comeUp());
         Heard late; // asks for the owner while the announcement is on its way
-        service.announce(path, QString::number(round));
+        service.announce(QString::number(round));
 
         const QString expected = "description " + QString::number(round);
         QTRY_VERIFY2(early.list.contains(expected), qPrintable(early.list.join(", ")));
@@ -144,9 +143,9 @@ void ConnectorAnnouncementTest::ownersAreTrackedWhileTheThreadRunsNoEventLoop()
     };
     const Heard heard;
     for (int round = 0; round < 3; ++round) {
-        BusService service;
+        ScriptedService service;
         QVERIFY(waitFor(*heard.connector, false));
-        QVERIFY(service.serve(pumpService, path, "1", "text"));
+        QVERIFY(service.serve("1", "text"));
 
         QVERIFY(waitFor(*heard.connector, true));
         QCOMPARE(heard.connector->getProcessDataDescription("1", QString()).getValue(),
@@ -156,14 +155,14 @@ void ConnectorAnnouncementTest::ownersAreTrackedWhileTheThreadRunsNoEventLoop()
 
 void ConnectorAnnouncementTest::aStormIsDeliveredAsFewChangesAndInTheRightState()
 {
-    BusService service;
-    QVERIFY(service.serve(pumpService, path, "1", "text"));
+    ScriptedService service;
+    QVERIFY(service.serve("1", "text"));
     Heard heard;
     QTRY_VERIFY(heard.connector->isDBusInterfaceValid());
 
     // The client's thread waits for the helper meanwhile and runs no event loop.
     service.order({"signal", path, interface, "ProcessDataDescriptionChanged", "1", "10000"});
-    service.announce(path, "end");
+    service.announce("end");
 
     QTRY_VERIFY(heard.list.contains("description end"));
     QCOMPARE(heard.list.last(), QString("description end"));
@@ -175,16 +174,16 @@ void ConnectorAnnouncementTest::aStormIsDeliveredAsFewChangesAndInTheRightState(
 
 void ConnectorAnnouncementTest::theKindAnnouncedLastIsReportedLast()
 {
-    BusService service;
-    QVERIFY(service.serve(pumpService, path, "1", "text"));
+    ScriptedService service;
+    QVERIFY(service.serve("1", "text"));
     Heard heard;
     QTRY_VERIFY(heard.connector->isDBusInterfaceValid());
 
-    service.announce(path, "1");
-    service.announce(path, "2");
-    service.announce(path, "1"); // says no more than the first, which still waits
-    service.announce(path, "1", "PropertyChanged");
-    service.announce(path, "1");
+    service.announce("1");
+    service.announce("2");
+    service.announce("1"); // says no more than the first, which still waits
+    service.announce("1", "PropertyChanged");
+    service.announce("1");
 
     QTRY_VERIFY(heard.list.contains("property 1"));
     QTRY_COMPARE(heard.list.last(), QString("description 1"));
@@ -198,8 +197,8 @@ void ConnectorAnnouncementTest::theKindAnnouncedLastIsReportedLast()
 
 void ConnectorAnnouncementTest::aConnectorMayBeReleasedInsideItsSignal()
 {
-    BusService service;
-    QVERIFY(service.serve(pumpService, path, "1", "text"));
+    ScriptedService service;
+    QVERIFY(service.serve("1", "text"));
     auto connector = DBusProcessDescriptionConnector::createAndConnect("Pump", "Controller");
     int heard = 0;
     connect(connector.data(), &DBusProcessDescriptionConnector::processDataDescriptionChanged, this,
@@ -209,8 +208,8 @@ void ConnectorAnnouncementTest::aConnectorMayBeReleasedInsideItsSignal()
             });
     Heard other;
 
-    service.announce(path, "1");
-    service.announce(path, "2");
+    service.announce("1");
+    service.announce("2");
 
     QTRY_COMPARE(other.list.size(), 2);
     QCOMPARE(heard, 1);

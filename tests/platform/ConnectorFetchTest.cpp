@@ -1,19 +1,17 @@
 // SPDX-License-Identifier: MIT
 // Blocking fetches of descriptions: what comes back, and how long a hung service may hold a client.
-#include "BusDaemon.h"
-#include "BusService.h"
 #include "BusTestMain.h"
 #include "DBusPendingReply.h"
 #include "DBusProcessDescriptionConnector.h"
-#include "WarningList.h"
+#include "MessageLog.h"
+#include "PrivateBus.h"
+#include "ScriptedService.h"
 
 #include <QSignalSpy>
 #include <QtTest>
 
 namespace {
 
-const QString pumpService("com.orvalis.ProcessData.Pump");
-const QString controllerPath("/com/orvalis/ProcessData/Controller");
 const QString notAskedAgain("did not answer an earlier call in time");
 constexpr int timeLimit = 700;
 
@@ -46,7 +44,7 @@ private Q_SLOTS:
     void anAsynchronousTimeoutIsRememberedToo();
 
 private:
-    BusDaemon bus;
+    PrivateBus bus;
 };
 
 void ConnectorFetchTest::initTestCase()
@@ -60,7 +58,7 @@ void ConnectorFetchTest::aBusOutOfReachGivesNoConnectorAndOneWarningThatNamesItA
     const QByteArray address = qgetenv("PROCESSDATA_BUS");
     qputenv("PROCESSDATA_BUS", "unix:path=/nowhere/bus");
     {
-        const WarningList warnings;
+        const MessageLog warnings;
 
         QVERIFY(pump().isNull());
 
@@ -78,17 +76,17 @@ void ConnectorFetchTest::aConnectorExistsBeforeItsService()
     QVERIFY(!connector.isNull());
     QVERIFY(!connector->isDBusInterfaceValid());
 
-    BusService service;
-    QVERIFY(service.serve(pumpService, controllerPath, "1", "text"));
+    ScriptedService service;
+    QVERIFY(service.serve("1", "text"));
 
     QTRY_VERIFY(connector->isDBusInterfaceValid());
 }
 
 void ConnectorFetchTest::aFetchReturnsTheDescriptionOfTheInstance()
 {
-    BusService service;
-    QVERIFY(service.serve(pumpService, controllerPath, "1", "first"));
-    QCOMPARE(service.order({"set", "", "nameless"}), QString("ok"));
+    ScriptedService service;
+    QVERIFY(service.serve("1", "first"));
+    QCOMPARE(service.order({"set", "", "nameless"}), QByteArray("ok"));
     const auto connector = pump();
 
     QTRY_VERIFY(connector->isDBusInterfaceValid());
@@ -115,8 +113,8 @@ void ConnectorFetchTest::aServiceWithoutOwnerFailsAtOnceAndIsNamed()
 
 void ConnectorFetchTest::anErrorOfTheServiceIsHandedOnWithItsText()
 {
-    BusService service;
-    QVERIFY(service.serve(pumpService, controllerPath, "1", "text"));
+    ScriptedService service;
+    QVERIFY(service.serve("1", "text"));
 
     const DBusReply reply = pump()->getProcessDataDescription("2", QString());
 
@@ -143,9 +141,9 @@ void ConnectorFetchTest::anAnswerOfTheWrongTypeIsAnError()
 {
     QFETCH(QString, mode);
     QFETCH(QString, reason);
-    BusService service;
-    QVERIFY(service.serve(pumpService, controllerPath, "1", "text"));
-    QCOMPARE(service.order({"mode", mode}), QString("ok"));
+    ScriptedService service;
+    QVERIFY(service.serve("1", "text"));
+    QCOMPARE(service.order({"mode", mode}), QByteArray("ok"));
 
     const DBusReply reply = pump()->getProcessDataDescription("1", QString());
 
@@ -156,18 +154,18 @@ void ConnectorFetchTest::anAnswerOfTheWrongTypeIsAnError()
 void ConnectorFetchTest::aDescriptionOfMoreThan64MiBIsRefused()
 {
     qputenv("PROCESSDATA_DBUS_TIMEOUT_MS", "60000");
-    BusService service;
-    QVERIFY(service.serve(pumpService, controllerPath, "1", "text"));
+    ScriptedService service;
+    QVERIFY(service.serve("1", "text"));
 
     for (int round = 0; round < 4; ++round) {
-        QCOMPARE(service.order({"mode", "large"}), QString("ok"));
+        QCOMPARE(service.order({"mode", "large"}), QByteArray("ok"));
         const DBusReply reply = pump()->getProcessDataDescription("1", QString());
 
         QVERIFY(reply.isError());
         QVERIFY2(reply.getErrorMessage().contains("larger than 64 MiB"),
                  qPrintable(reply.getErrorMessage()));
         // The connection still hears others.
-        QCOMPARE(service.order({"mode", "ok"}), QString("ok"));
+        QCOMPARE(service.order({"mode", "ok"}), QByteArray("ok"));
         qputenv("PROCESSDATA_DBUS_TIMEOUT_MS", "5000");
         QCOMPARE(pump()->getProcessDataDescription("1", QString()).getValue(), QVariant("text"));
         qputenv("PROCESSDATA_DBUS_TIMEOUT_MS", "60000");
@@ -176,14 +174,14 @@ void ConnectorFetchTest::aDescriptionOfMoreThan64MiBIsRefused()
 
 void ConnectorFetchTest::manySourcesOfOneHungServiceCostOneTimeLimit()
 {
-    BusService service;
-    QVERIFY(service.serve(pumpService, controllerPath, "1", "text"));
+    ScriptedService service;
+    QVERIFY(service.serve("1", "text"));
     QVector<QSharedPointer<DBusProcessDescriptionConnector>> connectors;
     for (int i = 0; i < 10; ++i) {
         connectors += pump();
     }
     QTRY_VERIFY(connectors.first()->isDBusInterfaceValid());
-    QVERIFY(service.suspend());
+    service.process().suspend();
 
     QStringList messages;
     for (const auto &connector : connectors) {
@@ -198,10 +196,10 @@ void ConnectorFetchTest::manySourcesOfOneHungServiceCostOneTimeLimit()
 
 void ConnectorFetchTest::aServiceThatHangsOnlyForOneObjectIsStillRemembered()
 {
-    BusService service;
-    QVERIFY(service.serve(pumpService, controllerPath, "1", "text"));
-    QCOMPARE(service.order({"mode", "silent"}),
-             QString("ok")); // its bus library still answers pings
+    ScriptedService service;
+    QVERIFY(service.serve("1", "text"));
+    // Its bus library still answers pings.
+    QCOMPARE(service.order({"mode", "silent"}), QByteArray("ok"));
     const auto connector = pump();
     QVERIFY(connector->getProcessDataDescription("1", QString()).isError());
 
@@ -212,14 +210,14 @@ void ConnectorFetchTest::aServiceThatHangsOnlyForOneObjectIsStillRemembered()
 
 void ConnectorFetchTest::aServiceThatComesBackIsFetchedAgainAndItsMissedInstancesAreAnnounced()
 {
-    BusService service;
-    QVERIFY(service.serve(pumpService, controllerPath, "1", "text"));
-    QCOMPARE(service.order({"set", "2", "second"}), QString("ok"));
+    ScriptedService service;
+    QVERIFY(service.serve("1", "text"));
+    QCOMPARE(service.order({"set", "2", "second"}), QByteArray("ok"));
     const auto first = pump();
     const auto second = pump();
     const auto third = pump();
     QVERIFY(!third->getProcessDataDescription("1", QString()).isError());
-    QVERIFY(service.suspend());
+    service.process().suspend();
     QVERIFY(first->getProcessDataDescription("1", QString()).isError());
     QVERIFY(second->getProcessDataDescription("2", QString()).isError()); // at once
     QSignalSpy firstChanged(first.data(),
@@ -229,7 +227,7 @@ void ConnectorFetchTest::aServiceThatComesBackIsFetchedAgainAndItsMissedInstance
     QSignalSpy thirdChanged(third.data(),
                             &DBusProcessDescriptionConnector::processDataDescriptionChanged);
 
-    service.resume();
+    service.process().resume();
 
     QTRY_COMPARE(secondChanged.size(), 1);
     QTRY_COMPARE(firstChanged.size(), 1);
@@ -243,14 +241,14 @@ void ConnectorFetchTest::aHungServiceThatDiesIsForgotten()
 {
     const auto connector = pump();
     {
-        BusService service;
-        QVERIFY(service.serve(pumpService, controllerPath, "1", "text"));
-        QVERIFY(service.suspend());
+        ScriptedService service;
+        QVERIFY(service.serve("1", "text"));
+        service.process().suspend();
         QVERIFY(connector->getProcessDataDescription("1", QString()).isError());
     }
     QTRY_VERIFY(!connector->isDBusInterfaceValid());
-    BusService successor;
-    QVERIFY(successor.serve(pumpService, controllerPath, "1", "new"));
+    ScriptedService successor;
+    QVERIFY(successor.serve("1", "new"));
     QTRY_VERIFY(connector->isDBusInterfaceValid());
 
     QCOMPARE(connector->getProcessDataDescription("1", QString()).getValue(), QVariant("new"));
@@ -258,11 +256,11 @@ void ConnectorFetchTest::aHungServiceThatDiesIsForgotten()
 
 void ConnectorFetchTest::anAsynchronousTimeoutIsRememberedToo()
 {
-    BusService service;
-    QVERIFY(service.serve(pumpService, controllerPath, "1", "text"));
+    ScriptedService service;
+    QVERIFY(service.serve("1", "text"));
     const auto connector = pump();
     QTRY_VERIFY(connector->isDBusInterfaceValid());
-    QVERIFY(service.suspend());
+    service.process().suspend();
     const auto reply = connector->getProcessDataDescriptionAsynchron("1", QString());
     QSignalSpy failed(reply.data(), &DBusPendingReply::dBusServiceError);
     QTRY_COMPARE(failed.size(), 1);
@@ -271,7 +269,7 @@ void ConnectorFetchTest::anAsynchronousTimeoutIsRememberedToo()
     QSignalSpy changed(connector.data(),
                        &DBusProcessDescriptionConnector::processDataDescriptionChanged);
 
-    service.resume();
+    service.process().resume();
 
     QTRY_COMPARE(changed.size(), 1);
     QCOMPARE(changed.at(0).at(0).toString(), QString("1"));

@@ -1,19 +1,16 @@
 // SPDX-License-Identifier: MIT
 // Asynchronous fetches: they report once, from the event loop, and never after their release.
-#include "BusDaemon.h"
-#include "BusService.h"
 #include "BusTestMain.h"
 #include "DBusPendingReply.h"
 #include "DBusProcessDescriptionConnector.h"
+#include "PrivateBus.h"
+#include "ScriptedService.h"
 
 #include <QSignalSpy>
 #include <QThread>
 #include <QtTest>
 
 namespace {
-
-const QString pumpService("com.orvalis.ProcessData.Pump");
-const QString path("/com/orvalis/ProcessData/Controller");
 
 // Takes the error by a string connection, as clients of the contract do.
 class Receiver : public QObject
@@ -67,8 +64,8 @@ private:
                 SLOT(takeError(ErrorContainer)));
     }
 
-    BusDaemon bus;
-    QScopedPointer<BusService> service;
+    PrivateBus bus;
+    QScopedPointer<ScriptedService> service;
     QSharedPointer<DBusProcessDescriptionConnector> connector;
 };
 
@@ -80,8 +77,8 @@ void ConnectorPendingReplyTest::initTestCase()
 
 void ConnectorPendingReplyTest::init()
 {
-    service.reset(new BusService);
-    QVERIFY(service->serve(pumpService, path, "1", "text"));
+    service.reset(new ScriptedService);
+    QVERIFY(service->serve("1", "text"));
     connector = DBusProcessDescriptionConnector::createAndConnect("Pump", "Controller");
     QTRY_VERIFY(connector->isDBusInterfaceValid());
 }
@@ -127,7 +124,7 @@ void ConnectorPendingReplyTest::aFailureReportsItsError()
 
 void ConnectorPendingReplyTest::aSilentServiceEndsInAnErrorAfterTheTimeLimit()
 {
-    QCOMPARE(service->order({"mode", "silent"}), QString("ok"));
+    QCOMPARE(service->order({"mode", "silent"}), QByteArray("ok"));
     Receiver receiver;
     const auto reply = ask("1");
     listen(reply.data(), &receiver);
@@ -135,7 +132,7 @@ void ConnectorPendingReplyTest::aSilentServiceEndsInAnErrorAfterTheTimeLimit()
     QTRY_COMPARE(receiver.errors, 1);
 
     QVERIFY2(receiver.error.getText().contains("NoReply"), qPrintable(receiver.error.getText()));
-    QCOMPARE(service->order({"flush"}), QString("ok")); // too late
+    QCOMPARE(service->order({"flush"}), QByteArray("ok")); // too late
     // Until an answer shows that the service is back, fetches fail at once.
     QTRY_VERIFY(!connector->getProcessDataDescription("1", QString()).isError());
     const auto next = ask("1");
@@ -166,14 +163,14 @@ void ConnectorPendingReplyTest::anErrorReachesASlotOfAnotherThread()
 
 void ConnectorPendingReplyTest::aReplyReleasedWhileItWaitsNeverReports()
 {
-    QCOMPARE(service->order({"mode", "silent"}), QString("ok"));
+    QCOMPARE(service->order({"mode", "silent"}), QByteArray("ok"));
     Receiver receiver;
     auto reply = ask("1");
     listen(reply.data(), &receiver);
     QTRY_COMPARE(service->fetches(), 1);
 
     reply.reset();
-    QCOMPARE(service->order({"flush"}), QString("ok"));
+    QCOMPARE(service->order({"flush"}), QByteArray("ok"));
 
     const auto next = ask("1");
     QSignalSpy nextFinished(next.data(), &DBusPendingReply::dBusServiceFinished);
@@ -256,7 +253,7 @@ void ConnectorPendingReplyTest::withoutABusThereIsNoReply()
 // Later fetches of an instance wait for the end of the one before, also when nobody else does.
 void ConnectorPendingReplyTest::whatWasUnderWayWhenTheBusDiedHoldsNothingUp()
 {
-    QCOMPARE(service->order({"mode", "silent"}), QString("ok"));
+    QCOMPARE(service->order({"mode", "silent"}), QByteArray("ok"));
     Receiver receiver;
     auto released = ask("1");
     const auto waiting = ask("1");
@@ -267,8 +264,8 @@ void ConnectorPendingReplyTest::whatWasUnderWayWhenTheBusDiedHoldsNothingUp()
     QTRY_COMPARE(receiver.errors, 1);
 
     QVERIFY(bus.start());
-    service.reset(new BusService);
-    QVERIFY(service->serve(pumpService, path, "1", "new"));
+    service.reset(new ScriptedService);
+    QVERIFY(service->serve("1", "new"));
     QTRY_VERIFY(connector->isDBusInterfaceValid());
     const auto next = ask("1");
     QSignalSpy nextFinished(next.data(), &DBusPendingReply::dBusServiceFinished);

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 // The bus daemon goes and comes back: connectors follow, and nothing that was said meanwhile is
 // lost.
-#include "BusDaemon.h"
-#include "BusService.h"
 #include "BusTestMain.h"
 #include "DBusProcessDescriptionConnector.h"
+#include "PrivateBus.h"
+#include "ScriptedService.h"
 #include "SystemStatusManagerDBusConnector.h"
 
 #include <QDir>
@@ -12,9 +12,6 @@
 #include <QtTest>
 
 namespace {
-
-const QString pumpService("com.orvalis.ProcessData.Pump");
-const QString path("/com/orvalis/ProcessData/Controller");
 
 int openDescriptors()
 {
@@ -39,15 +36,15 @@ private Q_SLOTS:
     void aConnectorCanBeMadeRightAfterTheRestart();
 
 private:
-    BusDaemon bus;
+    PrivateBus bus;
 };
 
 void ConnectorRestartTest::aServiceOnTheNewBusIsFoundAndItsInstancesAnnounced()
 {
     const auto connector = DBusProcessDescriptionConnector::createAndConnect("Pump", "Controller");
     {
-        BusService service;
-        QVERIFY(service.serve(pumpService, path, "1", "old"));
+        ScriptedService service;
+        QVERIFY(service.serve("1", "old"));
         QTRY_VERIFY(connector->isDBusInterfaceValid());
         bus.stop();
     }
@@ -57,18 +54,18 @@ void ConnectorRestartTest::aServiceOnTheNewBusIsFoundAndItsInstancesAnnounced()
 
     // The service is there before the connector is back, and says nothing: it is found.
     QVERIFY(bus.start());
-    BusService service;
-    QCOMPARE(service.order({"set", "2", "second"}), QString("ok"));
-    QVERIFY(service.serve(pumpService, path, "1", "new"));
-    service.announce(path, "1"); // in case the connector was quicker
-    service.announce(path, "2");
+    ScriptedService service;
+    QCOMPARE(service.order({"set", "2", "second"}), QByteArray("ok"));
+    QVERIFY(service.serve("1", "new"));
+    service.announce("1"); // in case the connector was quicker
+    service.announce("2");
 
     QTRY_VERIFY(changed.contains({QString("1")}));
     QTRY_VERIFY(changed.contains({QString("2")}));
     QVERIFY(connector->isDBusInterfaceValid());
     QCOMPARE(connector->getProcessDataDescription("1", QString()).getValue(), QVariant("new"));
     changed.clear();
-    service.announce(path, "3");
+    service.announce("3");
     QTRY_VERIFY(changed.contains({QString("3")})); // subscribed again
 }
 
@@ -78,8 +75,8 @@ void ConnectorRestartTest::manyRestartsLeaveNothingOpen()
     int before = 0;
     for (int round = 0; round < 10; ++round) {
         {
-            BusService service;
-            QVERIFY(service.serve(pumpService, path, "1", QString::number(round)));
+            ScriptedService service;
+            QVERIFY(service.serve("1", QString::number(round)));
             QTRY_VERIFY(connector->isDBusInterfaceValid());
             QCOMPARE(connector->getProcessDataDescription("1", QString()).getValue(),
                      QVariant(QString::number(round)));
@@ -91,10 +88,10 @@ void ConnectorRestartTest::manyRestartsLeaveNothingOpen()
         QTRY_VERIFY(!connector->isDBusInterfaceValid());
         QVERIFY(bus.start());
     }
-    BusService service;
-    QVERIFY(service.serve(pumpService, path, "1", "last"));
+    ScriptedService service;
+    QVERIFY(service.serve("1", "last"));
     QTRY_VERIFY(connector->isDBusInterfaceValid());
-    service.kill();
+    service.process().kill();
 
     QTRY_COMPARE(openDescriptors(), before);
 }
@@ -102,9 +99,9 @@ void ConnectorRestartTest::manyRestartsLeaveNothingOpen()
 void ConnectorRestartTest::aCallUnderWayEndsWithTheBus()
 {
     qputenv("PROCESSDATA_DBUS_TIMEOUT_MS", "30000");
-    BusService service;
-    QVERIFY(service.serve(pumpService, path, "1", "text"));
-    QCOMPARE(service.order({"mode", "silent"}), QString("ok"));
+    ScriptedService service;
+    QVERIFY(service.serve("1", "text"));
+    QCOMPARE(service.order({"mode", "silent"}), QByteArray("ok"));
     const auto connector = DBusProcessDescriptionConnector::createAndConnect("Pump", "Controller");
     bool failed = false;
     QScopedPointer<QThread> thread(QThread::create(
@@ -127,10 +124,10 @@ void ConnectorRestartTest::aStatusConnectorHearsOfAStartUpAfterTheRestart()
     QSignalSpy ready(connector.data(), &SystemStatusManagerDBusConnector::orvalisStartupReady);
     bus.stop();
     QVERIFY(bus.start());
-    BusService manager;
-    QCOMPARE(manager.order({"export", "/com/orvalis/SystemStatusManager"}), QString("ok"));
-    QCOMPARE(manager.order({"ready", "true"}), QString("ok"));
-    QCOMPARE(manager.order({"own", "com.orvalis.SystemStatusManager"}), QString("ok"));
+    ScriptedService manager;
+    QCOMPARE(manager.order({"export", "/com/orvalis/SystemStatusManager"}), QByteArray("ok"));
+    QCOMPARE(manager.order({"ready", "true"}), QByteArray("ok"));
+    QCOMPARE(manager.order({"own", "com.orvalis.SystemStatusManager"}), QByteArray("ok"));
 
     QTRY_COMPARE(ready.size(), 1);
 }
@@ -144,8 +141,8 @@ void ConnectorRestartTest::aConnectorCanBeMadeRightAfterTheRestart()
 
     QVERIFY(!DBusProcessDescriptionConnector::createAndConnect("Pump", "Controller").isNull());
 
-    BusService service;
-    QVERIFY(service.serve(pumpService, path, "1", "text"));
+    ScriptedService service;
+    QVERIFY(service.serve("1", "text"));
     QTRY_VERIFY(connector->isDBusInterfaceValid());
 }
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // The end of the system's start-up is told once, whenever a client comes.
-#include "BusDaemon.h"
-#include "BusService.h"
 #include "BusTestMain.h"
+#include "PrivateBus.h"
+#include "ScriptedService.h"
 #include "SystemStatusManagerDBusConnector.h"
 
 #include <QSignalSpy>
@@ -14,7 +14,7 @@ const QString managerService("com.orvalis.SystemStatusManager");
 const QString path("/com/orvalis/SystemStatusManager");
 const QString interface("com.orvalis.SystemStatusManager1");
 
-class Manager : public BusService
+class Manager : public ScriptedService
 {
 public:
     bool comeUp(bool ready)
@@ -47,7 +47,7 @@ private Q_SLOTS:
     void withoutABusThereIsNoConnector();
 
 private:
-    BusDaemon bus;
+    PrivateBus bus;
 };
 
 void ConnectorStatusTest::aSystemThatIsReadyAlreadyIsToldOnceFromTheEventLoop()
@@ -152,7 +152,7 @@ void ConnectorStatusTest::strangersCannotTellOfAStartUp()
     const auto connector = SystemStatusManagerDBusConnector::createAndConnect();
     QSignalSpy ready(connector.data(), &SystemStatusManagerDBusConnector::orvalisStartupReady);
     QTRY_VERIFY(connector->isDBusInterfaceValid());
-    BusService stranger;
+    ScriptedService stranger;
 
     stranger.order({"signal", path, interface, "StartupReady"});
     manager.order({"signal", "/other/path", interface, "StartupReady"});

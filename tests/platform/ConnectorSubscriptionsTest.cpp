@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // In which order a client asks the bus daemon for what it wants to hear.
-#include "BusDaemon.h"
 #include "BusTestMain.h"
 #include "DBusProcessDescriptionConnector.h"
+#include "PrivateBus.h"
 
 #include <QRegularExpression>
 #include <QtTest>
@@ -10,51 +10,17 @@
 namespace {
 
 // What clients ask of the bus daemon, as a line each: "AddMatch rule", "GetNameOwner name".
-class DaemonMonitor
+QStringList callsIn(const QByteArray &output)
 {
-public:
-    DaemonMonitor() = default;
-    ~DaemonMonitor()
-    {
-        process.kill();
-        process.waitForFinished();
+    static const QRegularExpression call("member=(\\w+)\n   string \"([^\"]*)\"");
+    QStringList found;
+    QRegularExpressionMatchIterator it = call.globalMatch(QString::fromUtf8(output));
+    while (it.hasNext()) {
+        const QRegularExpressionMatch match = it.next();
+        found += match.captured(1) + " " + match.captured(2);
     }
-    DaemonMonitor(const DaemonMonitor &) = delete;
-    DaemonMonitor &operator=(const DaemonMonitor &) = delete;
-
-    bool start(const QString &address)
-    {
-        process.start(
-            "dbus-monitor",
-            {"--address", address, "type='method_call',interface='org.freedesktop.DBus'"});
-        // It says that it has lost its name: from then on it hears of everything.
-        return process.waitForStarted() && waitFor("NameLost");
-    }
-
-    bool waitFor(const QByteArray &text)
-    {
-        while (!output.contains(text) && process.waitForReadyRead()) {
-            output += process.readAll();
-        }
-        return output.contains(text);
-    }
-
-    QStringList calls() const
-    {
-        static const QRegularExpression call("member=(\\w+)\n   string \"([^\"]*)\"");
-        QStringList found;
-        QRegularExpressionMatchIterator it = call.globalMatch(QString::fromUtf8(output));
-        while (it.hasNext()) {
-            const QRegularExpressionMatch match = it.next();
-            found += match.captured(1) + " " + match.captured(2);
-        }
-        return found;
-    }
-
-private:
-    DyingProcess process;
-    QByteArray output;
-};
+    return found;
+}
 
 // Where the only call stands that matches; -1 when there is none or more than one.
 int placeOf(const QStringList &calls, const QString &pattern)
@@ -75,21 +41,24 @@ private Q_SLOTS:
     void ownersAreAskedForOnlyWhenTheirAnnouncementsAreHeard();
 
 private:
-    BusDaemon bus;
+    PrivateBus bus;
 };
 
 // In another order a service may appear in between: the client would count on its announcements,
 // and the daemon would not have sent them.
 void ConnectorSubscriptionsTest::ownersAreAskedForOnlyWhenTheirAnnouncementsAreHeard()
 {
-    DaemonMonitor monitor;
-    QVERIFY(monitor.start(bus.address()));
+    ChildProcess monitor(
+        "dbus-monitor",
+        {"--address", bus.address(), "type='method_call',interface='org.freedesktop.DBus'"});
+    // It says that it has lost its name: from then on it hears of everything.
+    QVERIFY(monitor.start() && !monitor.waitForLineWith("NameLost").isNull());
 
     const auto connector = DBusProcessDescriptionConnector::createAndConnect("Pump", "Controller");
     QVERIFY(!connector.isNull());
 
-    QVERIFY(monitor.waitFor("com.orvalis.ProcessData.Pump"));
-    const QStringList calls = monitor.calls();
+    QVERIFY(!monitor.waitForLineWith("\"com.orvalis.ProcessData.Pump\"").isNull());
+    const QStringList calls = callsIn(monitor.output());
     const QString all = calls.join('\n');
     const int description = placeOf(calls, "^AddMatch .*'ProcessDataDescriptionChanged'");
     const int property = placeOf(calls, "^AddMatch .*'PropertyChanged'");

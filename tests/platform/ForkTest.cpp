@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What publishers and clients do in a process that was forked from theirs: nothing, and it says so.
-#include "BusDaemon.h"
 #include "BusTestMain.h"
+#include "PrivateBus.h"
 #include "PublisherSupport.h"
 
 #include <QSignalSpy>
@@ -85,7 +85,7 @@ class ForkTest : public QObject
 
 private Q_SLOTS:
     void initTestCase() { QVERIFY(bus.start()); }
-    void init() { module = testModule("Fork"); }
+    void init() { module = uniqueModule(); }
     void cleanup() { QCOMPARE(buffersOf(module), QStringList()); }
     void aChildBeforeAllElsePublishesAndReads();
     void aChildDoesNotPublishForItsParent();
@@ -95,7 +95,7 @@ private Q_SLOTS:
     void aChildMakesNoPendingFetch();
 
 private:
-    BusDaemon bus;
+    PrivateBus bus;
     QString module;
 };
 
@@ -111,10 +111,7 @@ void ForkTest::aChildBeforeAllElsePublishesAndReads()
     });
     QCOMPARE(child.said, QByteArray());
     QCOMPARE(child.status, 0);
-    for (const QString &name : buffersOf(module)) { // its end was no publisher's end
-        QFile::remove("/dev/shm/" + name);
-        QFile::remove("/dev/shm/" + name + ".life");
-    }
+    removeLeftBuffers(module); // its end was no publisher's end
 }
 
 void ForkTest::aChildDoesNotPublishForItsParent()

@@ -7,6 +7,7 @@
 #include <csignal>
 #include <functional>
 #include <sys/mman.h>
+#include <unistd.h>
 
 namespace {
 
@@ -69,9 +70,9 @@ void LastValueTest::withTheSourceLostComesItsLastValue_data()
     QTest::addColumn<QVariant>("earlier");
     QTest::addColumn<QVariant>("last");
     QTest::newRow("the type that is read most")
-        << leafJson("value", "float64") << QVariant(1.5) << QVariant(2.5);
-    QTest::newRow("another number") << leafJson("value", "int32") << QVariant(1) << QVariant(2);
-    QTest::newRow("a text") << leafJson("value", "string", {{"capacity", 8}}) << QVariant("one")
+        << leaf("value", "float64") << QVariant(1.5) << QVariant(2.5);
+    QTest::newRow("another number") << leaf("value", "int32") << QVariant(1) << QVariant(2);
+    QTest::newRow("a text") << leaf("value", "string", {{"capacity", 8}}) << QVariant("one")
                             << QVariant("two");
 }
 
@@ -81,7 +82,7 @@ void LastValueTest::withTheSourceLostComesItsLastValue()
     QFETCH(QVariant, earlier);
     QFETCH(QVariant, last);
     // The first leaf keeps the second off the header's page.
-    BufferSource source({leafJson("room", "bytes", {{"capacity", int(pageSize)}}), leaf});
+    BufferSource source({::leaf("room", "bytes", {{"capacity", int(pageSize)}}), leaf});
     QVERIFY2(source.buffer, qPrintable(source.error));
     QVERIFY(source.publish(1, ProcessValue(earlier)));
     const BufferClient client(source.text());

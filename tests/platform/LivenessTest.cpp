@@ -4,13 +4,14 @@
 #include "BufferSource.h"
 #include "LifeRecord.h"
 #include "LivenessKeeper.h"
+#include "MessageLog.h"
 #include "SharedLock.h"
-#include "WarningList.h"
 
 #include <QtTest>
 
 #include <sys/wait.h>
 #include <thread>
+#include <unistd.h>
 
 class LivenessTest : public QObject
 {
@@ -39,7 +40,7 @@ void LivenessTest::cleanup()
 
 void LivenessTest::aKilledPublisherIsSeenByTheNextRead()
 {
-    BufferChild publisher({"publish", BufferSource::uniqueModule()});
+    BufferChild publisher({"publish", uniqueModule()});
     const QString text = publisher.line();
     const QString module
         = QJsonDocument::fromJson(text.toUtf8()).object().value("module").toString();
@@ -61,21 +62,21 @@ void LivenessTest::aKilledPublisherIsSeenByTheNextRead()
     QCOMPARE(after.getTimestamp(), before.getTimestamp());
     QCOMPARE(readLeaf(setpoint).getErrorType(), ProcessDataDefinitions::SourceLost);
     QVERIFY(!client.manager->isBufferValid());
-    const WarningList warnings;
+    const MessageLog warnings;
     QVERIFY(!setpoint->setValue(ProcessValue(QVariant(1.0))));
     QCOMPARE(warnings.texts().size(), 1);
     QVERIFY(warnings.texts().at(0).startsWith(
         "processdata.memory: Leaf setpoint was not written: the publisher of buffer /processdata."
         + module));
-    removeFilesOf(module);
+    removeLeftBuffers(module);
 }
 
 void LivenessTest::aStoppedPublisherIsAlive()
 {
-    BufferChild publisher({"publish", BufferSource::uniqueModule()});
+    BufferChild publisher({"publish", uniqueModule()});
     const QString text = publisher.line();
     const BufferClient client(text);
-    const int number = int(publisher.process.processId());
+    const int number = int(publisher.pid());
     QCOMPARE(::kill(number, SIGSTOP), 0);
     int status = 0;
     QCOMPARE(waitpid(number, &status, WUNTRACED), number);
@@ -88,12 +89,12 @@ void LivenessTest::aStoppedPublisherIsAlive()
 
 void LivenessTest::aDeadPublishersBufferIsAttachedForItsLastValues()
 {
-    BufferChild publisher({"publish", BufferSource::uniqueModule()});
+    BufferChild publisher({"publish", uniqueModule()});
     const QString text = publisher.line();
     const QJsonObject document = QJsonDocument::fromJson(text.toUtf8()).object();
     const QString module = document.value("module").toString();
     publisher.kill();
-    const WarningList warnings;
+    const MessageLog warnings;
 
     const BufferClient client(text);
 
@@ -107,13 +108,12 @@ void LivenessTest::aDeadPublishersBufferIsAttachedForItsLastValues()
     const ProcessValue value = readLeaf(client.leaf("processdata://" + module + "/Tank/1/level"));
     QCOMPARE(value.getValue(), QVariant(1.5));
     QCOMPARE(value.getErrorType(), ProcessDataDefinitions::SourceLost);
-    removeFilesOf(module);
+    removeLeftBuffers(module);
 }
 
 void LivenessTest::retirementIsSeenByTheNextRead()
 {
-    BufferSource source(
-        {leafJson("level", "float64"), leafJson("name", "string", {{"capacity", 8}})});
+    BufferSource source({leaf("level", "float64"), leaf("name", "string", {{"capacity", 8}})});
     QVERIFY(source.publish(0, ProcessValue(QVariant(2.5), ProcessDataDefinitions::DeviceFault, 7)));
     const BufferClient client(source.text());
     const auto level = client.leaf(source.url("level"));
@@ -137,7 +137,7 @@ void LivenessTest::retirementIsSeenByTheNextRead()
 
 void LivenessTest::aRetiredBufferIsNotLiveAlthoughItsPublisherIs()
 {
-    BufferSource source({leafJson("level", "float64")});
+    BufferSource source({leaf("level", "float64")});
     const BufferClient client(source.text());
     QFile file(source.life());
     QVERIFY(file.open(QIODevice::ReadWrite));
@@ -155,7 +155,7 @@ void LivenessTest::aPublisherOutlivesTheThreadThatMadeIt()
 {
     std::unique_ptr<BufferSource> source;
     std::thread([&] {
-        source = std::make_unique<BufferSource>(QJsonArray{leafJson("level", "float64")});
+        source = std::make_unique<BufferSource>(QJsonArray{leaf("level", "float64")});
     }).join();
     QVERIFY(source->buffer);
     QVERIFY(BufferClient(source->text()).manager->isBufferValid());
@@ -163,7 +163,7 @@ void LivenessTest::aPublisherOutlivesTheThreadThatMadeIt()
 
 void LivenessTest::aForkedChildLeavesItsParentsBufferAlone()
 {
-    BufferSource source({leafJson("level", "float64")});
+    BufferSource source({leaf("level", "float64")});
     const pid_t child = fork();
     if (child == 0) {
         source.buffer.reset();
@@ -178,20 +178,20 @@ void LivenessTest::aForkedChildLeavesItsParentsBufferAlone()
 
 void LivenessTest::aForkedChildPublishesByItself()
 {
-    const BufferSource source({leafJson("level", "float64")});
-    const QString module = BufferSource::uniqueModule();
+    const BufferSource source({leaf("level", "float64")});
+    const QString module = uniqueModule();
     const pid_t child = fork();
     if (child == 0) {
-        const BufferSource own({leafJson("level", "float64")}, module);
+        const BufferSource own({leaf("level", "float64")}, module);
         const bool valid = own.buffer && BufferClient(own.text()).manager->isBufferValid();
         _exit(valid ? 0 : 1);
     }
     int status = -1;
     QCOMPARE(waitpid(child, &status, 0), child);
     QCOMPARE(status, 0);
-    const BufferSource next({leafJson("level", "float64")},
+    const BufferSource next({leaf("level", "float64")},
                             module); // takes the child's leftover away
-    QCOMPARE(filesOf(module).size(), 1);
+    QCOMPARE(buffersOf(module).size(), 1);
 }
 
 void LivenessTest::aLockWordTellsWhetherItsOwnerLives()

@@ -2,7 +2,7 @@
 // From a description to a tree: which are refused, what a URL finds, what a client may hold on to.
 #include "BufferSource.h"
 #include "ConfigurationAndProcessDataParser.h"
-#include "WarningList.h"
+#include "MessageLog.h"
 
 #include <QtTest>
 
@@ -61,15 +61,14 @@ void ManagerTreeTest::aUrlFindsTheLeafItNamesAndNoOther()
 {
     QFETCH(QString, url);
     QFETCH(QString, name);
-    const QJsonObject group{{"name", "drive"},
-                            {"elements", QJsonArray{leafJson("speed", "float64")}}};
+    const QJsonObject group{{"name", "drive"}, {"elements", QJsonArray{leaf("speed", "float64")}}};
     QJsonObject document{{"format", "process-data-description/1"},
                          {"module", "M"},
                          {"object", "Tank"},
                          {"instance", "1"},
-                         {"elements", QJsonArray{leafJson("level", "float64"), group}}};
+                         {"elements", QJsonArray{leaf("level", "float64"), group}}};
     ProcessDataManager manager;
-    BufferSource source({leafJson("level", "float64"), leafJson("speed", "float64")});
+    BufferSource source({leaf("level", "float64"), leaf("speed", "float64")});
     document.insert("buffer", source.document.value("buffer"));
     document = QJsonDocument::fromJson(QJsonDocument(document)
                                            .toJson()
@@ -91,7 +90,7 @@ void ManagerTreeTest::aUrlFindsTheLeafItNamesAndNoOther()
 
 void ManagerTreeTest::theSameUrlFindsTheSameLeaf()
 {
-    const BufferSource source({leafJson("leaf", "float64"), leafJson("other", "float64")});
+    const BufferSource source({leaf("leaf", "float64"), leaf("other", "float64")});
     const BufferClient client(source.text());
     QCOMPARE(client.leaf(source.url("leaf")), client.leaf(source.url("leaf")));
     QVERIFY(client.leaf(source.url("leaf")) != client.leaf(source.url("other")));
@@ -99,7 +98,7 @@ void ManagerTreeTest::theSameUrlFindsTheSameLeaf()
 
 void ManagerTreeTest::aLeafTellsItsProperties()
 {
-    const BufferSource source({leafJson("leaf", "float64", {{"unit", "bar"}, {"vendor", "x"}})});
+    const BufferSource source({leaf("leaf", "float64", {{"unit", "bar"}, {"vendor", "x"}})});
     const BufferClient client(source.text());
     const auto leaf = client.leaf(source.url("leaf"));
     QCOMPARE(leaf->readLeafProperty("unit"), QVariant("bar"));
@@ -119,7 +118,7 @@ void ManagerTreeTest::aLeafTellsItsProperties()
 
 void ManagerTreeTest::aLeafRendersWithoutItsOffsetAndWithTheSession()
 {
-    BufferSource source({leafJson("leaf", "float64", {{"unit", "bar"}})});
+    BufferSource source({leaf("leaf", "float64", {{"unit", "bar"}})});
     const auto render = [&source] {
         QByteArray text("before ");
         const BufferClient client(source.text());
@@ -140,8 +139,8 @@ void ManagerTreeTest::aLeafRendersWithoutItsOffsetAndWithTheSession()
 
 void ManagerTreeTest::aLeafRendersTheSameInBothFormats()
 {
-    BufferSource source({leafJson("leaf", "float64", {{"z", true}, {"a", QJsonArray{1, 2}}}),
-                         leafJson("own", "float64", {{"session", 7}, {"offsetOf", "x"}})});
+    BufferSource source({leaf("leaf", "float64", {{"z", true}, {"a", QJsonArray{1, 2}}}),
+                         leaf("own", "float64", {{"session", 7}, {"offsetOf", "x"}})});
     source.document.insert("session", 42);
     const BufferClient client(source.text());
     for (const char *name : {"leaf", "own"}) {
@@ -159,8 +158,8 @@ void ManagerTreeTest::aLeafRendersTheSameInBothFormats()
 
 void ManagerTreeTest::aUrlFindsItsLeafHoweverItIsSpelled()
 {
-    const BufferSource source({leafJson("leaf", "float64"), leafJson("100%", "float64"),
-                               leafJson("who?", "float64"), leafJson("a#1", "float64")});
+    const BufferSource source({leaf("leaf", "float64"), leaf("100%", "float64"),
+                               leaf("who?", "float64"), leaf("a#1", "float64")});
     const BufferClient client(source.text());
     const QString url = source.url("leaf");
     const auto leaf = client.leaf(url);
@@ -179,7 +178,7 @@ void ManagerTreeTest::aUrlFindsItsLeafHoweverItIsSpelled()
 void ManagerTreeTest::aUrlThatIsTooLongFindsNoLeaf()
 {
     const QString name(1400, QChar(0x20ac)); // of 3 bytes each
-    const BufferSource source({leafJson(name, "float64")});
+    const BufferSource source({leaf(name, "float64")});
     const BufferClient client(source.text());
     QVERIFY(!client.root.isNull());
 
@@ -188,8 +187,7 @@ void ManagerTreeTest::aUrlThatIsTooLongFindsNoLeaf()
 
 void ManagerTreeTest::aLeafOutlivesRootAndManager()
 {
-    BufferSource source(
-        {leafJson("leaf", "float64"), leafJson("text", "string", {{"capacity", 8}})});
+    BufferSource source({leaf("leaf", "float64"), leaf("text", "string", {{"capacity", 8}})});
     QVERIFY(source.publish(0, ProcessValue(QVariant(1.5))));
     QSharedPointer<ProcessDataValue> leaf;
     {
@@ -214,7 +212,7 @@ void ManagerTreeTest::everyMappingIsLetGo()
                                               : -1;
     };
     {
-        const BufferSource source({leafJson("leaf", "float64")});
+        const BufferSource source({leaf("leaf", "float64")});
         module = source.description.source.module;
         QCOMPARE(mappings(), 0); // the publisher's own has no name yet in its entry
         QSharedPointer<ProcessDataValue> leaf;
@@ -256,7 +254,7 @@ void ManagerTreeTest::aDescriptionThatCannotBeUsedIsRefusedWithOneWarning()
     QFETCH(QString, extension);
     QFETCH(QString, warning);
     ProcessDataManager manager;
-    const WarningList warnings;
+    const MessageLog warnings;
     QVERIFY(!manager.createProcessDataFromJson(description, extension,
                                                ProcessDataManager::InitTypeAttach));
     QVERIFY(!manager.isBufferValid());
@@ -266,9 +264,9 @@ void ManagerTreeTest::aDescriptionThatCannotBeUsedIsRefusedWithOneWarning()
 
 void ManagerTreeTest::aTreeWithoutBufferIsBuiltOnRequest()
 {
-    const BufferSource source({leafJson("leaf", "float64")});
+    const BufferSource source({leaf("leaf", "float64")});
     ProcessDataManager manager;
-    const WarningList warnings;
+    const MessageLog warnings;
     const auto root
         = manager.createProcessDataFromJson(source.text(), "pdd", ProcessDataManager::InitTypeNone);
     QVERIFY(root);

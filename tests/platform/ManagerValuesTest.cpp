@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Values of every type from publisher to client and back, and writes that are refused.
 #include "BufferSource.h"
-#include "WarningList.h"
+#include "MessageLog.h"
 
 #include <QtTest>
 
@@ -69,8 +69,8 @@ void ManagerValuesTest::aValueOfEveryTypeGoesBothWays()
     QFETCH(QVariant, value);
     const bool variable = type == "string" || type == "bytes";
     const QJsonObject more = variable ? QJsonObject{{"capacity", 40}} : QJsonObject{};
-    BufferSource source({leafJson("before", "float64"), leafJson("leaf", type, more),
-                         leafJson("after", "float64")});
+    BufferSource source(
+        {leaf("before", "float64"), leaf("leaf", type, more), leaf("after", "float64")});
     QVERIFY2(source.buffer, qPrintable(source.error));
     const BufferClient client(source.text());
     const auto leaf = client.leaf(source.url("leaf"));
@@ -98,7 +98,7 @@ void ManagerValuesTest::aValueOfEveryTypeGoesBothWays()
 
 void ManagerValuesTest::aWriteTakesTheGivenTimeOrTheCurrentOne()
 {
-    const BufferSource source({leafJson("leaf", "float64")});
+    const BufferSource source({leaf("leaf", "float64")});
     const BufferClient client(source.text());
     const auto leaf = client.leaf(source.url("leaf"));
     QVERIFY(leaf->setValue(ProcessValue(QVariant(1.0), ProcessDataDefinitions::NoError, -5)));
@@ -127,13 +127,13 @@ void ManagerValuesTest::aWriteThatDoesNotFitLeavesTheStoredValue()
 {
     QFETCH(QString, leaf);
     QFETCH(QVariant, value);
-    BufferSource source({leafJson("number", "int16", {{"minimum", 0}, {"maximum", 100}}),
-                         leafJson("text", "string", {{"capacity", 8}})});
+    BufferSource source({::leaf("number", "int16", {{"minimum", 0}, {"maximum", 100}}),
+                         ::leaf("text", "string", {{"capacity", 8}})});
     QVERIFY(source.publish(0, ProcessValue(QVariant(7))));
     QVERIFY(source.publish(1, ProcessValue(QVariant("seven"))));
     const BufferClient client(source.text());
     const ProcessValue before = readLeaf(client.leaf(source.url(leaf)));
-    const WarningList warnings;
+    const MessageLog warnings;
 
     QVERIFY(!client.leaf(source.url(leaf))->setValue(ProcessValue(value)));
 
@@ -148,11 +148,10 @@ void ManagerValuesTest::aWriteThatDoesNotFitLeavesTheStoredValue()
 
 void ManagerValuesTest::aReadOnlyLeafRefusesItself()
 {
-    BufferSource source(
-        {leafJson("leaf", "float64", {{"readOnly", true}}), leafJson("other", "float64")});
+    BufferSource source({leaf("leaf", "float64", {{"readOnly", true}}), leaf("other", "float64")});
     QVERIFY(source.publish(0, ProcessValue(QVariant(1.0))));
     const BufferClient client(source.text());
-    const WarningList warnings;
+    const MessageLog warnings;
     QVERIFY(!client.leaf(source.url("leaf"))->setValue(ProcessValue(QVariant(2.0))));
     QCOMPARE(warnings.texts(),
              QStringList("processdata.memory: Leaf leaf was not written: it is read-only"));
@@ -162,7 +161,7 @@ void ManagerValuesTest::aReadOnlyLeafRefusesItself()
 void ManagerValuesTest::aLeafThatWasNeverPublishedIsNotInitialized()
 {
     const BufferSource source(
-        {leafJson("number", "float64"), leafJson("text", "string", {{"capacity", 8}})});
+        {leaf("number", "float64"), leaf("text", "string", {{"capacity", 8}})});
     const BufferClient client(source.text());
     for (const char *leaf : {"number", "text"}) {
         ProcessValue value(QVariant(17), ProcessDataDefinitions::NoError, 5);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Values that a new buffer holds before any client hears of it.
-#include "BusDaemon.h"
 #include "BusTestMain.h"
+#include "PrivateBus.h"
 #include "PublisherSupport.h"
 
 #include <QtTest>
@@ -12,7 +12,7 @@ class PublisherFirstValuesTest : public QObject
 
 private Q_SLOTS:
     void initTestCase() { QVERIFY(bus.start()); }
-    void init() { module = testModule("First"); }
+    void init() { module = uniqueModule(); }
     void cleanup() { QCOMPARE(buffersOf(module), QStringList()); }
 
     void theyAreThereBeforeTheInstanceIsServed();
@@ -21,7 +21,7 @@ private Q_SLOTS:
     void aRefusedDescriptionAsksForNone();
 
 private:
-    BusDaemon bus;
+    PrivateBus bus;
     QString module;
 };
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Publishers that share a module: name, registration, threads, queries and a restarted bus.
-#include "BusDaemon.h"
 #include "BusTestMain.h"
 #include "InstanceListClient.h"
+#include "PrivateBus.h"
 #include "ProviderRegistryService.h"
 #include "PublisherSupport.h"
 
@@ -40,14 +40,14 @@ private:
             .arg(entries, module);
     }
 
-    BusDaemon bus;
+    PrivateBus bus;
     QString module;
 };
 
 void PublisherModuleTest::init()
 {
     QVERIFY(bus.start());
-    module = testModule("Share");
+    module = uniqueModule();
     // The client's connection to the bus of the test before may not know yet that it is lost.
     QStringList names;
     QString error;

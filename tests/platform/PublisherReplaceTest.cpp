@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Replacing a description or its properties while clients are attached.
-#include "BusDaemon.h"
 #include "BusTestMain.h"
+#include "PrivateBus.h"
 #include "PublisherSupport.h"
 
 #include <QSignalSpy>
@@ -39,7 +39,7 @@ private Q_SLOTS:
     void anythingThatTouchesTheLayoutIsNoPropertyChange();
 
 private:
-    BusDaemon bus;
+    PrivateBus bus;
     QString module;
     QSharedPointer<ProcessDataPublisher> publisher;
     QScopedPointer<TestClient> client;
@@ -49,7 +49,7 @@ private:
 
 void PublisherReplaceTest::init()
 {
-    module = testModule("Replace");
+    module = uniqueModule();
     publisher = ProcessDataPublisher::create(module, "Controller", "1", pumpDescription());
     QVERIFY(!publisher.isNull());
     client.reset(new TestClient(module, "Controller", "1"));

@@ -5,22 +5,15 @@
 
 #include "ConfigurationAndProcessDataBase.h"
 #include "DBusProcessDescriptionConnector.h"
+#include "ModuleFiles.h"
 #include "ProcessDataManager.h"
 #include "ProcessDataPublisher.h"
 #include "ProcessDataValue.h"
 #include "PropertyManagerConst.h"
 
-#include <QCoreApplication>
-#include <QDir>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-
-/// A module name of this test process alone: shared memory has one name space for the machine.
-inline QString testModule(const QString &name)
-{
-    return name + "T" + QString::number(QCoreApplication::applicationPid());
-}
 
 inline QJsonObject describe(const QString &elements)
 {
@@ -39,18 +32,6 @@ inline QJsonObject pumpDescription()
         {"name":"drive","elements":[
             {"name":"speed","type":"int32","minimum":0,"maximum":3000,"selectorType":"AnalogSelector"},
             {"name":"name","type":"string","capacity":20,"selectorType":"TextSelector"}]}])");
-}
-
-/// Names of the buffers that a module has left or in use, and of records that have no buffer.
-inline QStringList buffersOf(const QString &module)
-{
-    QStringList names
-        = QDir("/dev/shm").entryList({"processdata." + module + "_*"}, QDir::Files | QDir::System);
-    const QStringList all = names;
-    for (const QString &name : all) {
-        names.removeAll(name + ".life");
-    }
-    return names;
 }
 
 /// Fetches an instance's description and attaches to its buffer.

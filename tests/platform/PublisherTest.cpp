@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 // Publishing one instance: what clients fetch, read and write, and what is left at the end.
-#include "BusDaemon.h"
-#include "BusService.h"
 #include "BusTestMain.h"
+#include "MessageLog.h"
+#include "PrivateBus.h"
 #include "PublisherSupport.h"
-#include "WarningList.h"
+#include "ScriptedService.h"
 
 #include <QSignalSpy>
 #include <QThread>
@@ -16,7 +16,7 @@ class PublisherTest : public QObject
 
 private Q_SLOTS:
     void initTestCase() { QVERIFY(bus.start()); }
-    void init() { module = testModule("Pump"); }
+    void init() { module = uniqueModule(); }
     void cleanup() { QCOMPARE(buffersOf(module), QStringList()); }
 
     void aClientInTheSameThreadFetchesAndReadsWhatIsPublished();
@@ -37,7 +37,7 @@ private Q_SLOTS:
     void aBusOutOfReachIsAClearError();
 
 private:
-    BusDaemon bus;
+    PrivateBus bus;
     QString module;
 };
 
@@ -144,7 +144,7 @@ void PublisherTest::valuesOfUnknownPathsAndBadValuesArePublishedNowhere()
 {
     const auto publisher
         = ProcessDataPublisher::create(module, "Controller", "1", pumpDescription());
-    const WarningList warnings;
+    const MessageLog warnings;
 
     QVERIFY(!publisher->publish("drive/none", 1));
     QVERIFY(!publisher->publish("drive/speed", 3001));
@@ -166,7 +166,7 @@ void PublisherTest::oneBadValueKeepsTheWholeBatchBack()
 {
     const auto publisher
         = ProcessDataPublisher::create(module, "Controller", "1", pumpDescription());
-    const WarningList warnings;
+    const MessageLog warnings;
     const auto pair = [](const QString &path, const QVariant &value) {
         return qMakePair(path, ProcessValue(value));
     };
@@ -299,8 +299,8 @@ void PublisherTest::aRefusedDescriptionLeavesNothingBehind()
 
 void PublisherTest::aNameOwnedByAnotherProcessIsAClearErrorAndLeavesNothingBehind()
 {
-    BusService other;
-    QCOMPARE(other.order({"own", "com.orvalis.ProcessData." + module}), QString("ok"));
+    ScriptedService other;
+    QCOMPARE(other.order({"own", "com.orvalis.ProcessData." + module}), QByteArray("ok"));
     QString error;
 
     QVERIFY(ProcessDataPublisher::create(module, "Controller", "1", pumpDescription(), &error)
@@ -311,7 +311,7 @@ void PublisherTest::aNameOwnedByAnotherProcessIsAClearErrorAndLeavesNothingBehin
         QString("Cannot own com.orvalis.ProcessData.%1 on the bus at %2: another process owns it")
             .arg(module, bus.address()));
     QCOMPARE(buffersOf(module), QStringList());
-    QCOMPARE(other.order({"unown", "com.orvalis.ProcessData." + module}), QString("ok"));
+    QCOMPARE(other.order({"unown", "com.orvalis.ProcessData." + module}), QByteArray("ok"));
     QVERIFY(!ProcessDataPublisher::create(module, "Controller", "1", pumpDescription()).isNull());
 }
 

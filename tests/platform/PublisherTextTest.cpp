@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Publishing descriptions that are given as text: every digit of a whole number reaches the clients.
-#include "BusDaemon.h"
 #include "BusTestMain.h"
 #include "ConfigurationAndProcessDataParser.h"
+#include "PrivateBus.h"
 #include "PublisherSupport.h"
 
 #include <QRegularExpression>
@@ -47,14 +47,14 @@ private Q_SLOTS:
     void aTextThatIsRefusedIsNamed();
 
 private:
-    BusDaemon bus;
+    PrivateBus bus;
     QString module;
     QSharedPointer<ProcessDataPublisher> publisher;
 };
 
 void PublisherTextTest::init()
 {
-    module = testModule("Text");
+    module = uniqueModule();
     QString error;
     publisher = ProcessDataPublisher::createFromText(module, "Meter", "1", counter(lowest, highest),
                                                      {}, &error);

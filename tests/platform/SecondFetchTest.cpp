@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 // The fetch that follows an asynchronous one asks whether the text still is the same.
-#include "BusDaemon.h"
-#include "BusService.h"
 #include "BusTestMain.h"
 #include "DBusPendingReply.h"
 #include "DBusProcessDescriptionConnector.h"
 #include "PreparedDescription.h"
+#include "PrivateBus.h"
 #include "ProcessDataPublisher.h"
+#include "ScriptedService.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
@@ -14,9 +14,6 @@
 #include <QtTest>
 
 namespace {
-
-const QString pumpService("com.orvalis.ProcessData.Pump");
-const QString path("/com/orvalis/ProcessData/Controller");
 
 using Connector = QSharedPointer<DBusProcessDescriptionConnector>;
 
@@ -53,18 +50,18 @@ private Q_SLOTS:
     void aPublisherAnswersWithTheTokenOfItsPresentDescriptionOnly();
 
 private:
-    BusDaemon bus;
+    PrivateBus bus;
 };
 
 void SecondFetchTest::theTokenStandsForTheTextThatWasFetchedBefore()
 {
-    BusService service;
-    QVERIFY(service.serve(pumpService, path, "1", "first"));
+    ScriptedService service;
+    QVERIFY(service.serve("1", "first"));
     const Connector connector
         = DBusProcessDescriptionConnector::createAndConnect("Pump", "Controller");
     QCOMPARE(fetchAsynchronously(connector), QVariant("first"));
 
-    QCOMPARE(service.order({"set", "1", descriptionToken("first")}), QString("ok"));
+    QCOMPARE(service.order({"set", "1", descriptionToken("first")}), QByteArray("ok"));
 
     QCOMPARE(fetch(connector), QVariant("first"));
     QCOMPARE(fetch(connector), QVariant("first"));
@@ -73,26 +70,26 @@ void SecondFetchTest::theTokenStandsForTheTextThatWasFetchedBefore()
 
 void SecondFetchTest::anotherTextReplacesTheOneThatWasFetchedBefore()
 {
-    BusService service;
-    QVERIFY(service.serve(pumpService, path, "1", "first"));
+    ScriptedService service;
+    QVERIFY(service.serve("1", "first"));
     const Connector connector
         = DBusProcessDescriptionConnector::createAndConnect("Pump", "Controller");
     QCOMPARE(fetchAsynchronously(connector), QVariant("first"));
 
-    QCOMPARE(service.order({"set", "1", "second"}), QString("ok"));
+    QCOMPARE(service.order({"set", "1", "second"}), QByteArray("ok"));
     QCOMPARE(fetch(connector), QVariant("second"));
 
     // The first is forgotten: its token is a text like any other.
     const QString token = descriptionToken("first");
-    QCOMPARE(service.order({"set", "1", token}), QString("ok"));
+    QCOMPARE(service.order({"set", "1", token}), QByteArray("ok"));
     QCOMPARE(fetch(connector), QVariant(token));
 }
 
 void SecondFetchTest::withoutAFetchBeforeNothingIsAsked()
 {
-    BusService service;
+    ScriptedService service;
     const QString token = descriptionToken("first");
-    QVERIFY(service.serve(pumpService, path, "1", token));
+    QVERIFY(service.serve("1", token));
     const Connector connector
         = DBusProcessDescriptionConnector::createAndConnect("Pump", "Controller");
     QCOMPARE(fetch(connector), QVariant(token));

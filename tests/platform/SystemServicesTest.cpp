@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The system services for development machines, asked over the bus.
-#include "BusDaemon.h"
 #include "BusTestMain.h"
+#include "PrivateBus.h"
 #include "ProviderListClient.h"
 #include "ProviderRegistryService.h"
 #include "SystemStatusManagerDBusConnector.h"
@@ -103,7 +103,7 @@ private Q_SLOTS:
     void bothServicesComeBackWithTheBus();
 
 private:
-    BusDaemon bus;
+    PrivateBus bus;
 };
 
 void SystemServicesTest::providersAreListedInTheOrderInWhichTheyRegistered()

@@ -10,6 +10,7 @@
 #include <sys/mman.h>
 #include <sys/wait.h>
 #include <thread>
+#include <unistd.h>
 
 namespace {
 
@@ -23,9 +24,8 @@ void endByAnotherSignal(int)
 struct LargeSource : BufferSource
 {
     LargeSource()
-        : BufferSource({leafJson("near", "float64"),
-                        leafJson("text", "string", {{"capacity", capacity}}),
-                        leafJson("far", "float64")})
+        : BufferSource({leaf("near", "float64"), leaf("text", "string", {{"capacity", capacity}}),
+                        leaf("far", "float64")})
     {
         publish(0, ProcessValue(QVariant(1.0)));
         publish(2, ProcessValue(QVariant(2.0)));

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // What this process holds: memory, descriptors, threads, mapped buffers.
 #include "Footprint.h"
+#include "Files.h"
 
 #include <QDir>
-#include <QFile>
 
 #include <malloc.h>
 #include <unistd.h>
@@ -25,12 +25,6 @@ constexpr bool countsMemory = true;
 int entriesOf(const char *directory)
 {
     return QDir(directory).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot).size();
-}
-
-QByteArray contentOf(const char *path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 QByteArray grown(const char *name, qint64 before, qint64 after, qint64 allowance)

@@ -57,8 +57,7 @@ void FreshnessTest::everyReadAfterItsPublishersDeathSaysSoAndKeepsTheLastValue()
     QVector<qint64> microseconds;
     for (int round = 1; round <= rounds; ++round) {
         PublisherProcess publisher;
-        VERIFY_COMMAND(publisher.start());
-        VERIFY_COMMAND(publisher.create(module, "Controller", "1", pump));
+        VERIFY_COMMAND(publisher.serve(module, pump));
         const QVector<QVariant> last{round + 0.5, qint64(round), round % 2 == 0,
                                      QString("round %1").arg(round)};
         for (int i = 0; i < paths.size(); ++i) {

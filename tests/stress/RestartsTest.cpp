@@ -3,16 +3,17 @@
 // again.
 #include "BusTestMain.h"
 #include "Footprint.h"
+#include "MessageLog.h"
 #include "Rounds.h"
 #include "SelectorHandlerProcessValue.h"
 #include "SystemTest.h"
-#include "WarningLog.h"
 
 #include <QCoreApplication>
 #include <QLoggingCategory>
 #include <QScopedPointer>
 #include <QTest>
 
+#include <functional>
 #include <numeric>
 
 class RestartsTest : public SystemTest
@@ -32,7 +33,7 @@ private:
     void bringUp(QScopedPointer<PublisherProcess> &publisher);
     void requireMovingValues(PublisherProcess &publisher, SelectorHandlerProcessValue &handler,
                              int round);
-    void requireNoGrowth(const char *what, int rounds, int warmUp, const Footprint &warm);
+    void repeat(const char *what, int rounds, int warmUp, const std::function<void(int)> &deed);
 };
 
 namespace {
@@ -81,8 +82,7 @@ QVector<int> RestartsTest::allIndices() const
 void RestartsTest::bringUp(QScopedPointer<PublisherProcess> &publisher)
 {
     publisher.reset(new PublisherProcess);
-    VERIFY_COMMAND(publisher->start());
-    VERIFY_COMMAND(publisher->create(module, "Controller", "1", pump()));
+    VERIFY_COMMAND(publisher->serve(module, pump()));
 }
 
 // Two changes in a row: the second shows that the first was not what an older buffer held.
@@ -99,8 +99,18 @@ void RestartsTest::requireMovingValues(PublisherProcess &publisher,
     QCOMPARE(handler.getValue(leafCount - 1).getValue(), QVariant(round));
 }
 
-void RestartsTest::requireNoGrowth(const char *what, int rounds, int warmUp, const Footprint &warm)
+// What this process holds must not grow once it is warm.
+void RestartsTest::repeat(const char *what, int rounds, int warmUp,
+                          const std::function<void(int)> &deed)
 {
+    Footprint warm;
+    for (int round = 1; round <= rounds && !QTest::currentTestFailed(); ++round) {
+        deed(round);
+        if (round == warmUp) {
+            warm = Footprint::now();
+        }
+    }
+    QVERIFY(!QTest::currentTestFailed());
     const Footprint end = Footprint::now();
     qInfo("%d %s, 0 failures; after %d: %s; after %d: %s", rounds, what, warmUp,
           warm.text().constData(), rounds, end.text().constData());
@@ -129,14 +139,12 @@ void RestartsTest::whatAProcessHoldsIsSeenToGrow()
 void RestartsTest::valuesMoveAfterEachDeathOfTheirPublisher()
 {
     const int rounds = roundsOr(20);
-    const int warmUp = qMin(rounds / 4, 50);
     QScopedPointer<PublisherProcess> publisher;
     bringUp(publisher);
     SelectorHandlerProcessValue handler(urls(), nullptr);
     QSignalSpy descriptions(&handler, changed);
     QSignalSpy properties(&handler, propertyChanged);
-    Footprint warm;
-    for (int round = 1; round <= rounds && !QTest::currentTestFailed(); ++round) {
+    repeat("deaths of a publisher", rounds, qMin(rounds / 4, 50), [&](int round) {
         requireMovingValues(*publisher, handler, -round);
         publisher->process().kill();
         QCOMPARE(handler.getValue(0).getErrorType(), ProcessDataDefinitions::SourceLost);
@@ -150,12 +158,7 @@ void RestartsTest::valuesMoveAfterEachDeathOfTheirPublisher()
         QCOMPARE(indexLists(properties), IndexLists());
         requireMovingValues(*publisher, handler, round);
         QCOMPARE(buffersOf(module).size(), 1);
-        if (round == warmUp) {
-            warm = Footprint::now();
-        }
-    }
-    QVERIFY(!QTest::currentTestFailed());
-    requireNoGrowth("deaths of a publisher", rounds, warmUp, warm);
+    });
     QVERIFY(publisher->quit());
     QCOMPARE(buffersOf(module), QStringList());
 }
@@ -163,14 +166,12 @@ void RestartsTest::valuesMoveAfterEachDeathOfTheirPublisher()
 void RestartsTest::announcementsArriveAfterEachRestartOfTheBus()
 {
     const int rounds = roundsOr(8);
-    const int warmUp = rounds / 4;
     QScopedPointer<PublisherProcess> publisher;
     bringUp(publisher);
     SelectorHandlerProcessValue handler(urls(), nullptr);
     QSignalSpy descriptions(&handler, changed);
     QSignalSpy properties(&handler, propertyChanged);
-    Footprint warm;
-    for (int round = 1; round <= rounds && !QTest::currentTestFailed(); ++round) {
+    repeat("restarts of the bus", rounds, rounds / 4, [&](int round) {
         bus->stop();
         requireMovingValues(*publisher, handler, -round); // values need no bus
         QVERIFY2(bus->start(), bus->report().constData());
@@ -185,12 +186,7 @@ void RestartsTest::announcementsArriveAfterEachRestartOfTheBus()
         properties.clear();
         requireMovingValues(*publisher, handler, round);
         QCOMPARE(buffersOf(module).size(), 1);
-        if (round == warmUp) {
-            warm = Footprint::now();
-        }
-    }
-    QVERIFY(!QTest::currentTestFailed());
-    requireNoGrowth("restarts of the bus", rounds, warmUp, warm);
+    });
     QVERIFY(publisher->quit());
     QCOMPARE(buffersOf(module), QStringList());
 }
@@ -198,18 +194,16 @@ void RestartsTest::announcementsArriveAfterEachRestartOfTheBus()
 void RestartsTest::aHungServiceIsUsedAgainEachTimeItComesBack()
 {
     const int rounds = roundsOr(8);
-    const int warmUp = rounds / 4;
     QScopedPointer<PublisherProcess> publisher;
     bringUp(publisher);
     SelectorHandlerProcessValue handler(urls(), nullptr);
     QSignalSpy descriptions(&handler, changed);
-    Footprint warm;
-    for (int round = 1; round <= rounds && !QTest::currentTestFailed(); ++round) {
+    repeat("hangs of a service", rounds, rounds / 4, [&](int round) {
         requireMovingValues(*publisher, handler, -round);
         publisher->process().suspend();
         {
-            const WarningLog
-                warnings; // it says that its source cannot be fetched, but not how often
+            // It says that its source cannot be fetched, but not how often.
+            const MessageLog warnings(MessageLog::LibraryWarnings);
             SelectorHandlerProcessValue late(urls(), nullptr);
             QSignalSpy lateDescriptions(&late, changed);
             QVERIFY(!warnings.texts().isEmpty());
@@ -224,13 +218,8 @@ void RestartsTest::aHungServiceIsUsedAgainEachTimeItComesBack()
             requireMovingValues(*publisher, late, round);
         }
         requireMovingValues(*publisher, handler, round);
-        if (round == warmUp) {
-            warm = Footprint::now();
-        }
-    }
-    QVERIFY(!QTest::currentTestFailed());
+    });
     QCOMPARE(indexLists(descriptions), IndexLists()); // nothing changed for who was attached
-    requireNoGrowth("hangs of a service", rounds, warmUp, warm);
     QVERIFY(publisher->quit());
     QCOMPARE(buffersOf(module), QStringList());
 }

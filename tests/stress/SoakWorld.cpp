@@ -5,6 +5,7 @@
 #include "DBusProcessDescriptionConnector.h"
 #include "DBusReply.h"
 #include "Descriptions.h"
+#include "ModuleFiles.h"
 
 #include <stdexcept>
 
@@ -12,7 +13,6 @@ namespace {
 
 const QStringList baseLeaves{"value0", "value1", "value2", "value3", "value4", "text"};
 const QString extraLeaf = "extra";
-const char *const path = "/com/orvalis/ProcessData/Controller";
 
 void require(const QByteArray &problem)
 {
@@ -62,8 +62,7 @@ void SoakWorld::start(int number)
 {
     SoakSource &source = sources[number];
     source.process.reset(new PublisherProcess);
-    require(source.process->start());
-    require(source.process->create(source.module, "Controller", "1", description(source)));
+    require(source.process->serve(source.module, description(source)));
     source.state = SoakSource::Up;
     source.published = 0;
 }
@@ -120,12 +119,10 @@ void SoakWorld::replaceDescription(int number, int layout)
 
 void SoakWorld::answer(const QString &mode, const QString &text, int announcements)
 {
-    order("mode\t" + mode);
-    order(text.isEmpty() ? QString("drop\t1") : "set\t1\t" + text);
-    order(
-        QString("signal\t%1\tcom.orvalis.ProcessDescription1\tProcessDataDescriptionChanged\t1\t%2")
-            .arg(path)
-            .arg(announcements));
+    order({"mode", mode});
+    order(text.isEmpty() ? QStringList{"drop", "1"} : QStringList{"set", "1", text});
+    order(ScriptedService::announcement("1", "ProcessDataDescriptionChanged")
+          + QStringList(QString::number(announcements)));
 }
 
 QString SoakWorld::servedDescription(int number) const
@@ -180,16 +177,14 @@ QJsonObject SoakWorld::description(const SoakSource &source) const
 
 void SoakWorld::startHostile()
 {
-    hostileProcess.reset(new ChildProcess(QStringLiteral(BUS_SERVICE_HELPER), {}));
-    requireThat(hostileProcess->start(), hostileProcess->report());
-    order(QString("export\t") + path);
-    order("own\tcom.orvalis.ProcessData." + hostile);
+    hostileService.reset(new ScriptedService(hostile));
+    requireThat(hostileService->comeUp(), hostileService->process().report());
 }
 
-void SoakWorld::order(const QString &words)
+void SoakWorld::order(const QStringList &words)
 {
-    hostileProcess->write(words.toUtf8());
-    const QByteArray answer = hostileProcess->waitForLine([](const QByteArray &) { return true; });
+    const QByteArray answer = hostileService->order(words);
     requireThat(answer == "ok",
-                "the hostile service answers " + answer + "\n" + hostileProcess->report());
+                "the hostile service answers " + answer + "\n"
+                    + hostileService->process().report());
 }

@@ -3,9 +3,9 @@
 #ifndef SOAKWORLD_H
 #define SOAKWORLD_H
 
-#include "ChildProcess.h"
 #include "PrivateBus.h"
 #include "PublisherProcess.h"
+#include "ScriptedService.h"
 
 #include <QScopedPointer>
 #include <QString>
@@ -70,14 +70,14 @@ public:
 private:
     QJsonObject description(const SoakSource &source) const;
     void startHostile();
-    void order(const QString &words);
+    void order(const QStringList &words);
 
     const QString prefix;
     const QString hostile;
     PrivateBus bus;
     bool busUp = false;
     SoakSource sources[sourceCount];
-    QScopedPointer<ChildProcess> hostileProcess;
+    QScopedPointer<ScriptedService> hostileService;
     qint64 publications = 0;
 };
 

@@ -10,6 +10,7 @@
 #include <iostream>
 #include <poll.h>
 #include <string>
+#include <unistd.h>
 
 namespace {
 
@@ -116,12 +117,12 @@ int tear()
 
 QJsonArray tornLeaves()
 {
-    return {leafJson("leaf0", "float64"),
-            leafJson("leaf1", "uint64"),
-            leafJson("leaf2", "int32"),
-            leafJson("leaf3", "bool"),
-            leafJson("leaf4", "string", {{"capacity", int(textCapacity)}}),
-            leafJson("leaf5", "bytes", {{"capacity", int(textCapacity)}})};
+    return {leaf("leaf0", "float64"),
+            leaf("leaf1", "uint64"),
+            leaf("leaf2", "int32"),
+            leaf("leaf3", "bool"),
+            leaf("leaf4", "string", {{"capacity", int(textCapacity)}}),
+            leaf("leaf5", "bytes", {{"capacity", int(textCapacity)}})};
 }
 
 ProcessValue tornValue(int leaf, qint64 time)

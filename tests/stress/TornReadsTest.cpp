@@ -1,18 +1,16 @@
 // SPDX-License-Identifier: MIT
 // Values read by several threads while two processes write all of them as fast as they can.
 #include "TornReads.h"
+#include "ChildProcess.h"
 #include "Rounds.h"
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QLoggingCategory>
-#include <QProcess>
 #include <QtTest>
 
 #include <atomic>
-#include <csignal>
 #include <limits>
-#include <sys/prctl.h>
 #include <thread>
 #include <vector>
 
@@ -21,38 +19,16 @@ namespace {
 constexpr int readers = 2;
 constexpr int enough = 1000; // changes that readers must meet from each writer
 
-/// A writer in a process of its own, which dies with this one.
-class Writer : public QProcess
+/// A writer in a process of its own.
+class Writer : public ChildProcess
 {
 public:
     explicit Writer(const QStringList &arguments)
+        : ChildProcess(QCoreApplication::applicationFilePath(), QStringList("writer") + arguments,
+                       QProcess::ForwardedErrorChannel)
     {
-        setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        start(QCoreApplication::applicationFilePath(), QStringList("writer") + arguments);
+        start();
     }
-    ~Writer() override
-    {
-        kill();
-        waitForFinished();
-    }
-    void tell(const QString &text)
-    {
-        write(text.toUtf8() + '\n');
-        waitForBytesWritten();
-    }
-    QString line()
-    {
-        while (!canReadLine() && waitForReadyRead()) { }
-        return QString::fromUtf8(readLine()).trimmed();
-    }
-    bool end()
-    {
-        closeWriteChannel();
-        return waitForFinished() && exitCode() == 0;
-    }
-
-protected:
-    void setupChildProcess() override { ::prctl(PR_SET_PDEATHSIG, SIGKILL); }
 };
 
 struct Outcome
@@ -131,12 +107,12 @@ private Q_SLOTS:
 void TornReadsTest::valueStatusAndTimeOfEachReadBelongTogether()
 {
     const qint64 reads = 1'000'000LL * roundsOr(2);
-    const QString module = BufferSource::uniqueModule();
+    const QString module = uniqueModule();
     Writer publisher({"publish", module});
-    const QString text = publisher.line();
+    const QString text = QString::fromUtf8(publisher.nextLine());
     QVERIFY2(text.startsWith('{'), qPrintable(text));
     Writer client({"write"});
-    client.tell(text);
+    client.write(text.toUtf8());
     Outcome outcome;
 
     readInThreads(text, module, reads, enough, enough, outcome);
@@ -148,28 +124,28 @@ void TornReadsTest::valueStatusAndTimeOfEachReadBelongTogether()
     QCOMPARE(outcome.torn.load(), qint64(0));
     QVERIFY(outcome.reads >= reads);
     QVERIFY(outcome.changesOfClient >= enough && outcome.changesOfPublisher >= enough);
-    QVERIFY(client.end());
-    QVERIFY(publisher.end());
-    QCOMPARE(filesOf(module), QStringList());
+    QVERIFY(client.finish());
+    QVERIFY(publisher.finish());
+    QCOMPARE(buffersOf(module), QStringList());
 }
 
 // What reads by the thousand million do not meet is there to be met.
 void TornReadsTest::aWriterThatBreaksTheRulesIsFoundOut()
 {
-    const QString module = BufferSource::uniqueModule();
+    const QString module = uniqueModule();
     BufferSource source(tornLeaves(), module);
     QVERIFY2(source.buffer, qPrintable(source.error));
     for (int leaf = 0; leaf < tornLeafCount; ++leaf) {
         QVERIFY(source.publish(leaf, tornValue(leaf, 2)));
     }
     Writer client({"tear"});
-    client.tell(QString::fromUtf8(QJsonDocument(source.document).toJson(QJsonDocument::Compact)));
+    client.write(QJsonDocument(source.document).toJson(QJsonDocument::Compact));
     Outcome outcome;
 
     readInThreads(source.text(), module, std::numeric_limits<qint64>::max(), 0, 0, outcome);
 
     QVERIFY(outcome.torn > 0);
-    QVERIFY(client.end());
+    QVERIFY(client.finish());
 }
 
 int main(int argc, char **argv)

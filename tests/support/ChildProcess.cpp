@@ -2,6 +2,7 @@
 // A program that a test starts, watches and ends.
 #include "ChildProcess.h"
 
+#include <QDeadlineTimer>
 #include <QTest>
 
 #include <csignal>
@@ -41,6 +42,7 @@ bool ChildProcess::start()
 void ChildProcess::write(const QByteArray &line)
 {
     process.write(line + '\n');
+    process.waitForBytesWritten(waitLimit);
 }
 
 void ChildProcess::closeInput()
@@ -50,23 +52,15 @@ void ChildProcess::closeInput()
 
 QByteArray ChildProcess::waitForLine(const std::function<bool(const QByteArray &)> &condition)
 {
-    QByteArray found;
-    const bool ended = QTest::qWaitFor(
-        [this, &condition, &found] {
-            collect();
-            for (int end = standardOutput.indexOf('\n', consumed); end >= 0;
-                 end = standardOutput.indexOf('\n', consumed)) {
-                const QByteArray line = standardOutput.mid(consumed, end - consumed);
-                consumed = end + 1;
-                if (condition(line)) {
-                    found = line;
-                    return true;
-                }
-            }
-            return !isRunning();
-        },
-        waitLimit);
-    return ended ? found : QByteArray();
+    QByteArray line;
+    bool found = false;
+    const auto ended = [&] {
+        while (!found && takeLine(line)) {
+            found = condition(line);
+        }
+        return found || !isRunning();
+    };
+    return QTest::qWaitFor(ended, waitLimit) && found ? line : QByteArray();
 }
 
 QByteArray ChildProcess::waitForLineWith(const QByteArray &text)
@@ -74,11 +68,27 @@ QByteArray ChildProcess::waitForLineWith(const QByteArray &text)
     return waitForLine([&text](const QByteArray &line) { return line.contains(text); });
 }
 
+QByteArray ChildProcess::nextLine()
+{
+    QByteArray line;
+    const QDeadlineTimer limit(waitLimit);
+    while (!takeLine(line) && isRunning() && !limit.hasExpired()) {
+        process.waitForReadyRead(100);
+    }
+    return line;
+}
+
 bool ChildProcess::waitForEnd()
 {
     const bool ended = QTest::qWaitFor([this] { return !isRunning(); }, waitLimit);
     collect();
     return ended;
+}
+
+bool ChildProcess::finish()
+{
+    closeInput();
+    return waitForEnd() && exitCode() == 0;
 }
 
 void ChildProcess::kill()
@@ -150,4 +160,31 @@ void ChildProcess::collect()
 {
     standardOutput += process.readAllStandardOutput();
     standardError += process.readAllStandardError();
+}
+
+bool ChildProcess::takeLine(QByteArray &line)
+{
+    collect();
+    const int end = standardOutput.indexOf('\n', consumed);
+    if (end < 0) {
+        return false;
+    }
+    line = standardOutput.mid(consumed, end - consumed);
+    consumed = end + 1;
+    return true;
+}
+
+QByteArray outputOf(const QString &program, const QStringList &arguments, int exitCode,
+                    const QByteArray &input)
+{
+    ChildProcess child(program, arguments);
+    if (child.start() && !input.isEmpty()) {
+        child.write(input);
+    }
+    child.closeInput();
+    if (!child.waitForEnd() || child.exitCode() != exitCode) {
+        qWarning("%s", child.report().constData());
+        return QByteArray();
+    }
+    return child.output() + child.errors();
 }

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 // A message bus of a test's own.
 #include "PrivateBus.h"
-
-#include <QFile>
+#include "Files.h"
 
 PrivateBus::PrivateBus(Limits kind)
 {
@@ -25,7 +24,7 @@ bool PrivateBus::start()
     daemon.reset(new ChildProcess("dbus-daemon",
                                   {"--config-file=" + directory.filePath("bus.conf"), "--nofork",
                                    "--nopidfile", "--print-address=1"}));
-    return daemon->start() && !daemon->waitForLineWith("unix:").isEmpty();
+    return daemon->start() && daemon->nextLine().startsWith("unix:");
 }
 
 bool PrivateBus::refuseCalls(const QStringList &interfaces)
@@ -42,15 +41,13 @@ bool PrivateBus::configure(const QStringList &refusedInterfaces) const
     for (const QString &interface : refusedInterfaces) {
         refused += "<deny send_interface=\"" + interface.toUtf8() + "\"/>";
     }
-    QFile configuration(directory.filePath("bus.conf"));
-    return configuration.open(QIODevice::WriteOnly)
-        && configuration.write("<busconfig><type>session</type><listen>" + address().toUtf8()
-                               + "</listen><auth>EXTERNAL</auth>" + limits
-                               + "<policy context=\"default\">"
-                                 "<allow send_destination=\"*\"/><allow receive_sender=\"*\"/>"
-                                 "<allow own=\"*\"/>"
-                               + refused + "</policy></busconfig>\n")
-        > 0;
+    return writeFile(directory.filePath("bus.conf"),
+                     "<busconfig><type>session</type><listen>" + address().toUtf8()
+                         + "</listen><auth>EXTERNAL</auth>" + limits
+                         + "<policy context=\"default\">"
+                           "<allow send_destination=\"*\"/><allow receive_sender=\"*\"/>"
+                           "<allow own=\"*\"/>"
+                         + refused + "</policy></busconfig>\n");
 }
 
 void PrivateBus::stop()

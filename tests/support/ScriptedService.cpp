@@ -10,20 +10,25 @@ const QString path("/com/orvalis/ProcessData/Controller");
 
 ScriptedService::ScriptedService(const QString &module)
     : child(QStringLiteral(BUS_SERVICE_HELPER), {})
-    , module(module)
+    , service("com.orvalis.ProcessData." + module)
 {
+    child.start();
 }
 
-bool ScriptedService::start()
+bool ScriptedService::comeUp()
 {
-    return child.start() && order({"export", path}) == "ok"
-        && order({"own", "com.orvalis.ProcessData." + module}) == "ok";
+    return order({"export", path}) == "ok" && order({"own", service}) == "ok";
+}
+
+bool ScriptedService::serve(const QString &instance, const QString &text)
+{
+    return order({"set", instance, text}) == "ok" && comeUp();
 }
 
 QByteArray ScriptedService::order(const QStringList &words)
 {
     child.write(words.join('\t').toUtf8());
-    return child.waitForLine([](const QByteArray &) { return true; });
+    return child.nextLine();
 }
 
 bool ScriptedService::orderAll(const QList<QStringList> &orders)
@@ -33,7 +38,7 @@ bool ScriptedService::orderAll(const QList<QStringList> &orders)
     }
     bool good = true;
     for (int i = 0; i < orders.size() && good; ++i) {
-        good = child.waitForLine([](const QByteArray &) { return true; }) == "ok";
+        good = child.nextLine() == "ok";
     }
     return good;
 }
@@ -72,7 +77,7 @@ int ScriptedService::stormTime()
     if (child.output().indexOf('\n', outputBeforeStorm) < 0) {
         return -1;
     }
-    return child.waitForLine([](const QByteArray &) { return true; }).toInt();
+    return child.nextLine().toInt();
 }
 
 QJsonObject claimed(QJsonObject served, const QString &module, const QString &instance)

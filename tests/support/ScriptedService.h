@@ -9,16 +9,20 @@
 #include <QString>
 #include <QStringList>
 
-/// Stands in for the publisher of a module's object "Controller". Orders run the event loop until
-/// the service has carried them out; the program's source lists them all.
+/// Stands in for the publisher of a module's object "Controller", once it is told to. Orders return
+/// when the service has carried them out, and run no event loop meanwhile; BusServiceHelper.cpp
+/// lists them all.
 class ScriptedService
 {
 public:
-    explicit ScriptedService(const QString &module);
+    explicit ScriptedService(const QString &module = QStringLiteral("Pump"));
 
-    /// Starts it, and lets it serve and own the module's name.
-    bool start();
+    /// Lets it own the module's name.
+    bool comeUp();
+    /// The same, with an instance that is described from the beginning.
+    bool serve(const QString &instance, const QString &text);
 
+    /// @returns its answer, mostly "ok"
     QByteArray order(const QStringList &words);
 
     /// Gives all orders before it waits for the first.
@@ -47,7 +51,7 @@ public:
 
 private:
     ChildProcess child;
-    const QString module;
+    const QString service;
     int outputBeforeStorm = 0;
 };
 

@@ -33,12 +33,12 @@ private Q_SLOTS:
 
         client.script.at("b").property("unit", "K");
         client.script.changeProperties();
-        QCOMPARE(listsOf(client.properties), QList<QVector<int>>{{1}});
+        QCOMPARE(indexLists(client.properties), IndexLists{{1}});
         QCOMPARE(client.descriptions.size(), 0);
 
         client.script.at("a").property("unit", "K");
         client.script.changeDescription();
-        QCOMPARE(listsOf(client.descriptions), QList<QVector<int>>{{0}});
+        QCOMPARE(indexLists(client.descriptions), IndexLists{{0}});
         QCOMPARE(client.properties.size(), 1);
         QCOMPARE(client.warnings.texts(), QStringList());
     }
@@ -87,7 +87,7 @@ private Q_SLOTS:
         client.script.at("a").property("unit", "K");
         client.script.changeDescription();
         client.script.changeDescription();
-        QCOMPARE(listsOf(client.descriptions), QList<QVector<int>>{{0}});
+        QCOMPARE(indexLists(client.descriptions), IndexLists{{0}});
         QCOMPARE(client.warnings.texts(), QStringList());
     }
 
@@ -99,7 +99,7 @@ private Q_SLOTS:
 
         client.script.changeDescription();
 
-        QCOMPARE(listsOf(client.descriptions), (QList<QVector<int>>{{0, 2, 3}}));
+        QCOMPARE(indexLists(client.descriptions), (IndexLists{{0, 2, 3}}));
         QCOMPARE(client.handler.getPropertyAsJsonString(3), QString(R"({"name":"b","unit":"K"})"));
     }
 
@@ -109,7 +109,7 @@ private Q_SLOTS:
         sourcesOf(client.handler).first()->addConnectedLeafIndex(0);
         client.script.at("a").property("unit", "K");
         client.script.changeDescription();
-        QCOMPARE(listsOf(client.descriptions), QList<QVector<int>>{{0}});
+        QCOMPARE(indexLists(client.descriptions), IndexLists{{0}});
     }
 
     void onlyTheAnnouncedSourceIsRefreshed()
@@ -121,7 +121,7 @@ private Q_SLOTS:
 
         pump.changeDescription();
 
-        QCOMPARE(listsOf(client.descriptions), QList<QVector<int>>{{1}});
+        QCOMPARE(indexLists(client.descriptions), IndexLists{{1}});
         QCOMPARE(client.handler.getPropertyAsJsonString(0), QString(R"({"name":"a"})"));
     }
 
@@ -132,7 +132,7 @@ private Q_SLOTS:
 
         client.script.changeDescription();
 
-        QCOMPARE(listsOf(client.descriptions), QList<QVector<int>>{{0}});
+        QCOMPARE(indexLists(client.descriptions), IndexLists{{0}});
         QCOMPARE(client.handler.getValue(0).getValue(), QVariant(5));
         QCOMPARE(client.warnings.texts(), QStringList());
     }
@@ -143,7 +143,7 @@ private Q_SLOTS:
         ChangeClient client({on("no")});
         client.script.changeDescription();
         client.script.changeDescription();
-        QCOMPARE(listsOf(client.descriptions), QList<QVector<int>>{{0}});
+        QCOMPARE(indexLists(client.descriptions), IndexLists{{0}});
         QCOMPARE(client.handler.getPropertyAsJsonString(0), QString());
         QCOMPARE(
             client.warnings.texts(),

@@ -20,7 +20,7 @@ private Q_SLOTS:
 
         client.script.changeDescription();
 
-        QCOMPARE(listsOf(client.descriptions), QList<QVector<int>>{{0}});
+        QCOMPARE(indexLists(client.descriptions), IndexLists{{0}});
         QVERIFY(isErrorValue(client.handler.getValue(0)));
         QCOMPARE(client.handler.getPropertyAsJsonString(0), QString("null"));
         QVERIFY(!client.handler.setValue(valueOf(1), 0));
@@ -56,7 +56,7 @@ private Q_SLOTS:
 
         script.changeDescription();
 
-        QCOMPARE(listsOf(descriptions), (QList<QVector<int>>{{0, 1}}));
+        QCOMPARE(indexLists(descriptions), (IndexLists{{0, 1}}));
         QCOMPARE(warnings.texts(), QStringList{"SharedMemory is not valid: \"boiler_sensors_1\""});
         QVERIFY(isErrorValue(handler.getValue(0)));
     }
@@ -72,7 +72,7 @@ private Q_SLOTS:
         QCOMPARE(client.warnings.texts(),
                  (QStringList{"SharedMemory buffer not valid." + sourceFields(),
                               "Can't attach to SharedMemory: \"boiler_sensors_1\""}));
-        QCOMPARE(listsOf(client.properties), QList<QVector<int>>{{0}});
+        QCOMPARE(indexLists(client.properties), IndexLists{{0}});
     }
 
     void anInvalidFetchKeepsTheOldTreeAndItsLeaves()
@@ -119,7 +119,7 @@ private Q_SLOTS:
         QCOMPARE(client.warnings.texts(),
                  QStringList{"Index 2 is not valid. Max possible index: 1 "
                              "\"boiler_sensors_1\""});
-        QCOMPARE(listsOf(client.descriptions), (QList<QVector<int>>{{0, 1}}));
+        QCOMPARE(indexLists(client.descriptions), (IndexLists{{0, 1}}));
     }
 };
 

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 // What the scripted platform promises to the tests of applications.
 #include "ScriptedPlatform.h"
+#include "IndexLists.h"
 #include "ProcessDataDefinitions.h"
 #include "SelectorHandlerProcessValue.h"
 #include "Selectors.h"
 #include "WarningLog.h"
 
-#include <QSignalSpy>
 #include <QtTest>
 
 namespace {
@@ -19,14 +19,7 @@ struct Client
         : handler(urls, nullptr)
     {
     }
-    QList<QVector<int>> changes() const
-    {
-        QList<QVector<int>> lists;
-        for (const QVariantList &arguments : descriptions) {
-            lists.append(arguments.at(0).value<QVector<int>>());
-        }
-        return lists;
-    }
+    IndexLists changes() const { return indexLists(descriptions); }
 
     SelectorHandlerProcessValue handler;
     QSignalSpy descriptions{&handler, SIGNAL(processDataDescriptionChanged(QVector<int>))};
@@ -117,15 +110,15 @@ private Q_SLOTS:
         QCOMPARE(both.handler.getValue(1).getErrorType(), ProcessDataDefinitions::SourceLost);
 
         QCOMPARE(pump.source.returns(), 3);
-        QCOMPARE(both.changes(), (QList<QVector<int>>{{0}, {1}}));
-        QCOMPARE(other.changes(), (QList<QVector<int>>{{0}}));
+        QCOMPARE(both.changes(), (IndexLists{{0}, {1}}));
+        QCOMPARE(other.changes(), (IndexLists{{0}}));
         QCOMPARE(both.handler.getValue(0).getErrorType(), ProcessDataDefinitions::NoError);
         QVERIFY(both.handler.setValue(valueOf(7), 0));
         QCOMPARE(pump.speed.value().getValue(), QVariant(7));
 
         pump.source.disappears();
         QCOMPARE(pump.source.returns(), 3);
-        QCOMPARE(other.changes(), (QList<QVector<int>>{{0}, {0}}));
+        QCOMPARE(other.changes(), (IndexLists{{0}, {0}}));
     }
 
     void aLeafOfTheRunBeforeStaysLostUntilItsClientFetches()

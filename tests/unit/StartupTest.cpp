@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The refresh when the system has finished starting up.
+#include "IndexLists.h"
 #include "Internals.h"
 #include "SelectorHandlerProcessValue.h"
 #include "Selectors.h"
@@ -45,14 +46,7 @@ struct EarlyClient
             script->interfaceInvalid(false);
         }
     }
-    QList<QVector<int>> reported() const
-    {
-        QList<QVector<int>> lists;
-        for (const QVariantList &arguments : descriptions) {
-            lists.append(arguments.at(0).value<QVector<int>>());
-        }
-        return lists;
-    }
+    IndexLists reported() const { return indexLists(descriptions); }
 };
 
 } // namespace
@@ -69,7 +63,7 @@ private Q_SLOTS:
 
         client.platform.announceStartupReady();
 
-        QCOMPARE(client.reported(), (QList<QVector<int>>{{1, 3}, {2}, {0}}));
+        QCOMPARE(client.reported(), (IndexLists{{1, 3}, {2}, {0}}));
         QCOMPARE(client.properties.size(), 0);
         QCOMPARE(client.handler.getValue(0).getValue(), QVariant("c"));
         QCOMPARE(client.handler.getValue(3).getValue(), QVariant("a"));
@@ -107,7 +101,7 @@ private Q_SLOTS:
 
         client.platform.announceStartupReady();
 
-        QCOMPARE(client.reported(), (QList<QVector<int>>{{0}, {2}}));
+        QCOMPARE(client.reported(), (IndexLists{{0}, {2}}));
         QVERIFY(client.platform.calls({connectorClass}).filter("[b/o]").isEmpty());
         QCOMPARE(client.handler.getPropertyAsJsonString(1), QString(R"({"name":"leaf"})"));
         QCOMPARE(client.warnings.texts(), QStringList());
@@ -164,7 +158,7 @@ private Q_SLOTS:
 
         QVERIFY(QMetaObject::invokeMethod(&client.handler, "orvalisStartupReady"));
 
-        QCOMPARE(client.reported(), (QList<QVector<int>>{{1, 3}}));
+        QCOMPARE(client.reported(), (IndexLists{{1, 3}}));
     }
 
     void aNullSourceIsReportedAndTheOthersAreRefreshed()
@@ -177,7 +171,7 @@ private Q_SLOTS:
 
         QCOMPARE(client.warnings.texts(),
                  QStringList{"Nullpointer access SelectorSharedMemoryHandler \"b_o_1\""});
-        QCOMPARE(client.reported(), (QList<QVector<int>>{{1, 3}, {0}}));
+        QCOMPARE(client.reported(), (IndexLists{{1, 3}, {0}}));
     }
 
     void withoutSourcesNothingHappens()

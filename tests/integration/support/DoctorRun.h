@@ -21,7 +21,7 @@ struct DoctorRun
             = prefix + QStringList{selector, "doctor", "--format", "json"} + arguments;
         const QString program = command.takeFirst();
         ChildProcess client(program, command);
-        if (client.start() && client.waitForEnd()) {
+        if (client.run()) {
             exitCode = client.exitCode();
             const QJsonObject document = QJsonDocument::fromJson(client.output()).object();
             if (document["schema"] == "selector.doctor/1") {

@@ -14,7 +14,7 @@ struct Deed
         const QString gid = user.section(':', 1).section(',', 0, 0);
         ChildProcess shell("setpriv",
                            {"--reuid", uid, "--regid", gid, "--clear-groups", "sh", "-c", command});
-        done = shell.start() && shell.waitForEnd() && shell.exitCode() == 0;
+        done = shell.run() && shell.exitCode() == 0;
         output = shell.output();
         errors = shell.errors();
     }
@@ -30,7 +30,7 @@ struct Reading
     Reading(const char *user, const QString &url)
     {
         ChildProcess client(INTEGRATION_CLIENT, {user, url});
-        if (client.start() && client.waitForEnd()) {
+        if (client.run()) {
             line = client.output().trimmed();
         }
         errors = client.errors();

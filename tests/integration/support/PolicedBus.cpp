@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // A bus daemon under the installed policies, with users and groups of its own.
 #include "PolicedBus.h"
+#include "Files.h"
 
 #include <QDir>
 #include <QFile>
@@ -59,8 +60,9 @@ bool PolicedBus::start(const QMap<QString, QString> &modules)
     // Other users must reach the socket in it.
     QFile::setPermissions(directory.path(), QFile::Permissions(0x7755));
     const QString text = QString(configuration).arg(address(), directory.filePath("policies"));
-    if (!write("passwd", users) || !write("group", groups) || !writePolicies(modules)
-        || !write("bus.conf", text.toUtf8())) {
+    if (!writeFile(directory.filePath("passwd"), users)
+        || !writeFile(directory.filePath("group"), groups) || !writePolicies(modules)
+        || !writeFile(directory.filePath("bus.conf"), text.toUtf8())) {
         return false;
     }
     const QString script = "cd \"$0\" && mount --bind passwd /etc/passwd && mount --bind group "
@@ -73,12 +75,6 @@ bool PolicedBus::start(const QMap<QString, QString> &modules)
 QString PolicedBus::address() const
 {
     return "unix:path=" + directory.filePath("bus");
-}
-
-bool PolicedBus::write(const QString &name, const QByteArray &content) const
-{
-    QFile file(directory.filePath(name));
-    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
 }
 
 // Copies of the installed ones; with modules, as docs/security.md says where they must not stand in
@@ -96,14 +92,12 @@ bool PolicedBus::writePolicies(const QMap<QString, QString> &modules) const
     bool narrowed = modules.isEmpty();
     const QDir installed(POLICY_DIRECTORY);
     for (const QString &name : installed.entryList({"*.conf"})) {
-        QFile file(installed.filePath(name));
-        done = done && file.open(QIODevice::ReadOnly);
-        QString text = QString::fromUtf8(file.readAll());
+        QString text = QString::fromUtf8(contentOf(installed.filePath(name)));
         if (!modules.isEmpty() && text.contains(forAll)) {
             text.replace(forAll, rules);
             narrowed = true;
         }
-        done = done && write("policies/" + name, text.toUtf8());
+        done = done && writeFile(directory.filePath("policies/" + name), text.toUtf8());
     }
     return done && narrowed;
 }

@@ -39,7 +39,6 @@ public:
     QByteArray report() const { return daemon ? daemon->report() : QByteArray("no daemon"); }
 
 private:
-    bool write(const QString &name, const QByteArray &content) const;
     bool writePolicies(const QMap<QString, QString> &modules) const;
 
     QTemporaryDir directory;

@@ -28,6 +28,12 @@ QByteArray PublisherProcess::create(const QString &module, const QString &object
                     {"description", description}});
 }
 
+QByteArray PublisherProcess::serve(const QString &module, const QJsonObject &description)
+{
+    const QByteArray problem = start();
+    return problem.isEmpty() ? create(module, "Controller", "1", description) : problem;
+}
+
 QByteArray PublisherProcess::publish(const QString &path, const QJsonValue &value)
 {
     return command({{"do", "publish"}, {"path", path}, {"value", value}});
@@ -69,12 +75,6 @@ QByteArray PublisherProcess::waitForWrite(const QString &path)
     const QByteArray line = child.waitForLine(
         [&prefix](const QByteArray &candidate) { return candidate.startsWith(prefix); });
     return line.mid(prefix.size());
-}
-
-bool PublisherProcess::quit()
-{
-    child.closeInput();
-    return child.waitForEnd() && child.exitCode() == 0;
 }
 
 QByteArray PublisherProcess::command(const QJsonObject &command)

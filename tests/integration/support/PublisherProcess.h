@@ -20,6 +20,8 @@ public:
     QByteArray start();
     QByteArray create(const QString &module, const QString &object, const QString &instance,
                       const QJsonObject &description);
+    /// Starts it and creates instance 1 of the module's object "Controller".
+    QByteArray serve(const QString &module, const QJsonObject &description);
     QByteArray publish(const QString &path, const QJsonValue &value);
     QByteArray replaceDescription(const QJsonObject &description);
     QByteArray replaceProperties(const QJsonObject &description);
@@ -35,7 +37,7 @@ public:
     QByteArray waitForWrite(const QString &path);
 
     /// Lets it retire its instances and end.
-    bool quit();
+    bool quit() { return child.finish(); }
 
     ChildProcess &process() { return child; }
 

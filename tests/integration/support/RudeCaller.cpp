@@ -13,6 +13,24 @@ namespace {
 constexpr int timeLimit = 60000; // milliseconds, for a machine under load
 }
 
+RudeCaller::Call RudeCaller::fetch(const QByteArray &service, bool wantsAnswer)
+{
+    Call call = list(service);
+    call.member = "GetProcessDataDescription";
+    call.texts = {"1", ""};
+    call.wantsAnswer = wantsAnswer;
+    return call;
+}
+
+RudeCaller::Call RudeCaller::list(const QByteArray &service, const QByteArray &object)
+{
+    return {service,
+            "/com/orvalis/ProcessData/" + object,
+            "com.orvalis.ProcessDescription1",
+            "ListInstances",
+            {}};
+}
+
 RudeCaller::RudeCaller(const QString &address)
     : connection(dbus_connection_open_private(address.toUtf8().constData(), nullptr))
 {
@@ -131,4 +149,10 @@ RudeCaller::Answer RudeCaller::ask(const Call &call)
         ++otherAnswers;
     }
     return Answer();
+}
+
+QByteArray RudeCaller::ownerOf(const QByteArray &name)
+{
+    const QByteArray bus = DBUS_SERVICE_DBUS;
+    return ask({bus, DBUS_PATH_DBUS, bus, "GetNameOwner", {name}}).text;
 }

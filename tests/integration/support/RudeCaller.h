@@ -32,6 +32,10 @@ public:
         int size = 0; ///< of that text
     };
 
+    /// Calls to a service's object, whose name is "Controller" where none is given.
+    static Call fetch(const QByteArray &service, bool wantsAnswer = true);
+    static Call list(const QByteArray &service, const QByteArray &object = "Controller");
+
     explicit RudeCaller(const QString &address);
     ~RudeCaller();
     RudeCaller(const RudeCaller &) = delete;
@@ -52,6 +56,9 @@ public:
     /// Sends one call and reads until its answer; counts answers to earlier ones in otherAnswers.
     Answer ask(const Call &call);
     int otherAnswers = 0;
+
+    /// The unique name of whoever has a name on the bus, or what the bus says.
+    QByteArray ownerOf(const QByteArray &name);
 
 private:
     static DBusMessage *make(const Call &call);

@@ -12,8 +12,7 @@ void SelectorSystemTest::bringUp(const QJsonArray &elements)
     QVERIFY2(system->start() && !system->waitForLineWith("ready").isNull(),
              system->report().constData());
     publisher.reset(new PublisherProcess);
-    VERIFY_COMMAND(publisher->start());
-    VERIFY_COMMAND(publisher->create(module, "Controller", "1", description(elements)));
+    VERIFY_COMMAND(publisher->serve(module, description(elements)));
 }
 
 void SelectorSystemTest::cleanup()

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // A simulator that a test drives over its control interface.
 #include "SimulatorProcess.h"
+#include "Files.h"
 
 #include <QDBusMessage>
 #include <QDBusPendingCall>
@@ -16,12 +17,6 @@ QString freshConnectionName()
 {
     static int counter = 0;
     return QString("simulator-%1").arg(++counter);
-}
-
-bool writeFile(const QString &name, const QByteArray &content)
-{
-    QFile file(name);
-    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
 }
 
 } // namespace

@@ -8,8 +8,13 @@
 
 void SystemTest::init()
 {
+    startSystem(PrivateBus::Limits::Wide);
+}
+
+void SystemTest::startSystem(PrivateBus::Limits limits)
+{
     module = uniqueModule();
-    bus.reset(new PrivateBus);
+    bus.reset(new PrivateBus(limits));
     QVERIFY2(bus->start(), bus->report().constData());
 }
 

@@ -4,6 +4,8 @@
 #define SYSTEMTEST_H
 
 #include "Descriptions.h"
+#include "IndexLists.h"
+#include "ModuleFiles.h"
 #include "PrivateBus.h"
 #include "PublisherProcess.h"
 
@@ -20,6 +22,9 @@ protected Q_SLOTS:
     void cleanup();
 
 protected:
+    /// What init() does, on a bus with other limits.
+    void startSystem(PrivateBus::Limits limits);
+
     /// Begin of a command line that takes from root the power to open every file.
     static QStringList powerless();
 

@@ -3,24 +3,14 @@
 #ifndef CHANGECLIENT_H
 #define CHANGECLIENT_H
 
+#include "IndexLists.h"
 #include "SelectorHandlerProcessValue.h"
 #include "UnlikePlatform.h"
 #include "WarningLog.h"
 
-#include <QSignalSpy>
 #include <QString>
 #include <QVector>
 #include <QtTest>
-
-/// The index lists that a signal carried, in order.
-inline QList<QVector<int>> listsOf(const QSignalSpy &spy)
-{
-    QList<QVector<int>> lists;
-    for (const QVariantList &arguments : spy) {
-        lists.append(arguments.at(0).value<QVector<int>>());
-    }
-    return lists;
-}
 
 /// Records from the moment on at which the list stands. The source has the leaves a and b.
 struct ChangeClient

@@ -3,33 +3,10 @@
 #include "WarningLog.h"
 
 #include <QFile>
-#include <QMutex>
-#include <QMutexLocker>
 #include <QRegularExpression>
 #include <QTextStream>
 
 namespace {
-
-QMutex messagesMutex;
-QVector<LoggedMessage> messages;
-QtMessageHandler previousHandler = nullptr;
-
-void capture(QtMsgType type, const QMessageLogContext &context, const QString &text)
-{
-    if (type == QtFatalMsg) {
-        previousHandler(type, context, text);
-        return;
-    }
-    const QMutexLocker lock(&messagesMutex);
-    messages.append({type, QString::fromUtf8(context.category), QString::fromUtf8(context.file),
-                     context.line, QString::fromUtf8(context.function), text});
-}
-
-QVector<LoggedMessage> captured()
-{
-    const QMutexLocker lock(&messagesMutex);
-    return messages;
-}
 
 // The statement that begins at a line of a source, in one line.
 QString statementAt(const QString &file, int line)
@@ -82,21 +59,10 @@ QString whatIsWrongWith(const LoggedMessage &message)
 
 } // namespace
 
-WarningLog::WarningLog()
-{
-    clear();
-    previousHandler = qInstallMessageHandler(capture);
-}
-
-WarningLog::~WarningLog()
-{
-    qInstallMessageHandler(previousHandler);
-}
-
 QStringList WarningLog::texts() const
 {
     QStringList result;
-    for (const LoggedMessage &message : captured()) {
+    for (const LoggedMessage &message : log.messages()) {
         const QString fault = whatIsWrongWith(message);
         result.append(fault.isEmpty() ? message.text
                                       : QStringLiteral("%1 [%2]").arg(message.text, fault));
@@ -107,7 +73,7 @@ QStringList WarningLog::texts() const
 QStringList WarningLog::functions() const
 {
     QStringList result;
-    for (const LoggedMessage &message : captured()) {
+    for (const LoggedMessage &message : log.messages()) {
         result.append(nameOf(message.function));
     }
     return result;
@@ -116,7 +82,7 @@ QStringList WarningLog::functions() const
 QStringList WarningLog::files() const
 {
     QStringList result;
-    for (const LoggedMessage &message : captured()) {
+    for (const LoggedMessage &message : log.messages()) {
         result.append(message.file);
     }
     return result;
@@ -125,14 +91,8 @@ QStringList WarningLog::files() const
 int WarningLog::count(const QString &text) const
 {
     int result = 0;
-    for (const LoggedMessage &message : captured()) {
+    for (const LoggedMessage &message : log.messages()) {
         result += message.text == text ? 1 : 0;
     }
     return result;
-}
-
-void WarningLog::clear()
-{
-    const QMutexLocker lock(&messagesMutex);
-    messages.clear();
 }

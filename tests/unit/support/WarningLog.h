@@ -1,23 +1,9 @@
 // SPDX-License-Identifier: MIT
-// Captures the message log while it lives.
+// Captures messages and compares their places with the sources.
 #ifndef WARNINGLOG_H
 #define WARNINGLOG_H
 
-#include <QString>
-#include <QStringList>
-#include <QVector>
-#include <QtGlobal>
-
-/// One message with all that the log knows of it.
-struct LoggedMessage
-{
-    QtMsgType type;
-    QString category;
-    QString file;
-    int line;
-    QString function;
-    QString text;
-};
+#include "MessageLog.h"
 
 /// Everything that is logged, in any thread, from its making on.
 ///
@@ -26,11 +12,6 @@ struct LoggedMessage
 class WarningLog
 {
 public:
-    WarningLog();
-    ~WarningLog();
-    WarningLog(const WarningLog &) = delete;
-    WarningLog &operator=(const WarningLog &) = delete;
-
     /// The texts in order. What is not in order about a message is appended in brackets.
     QStringList texts() const;
     /// The functions that logged, in order, without result type and arguments; whole, with all that
@@ -40,7 +21,10 @@ public:
     QStringList files() const;
     /// How many messages there were with this text.
     int count(const QString &text) const;
-    void clear();
+    void clear() { log.clear(); }
+
+private:
+    MessageLog log;
 };
 
 #endif

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Helps, man page and completion name every option that a command takes.
+#include "Files.h"
 #include "Help.h"
 #include "LineCompletion.h"
 
-#include <QFile>
 #include <QRegularExpression>
 #include <QtTest>
 
@@ -25,9 +25,8 @@ QStringList flags(const QString &text, const char *pattern)
 // As it is installed, without the backslashes of roff.
 QString page(const QString &name, const Command *command)
 {
-    QFile file(SELECTOR_SOURCE_DIR "/man/" + name + ".1");
     const QString text
-        = file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+        = QString::fromUtf8(contentOf(SELECTOR_SOURCE_DIR "/man/" + name + ".1"));
     return manualPage(text, command).remove('\\');
 }
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Selector lists held against snapshots.
+#include "Files.h"
 #include "LeafCheck.h"
 #include "Snapshot.h"
 
@@ -26,13 +27,6 @@ const QJsonObject served{
                                                     {"readOnly", true},
                                                     {"offset", 256}}}}}}}};
 
-void writeFile(const QString &name, const QByteArray &content)
-{
-    QFile file(name);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    QCOMPARE(file.write(content), qint64(content.size()));
-}
-
 } // namespace
 
 class LeafCheckTest : public QObject
@@ -57,10 +51,12 @@ private:
 Snapshot LeafCheckTest::loaded() const
 {
     const QTemporaryDir directory;
-    writeFile(directory.filePath("a.pdd"), QJsonDocument(snapshotOf(served, {})).toJson());
     Snapshot snapshot;
     QString error;
-    return Snapshot::load(directory.path(), snapshot, error) ? snapshot : Snapshot();
+    return writeFile(directory.filePath("a.pdd"), QJsonDocument(snapshotOf(served, {})).toJson())
+            && Snapshot::load(directory.path(), snapshot, error)
+        ? snapshot
+        : Snapshot();
 }
 
 void LeafCheckTest::eachLineIsJudged_data()
@@ -207,8 +203,8 @@ void LeafCheckTest::brokenSnapshotsAreNamed()
     QFETCH(QString, error);
     const QTemporaryDir directory;
     if (!first.isEmpty()) {
-        writeFile(directory.filePath("a.pdd"), first);
-        writeFile(directory.filePath("b.pdd"), second);
+        QVERIFY(writeFile(directory.filePath("a.pdd"), first));
+        QVERIFY(writeFile(directory.filePath("b.pdd"), second));
     }
     Snapshot snapshot;
     QString found;
