@@ -24,6 +24,19 @@ function(add_test_room program kind)
     target_link_libraries(${program} PRIVATE Qt5::Test)
 endfunction()
 
+# test_source(plot_frame variable): the file PlotFrameTest.cpp.
+function(test_source name variable)
+    string(REPLACE "_" ";" words ${name})
+    set(source "")
+    foreach(word IN LISTS words)
+        string(SUBSTRING ${word} 0 1 first)
+        string(SUBSTRING ${word} 1 -1 rest)
+        string(TOUPPER ${first} first)
+        string(APPEND source ${first}${rest})
+    endforeach()
+    set(${variable} ${source}Test.cpp PARENT_SCOPE)
+endfunction()
+
 # add_room_test(program target test main-source other-source…): the test "test" runs the main function of
 # main-source. Target holds its objects and takes definitions, directories and libraries of its own.
 function(add_room_test program target test main_source)

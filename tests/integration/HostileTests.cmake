@@ -1,8 +1,8 @@
 # SPDX-License-Identifier: MIT
 # Tests of what others may do to the system: answers, storms, users without permission, nothing left.
 
-add_integration_test(hostilebus)
-add_integration_test(stoppedclient)
+add_integration_test(hostilebus HostileBusTest.cpp)
+add_integration_test(stoppedclient StoppedClientTest.cpp)
 # Fills a bus daemon six times until it drops messages: minutes under a sanitizer.
 set_property(TEST integration.stoppedclient PROPERTY TIMEOUT 600)
 set_property(TEST integration.stoppedclient APPEND PROPERTY LABELS slow)
@@ -13,8 +13,8 @@ target_compile_definitions(integration_stoppedclient_test PRIVATE
 target_link_libraries(integration_stoppedclient_test PRIVATE Qt5::DBus)
 add_dependencies(integration_stoppedclient_test integration-reader)
 add_integration_test(storm)
-add_integration_test(hostilecalls)
-add_integration_test(sharedconnection)
+add_integration_test(hostilecalls HostileCallsTest.cpp)
+add_integration_test(sharedconnection SharedConnectionTest.cpp)
 target_include_directories(integration_storm_test PRIVATE ${PROJECT_SOURCE_DIR}/tests/unit/support)
 
 # A client in a process of its own, as another user or starved.

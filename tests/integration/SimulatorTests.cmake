@@ -1,8 +1,11 @@
 # SPDX-License-Identifier: MIT
 # The simulator's scenarios and faults, set off over D-Bus.
 
+add_integration_test(exactlimits ExactLimitsTest.cpp)
+add_integration_test(simulator_faults)
+add_integration_test(simulator_lock)
+add_integration_test(simulator_scenario)
 foreach(name exactlimits simulator_faults simulator_lock simulator_scenario)
-    add_integration_test(${name})
     target_link_libraries(integration_${name}_test PRIVATE Qt5::DBus)
     add_dependencies(integration_${name}_test process-data-simulator selector)
 endforeach()

@@ -1,0 +1,219 @@
+// SPDX-License-Identifier: MIT
+// selector watch in scripts: conditions, time limits, charts, and how it ends.
+#include "SystemTest.h"
+
+#include <QTest>
+
+class SelectorWatchTest : public SystemTest
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+    void aConditionThatHoldsAlreadyEndsAtOnce();
+    void aConditionThatHoldsWithTheLastLineCounts();
+    void aConditionIsWaitedFor();
+    void aChangeIsWaitedFor();
+    void theTimeLimitEndsWithItsOwnCode_data();
+    void theTimeLimitEndsWithItsOwnCode();
+    void aWrongConditionIsWrongUsage_data();
+    void aWrongConditionIsWrongUsage();
+    void changesOnlyLeavesOutTheBeginning();
+    void anInterruptEndsCleanly();
+    void aTerminationEndsWithTheStateOfTheSelectors();
+    void aChartIsPrintedOnceWithoutATerminal();
+    void selectorsWithoutALineDoNotCountAtTheEnd();
+
+private:
+    QStringList arguments(const QStringList &more) const
+    {
+        return QStringList{"watch", "--interval", "20"} + more + urls();
+    }
+    QStringList urls() const
+    {
+        return {selectorUrl(module, "speed"), "on=" + selectorUrl(module, "running")};
+    }
+
+    QScopedPointer<PublisherProcess> publisher;
+};
+
+void SelectorWatchTest::init()
+{
+    SystemTest::init();
+    publisher.reset(new PublisherProcess);
+    VERIFY_COMMAND(publisher->serve(
+        module,
+        description({leaf("speed", "float64", {{"unit", "1/min"}}), leaf("running", "bool")})));
+    VERIFY_COMMAND(publisher->publish("speed", 900.5));
+    VERIFY_COMMAND(publisher->publish("running", true));
+}
+
+void SelectorWatchTest::cleanup()
+{
+    publisher.reset();
+    SystemTest::cleanup();
+}
+
+void SelectorWatchTest::aConditionThatHoldsAlreadyEndsAtOnce()
+{
+    ChildProcess client(SELECTOR, arguments({"--until", "speed>900 && on==true"}));
+    VERIFY_RUN(client, 0);
+    QCOMPARE(client.output().count('\n'), 3);
+    QCOMPARE(client.errors(), QByteArray());
+}
+
+void SelectorWatchTest::aConditionThatHoldsWithTheLastLineCounts()
+{
+    ChildProcess client(SELECTOR, arguments({"--until", "on==true", "--count", "2"}));
+    QVERIFY(client.run());
+
+    QVERIFY2(client.exitCode() == 0 && client.errors().isEmpty(), client.report());
+}
+
+void SelectorWatchTest::aConditionIsWaitedFor()
+{
+    ChildProcess client(SELECTOR, arguments({"--until", "speed>1000", "--timeout", "30"}));
+    QVERIFY(client.start());
+    QVERIFY2(!client.waitForLineWith("900.5").isNull(), client.report().constData());
+    QVERIFY2(!client.waitForLineWith("true").isNull(), client.report().constData());
+    QVERIFY(client.isRunning());
+
+    VERIFY_COMMAND(publisher->publish("speed", 1000));
+    QVERIFY2(!client.waitForLineWith(" 1000 ").isNull(), client.report().constData());
+    QVERIFY(client.isRunning());
+    VERIFY_COMMAND(publisher->publish("speed", 1000.25));
+
+    QVERIFY(client.waitForEnd());
+    QVERIFY2(client.exitCode() == 0, client.report().constData());
+    QVERIFY2(client.output().contains("1000.25"), client.report().constData());
+}
+
+void SelectorWatchTest::aChangeIsWaitedFor()
+{
+    ChildProcess client(SELECTOR, arguments({"--until", "changed(on)", "--timeout", "30"}));
+    QVERIFY(client.start());
+    QVERIFY2(!client.waitForLineWith("900.5").isNull(), client.report().constData());
+    VERIFY_COMMAND(publisher->publish("speed", 901));
+    QVERIFY2(!client.waitForLineWith(" 901 ").isNull(), client.report().constData());
+    QVERIFY(client.isRunning());
+
+    VERIFY_COMMAND(publisher->publish("running", false));
+
+    QVERIFY(client.waitForEnd());
+    QVERIFY2(client.exitCode() == 0, client.report().constData());
+}
+
+void SelectorWatchTest::theTimeLimitEndsWithItsOwnCode_data()
+{
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<int>("exitCode");
+    QTest::addColumn<QByteArray>("reason");
+    QTest::newRow("before the condition held")
+        << QStringList{"--until", "speed>1000"} << 4
+        << QByteArray("selector: time is up after 2 lines; never true: speed>1000\n");
+    QTest::newRow("a comparison without a value never holds, nor does its opposite")
+        << QStringList{"--until", "on=='x' || on!='x'"} << 4
+        << QByteArray("selector: time is up after 2 lines; never true: on=='x' || on!='x'\n");
+    QTest::newRow("before the lines were complete")
+        << QStringList{"--count", "3"} << 4
+        << QByteArray("selector: time is up after 2 of 3 lines\n");
+    QTest::newRow("when nothing else was wanted") << QStringList{} << 0 << QByteArray();
+}
+
+void SelectorWatchTest::theTimeLimitEndsWithItsOwnCode()
+{
+    QFETCH(QStringList, options);
+    QFETCH(int, exitCode);
+    QFETCH(QByteArray, reason);
+
+    ChildProcess client(SELECTOR, arguments(options + QStringList{"--timeout", "0.5"}));
+    VERIFY_RUN(client, exitCode);
+    QCOMPARE(client.errors(), reason);
+}
+
+void SelectorWatchTest::aWrongConditionIsWrongUsage_data()
+{
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<QByteArray>("reason");
+    QTest::newRow("no such name") << QStringList{"--until", "spede>5"}
+                                  << QByteArray("place 1: no selector is called \"spede\"");
+    QTest::newRow("an empty condition")
+        << QStringList{"--until", ""} << QByteArray("place 1: a selector or a value is missing");
+    QTest::newRow("a chart as JSON")
+        << QStringList{"--plot", "--format", "json"} << QByteArray("--plot draws for people");
+}
+
+void SelectorWatchTest::aWrongConditionIsWrongUsage()
+{
+    QFETCH(QStringList, options);
+    QFETCH(QByteArray, reason);
+
+    ChildProcess client(SELECTOR, arguments(options));
+    VERIFY_RUN(client, 2);
+    QVERIFY2(client.errors().contains(reason), client.report().constData());
+    QCOMPARE(client.output(), QByteArray());
+}
+
+void SelectorWatchTest::changesOnlyLeavesOutTheBeginning()
+{
+    ChildProcess client(SELECTOR, arguments({"--changes-only", "--format", "csv", "--count", "1"}));
+    QVERIFY(client.start());
+    QVERIFY2(!client.waitForLineWith("event,").isNull(), client.report().constData());
+    // The first look may come after this value; then the next one is the change.
+    for (int i = 0; i < 10000 && client.isRunning(); ++i) {
+        VERIFY_COMMAND(publisher->publish("speed", 2000 + i));
+    }
+    QVERIFY(client.waitForEnd());
+
+    QVERIFY2(client.exitCode() == 0, client.report().constData());
+    QCOMPARE(client.output().count('\n'), 2);
+    QVERIFY2(!client.output().contains(",true,"), client.report().constData());
+}
+
+void SelectorWatchTest::anInterruptEndsCleanly()
+{
+    ChildProcess client(SELECTOR, arguments({"--until", "speed>1000"}));
+    QVERIFY(client.start());
+    QVERIFY2(!client.waitForLineWith("true").isNull(), client.report().constData());
+
+    client.interrupt();
+
+    QVERIFY(client.waitForEnd());
+    QVERIFY2(client.exitCode() == 130, client.report().constData());
+    QCOMPARE(client.errors(), QByteArray());
+    QVERIFY(client.output().endsWith('\n'));
+}
+
+void SelectorWatchTest::aTerminationEndsWithTheStateOfTheSelectors()
+{
+    ChildProcess client(SELECTOR, arguments({}));
+    QVERIFY(client.start());
+    QVERIFY2(!client.waitForLineWith("true").isNull(), client.report().constData());
+
+    client.terminate();
+
+    QVERIFY(client.waitForEnd());
+    QVERIFY2(client.exitCode() == 0, client.report().constData());
+}
+
+void SelectorWatchTest::aChartIsPrintedOnceWithoutATerminal()
+{
+    ChildProcess client(SELECTOR, arguments({"--plot", "--count", "3"}));
+    VERIFY_RUN(client, 0);
+    QVERIFY2(client.output().startsWith("speed  900.5 1/min\n"), client.report().constData());
+    QVERIFY2(client.output().contains("\non  true\n"), client.report().constData());
+    QCOMPARE(client.output().count("***\n"), 2);
+    QCOMPARE(client.output().count('\n'), 20);
+    QVERIFY2(!client.output().contains('\x1b'), client.report().constData());
+}
+
+void SelectorWatchTest::selectorsWithoutALineDoNotCountAtTheEnd()
+{
+    ChildProcess client(SELECTOR, arguments({"--count", "1"}));
+    QVERIFY(client.run());
+    QVERIFY2(client.exitCode() == 0 && client.errors().isEmpty(), client.report());
+}
+
+QTEST_GUILESS_MAIN(SelectorWatchTest)
+#include "SelectorWatchTest.moc"
