@@ -23,7 +23,7 @@ void ClientBus::watchLost(const QSharedPointer<SourceWatch> &source)
     QMetaObject::invokeMethod(
         this,
         [this, source] {
-            const QString service = BusNames::serviceOfModule(source->module);
+            const QString service = BusNames::serviceOfModule(source->name.module);
             if (isServed(service)) {
                 losses.add(service, source);
             }
@@ -82,9 +82,9 @@ void ClientBus::fetchLost(const QString &service, const QString &owner,
         return;
     }
     for (const QSharedPointer<SourceWatch> &source : sources) {
-        const QString path = BusNames::pathOfObject(source->object);
+        const QString path = BusNames::pathOfObject(source->name.object);
         fetches.add(FetchQueue::Fetch::create(
-            descriptionCall(service, path, source->instance, QString()), callTimeLimit(), this,
+            descriptionCall(service, path, source->name.instance, QString()), callTimeLimit(), this,
             [this, owner, source](const DescriptionReply &reply, bool missed) {
                 Q_UNUSED(missed)
                 handleLostFetch(owner, *source, reply);
@@ -105,5 +105,6 @@ void ClientBus::handleLostFetch(const QString &owner, const SourceWatch &source,
         ? BusNames::propertyChangedSignal()
         : BusNames::processDescriptionChangedSignal();
     const QMutexLocker lock(&mutex);
-    table.signalReceived(owner, BusNames::pathOfObject(source.object), missed, source.instance);
+    table.signalReceived(owner, BusNames::pathOfObject(source.name.object), missed,
+                         source.name.instance);
 }

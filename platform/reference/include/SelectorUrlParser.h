@@ -3,6 +3,7 @@
 #ifndef SELECTORURLPARSER_H
 #define SELECTORURLPARSER_H
 
+#include "ProcessDataPlatformExport.h"
 #include "SourceName.h"
 
 /// What a selector URL says. Parts are decoded, and empty when the URL is invalid.

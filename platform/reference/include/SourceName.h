@@ -3,10 +3,10 @@
 #ifndef SOURCENAME_H
 #define SOURCENAME_H
 
-#include "ProcessDataPlatformExport.h"
-
 #include <QString>
 #include <QStringView>
+
+#include <tuple>
 
 /// Names a source of process data: one instance of an object of a module.
 ///
@@ -18,19 +18,26 @@ struct SourceName
     QString instance; ///< may be empty
 
     /// module/object/instance, for people.
-    PROCESSDATAPLATFORM_EXPORT QString toString() const;
+    QString toString() const { return QStringLiteral("%1/%2/%3").arg(module, object, instance); }
 };
 
-PROCESSDATAPLATFORM_EXPORT bool operator==(const SourceName &left, const SourceName &right);
+inline bool operator==(const SourceName &left, const SourceName &right)
+{
+    return left.module == right.module && left.object == right.object
+        && left.instance == right.instance;
+}
+
 inline bool operator!=(const SourceName &left, const SourceName &right)
 {
     return !(left == right);
 }
 
 /// By module, then object, then instance.
-PROCESSDATAPLATFORM_EXPORT bool operator<(const SourceName &left, const SourceName &right);
-
-PROCESSDATAPLATFORM_EXPORT uint qHash(const SourceName &name, uint seed = 0);
+inline bool operator<(const SourceName &left, const SourceName &right)
+{
+    return std::tie(left.module, left.object, left.instance)
+        < std::tie(right.module, right.object, right.instance);
+}
 
 /// Whether text holds a character of Unicode's category Cc: C0, delete, C1. No name does.
 bool hasControlCharacter(QStringView text);

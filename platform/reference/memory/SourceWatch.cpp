@@ -18,9 +18,7 @@ void SourceWatch::setHandler(Handler handler)
 }
 
 SourceWatch::SourceWatch(const ProcessDataDescription &description, QString token)
-    : module(description.source.module)
-    , object(description.source.object)
-    , instance(description.source.instance)
+    : name(description.source)
     , bufferName(description.buffer ? description.buffer->name : QString())
     , token(std::move(token))
 {

@@ -3,6 +3,8 @@
 #ifndef SOURCEWATCH_H
 #define SOURCEWATCH_H
 
+#include "SourceName.h"
+
 #include <QEnableSharedFromThis>
 #include <QSharedPointer>
 #include <QString>
@@ -41,9 +43,7 @@ public:
     void end() { ended = true; }
     bool hasEnded() const { return ended; }
 
-    const QString module;
-    const QString object;
-    const QString instance;
+    const SourceName name;
     const QString bufferName; ///< with its leading slash
     const QString token; ///< of the text that it was built of
 

@@ -1,18 +1,10 @@
 // SPDX-License-Identifier: MIT
-// The name of a source, and the rule for the names that it is made of.
+// The rule for the names that sources and leaves have.
 #include "SourceName.h"
 
-#include <QHash>
-
 #include <algorithm>
-#include <tuple>
 
 namespace {
-
-auto parts(const SourceName &name)
-{
-    return std::tie(name.module, name.object, name.instance);
-}
 
 bool isControlCharacter(QChar c)
 {
@@ -20,26 +12,6 @@ bool isControlCharacter(QChar c)
 }
 
 } // namespace
-
-QString SourceName::toString() const
-{
-    return QStringLiteral("%1/%2/%3").arg(module, object, instance);
-}
-
-bool operator==(const SourceName &left, const SourceName &right)
-{
-    return parts(left) == parts(right);
-}
-
-bool operator<(const SourceName &left, const SourceName &right)
-{
-    return parts(left) < parts(right);
-}
-
-uint qHash(const SourceName &name, uint seed)
-{
-    return qHash(name.module, seed) ^ 3 * qHash(name.object, seed) ^ 5 * qHash(name.instance, seed);
-}
 
 bool hasControlCharacter(QStringView text)
 {
