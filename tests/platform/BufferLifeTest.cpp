@@ -221,7 +221,7 @@ void BufferLifeTest::aBufferUnderAnotherSourcesNameIsRefused()
         error,
         QString("its name is not that of a buffer of generation %1").arg(other.buffer->generation));
     other = source.description;
-    other.instance = "2";
+    other.source.instance = "2";
 
     // A link to a buffer, whose own name went with its publisher.
     const QString linked = source.file().replace("_Tank_1.", "_Tank_2.");
