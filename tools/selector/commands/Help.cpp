@@ -78,6 +78,19 @@ QString roffOf(const Option &option)
     return QStringLiteral(".TP\n.BR %1\n%2\n").arg(head, text);
 }
 
+QString beginningOf(const Command &command)
+{
+    const QString start = QStringLiteral("Usage: selector %1 ").arg(command.name);
+    const QString arguments
+        = QString::fromLatin1(command.usage).section(QLatin1Char('\n'), 0, 0).mid(start.size());
+    static const QRegularExpression placeholder(QStringLiteral("([A-Z]+)"));
+    return QStringLiteral(".TH SELECTOR\\-%1 1 \"\" \"selector\" \"User Commands\"\n"
+                          ".SH NAME\nselector\\-%2 \\- %3\n"
+                          ".SH SYNOPSIS\n.B selector %2\n%4\n")
+        .arg(command.name.toUpper(), command.name, command.summary,
+             inRoff(arguments).replace(placeholder, QStringLiteral("\\fI\\1\\fR")));
+}
+
 } // namespace
 
 QString helpOf(const Command &command)
@@ -104,10 +117,7 @@ QString manualPage(QString text, const Command *command)
         list += QStringLiteral(".TP\n.BR selector\\-%1 (1)\n%2\n").arg(one.name, one.summary);
     }
     if (command != nullptr) {
-        text.insert(text.indexOf(QLatin1Char('\n')) + 1,
-                    QStringLiteral(".TH SELECTOR\\-%1 1 \"\" \"selector\" \"User Commands\"\n"
-                                   ".SH NAME\nselector\\-%2 \\- %3\n")
-                        .arg(command->name.toUpper(), command->name, command->summary));
+        text.insert(text.indexOf(QLatin1Char('\n')) + 1, beginningOf(*command));
     }
     return text.replace(QLatin1String(".\\\" OPTIONS\n"), options)
         .replace(QLatin1String(".\\\" COMMANDS\n"), list);

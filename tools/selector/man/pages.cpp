@@ -32,8 +32,8 @@ int main(int argc, char *argv[])
         const QString target
             = QDir(QFile::decodeName(argv[1])).filePath(QFileInfo(source).fileName());
         if (!makePage(source, target)) {
-            std::fprintf(stderr, "selector-pages: %s cannot be made of %s\n", qPrintable(target),
-                         argv[i]);
+            static_cast<void>(std::fprintf(stderr, "selector-pages: %s cannot be made of %s\n",
+                                           qPrintable(target), argv[i]));
             return 1;
         }
     }

@@ -93,7 +93,7 @@ void HelpTest::aPageHasItsOptionsInFull()
 {
     const Command command{"fill",
                           "fill a tank",
-                          "",
+                          "Usage: selector fill [OPTIONS] --now TANK...\nFills it.\n",
                           {{"--dry", "without water", "It's a test."},
                            {"-f, --from TANK", "not from\nthis TANK"},
                            {"--by WAY", "hand or pump\\", "", Option::Text, "hand pump"}},
@@ -107,6 +107,9 @@ void HelpTest::aPageHasItsOptionsInFull()
                              ".TH SELECTOR\\-FILL 1 \"\" \"selector\" \"User Commands\"\n"
                              ".SH NAME\n"
                              "selector\\-fill \\- fill a tank\n"
+                             ".SH SYNOPSIS\n"
+                             ".B selector fill\n"
+                             "[\\fIOPTIONS\\fR] \\-\\-now \\fITANK\\fR...\n"
                              ".SH OPTIONS\n"
                              ".TP\n.BR \\-\\-dry\nWithout water. It\\(aqs a test.\n"
                              ".TP\n.BR \\-f \", \" \\-\\-from \" \\fITANK\\fR\"\n"
