@@ -91,7 +91,7 @@ endif()
 # All that cmake --install takes, for trees in which not everything is built.
 add_custom_target(installed)
 foreach(target SelectorHandler ProcessDataPlatform ScriptedPlatform SelectorHandlerTesting selector
-        process-data-simulator)
+        selector-man process-data-simulator)
     if(TARGET ${target})
         add_dependencies(installed ${target})
     endif()

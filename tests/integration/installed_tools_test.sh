@@ -42,4 +42,5 @@ mapfile -t files < <(find "$build_dir" -name cmake_install.cmake -exec grep -hoE
 for file in "${files[@]}"; do
     grep -qxF -e "$file" -e "${file#"$build_dir"/}" "$work/inputs" || fail "the target installed does not make $file"
 done
+grep -qx tools/selector/selector-man "$work/inputs" || fail "the target installed does not make the manual pages"
 exit "$failed"
