@@ -1,24 +1,28 @@
 // SPDX-License-Identifier: MIT
-// A thread whose event loop serves objects of the bus.
+// A thread whose event loop serves objects of the bus, from the first use to the process's end.
 #include "BusThread.h"
 
 #include "FileDescriptor.h"
 
+#include <QCoreApplication>
 #include <QDBusConnection>
 
-#include <array>
 #include <cerrno>
+#include <cstdlib>
+#include <deque>
 #include <sys/eventfd.h>
-#include <unistd.h>
 
-BusThread::BusThread(const QString &name)
-    : serving(std::make_unique<Serving>())
+BusThread::Running &BusThread::Running::all()
 {
-    // QtDBus makes its own thread and statics on first use. Made before this object, they outlive
-    // it at the end of the process.
-    const QDBusConnection touched(name);
-    serving->worker.setObjectName(name);
-    serving->context.moveToThread(&serving->worker);
+    static auto *const running = new Running;
+    return *running;
+}
+
+BusThread::BusThread(const char *name, const char *done, std::function<void()> shutDown)
+    : name(name)
+    , done(done)
+    , shutDown(std::move(shutDown))
+{
 }
 
 bool BusThread::canStart(QString &reason)
@@ -26,38 +30,93 @@ bool BusThread::canStart(QString &reason)
     // Two threads (QtDBus has one of its own) with two files each at most, a socket, and some room
     // for what other threads open meanwhile.
     constexpr int needed = 10;
-    std::array<int, needed> taken{};
-    taken.fill(-1);
-    bool enough = true;
-    for (int &descriptor : taken) {
-        descriptor = ::eventfd(0, EFD_CLOEXEC);
-        if (descriptor == -1) {
+    std::deque<FileDescriptor> taken;
+    for (int i = 0; i < needed; ++i) {
+        if (!taken.emplace_back(::eventfd(0, EFD_CLOEXEC)).isValid()) {
             reason = errorText(errno);
-            enough = false;
-            break;
+            return false;
         }
     }
-    for (const int descriptor : taken) {
-        if (descriptor != -1) {
-            ::close(descriptor);
+    return true;
+}
+
+bool BusThread::isMissing() const
+{
+    const Serving *const present = serving.load();
+    return present != nullptr && present->home.refusesChild("bus connection");
+}
+
+BusThread::Lock BusThread::start(const BusChoice &bus, QString &error)
+{
+    QString reason;
+    if (QCoreApplication::instance() == nullptr) {
+        reason = QStringLiteral("there is no QCoreApplication");
+    } else if (isMissing()) { // where the lock may be held for good
+        reason = QStringLiteral("this process was forked after its parent had %1; fork first")
+                     .arg(QLatin1String(done));
+    } else {
+        Lock held(mutex);
+        if (begin(reason)) {
+            return held;
         }
     }
-    return enough;
+    error = QStringLiteral("Cannot connect to %1: %2").arg(bus.label(), reason);
+    return Lock();
 }
 
-BusThread::~BusThread()
+bool BusThread::begin(QString &reason)
 {
-    stop();
-    if (home.isForkedChild()) {
-        static_cast<void>(serving.release()); // a thread that runs elsewhere cannot be ended here
+    Serving *present = serving.load();
+    if (present != nullptr && present->worker.isRunning()) {
+        return true;
+    }
+    if (!canStart(reason)) {
+        return false;
+    }
+    // QtDBus makes its own thread and statics on first use. Made before the process is told what to
+    // do at its end, they are still there then.
+    const QDBusConnection touched{QLatin1String(name)};
+    if (present == nullptr) {
+        present = new Serving;
+        present->worker.setObjectName(QLatin1String(name));
+        present->context.moveToThread(&present->worker);
+        serving = present;
+    }
+    present->worker.start();
+    const Lock held(Running::all().mutex);
+    Running::all().threads += this;
+    qAddPostRoutine(&BusThread::endAll);
+    std::atexit(&BusThread::endOfProcess);
+    return true;
+}
+
+// Without the end of its QCoreApplication.
+void BusThread::endOfProcess()
+{
+    qRemovePostRoutine(&BusThread::endAll);
+    endAll();
+}
+
+// Each before those that it was started after.
+void BusThread::endAll()
+{
+    Lock held(Running::all().mutex);
+    while (!Running::all().threads.isEmpty()) {
+        BusThread *const last = Running::all().threads.takeLast();
+        held.unlock();
+        last->end();
+        held.lock();
     }
 }
 
-void BusThread::stop()
+void BusThread::end()
 {
-    if (home.isForkedChild()) {
+    if (isMissing()) {
         return;
     }
-    serving->worker.quit();
-    serving->worker.wait();
+    const Lock held(mutex);
+    runAndWait(shutDown);
+    QThread &worker = serving.load()->worker;
+    worker.quit();
+    worker.wait();
 }

@@ -18,7 +18,7 @@ void ModuleHost::Releaser::operator()(ModuleHost *host) const
 
 ModuleHost::Pointer ModuleHost::acquire(const QString &moduleName, QString &error)
 {
-    return Pointer(ModuleHosts::acquire(moduleName, error));
+    return Pointer(ModuleHosts::instance().acquire(moduleName, error));
 }
 
 bool ModuleHost::reserve(const SourceName &source, QString &error)

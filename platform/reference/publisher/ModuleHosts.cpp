@@ -4,84 +4,29 @@
 
 #include "ModuleHost.h"
 
-#include <QCoreApplication>
-#include <QMutexLocker>
-
-#include <utility>
-
-std::atomic<bool> ModuleHosts::isRunning{false};
-
 ModuleHosts &ModuleHosts::instance()
 {
-    static ModuleHosts hosts;
-    return hosts;
+    static auto *const hosts = new ModuleHosts; // never destroyed: see BusThread
+    return *hosts;
 }
 
 ModuleHosts::ModuleHosts()
-    : thread(QStringLiteral("processdata-publisher"))
-{
-}
-
-ModuleHosts::~ModuleHosts()
-{
-    qRemovePostRoutine(&ModuleHosts::endOfApplication);
-    stop(); // the process ends without the end of its QCoreApplication
-    for (const Entry &entry : std::as_const(entries)) {
-        end(entry.host); // publishers that nobody destroyed
-    }
-}
-
-void ModuleHosts::endOfApplication()
-{
-    instance().stop();
-}
-
-void ModuleHosts::stop()
-{
-    if (thread.isMissing()) {
-        return;
-    }
-    const QMutexLocker lock(&mutex);
-    thread.runAndWait([this] {
-        for (const Entry &entry : std::as_const(entries)) {
+    : thread("processdata-publisher", "published", [this] {
+        for (const Entry &entry : qAsConst(entries)) {
             entry.host->stop();
         }
-    });
-    thread.stop();
-    isRunning = false;
+    })
+{
 }
 
 ModuleHost *ModuleHosts::acquire(const QString &moduleName, QString &error)
 {
     const BusChoice choice = BusChoice::fromEnvironment();
-    if (QCoreApplication::instance() == nullptr) {
-        error = QStringLiteral("Cannot connect to %1: there is no QCoreApplication")
-                    .arg(choice.label());
+    const BusThread::Lock lock = thread.start(choice, error);
+    if (!lock) {
         return nullptr;
     }
-    QString reason;
-    if (!isRunning.load() && !BusThread::canStart(reason)) {
-        error = QStringLiteral("Cannot connect to %1: %2").arg(choice.label(), reason);
-        return nullptr;
-    }
-    if (instance().thread.isMissing()) {
-        error = QStringLiteral("Cannot connect to %1: this process was forked after its parent had "
-                               "published; fork first")
-                    .arg(choice.label());
-        return nullptr;
-    }
-    return instance().acquire(moduleName, choice, error);
-}
-
-ModuleHost *ModuleHosts::acquire(const QString &moduleName, const BusChoice &choice, QString &error)
-{
     const QString key = moduleName + QChar::Null + choice.key();
-    const QMutexLocker lock(&mutex);
-    if (!thread.isRunning()) {
-        thread.start();
-        isRunning = true;
-        qAddPostRoutine(&ModuleHosts::endOfApplication);
-    }
     const auto found = entries.find(key);
     if (found != entries.end()) {
         ++found->users;
@@ -104,7 +49,7 @@ void ModuleHosts::release(ModuleHost *host)
     if (thread.isMissing()) {
         return;
     }
-    const QMutexLocker lock(&mutex);
+    const BusThread::Lock lock = thread.lock();
     for (auto it = entries.begin(); it != entries.end(); ++it) {
         if (it->host == host) {
             if (--it->users == 0) {

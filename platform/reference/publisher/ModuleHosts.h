@@ -8,10 +8,8 @@
 #include "ServingConnections.h"
 
 #include <QHash>
-#include <QMutex>
 #include <QString>
 
-#include <atomic>
 #include <utility>
 
 class ModuleHost;
@@ -27,7 +25,7 @@ public:
 
     /// Finds or makes and starts the module's host on the bus that the environment chooses; null
     /// with the reason on failure. Each success takes one release().
-    static ModuleHost *acquire(const QString &moduleName, QString &error);
+    ModuleHost *acquire(const QString &moduleName, QString &error);
     void release(ModuleHost *host);
 
     template <typename Function> void runAndWait(Function &&function)
@@ -43,20 +41,13 @@ private:
     };
 
     ModuleHosts();
-    ~ModuleHosts();
-    static void endOfApplication();
-    ModuleHost *acquire(const QString &moduleName, const BusChoice &choice, QString &error);
-    void stop();
     void end(ModuleHost *host);
 
-    static std::atomic<bool> isRunning; // the thread is
-
-    // Held while a host starts or ends, so that nobody asks for a name that is just being given
-    // back. The hosts' thread never takes it.
-    QMutex mutex;
+    BusThread thread;
+    // Guarded by the thread's lock, which is held while a host starts or ends, so that nobody asks
+    // for a name that is just being given back.
     QHash<QString, Entry> entries;
     ServingConnections connections; // of the hosts' thread
-    BusThread thread;
 };
 
 #endif
