@@ -41,12 +41,12 @@ struct OpenLink : BusLink
 
 BusSignal ownerChanges()
 {
-    return {BusNames::daemonPath(), BusNames::daemonInterface(), "NameOwnerChanged", {}};
+    return {BusNames::daemonPath(), BusNames::daemonInterface(), "NameOwnerChanged"};
 }
 
 BusSignal anySignal()
 {
-    return {QString(), "com.orvalis.Test", "Any", {"argument"}};
+    return {QString(), "com.orvalis.Test", "Any"};
 }
 
 // QtDBus' thread works in order, and opening a connection waits for it: what it was asked before is

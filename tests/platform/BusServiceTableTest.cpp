@@ -8,31 +8,42 @@
 
 namespace {
 
+const QString service("com.orvalis.ProcessData.Pump");
+const QString path("/com/orvalis/ProcessData/Controller");
+
 class Recorder : public ServiceListener
 {
 public:
-    void servicePresent(Presence presence, const QString &owner) override
+    explicit Recorder(const QString &service = ::service, const QString &path = ::path)
+        : ServiceListener(service, path)
     {
-        lastOwner = owner;
+    }
+
+    void hear(const ServiceEvent &event) override
+    {
+        if (event.kind == ServiceEvent::Kind::Signal) {
+            heard += event.member + " " + event.argument;
+            order += this;
+            return;
+        }
+        if (event.kind == ServiceEvent::Kind::AnswersAgain) {
+            heard += "answers again " + event.argument;
+            return;
+        }
+        lastOwner = event.argument;
         static const QStringList names{"found", "appeared", "found again"};
-        heard += names.at(static_cast<int>(presence));
+        heard += names.at(static_cast<int>(event.kind));
     }
-    void serviceAnswersAgain() override { heard += "answers again"; }
-    void signalReceived(const QString &member, const QString &argument) override
-    {
-        heard += member + " " + argument;
-        order += this;
-    }
-    bool hasAskedFor(const QString &argument) const override { return argument == asked; }
 
     QStringList heard;
     QString lastOwner;
-    QString asked;
     static inline QVector<Recorder *> order; // in which signals were received
 };
 
-const QString service("com.orvalis.ProcessData.Pump");
-const QString path("/com/orvalis/ProcessData/Controller");
+bool hasOwner(const ServiceTable &table)
+{
+    return !table.ownerOf(service).isEmpty();
+}
 }
 
 class BusServiceTableTest : public QObject
@@ -50,8 +61,11 @@ private Q_SLOTS:
     void whoAskedForWhatASignalNamesHearsItBeforeTheOthers_data();
     void whoAskedForWhatASignalNamesHearsItBeforeTheOthers();
     void aRemovedListenerHearsNothing();
+    void whatIsExpectedOfAnInstanceIsKeptForItsNextFetch();
     void oneProbeIsUnderWayToAHungService();
+    void whoIsOwedSomethingHearsOnceThatTheServiceAnswersAgain();
     void aServiceThatChangesHandsIsNotHungAndItsOldProbeCountsForNothing();
+    void whatAnEarlierOwnerOwedIsForgotten();
     void aServiceWithoutOwnerCannotHang();
 };
 
@@ -59,12 +73,14 @@ void BusServiceTableTest::onlyTheFirstListenerOfAServiceMakesItsOwnerBeAskedFor(
 {
     ServiceTable table;
     Recorder listener;
+    Recorder otherPath(service, "/other");
+    Recorder otherService("other.service");
 
-    QVERIFY(table.addListener(service, path, &listener));
-    QVERIFY(!table.addListener(service, "/other", &listener));
-    QVERIFY(table.addListener("other.service", path, &listener));
+    QVERIFY(table.addListener(&listener));
+    QVERIFY(!table.addListener(&otherPath));
+    QVERIFY(table.addListener(&otherService));
     QVERIFY(!table.isKnown(service));
-    QVERIFY(!table.hasOwner(service));
+    QVERIFY(!hasOwner(table));
 }
 
 void BusServiceTableTest::aLateListenerHearsAtOnceThatTheServiceIsPresent()
@@ -72,10 +88,10 @@ void BusServiceTableTest::aLateListenerHearsAtOnceThatTheServiceIsPresent()
     ServiceTable table;
     Recorder early;
     Recorder late;
-    table.addListener(service, path, &early);
+    table.addListener(&early);
     table.ownerAnswered(service, ":1.7");
 
-    table.addListener(service, path, &late);
+    table.addListener(&late);
 
     QCOMPARE(early.heard, QStringList{"found"});
     QCOMPARE(late.heard, QStringList{"found"});
@@ -85,14 +101,14 @@ void BusServiceTableTest::signalsBeforeTheOwnerIsKnownAreKeptAndThenJudgedByThei
 {
     ServiceTable table;
     Recorder listener;
-    table.addListener(service, path, &listener);
-    table.signalReceived(":1.7", path, "Changed", "1");
-    table.signalReceived(":1.8", path, "Changed", "2");
+    table.addListener(&listener);
+    table.signalReceived({":1.7", path, "Changed", "1"});
+    table.signalReceived({":1.8", path, "Changed", "2"});
     QCOMPARE(listener.heard, QStringList());
 
     table.ownerAnswered(service, ":1.7");
-    table.signalReceived(":1.8", path, "Changed", "3");
-    table.signalReceived(":1.7", path, "Changed", "4");
+    table.signalReceived({":1.8", path, "Changed", "3"});
+    table.signalReceived({":1.7", path, "Changed", "4"});
 
     QCOMPARE(listener.heard, (QStringList{"found", "Changed 1", "Changed 4"}));
 }
@@ -101,13 +117,13 @@ void BusServiceTableTest::anAnnouncedOwnerIsNewerThanALateAnswer()
 {
     ServiceTable table;
     Recorder listener;
-    table.addListener(service, path, &listener);
+    table.addListener(&listener);
 
     table.ownerChanged(service, ":1.9");
     table.ownerAnswered(service, QString());
-    table.signalReceived(":1.9", path, "Changed", "1");
+    table.signalReceived({":1.9", path, "Changed", "1"});
 
-    QVERIFY(table.hasOwner(service));
+    QVERIFY(hasOwner(table));
     QCOMPARE(listener.heard, (QStringList{"appeared", "Changed 1"}));
 }
 
@@ -115,7 +131,7 @@ void BusServiceTableTest::aServiceTakenForAbsentIsFoundAgain()
 {
     ServiceTable table;
     Recorder listener;
-    table.addListener(service, path, &listener);
+    table.addListener(&listener);
     table.setGivenUp(service);
 
     table.ownerAnswered(service, ":1.7");
@@ -127,14 +143,14 @@ void BusServiceTableTest::afterTheBusWasLostAServiceIsFoundAgainOrAppears()
 {
     ServiceTable table;
     Recorder listener;
-    table.addListener(service, path, &listener);
+    table.addListener(&listener);
     table.ownerAnswered(service, ":1.7");
     listener.heard.clear();
 
     table.busLost();
     QVERIFY(table.isKnown(service));
-    QVERIFY(!table.hasOwner(service));
-    table.signalReceived(":1.7", path, "Changed", "from the old bus");
+    QVERIFY(!hasOwner(table));
+    table.signalReceived({":1.7", path, "Changed", "from the old bus"});
     table.busRestored();
     QVERIFY(!table.isKnown(service));
     table.ownerAnswered(service, ":1.2");
@@ -151,16 +167,16 @@ void BusServiceTableTest::signalsReachEachListenerOfThePathOnce()
     ServiceTable table;
     Recorder first;
     Recorder second;
-    Recorder otherPath;
-    Recorder otherService;
-    table.addListener(service, path, &first);
-    table.addListener(service, path, &second);
-    table.addListener(service, "/other", &otherPath);
-    table.addListener("other.service", path, &otherService);
+    Recorder otherPath(service, "/other");
+    Recorder otherService("other.service");
+    table.addListener(&first);
+    table.addListener(&second);
+    table.addListener(&otherPath);
+    table.addListener(&otherService);
     table.ownerAnswered(service, ":1.7");
     table.ownerAnswered("other.service", ":1.8");
 
-    table.signalReceived(":1.7", path, "Changed", "1");
+    table.signalReceived({":1.7", path, "Changed", "1"});
 
     QCOMPARE(first.heard, (QStringList{"found", "Changed 1"}));
     QCOMPARE(second.heard, (QStringList{"found", "Changed 1"}));
@@ -182,14 +198,14 @@ void BusServiceTableTest::whoAskedForWhatASignalNamesHearsItBeforeTheOthers()
     ServiceTable table;
     std::array<Recorder, 3> listeners;
     for (Recorder &listener : listeners) {
-        table.addListener(service, path, &listener);
-        listener.asked = "another instance";
+        table.addListener(&listener);
+        table.noteAsked(&listener, "another instance");
     }
-    listeners.at(asking).asked = "1";
+    table.noteAsked(&listeners.at(asking), "1");
     table.ownerAnswered(service, ":1.7");
     Recorder::order.clear();
 
-    table.signalReceived(":1.7", path, "Changed", "1");
+    table.signalReceived({":1.7", path, "Changed", "1"});
 
     QCOMPARE(Recorder::order.size(), 3);
     QCOMPARE(Recorder::order.first(), &listeners.at(asking));
@@ -203,46 +219,91 @@ void BusServiceTableTest::aRemovedListenerHearsNothing()
     ServiceTable table;
     Recorder gone;
     Recorder stays;
-    table.addListener(service, path, &gone);
-    table.addListener(service, path, &stays);
-    table.removeListener(path, &gone);
+    table.addListener(&gone);
+    table.addListener(&stays);
+    table.removeListener(&gone);
 
     table.ownerAnswered(service, ":1.7");
-    table.signalReceived(":1.7", path, "Changed", "1");
+    table.signalReceived({":1.7", path, "Changed", "1"});
 
     QCOMPARE(gone.heard, QStringList());
     QCOMPARE(stays.heard, (QStringList{"found", "Changed 1"}));
+}
+
+void BusServiceTableTest::whatIsExpectedOfAnInstanceIsKeptForItsNextFetch()
+{
+    ServiceTable table;
+    Recorder listener;
+    table.addListener(&listener);
+    const auto description = PreparedDescriptionPointer::create();
+
+    QVERIFY(table.noteAsked(&listener, "2").isNull());
+    table.expect(&listener, "1", description);
+    QCOMPARE(table.noteAsked(&listener, "1"), description);
+    QVERIFY(table.noteAsked(&listener, "2").isNull());
+    table.expect(&listener, "1", {});
+    QVERIFY(table.noteAsked(&listener, "1").isNull());
+    QCOMPARE(table.askedBy(&listener), (QStringList{"1", "2"}));
 }
 
 void BusServiceTableTest::oneProbeIsUnderWayToAHungService()
 {
     ServiceTable table;
     Recorder listener;
-    table.addListener(service, path, &listener);
+    table.addListener(&listener);
     table.ownerAnswered(service, ":1.7");
 
     const quint64 probe = table.setHung(service);
     QVERIFY(probe != 0);
     QCOMPARE(table.setHung(service), quint64(0));
     QVERIFY(table.isHung(service));
-    QVERIFY(table.hasOwner(service));
+    QVERIFY(hasOwner(table));
+    table.noteOwed(path, &listener, "1");
     table.probeEnded(service, probe, true);
 
     QVERIFY(!table.isHung(service));
-    QCOMPARE(listener.heard, (QStringList{"found", "answers again"}));
+    QCOMPARE(listener.heard, (QStringList{"found", "answers again 1"}));
+}
+
+void BusServiceTableTest::whoIsOwedSomethingHearsOnceThatTheServiceAnswersAgain()
+{
+    ServiceTable table;
+    Recorder listener;
+    Recorder owedNothing;
+    Recorder gone;
+    table.addListener(&listener);
+    table.addListener(&owedNothing);
+    table.addListener(&gone);
+    table.ownerAnswered(service, ":1.7");
+    table.noteAsked(&owedNothing, "1");
+    const quint64 probe = table.setHung(service);
+    table.noteOwed(path, &listener, "1");
+    table.noteOwed(path, &listener, "2");
+    table.noteOwed(path, &listener, "1");
+    table.removeListener(&gone);
+    table.noteOwed(path, &gone, "1");
+    table.noteOwed("/nowhere", &listener, "3");
+
+    table.probeEnded(service, probe, true);
+    table.probeEnded(service, table.setHung(service), true);
+
+    QCOMPARE(listener.heard, (QStringList{"found", "answers again 1", "answers again 2"}));
+    QCOMPARE(owedNothing.heard, QStringList{"found"});
+    QCOMPARE(gone.heard, QStringList{"found"});
 }
 
 void BusServiceTableTest::aServiceThatChangesHandsIsNotHungAndItsOldProbeCountsForNothing()
 {
     ServiceTable table;
     Recorder listener;
-    table.addListener(service, path, &listener);
+    table.addListener(&listener);
     table.ownerAnswered(service, ":1.7");
     const quint64 old = table.setHung(service);
 
     table.ownerChanged(service, ":1.8");
     QVERIFY(!table.isHung(service));
     const quint64 fresh = table.setHung(service);
+    table.noteOwed(path, &listener, "1");
     table.probeEnded(service, old, true);
     QVERIFY(table.isHung(service));
     table.probeEnded(service, fresh, false);
@@ -251,11 +312,28 @@ void BusServiceTableTest::aServiceThatChangesHandsIsNotHungAndItsOldProbeCountsF
     QCOMPARE(listener.heard, (QStringList{"found", "appeared"}));
 }
 
+void BusServiceTableTest::whatAnEarlierOwnerOwedIsForgotten()
+{
+    ServiceTable table;
+    Recorder listener;
+    table.addListener(&listener);
+    table.ownerAnswered(service, ":1.7");
+    table.setHung(service);
+    table.noteOwed(path, &listener, "1");
+
+    table.ownerChanged(service, ":1.8");
+    const quint64 probe = table.setHung(service);
+    table.noteOwed(path, &listener, "2");
+    table.probeEnded(service, probe, true);
+
+    QCOMPARE(listener.heard, (QStringList{"found", "appeared", "answers again 2"}));
+}
+
 void BusServiceTableTest::aServiceWithoutOwnerCannotHang()
 {
     ServiceTable table;
     Recorder listener;
-    table.addListener(service, path, &listener);
+    table.addListener(&listener);
     table.ownerAnswered(service, QString());
 
     QCOMPARE(table.setHung(service), quint64(0));

@@ -16,6 +16,13 @@ QStringList keysOf(const QVector<Fetch> &fetches)
     }
     return keys;
 }
+
+DescriptionReply answer(const QString &text)
+{
+    DescriptionReply reply;
+    reply.value = text;
+    return reply;
+}
 }
 
 class FetchQueueTest : public QObject
@@ -37,10 +44,9 @@ private:
     {
         QDBusMessage call = QDBusMessage::createMethodCall(service, "/o", "i.i", "Get");
         call << instance << QString();
-        const Fetch fetch
-            = Fetch::create(call, 1000, this, [this](const DescriptionReply &, bool late) {
-                  reports += late ? "missed" : "answered";
-              });
+        const Fetch fetch = Fetch::create(call, 1000, this, [this](const DescriptionReply &reply) {
+            reports += reply.value.toString();
+        });
         queue.add(fetch);
         return fetch;
     }
@@ -123,11 +129,11 @@ void FetchQueueTest::anAnswerIsReportedFromTheEventLoop()
 {
     reports.clear();
     const Fetch fetch = add("a", "1");
-    fetch->report(DescriptionReply(), false);
+    fetch->report(answer("first"));
     QCOMPARE(reports, QStringList());
-    QTRY_COMPARE(reports, QStringList({"answered"}));
-    add("a", "2")->report(DescriptionReply(), true);
-    QTRY_COMPARE(reports, QStringList({"answered", "missed"}));
+    QTRY_COMPARE(reports, QStringList({"first"}));
+    add("a", "2")->report(answer("second"));
+    QTRY_COMPARE(reports, QStringList({"first", "second"}));
 }
 
 void FetchQueueTest::anAbandonedFetchReportsNothing()
@@ -135,9 +141,9 @@ void FetchQueueTest::anAbandonedFetchReportsNothing()
     reports.clear();
     const Fetch fetch = add("a", "1");
     fetch->abandon();
-    fetch->report(DescriptionReply(), true);
-    add("a", "2")->report(DescriptionReply(), false);
-    QTRY_COMPARE(reports, QStringList({"answered"}));
+    fetch->report(answer("abandoned"));
+    add("a", "2")->report(answer("wanted"));
+    QTRY_COMPARE(reports, QStringList({"wanted"}));
 }
 
 QTEST_GUILESS_MAIN(FetchQueueTest)

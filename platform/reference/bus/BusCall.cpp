@@ -3,26 +3,42 @@
 #include "BusCall.h"
 
 #include <QDBusError>
-#include <QDBusPendingCall>
+#include <QDBusPendingCallWatcher>
 
-#include <limits>
 #include <utility>
 
-BusCall::BusCall(const QDBusConnection &connection, const QDBusMessage &message, int milliseconds)
-    : BusCallConnection{connection}
-    , QDBusPendingCallWatcher(connection.asyncCall(message, milliseconds))
+namespace {
+
+// What a call's destruction must find in place; a base class, so that it goes after the call itself.
+struct HeldConnection
 {
+    QDBusConnection connection;
+};
+
+// Holds its connection: QtDBus 5.15 deletes the pending calls of a connection that it closes even
+// while somebody holds them.
+class PendingCall : private HeldConnection, public QDBusPendingCallWatcher
+{
+public:
+    // The connection must be connected, or the call never ends.
+    PendingCall(const QDBusConnection &connection, const QDBusMessage &message, int milliseconds,
+                QObject *parent)
+        : HeldConnection{connection}
+        , QDBusPendingCallWatcher(connection.asyncCall(message, milliseconds), parent)
+    {
+    }
+};
 }
 
 QDBusMessage BusCall::wait(const QDBusConnection &connection, const QDBusMessage &message,
                            int milliseconds)
 {
-    const BusCallConnection held{connection}; // destroyed after the call
-    if (!connection.isConnected()) {
+    const QDBusConnection held = connection; // destroyed after the call
+    if (!held.isConnected()) {
         return message.createErrorReply(QDBusError::Disconnected,
                                         QStringLiteral("Not connected to the bus"));
     }
-    QDBusPendingCall call = held.connection.asyncCall(message, milliseconds);
+    QDBusPendingCall call = held.asyncCall(message, milliseconds);
     call.waitForFinished();
     return call.reply();
 }
@@ -33,8 +49,7 @@ bool BusCall::send(const QDBusConnection &connection, const QDBusMessage &messag
     if (!connection.isConnected()) {
         return false;
     }
-    auto *const call = new BusCall(connection, message, milliseconds);
-    call->setParent(context);
+    auto *const call = new PendingCall(connection, message, milliseconds, context);
     QObject::connect(call, &QDBusPendingCallWatcher::finished, context,
                      [call, handleAnswer = std::move(handleAnswer)] {
                          const QDBusMessage answer = call->reply();
@@ -42,9 +57,4 @@ bool BusCall::send(const QDBusConnection &connection, const QDBusMessage &messag
                          handleAnswer(answer); // may end the context, and this call with it
                      });
     return true;
-}
-
-int noTimeLimit()
-{
-    return std::numeric_limits<int>::max(); // libdbus takes this number so
 }

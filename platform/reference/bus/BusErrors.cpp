@@ -2,7 +2,9 @@
 // Tells kinds of D-Bus errors apart.
 #include "BusErrors.h"
 
-#include <QDBusError>
+#include <QHash>
+
+#include <dbus/dbus.h>
 
 namespace {
 
@@ -10,65 +12,42 @@ namespace {
 const QLatin1String noReplyAtLength("Did not receive a reply");
 const QLatin1String refusalAtLength("Rejected ");
 
-bool isTimeoutType(QDBusError::ErrorType type)
+QString textOf(const QString &name, const QString &given)
 {
-    return type == QDBusError::NoReply || type == QDBusError::Timeout
-        || type == QDBusError::TimedOut;
-}
-
-QString reason(const QString &name, const QString &given)
-{
-    const QDBusError::ErrorType type = QDBusError(QDBusMessage::createError(name, given)).type();
-    if (isTimeoutType(type) && given.startsWith(noReplyAtLength)) {
-        return QStringLiteral("no answer came in time");
+    const BusErrors::Kind kind = BusErrors::kindOf(name);
+    QString reason = given;
+    if (kind == BusErrors::Kind::TimedOut && given.startsWith(noReplyAtLength)) {
+        reason = QStringLiteral("no answer came in time");
+    } else if (kind == BusErrors::Kind::Denied && given.startsWith(refusalAtLength)) {
+        reason = QStringLiteral("the policy of the bus does not let this user send that");
     }
-    if (type == QDBusError::AccessDenied && given.startsWith(refusalAtLength)) {
-        return QStringLiteral("the policy of the bus does not let this user send that");
-    }
-    return given;
+    return QStringLiteral("%1 (%2)").arg(reason, name);
+}
 }
 
-} // namespace
-
-bool BusErrors::isTimeout(const QDBusMessage &answer)
+BusErrors::Kind BusErrors::kindOf(const QString &name)
 {
-    return isTimeoutType(QDBusError(answer).type());
-}
-
-bool BusErrors::isRefusedForNow(const QDBusMessage &answer)
-{
-    return QDBusError(answer).type() == QDBusError::LimitsExceeded;
-}
-
-bool BusErrors::isServiceMissing(const QDBusMessage &answer)
-{
-    // The bus daemon gives the second one to calls that must not start a service.
-    return QDBusError(answer).type() == QDBusError::ServiceUnknown
-        || answer.errorName() == QLatin1String("org.freedesktop.DBus.Error.NameHasNoOwner");
-}
-
-bool BusErrors::isDenied(const QDBusMessage &answer)
-{
-    return QDBusError(answer).type() == QDBusError::AccessDenied;
-}
-
-bool BusErrors::isDisconnected(const QDBusMessage &answer)
-{
-    return QDBusError(answer).type() == QDBusError::Disconnected;
+    static const QHash<QString, Kind> kinds{
+        {QStringLiteral(DBUS_ERROR_NO_REPLY), Kind::TimedOut},
+        {QStringLiteral(DBUS_ERROR_TIMEOUT), Kind::TimedOut},
+        {QStringLiteral(DBUS_ERROR_TIMED_OUT), Kind::TimedOut},
+        {QStringLiteral(DBUS_ERROR_LIMITS_EXCEEDED), Kind::RefusedForNow},
+        {QStringLiteral(DBUS_ERROR_SERVICE_UNKNOWN), Kind::ServiceMissing},
+        // The bus daemon gives this one to calls that must not start a service.
+        {QStringLiteral(DBUS_ERROR_NAME_HAS_NO_OWNER), Kind::ServiceMissing},
+        {QStringLiteral(DBUS_ERROR_ACCESS_DENIED), Kind::Denied},
+        {QStringLiteral(DBUS_ERROR_DISCONNECTED), Kind::Disconnected},
+    };
+    return kinds.value(name, Kind::Other);
 }
 
 QString BusErrors::text(const QDBusMessage &answer)
 {
-    return text(answer.errorName(), answer.errorMessage());
+    return textOf(answer.errorName(), answer.errorMessage());
 }
 
 QString BusErrors::text(const WireMessage &answer)
 {
     return answer == nullptr ? QStringLiteral("the connection to the bus was lost")
-                             : text(Wire::errorName(answer), Wire::text(answer, 0));
-}
-
-QString BusErrors::text(const QString &name, const QString &given)
-{
-    return QStringLiteral("%1 (%2)").arg(reason(name, given), name);
+                             : textOf(Wire::errorName(answer), Wire::text(answer, 0));
 }

@@ -2,15 +2,17 @@
 // One private connection to the bus that comes back after the bus daemon restarted.
 #include "BusLink.h"
 
-#include "BusGreeting.h"
+#include "BusCall.h"
 #include "BusLog.h"
+#include "BusNames.h"
 #include "BusThread.h"
 
 #include <QAtomicInt>
 #include <QDBusError>
+#include <QDBusMessage>
 #include <QMutexLocker>
 
-#include <dlfcn.h>
+#include <dbus/dbus.h>
 
 #include <limits>
 #include <utility>
@@ -31,15 +33,48 @@ QString uniqueConnectionName()
 // libdbus stops reading while 64 MiB of received messages are alive, and goes on in the thread that
 // frees them. QtDBus 5.15 cannot follow it there: with one large description the connection would
 // be deaf for good. So the limit is lifted; what one message may hold is still limited by the bus
-// daemon. QtDBus has libdbus loaded but offers no call for this.
+// daemon.
 void liftReceiveLimit(const QDBusConnection &connection)
 {
-    using SetLimit = void (*)(void *, long); // as libdbus declares it
-    const auto setLimit = reinterpret_cast<SetLimit>(
-        ::dlsym(RTLD_DEFAULT, "dbus_connection_set_max_received_size"));
-    if (setLimit != nullptr && connection.internalPointer() != nullptr) {
-        setLimit(connection.internalPointer(), std::numeric_limits<int>::max());
+    if (connection.internalPointer() != nullptr) {
+        dbus_connection_set_max_received_size(
+            static_cast<DBusConnection *>(connection.internalPointer()),
+            std::numeric_limits<int>::max());
     }
+}
+
+QDBusMessage daemonCall(const QString &member)
+{
+    return QDBusMessage::createMethodCall(BusNames::daemonService(), BusNames::daemonPath(),
+                                          BusNames::daemonInterface(), member);
+}
+
+// Introduces a connection that QtDBus opened without doing so, and waits for the answer, at most for
+// the platform's time limit. Nothing else may be sent before.
+//
+// Not QDBusConnection::connectToBus(address): QtDBus 5.15 lets go of a connection whose greeting is
+// refused without closing it, and libdbus ends a process that does so. A bus daemon refuses the
+// greeting when a user has as many connections as it allows.
+bool greetBus(const QDBusConnection &connection, QString &error)
+{
+    const QDBusMessage answer
+        = BusCall::wait(connection, daemonCall(QStringLiteral("Hello")), callTimeLimit());
+    if (answer.type() == QDBusMessage::ReplyMessage) {
+        return true;
+    }
+    error = answer.errorMessage();
+    return false;
+}
+
+// The bus daemon is to pass a signal on to such a connection; does not wait.
+void requestSignal(const QDBusConnection &connection, const BusSignal &signal)
+{
+    const QString path
+        = signal.path.isEmpty() ? QString() : QStringLiteral("path='%1',").arg(signal.path);
+    QDBusMessage call = daemonCall(QStringLiteral("AddMatch"));
+    call << QStringLiteral("type='signal',%1interface='%2',member='%3'")
+                .arg(path, signal.interface, signal.member);
+    connection.send(call);
 }
 
 QDBusConnection noConnection()
@@ -97,13 +132,31 @@ bool BusLink::isConnected() const
 bool BusLink::subscribe(const BusSignal &signal, QObject *receiver, const char *slot)
 {
     const QDBusConnection present = connection();
-    if (!hooks.subscribe(present, signal, receiver, slot)) {
+    if (!hook(present, signal, receiver, slot)) {
         return false;
     }
     if (choice.needsGreeting()) {
         requestSignal(present, signal);
     }
     return true;
+}
+
+bool BusLink::hook(QDBusConnection to, const BusSignal &signal, QObject *receiver, const char *slot)
+{
+    if (!to.connect(QString(), signal.path, signal.interface, signal.member, receiver, slot)) {
+        return false;
+    }
+    subscriptions.append({signal, receiver, slot});
+    return true;
+}
+
+void BusLink::releaseAll(QDBusConnection from)
+{
+    for (const Subscription &each : qAsConst(subscriptions)) {
+        from.disconnect(QString(), each.signal.path, each.signal.interface, each.signal.member,
+                        each.receiver, each.slot);
+    }
+    subscriptions.clear();
 }
 
 bool BusLink::connectNow(QString &error)
@@ -117,18 +170,17 @@ bool BusLink::connectNow(QString &error)
     // libdbus makes this signal itself when the socket closes; it never crosses the bus.
     const BusSignal disconnected{QStringLiteral("/org/freedesktop/DBus/Local"),
                                  QStringLiteral("org.freedesktop.DBus.Local"),
-                                 QStringLiteral("Disconnected"),
-                                 {}};
+                                 QStringLiteral("Disconnected")};
     refusal.clear();
     const bool ready = fresh.isConnected()
-        && hooks.subscribe(fresh, disconnected, this, SLOT(handleDisconnected()))
+        && hook(fresh, disconnected, this, SLOT(handleDisconnected()))
         && (!choice.needsGreeting() || greetBus(fresh, refusal));
     if (!ready || !fresh.isConnected()) {
         error = refusal.isEmpty() ? fresh.lastError().message() : refusal;
         if (error.isEmpty()) {
             error = QStringLiteral("the connection was closed at once");
         }
-        hooks.releaseAll(fresh);
+        releaseAll(fresh);
         BusChoice::disconnectFrom(name);
         return false;
     }
@@ -180,7 +232,7 @@ void BusLink::drop()
         old = std::exchange(current, noConnection());
         connected = false;
     }
-    hooks.releaseAll(old);
+    releaseAll(old);
     if (!name.isEmpty()) {
         BusChoice::disconnectFrom(name);
     }

@@ -4,13 +4,22 @@
 #define BUSLINK_H
 
 #include "BusSettings.h"
-#include "ConnectionHooks.h"
 
 #include <QDBusConnection>
 #include <QMutex>
 #include <QObject>
+#include <QPointer>
 #include <QString>
 #include <QTimer>
+#include <QVector>
+
+/// A signal as a receiver asks for it.
+struct BusSignal
+{
+    QString path; ///< empty for any
+    QString interface;
+    QString member;
+};
 
 /// Threads: belongs to one thread with an event loop; connection() and isConnected() may be called
 /// in any.
@@ -37,7 +46,10 @@ public:
     const BusChoice &bus() const { return choice; }
 
     /// Holds until the connection is lost or closed, and runs in the link's thread. Nothing else may
-    /// give the connection an object to call: see ConnectionHooks.
+    /// give the connection an object to call: all are taken back before it is closed. QtDBus closes
+    /// it in a thread of its own, after the call that asked for it has returned, and reaches then
+    /// for every object that the connection still knows; by that time its owner may have destroyed
+    /// it.
     ///
     /// @param slot  as SLOT() names it; takes one QDBusMessage
     /// @return false if the connection refused
@@ -54,7 +66,16 @@ private Q_SLOTS:
     void handleDisconnected();
 
 private:
+    struct Subscription
+    {
+        BusSignal signal;
+        QPointer<QObject> receiver; // QtDBus forgets one that is destroyed earlier
+        const char *slot;
+    };
+
     bool connectNow(QString &error);
+    bool hook(QDBusConnection to, const BusSignal &signal, QObject *receiver, const char *slot);
+    void releaseAll(QDBusConnection from);
     void retry();
     void drop();
 
@@ -63,7 +84,7 @@ private:
     int nextDelay;
     QString refusal; // the bus daemon's last; empty when there was none or nobody listened
     bool refusalReported = false; // since the connection was lost
-    ConnectionHooks hooks;
+    QVector<Subscription> subscriptions;
     mutable QMutex mutex; // guards the three below
     QDBusConnection current;
     QString currentName;

@@ -6,6 +6,8 @@
 #include <QDBusConnection>
 #include <QString>
 
+#include <limits>
+
 /// The bus that PROCESSDATA_BUS chooses: "system" (also when unset or empty), "session", or an
 /// address.
 class BusChoice
@@ -24,7 +26,7 @@ public:
     static void disconnectFrom(const QString &connectionName);
 
     /// Whether QtDBus takes the connection for one to another program, not to a bus: whoever opens
-    /// it must introduce it to the bus daemon, and ask for signals. See BusGreeting.h.
+    /// it must introduce it to the bus daemon, and ask for signals.
     bool needsGreeting() const { return kind == Kind::Address; }
 
     /// For people: which bus, with its address where one is known.
@@ -48,5 +50,8 @@ private:
 /// Errors:  anything else in the variable: one warning for each text, and the default.
 /// Threads: any.
 int callTimeLimit();
+
+/// Of calls that may take for ever; libdbus takes this number so.
+constexpr int noTimeLimit = std::numeric_limits<int>::max();
 
 #endif

@@ -2,7 +2,7 @@
 // A connection with which a process serves: who answers a call, and when the answer goes out.
 #include "ServingConnection.h"
 
-#include "BusCall.h"
+#include "BusErrors.h"
 #include "BusNames.h"
 
 #include <QScopedValueRollback>
@@ -109,11 +109,10 @@ void ServingConnection::askCallers()
     for (const QString &caller : callers) {
         call(Wire::call(caller, QStringLiteral("/"), QLatin1String(DBUS_INTERFACE_PEER),
                         QStringLiteral("Ping")),
-             noTimeLimit(), this, [this, caller](const WireMessage &answer) {
-                 const QString error = Wire::errorName(answer);
-                 if (error == QLatin1String(DBUS_ERROR_NO_REPLY)
-                     || error == QLatin1String(DBUS_ERROR_SERVICE_UNKNOWN)
-                     || error == QLatin1String(DBUS_ERROR_NAME_HAS_NO_OWNER)) {
+             noTimeLimit, this, [this, caller](const WireMessage &answer) {
+                 const BusErrors::Kind error = BusErrors::kindOf(Wire::errorName(answer));
+                 if (error == BusErrors::Kind::TimedOut
+                     || error == BusErrors::Kind::ServiceMissing) {
                      queue.gone(caller);
                  } else {
                      queue.answered(caller);

@@ -9,7 +9,6 @@
 
 #include <QDBusArgument>
 #include <QDeadlineTimer>
-#include <QMutexLocker>
 #include <QTimer>
 
 ClientBus::ClientBus(const BusChoice &choice)
@@ -83,26 +82,20 @@ void ClientBus::connectInBusThread()
 bool ClientBus::subscribe(QString &error)
 {
     const QString any;
-    const bool done = link.subscribe({any,
-                                      BusNames::processDescriptionInterface(),
-                                      BusNames::processDescriptionChangedSignal(),
-                                      {}},
-                                     this, SLOT(handleSignal(QDBusMessage)))
+    const char *const signalSlot = SLOT(handleSignal(QDBusMessage));
+    const bool done = link.subscribe({any, BusNames::processDescriptionInterface(),
+                                      BusNames::processDescriptionChangedSignal()},
+                                     this, signalSlot)
         && link.subscribe(
-            {any, BusNames::processDescriptionInterface(), BusNames::propertyChangedSignal(), {}},
-            this, SLOT(handleSignal(QDBusMessage)))
-        && link.subscribe(
-            {any, BusNames::statusManagerInterface(), BusNames::startupReadySignal(), {}}, this,
-            SLOT(handleSignal(QDBusMessage)))
-        && link.subscribe({BusNames::statusManagerPath(),
-                           BusNames::propertiesInterface(),
-                           BusNames::propertiesChangedSignal(),
-                           {}},
+            {any, BusNames::processDescriptionInterface(), BusNames::propertyChangedSignal()}, this,
+            signalSlot)
+        && link.subscribe({any, BusNames::statusManagerInterface(), BusNames::startupReadySignal()},
+                          this, signalSlot)
+        && link.subscribe({BusNames::statusManagerPath(), BusNames::propertiesInterface(),
+                           BusNames::propertiesChangedSignal()},
                           this, SLOT(handleProperties(QDBusMessage)))
-        && link.subscribe({BusNames::daemonPath(),
-                           BusNames::daemonInterface(),
-                           QStringLiteral("NameOwnerChanged"),
-                           {}},
+        && link.subscribe({BusNames::daemonPath(), BusNames::daemonInterface(),
+                           QStringLiteral("NameOwnerChanged")},
                           this, SLOT(handleOwnerChanged(QDBusMessage)));
     if (!done) {
         error = QStringLiteral("the bus connection refuses subscriptions");
@@ -110,25 +103,15 @@ bool ClientBus::subscribe(QString &error)
     return done;
 }
 
-void ClientBus::addListener(const QString &service, const QString &path, ServiceListener *listener)
+void ClientBus::addListener(ServiceListener *listener)
 {
-    if (isMissing()) {
-        return;
-    }
-    const QMutexLocker lock(&mutex);
-    if (table.addListener(service, path, listener)) {
-        QMetaObject::invokeMethod(
-            this, [this, service] { askOwner(service); }, Qt::QueuedConnection);
-    }
-}
-
-void ClientBus::removeListener(const QString &path, ServiceListener *listener)
-{
-    if (isMissing()) {
-        return;
-    }
-    const QMutexLocker lock(&mutex);
-    table.removeListener(path, listener);
+    withTable([&](ServiceTable &present) {
+        if (present.addListener(listener)) {
+            QMetaObject::invokeMethod(
+                this, [this, service = listener->service] { askOwner(service); },
+                Qt::QueuedConnection);
+        }
+    });
 }
 
 bool ClientBus::hasOwner(const QString &service)
@@ -150,7 +133,7 @@ bool ClientBus::hasOwner(const QString &service)
         daemonSilent = true; // further services must not wait as long again
     }
     table.setGivenUp(service);
-    return table.hasOwner(service);
+    return !table.ownerOf(service).isEmpty();
 }
 
 QDBusMessage ClientBus::ownerQuestion(const QString &service)
@@ -165,13 +148,13 @@ QDBusMessage ClientBus::ownerQuestion(const QString &service)
 void ClientBus::askOwner(const QString &service)
 {
     // Without a connection the question is asked when the bus is back.
-    BusCall::send(link.connection(), ownerQuestion(service), noTimeLimit(), this,
+    BusCall::send(link.connection(), ownerQuestion(service), noTimeLimit, this,
                   [this, service](const QDBusMessage &answer) { handleOwner(service, answer); });
 }
 
 void ClientBus::handleOwner(const QString &service, const QDBusMessage &answer)
 {
-    if (BusErrors::isDisconnected(answer)) {
+    if (BusErrors::kindOf(answer) == BusErrors::Kind::Disconnected) {
         return;
     }
     const bool isOwned = answer.type() == QDBusMessage::ReplyMessage;
@@ -203,7 +186,7 @@ void ClientBus::handleSignal(const QDBusMessage &message)
     }
     const QString argument = hasArgument ? message.arguments().at(0).toString() : QString();
     const QMutexLocker lock(&mutex);
-    table.signalReceived(message.service(), message.path(), message.member(), argument);
+    table.signalReceived({message.service(), message.path(), message.member(), argument});
 }
 
 // Of all properties only one is of interest: the status manager's Ready. A change to true is told
@@ -218,7 +201,7 @@ void ClientBus::handleProperties(const QDBusMessage &message)
     const QVariant ready = properties.value(BusNames::readyProperty());
     if (ready.type() == QVariant::Bool && !ready.toBool()) {
         const QMutexLocker lock(&mutex);
-        table.signalReceived(message.service(), message.path(), message.member(), QString());
+        table.signalReceived({message.service(), message.path(), message.member(), QString()});
     }
 }
 

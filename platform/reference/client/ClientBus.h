@@ -11,6 +11,7 @@
 
 #include <QDBusMessage>
 #include <QMutex>
+#include <QMutexLocker>
 #include <QObject>
 #include <QSharedPointer>
 #include <QString>
@@ -38,11 +39,18 @@ public:
     /// Disconnects for good. Called in the bus thread before it ends.
     void shutDown();
 
-    /// From now on the listener hears of the service and of signals from its object at the path.
-    void addListener(const QString &service, const QString &path, ServiceListener *listener);
+    /// From now on the listener hears of its service and of signals from its path, until the table
+    /// forgets it.
+    void addListener(ServiceListener *listener);
 
-    /// The listener is not called any more once this has returned.
-    void removeListener(const QString &path, ServiceListener *listener);
+    /// Hands the table to a function, under the lock; does nothing in a forked child.
+    template <typename Function> void withTable(Function function)
+    {
+        if (!isMissing()) {
+            const QMutexLocker lock(&mutex);
+            function(table);
+        }
+    }
 
     /// Whether somebody owns the service's name. Waits for the bus daemon's first answer, at most
     /// for the platform's time limit.
@@ -51,10 +59,9 @@ public:
     /// Sends a call and waits for its answer, at most for the platform's time limit; an error
     /// message at once when the service is known to hang. Never starts a service.
     ///
-    /// @param call     a method call
-    /// @param missed   receives whether the service kept its answer to itself: it is asked in the
-    ///                 background, and serviceAnswersAgain() follows when it answers
-    QDBusMessage call(const QDBusMessage &call, bool &missed);
+    /// @param asker  hears when a service that kept the named instance to itself answers again; null
+    ///               for nobody
+    QDBusMessage call(const QDBusMessage &call, const ServiceListener *asker = nullptr);
 
     /// Sends a call and hands its answer over when it is this one's turn. Never starts a service.
     void fetch(const FetchQueue::Fetch &fetch);
@@ -68,10 +75,6 @@ public:
     /// way.
     QDBusConnection connection() const { return link.connection(); }
     const BusChoice &bus() const { return link.bus(); }
-
-    /// Whether an answer that took this long says that its service hangs, and then remembers it.
-    bool noteTimeout(const QDBusMessage &call, const QDBusMessage &answer, qint64 milliseconds,
-                     int limit);
 
     /// Whether the bus thread stayed with the process that this one was forked from: nobody would
     /// answer, and the mutex may be held for good.
@@ -105,8 +108,10 @@ private:
     void startFetches();
     void sendFetch(const FetchQueue::Fetch &fetch, bool mayTryAgain);
     void endFetch(const FetchQueue::Fetch &fetch, const QDBusMessage &answer, qint64 milliseconds);
-    static void reportFetch(const FetchQueue::Fetch &fetch, const QDBusMessage &answer,
-                            bool missed);
+    static void reportFetch(const FetchQueue::Fetch &fetch, const QDBusMessage &answer);
+    void noteOwed(const QDBusMessage &call, const ServiceListener *asker);
+    void noteTimeout(const QDBusMessage &call, const ServiceListener *asker,
+                     const QDBusMessage &answer, qint64 milliseconds, int limit);
     void sendProbe(const QString &service, const QString &path, quint64 probe);
     void handleProbe(const QString &service, const QString &path, quint64 probe,
                      const QDBusMessage &answer);

@@ -36,34 +36,33 @@ int secondTryDelay(int limit)
 constexpr int largeText = 1024 * 1024;
 }
 
-QDBusMessage ClientBus::call(const QDBusMessage &call, bool &missed)
+QDBusMessage ClientBus::call(const QDBusMessage &call, const ServiceListener *asker)
 {
     if (isMissing()) {
-        missed = false;
         return refusalOfChild(call);
     }
     const int limit = callTimeLimit();
     {
         const QMutexLocker lock(&mutex);
-        missed = table.isHung(call.service());
-    }
-    if (missed) {
-        return call.createErrorReply(
-            QDBusError::NoReply,
-            QStringLiteral("the service did not answer an earlier call in time and has been silent "
-                           "since"));
+        if (table.isHung(call.service())) {
+            noteOwed(call, asker);
+            return call.createErrorReply(
+                QDBusError::NoReply,
+                QStringLiteral("the service did not answer an earlier call in time and has been "
+                               "silent since"));
+        }
     }
     QDBusMessage request = call;
     request.setAutoStartService(false);
     QElapsedTimer timer;
     timer.start();
     QDBusMessage answer = BusCall::wait(link.connection(), request, limit);
-    if (BusErrors::isRefusedForNow(answer)) {
+    if (BusErrors::kindOf(answer) == BusErrors::Kind::RefusedForNow) {
         QThread::msleep(static_cast<unsigned long>(secondTryDelay(limit)));
         const int left = qMax(1, limit - static_cast<int>(timer.elapsed()));
         answer = BusCall::wait(link.connection(), request, left);
     }
-    missed = noteTimeout(call, answer, timer.elapsed(), limit);
+    noteTimeout(call, asker, answer, timer.elapsed(), limit);
     return answer;
 }
 
@@ -93,16 +92,16 @@ void ClientBus::sendFetch(const FetchQueue::Fetch &fetch, bool mayTryAgain)
 {
     QElapsedTimer timer;
     timer.start();
-    const bool sent
-        = BusCall::send(link.connection(), fetch->call, fetch->timeLimit, this,
-                        [this, fetch, timer, mayTryAgain](const QDBusMessage &answer) {
-                            if (mayTryAgain && BusErrors::isRefusedForNow(answer)) {
-                                QTimer::singleShot(secondTryDelay(fetch->timeLimit), this,
-                                                   [this, fetch] { sendFetch(fetch, false); });
-                                return;
-                            }
-                            endFetch(fetch, answer, timer.elapsed());
-                        });
+    const bool sent = BusCall::send(
+        link.connection(), fetch->call, fetch->timeLimit, this,
+        [this, fetch, timer, mayTryAgain](const QDBusMessage &answer) {
+            if (mayTryAgain && BusErrors::kindOf(answer) == BusErrors::Kind::RefusedForNow) {
+                QTimer::singleShot(secondTryDelay(fetch->timeLimit), this,
+                                   [this, fetch] { sendFetch(fetch, false); });
+                return;
+            }
+            endFetch(fetch, answer, timer.elapsed());
+        });
     if (!sent) {
         endFetch(fetch,
                  fetch->call.createErrorReply(QDBusError::Disconnected,
@@ -114,21 +113,22 @@ void ClientBus::sendFetch(const FetchQueue::Fetch &fetch, bool mayTryAgain)
 void ClientBus::endFetch(const FetchQueue::Fetch &fetch, const QDBusMessage &answer,
                          qint64 milliseconds)
 {
-    const bool missed = noteTimeout(fetch->call, answer, milliseconds, fetch->timeLimit);
+    noteTimeout(fetch->call, fetch->isAbandoned() ? nullptr : fetch->asker, answer, milliseconds,
+                fetch->timeLimit);
     {
         const QMutexLocker lock(&mutex);
         fetches.ended(*fetch);
     }
-    reportFetch(fetch, answer, missed);
+    reportFetch(fetch, answer);
     QMetaObject::invokeMethod(
         this, [this] { startFetches(); }, Qt::QueuedConnection);
 }
 
 // The text is read here, so that the client's thread finds it understood. A large one would keep
 // the bus thread from other services.
-void ClientBus::reportFetch(const FetchQueue::Fetch &fetch, const QDBusMessage &answer, bool missed)
+void ClientBus::reportFetch(const FetchQueue::Fetch &fetch, const QDBusMessage &answer)
 {
-    const auto prepareAndReport = [fetch, answer, missed] {
+    const auto prepareAndReport = [fetch, answer] {
         if (fetch->isAbandoned()) {
             return;
         }
@@ -137,7 +137,7 @@ void ClientBus::reportFetch(const FetchQueue::Fetch &fetch, const QDBusMessage &
             reply.prepared = prepareDescription(reply.value.toString());
             reply.value = reply.prepared->text; // one text for all who have the same
         }
-        fetch->report(reply, missed);
+        fetch->report(reply);
     };
     const bool isLarge = answer.type() == QDBusMessage::ReplyMessage
         && answer.arguments().value(0).toString().size() > largeText;
@@ -148,25 +148,33 @@ void ClientBus::reportFetch(const FetchQueue::Fetch &fetch, const QDBusMessage &
     }
 }
 
-bool ClientBus::noteTimeout(const QDBusMessage &call, const QDBusMessage &answer,
-                            qint64 milliseconds, int limit)
+// Caller holds the mutex.
+void ClientBus::noteOwed(const QDBusMessage &call, const ServiceListener *asker)
+{
+    table.noteOwed(call.path(), asker, call.arguments().value(0).toString());
+}
+
+void ClientBus::noteTimeout(const QDBusMessage &call, const ServiceListener *asker,
+                            const QDBusMessage &answer, qint64 milliseconds, int limit)
 {
     // The same error comes at once when the service dies with the call: that is no hanging.
     // QtDBus measures with coarse timers, which may be 5 % early.
     constexpr int toleranceDivisor = 10;
-    if (!BusErrors::isTimeout(answer) || milliseconds < limit - limit / toleranceDivisor) {
-        return false;
+    if (BusErrors::kindOf(answer) != BusErrors::Kind::TimedOut
+        || milliseconds < limit - limit / toleranceDivisor) {
+        return;
     }
-    const QString service = call.service();
-    const QString path = call.path();
     const QMutexLocker lock(&mutex);
-    const quint64 probe = table.setHung(service);
+    noteOwed(call, asker);
+    const quint64 probe = table.setHung(call.service());
     if (probe != 0) {
         QMetaObject::invokeMethod(
-            this, [this, service, path, probe] { sendProbe(service, path, probe); },
+            this,
+            [this, service = call.service(), path = call.path(), probe] {
+                sendProbe(service, path, probe);
+            },
             Qt::QueuedConnection);
     }
-    return true;
 }
 
 // Asks the object itself, not org.freedesktop.DBus.Peer: bus libraries answer that one in a thread
@@ -177,7 +185,7 @@ void ClientBus::sendProbe(const QString &service, const QString &path, quint64 p
         service, path, BusNames::processDescriptionInterface(), QStringLiteral("ListInstances"));
     message.setAutoStartService(false);
     // Without a connection there is none to wait for: the loss of the bus ends all probes.
-    BusCall::send(link.connection(), message, noTimeLimit(), this,
+    BusCall::send(link.connection(), message, noTimeLimit, this,
                   [this, service, path, probe](const QDBusMessage &answer) {
                       handleProbe(service, path, probe, answer);
                   });
@@ -189,7 +197,8 @@ void ClientBus::handleProbe(const QString &service, const QString &path, quint64
     if (!link.isConnected()) {
         return; // the loss of the bus has ended all probes
     }
-    if (BusErrors::isTimeout(answer)) {
+    const BusErrors::Kind kind = BusErrors::kindOf(answer);
+    if (kind == BusErrors::Kind::TimedOut) {
         // Either the bus daemon gave up or the service died; then its owner changes, and the next
         // probe finds itself outdated.
         auto *timer = new QTimer(this);
@@ -201,10 +210,10 @@ void ClientBus::handleProbe(const QString &service, const QString &path, quint64
         timer->start(probeRetryDelay);
         return;
     }
-    const bool answered
-        = !BusErrors::isServiceMissing(answer) && !BusErrors::isDisconnected(answer);
     const QMutexLocker lock(&mutex);
-    table.probeEnded(service, probe, answered);
+    table.probeEnded(service, probe,
+                     kind != BusErrors::Kind::ServiceMissing
+                         && kind != BusErrors::Kind::Disconnected);
 }
 
 void ClientBus::repeatProbe(const QString &service, const QString &path, quint64 probe)

@@ -53,7 +53,7 @@ void ClientBus::handleLostOwner(const QString &service,
                                 const QDBusMessage &answer)
 {
     const bool isOwned = answer.type() == QDBusMessage::ReplyMessage;
-    if (!isOwned && !BusErrors::isServiceMissing(answer)) {
+    if (!isOwned && BusErrors::kindOf(answer) != BusErrors::Kind::ServiceMissing) {
         return; // the bus is away or silent
     }
     const QString owner = isOwned ? answer.arguments().value(0).toString() : QString();
@@ -85,8 +85,7 @@ void ClientBus::fetchLost(const QString &service, const QString &owner,
         const QString path = BusNames::pathOfObject(source->name.object);
         fetches.add(FetchQueue::Fetch::create(
             descriptionCall(service, path, source->name.instance, QString()), callTimeLimit(), this,
-            [this, owner, source](const DescriptionReply &reply, bool missed) {
-                Q_UNUSED(missed)
+            [this, owner, source](const DescriptionReply &reply) {
                 handleLostFetch(owner, *source, reply);
             }));
     }
@@ -105,6 +104,6 @@ void ClientBus::handleLostFetch(const QString &owner, const SourceWatch &source,
         ? BusNames::propertyChangedSignal()
         : BusNames::processDescriptionChangedSignal();
     const QMutexLocker lock(&mutex);
-    table.signalReceived(owner, BusNames::pathOfObject(source.name.object), missed,
-                         source.name.instance);
+    table.signalReceived(
+        {owner, BusNames::pathOfObject(source.name.object), missed, source.name.instance});
 }

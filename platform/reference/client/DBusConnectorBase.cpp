@@ -27,15 +27,12 @@ bool DBusConnectorBase::isDBusInterfaceValid() const
     return d->bus->hasOwner(d->service);
 }
 
-DBusConnectorBasePrivate::DBusConnectorBasePrivate(QSharedPointer<ClientBus> bus, QString service,
-                                                   QString path)
-    : bus(std::move(bus))
-    , service(std::move(service))
-    , path(std::move(path))
+DBusConnectorBasePrivate::DBusConnectorBasePrivate(QSharedPointer<ClientBus> bus,
+                                                   const QString &service, const QString &path)
+    : ServiceListener(service, path)
+    , bus(std::move(bus))
 {
 }
-
-DBusConnectorBasePrivate::~DBusConnectorBasePrivate() = default;
 
 QSharedPointer<ClientBus> DBusConnectorBasePrivate::findBus()
 {
@@ -53,56 +50,26 @@ void DBusConnectorBasePrivate::start(QObject *owner)
     turn->setSingleShot(true);
     turn->setInterval(0);
     QObject::connect(turn, &QTimer::timeout, owner, [this] { deliver(); });
-    bus->addListener(service, path, this);
+    bus->addListener(this);
 }
 
 void DBusConnectorBasePrivate::stop()
 {
-    bus->removeListener(path, this);
-}
-
-void DBusConnectorBasePrivate::servicePresent(Presence presence, const QString &owner)
-{
-    Event event;
-    event.presence = presence;
-    event.argument = owner;
-    enqueue(event);
-}
-
-void DBusConnectorBasePrivate::serviceAnswersAgain()
-{
-    Event event;
-    event.kind = Event::Kind::AnswersAgain;
-    enqueue(event);
-}
-
-bool DBusConnectorBasePrivate::hasAskedFor(const QString &argument) const
-{
-    Q_UNUSED(argument)
-    return false; // it asks for nothing that has a name
-}
-
-void DBusConnectorBasePrivate::signalReceived(const QString &member, const QString &argument)
-{
-    Event event;
-    event.kind = Event::Kind::Signal;
-    event.member = member;
-    event.argument = argument;
-    enqueue(event);
+    bus->withTable([this](ServiceTable &table) { table.removeListener(this); });
 }
 
 // A signal that waits for delivery already says all that an equal one after it would say. One of
 // another kind in between keeps both, so that the last kind reported is the last kind announced.
-bool DBusConnectorBasePrivate::isQueuedAlready(const Event &signal)
+bool DBusConnectorBasePrivate::isQueuedAlready(const ServiceEvent &signal)
 {
     QString &last = lastSignals[signal.argument];
     return std::exchange(last, signal.member) == signal.member;
 }
 
-void DBusConnectorBasePrivate::enqueue(const Event &event)
+void DBusConnectorBasePrivate::hear(const ServiceEvent &event)
 {
     const QMutexLocker lock(&mutex);
-    if (event.kind != Event::Kind::Signal) {
+    if (event.kind != ServiceEvent::Kind::Signal) {
         lastSignals.clear();
     } else if (isQueuedAlready(event)) {
         return;
@@ -118,32 +85,17 @@ void DBusConnectorBasePrivate::enqueue(const Event &event)
 
 void DBusConnectorBasePrivate::deliver()
 {
-    QVector<Event> events;
+    QVector<ServiceEvent> events;
     {
         const QMutexLocker lock(&mutex);
-        events = std::exchange(queue, QVector<Event>());
+        events = std::exchange(queue, {});
         lastSignals.clear();
     }
     const QPointer<QObject> alive(turn);
-    for (const Event &event : std::as_const(events)) {
+    for (const ServiceEvent &event : std::as_const(events)) {
         handle(event);
         if (alive.isNull()) {
             return; // what it was told made its owner release it, and this object with it
         }
-    }
-}
-
-void DBusConnectorBasePrivate::handle(const Event &event)
-{
-    switch (event.kind) {
-    case Event::Kind::Present:
-        handlePresence(event.presence, event.argument);
-        break;
-    case Event::Kind::AnswersAgain:
-        handleAnswersAgain();
-        break;
-    case Event::Kind::Signal:
-        handleSignal(event.member, event.argument);
-        break;
     }
 }

@@ -20,8 +20,8 @@ class QTimer;
 class DBusConnectorBasePrivate : public ServiceListener
 {
 public:
-    DBusConnectorBasePrivate(QSharedPointer<ClientBus> bus, QString service, QString path);
-    ~DBusConnectorBasePrivate() override;
+    DBusConnectorBasePrivate(QSharedPointer<ClientBus> bus, const QString &service,
+                             const QString &path);
 
     /// The bus that the environment chooses; null, with a warning, when it cannot be reached.
     static QSharedPointer<ClientBus> findBus();
@@ -29,40 +29,21 @@ public:
     void start(QObject *owner);
     void stop();
 
-    void servicePresent(Presence presence, const QString &owner) override;
-    void serviceAnswersAgain() override;
-    bool hasAskedFor(const QString &argument) const override;
-    void signalReceived(const QString &member, const QString &argument) override;
+    void hear(const ServiceEvent &event) override;
 
     const QSharedPointer<ClientBus> bus;
-    const QString service;
-    const QString path;
 
 protected:
-    // In the connector's thread, one at a time. The connector may be gone when they return.
-    virtual void handlePresence(Presence presence, const QString &owner) = 0;
-    virtual void handleAnswersAgain() = 0;
-    virtual void handleSignal(const QString &member, const QString &argument) = 0;
+    // In the connector's thread, one at a time. The connector may be gone when it returns.
+    virtual void handle(const ServiceEvent &event) = 0;
 
 private:
-    struct Event
-    {
-        enum class Kind { Present, AnswersAgain, Signal };
-
-        Kind kind = Kind::Present;
-        Presence presence = Presence::Found;
-        QString member;
-        QString argument; // or the service's owner
-    };
-
-    bool isQueuedAlready(const Event &signal);
-    void enqueue(const Event &event);
+    bool isQueuedAlready(const ServiceEvent &signal);
     void deliver();
-    void handle(const Event &event);
 
     QTimer *turn = nullptr; // a child of the connector
     QMutex mutex; // guards what follows
-    QVector<Event> queue;
+    QVector<ServiceEvent> queue;
     QHash<QString, QString> lastSignals; // of each argument in the queue's last run of signals
 };
 

@@ -3,9 +3,7 @@
 #include "DBusPendingReply.h"
 
 #include "DBusPendingReplyPrivate.h"
-#include "DescriptionReply.h"
-
-#include <utility>
+#include "DBusProcessDescriptionConnectorPrivate.h"
 
 DBusPendingReply::DBusPendingReply(DBusPendingReplyPrivate *state)
     : d(state)
@@ -20,28 +18,30 @@ QVariant DBusPendingReply::getReply()
 }
 
 QSharedPointer<DBusPendingReply>
-DBusPendingReplyPrivate::send(const QSharedPointer<ClientBus> &bus, const QDBusMessage &call,
-                              const QSharedPointer<FetchMemory> &memory, QThread *thread)
+DBusPendingReplyPrivate::send(const DBusProcessDescriptionConnector &asker,
+                              const QDBusMessage &call)
 {
     // Queued string connections to dBusServiceError are dropped unless the type is registered.
     qRegisterMetaType<ErrorContainer>("ErrorContainer");
     QSharedPointer<DBusPendingReply> reply;
+    const auto &connector = DBusProcessDescriptionConnectorPrivate::of(asker);
+    const QSharedPointer<ClientBus> &bus = connector.bus;
     if (bus->isMissing() || !bus->connection().isConnected()) {
         return reply;
     }
-    auto *state = new DBusPendingReplyPrivate(memory);
+    auto *state = new DBusPendingReplyPrivate(asker);
     reply.reset(new DBusPendingReply(state));
     state->q = reply.data();
     state->fetch = FetchQueue::Fetch::create(
         call, callTimeLimit(), state->q,
-        [state](const DescriptionReply &answer, bool missed) { state->finish(answer, missed); });
-    reply->moveToThread(thread);
+        [state](const DescriptionReply &answer) { state->finish(answer); }, &connector);
+    reply->moveToThread(asker.thread());
     bus->fetch(state->fetch);
     return reply;
 }
 
-DBusPendingReplyPrivate::DBusPendingReplyPrivate(QSharedPointer<FetchMemory> memory)
-    : memory(std::move(memory))
+DBusPendingReplyPrivate::DBusPendingReplyPrivate(const DBusProcessDescriptionConnector &asker)
+    : asker(&asker)
 {
 }
 
@@ -50,14 +50,13 @@ DBusPendingReplyPrivate::~DBusPendingReplyPrivate()
     fetch->abandon();
 }
 
-void DBusPendingReplyPrivate::finish(const DescriptionReply &answer, bool missed)
+void DBusPendingReplyPrivate::finish(const DescriptionReply &answer)
 {
-    const QString instanceName = fetch->call.arguments().value(0).toString();
-    if (missed) {
-        memory->noteMissed(instanceName);
-    }
-    if (!answer.prepared.isNull()) {
-        memory->expect(instanceName, answer.prepared);
+    if (!answer.prepared.isNull() && !asker.isNull()) {
+        const auto &state = DBusProcessDescriptionConnectorPrivate::of(*asker);
+        state.bus->withTable([&](ServiceTable &table) {
+            table.expect(&state, fetch->call.arguments().value(0).toString(), answer.prepared);
+        });
     }
     reply = answer.value;
     const ErrorContainer error = answer.error; // the answer may go with this object

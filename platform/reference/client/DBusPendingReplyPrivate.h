@@ -3,37 +3,34 @@
 #ifndef DBUSPENDINGREPLYPRIVATE_H
 #define DBUSPENDINGREPLYPRIVATE_H
 
-#include "ClientBus.h"
 #include "DBusPendingReply.h"
-#include "FetchMemory.h"
+#include "DBusProcessDescriptionConnector.h"
+#include "FetchQueue.h"
 
 #include <QDBusMessage>
+#include <QPointer>
 #include <QSharedPointer>
 #include <QVariant>
-
-class QThread;
 
 class DBusPendingReplyPrivate
 {
 public:
     /// Sends the call when its turn comes.
     ///
-    /// @param thread  in which the reply reports
+    /// @param asker  in whose thread the reply reports
     /// @returns null when there is no connection to send it on
-    static QSharedPointer<DBusPendingReply> send(const QSharedPointer<ClientBus> &bus,
-                                                 const QDBusMessage &call,
-                                                 const QSharedPointer<FetchMemory> &memory,
-                                                 QThread *thread);
+    static QSharedPointer<DBusPendingReply> send(const DBusProcessDescriptionConnector &asker,
+                                                 const QDBusMessage &call);
 
-    explicit DBusPendingReplyPrivate(QSharedPointer<FetchMemory> memory);
+    explicit DBusPendingReplyPrivate(const DBusProcessDescriptionConnector &asker);
     ~DBusPendingReplyPrivate();
 
     const QVariant &value() const { return reply; }
 
 private:
-    void finish(const DescriptionReply &answer, bool missed);
+    void finish(const DescriptionReply &answer);
 
-    const QSharedPointer<FetchMemory> memory;
+    const QPointer<const DBusProcessDescriptionConnector> asker;
     FetchQueue::Fetch fetch;
     DBusPendingReply *q = nullptr;
     QVariant reply;

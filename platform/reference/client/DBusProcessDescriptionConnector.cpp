@@ -38,35 +38,27 @@ DBusReply DBusProcessDescriptionConnector::getProcessDataDescription(const QStri
                                                                      const QString &reserved) const
 {
     const auto &state = DBusProcessDescriptionConnectorPrivate::of(*this);
+    PreparedDescriptionPointer announced;
+    state.bus->withTable(
+        [&](ServiceTable &table) { announced = table.noteAsked(&state, instanceName); });
     // What the asynchronous fetch brought need not be sent again: the service only says that it
     // still is the same. One that does not know the question sends it all.
-    const PreparedDescriptionPointer expected = reserved.isEmpty()
-        ? state.memory->expectedOf(instanceName)
-        : PreparedDescriptionPointer();
+    const PreparedDescriptionPointer expected
+        = reserved.isEmpty() ? announced : PreparedDescriptionPointer();
     const QDBusMessage call = descriptionCall(state.service, state.path, instanceName,
                                               expected.isNull() ? reserved : expected->token);
-    state.memory->noteAsked(instanceName);
-    // Before the call: another thread may hear that the service answers again before this one goes
-    // on.
-    state.memory->noteMissed(instanceName);
-    bool missed = false;
-    const QDBusMessage answer = state.bus->call(call, missed);
-    if (missed) {
-        state.memory->noteMissed(
-            instanceName); // again: it may have been forgotten with an earlier owner
-    } else {
-        state.memory->forgetMissed(instanceName);
+    const DescriptionReply judged = judgeDescriptionReply(call, state.bus->call(call, &state));
+    if (judged.error.getCode() != 0) {
+        return DBusReply::fromError(judged.error.getText());
     }
-    const DescriptionReply judged = judgeDescriptionReply(call, answer);
-    if (!expected.isNull() && judged.error.getCode() == 0) {
+    if (!expected.isNull()) {
         const QString text = judged.value.toString();
         if (text == expected->token || text == expected->text) {
             return DBusReply::fromValue(expected->text);
         }
-        state.memory->forgetExpected(instanceName);
+        state.bus->withTable([&](ServiceTable &table) { table.expect(&state, instanceName, {}); });
     }
-    return judged.error.getCode() == 0 ? DBusReply::fromValue(judged.value)
-                                       : DBusReply::fromError(judged.error.getText());
+    return DBusReply::fromValue(judged.value);
 }
 
 QSharedPointer<DBusPendingReply>
@@ -74,17 +66,15 @@ DBusProcessDescriptionConnector::getProcessDataDescriptionAsynchron(const QStrin
                                                                     const QString &reserved) const
 {
     const auto &state = DBusProcessDescriptionConnectorPrivate::of(*this);
-    state.memory->noteAsked(instanceName);
+    state.bus->withTable([&](ServiceTable &table) { table.noteAsked(&state, instanceName); });
     return DBusPendingReplyPrivate::send(
-        state.bus, descriptionCall(state.service, state.path, instanceName, reserved), state.memory,
-        thread());
+        *this, descriptionCall(state.service, state.path, instanceName, reserved));
 }
 
 DBusProcessDescriptionConnectorPrivate::DBusProcessDescriptionConnectorPrivate(
     QSharedPointer<ClientBus> bus, const QString &moduleName, const QString &objectName)
     : DBusConnectorBasePrivate(std::move(bus), BusNames::serviceOfModule(moduleName),
                                BusNames::pathOfObject(objectName))
-    , memory(QSharedPointer<FetchMemory>::create())
 {
 }
 
@@ -94,42 +84,16 @@ DBusProcessDescriptionConnectorPrivate::of(const DBusProcessDescriptionConnector
     return static_cast<const DBusProcessDescriptionConnectorPrivate &>(*q.d);
 }
 
-// What an earlier owner owes is settled by what this one says next. Forgotten here, not when the
-// connector's thread comes to hear of it: by then the new owner may hang in turn.
-void DBusProcessDescriptionConnectorPrivate::servicePresent(Presence presence, const QString &owner)
+void DBusProcessDescriptionConnectorPrivate::handle(const ServiceEvent &event)
 {
-    if (presence != Presence::Found) {
-        memory->takeMissed();
-    }
-    DBusConnectorBasePrivate::servicePresent(presence, owner);
-}
-
-bool DBusProcessDescriptionConnectorPrivate::hasAskedFor(const QString &instanceName) const
-{
-    return memory->wasAsked(instanceName);
-}
-
-void DBusProcessDescriptionConnectorPrivate::handlePresence(Presence presence, const QString &owner)
-{
-    Q_UNUSED(owner)
     // Found: the first fetch is still to come. Appeared: the service announces all that it has.
-    if (presence == Presence::FoundAgain) {
+    if (event.kind == ServiceEvent::Kind::FoundAgain) {
         announceAll();
-    }
-}
-
-void DBusProcessDescriptionConnectorPrivate::handleAnswersAgain()
-{
-    announce(memory->takeMissed());
-}
-
-void DBusProcessDescriptionConnectorPrivate::handleSignal(const QString &member,
-                                                          const QString &argument)
-{
-    if (member == BusNames::processDescriptionChangedSignal()) {
-        Q_EMIT q->processDataDescriptionChanged(argument);
-    } else if (member == BusNames::propertyChangedSignal()) {
-        Q_EMIT q->propertyChanged(argument);
+    } else if (event.kind == ServiceEvent::Kind::AnswersAgain
+               || event.member == BusNames::processDescriptionChangedSignal()) {
+        Q_EMIT q->processDataDescriptionChanged(event.argument);
+    } else if (event.member == BusNames::propertyChangedSignal()) {
+        Q_EMIT q->propertyChanged(event.argument);
     }
 }
 
@@ -141,9 +105,14 @@ void DBusProcessDescriptionConnectorPrivate::announceAll()
     call.setAutoStartService(false);
     // Without a connection the service is found once more when the bus is back.
     BusCall::send(bus->connection(), call, callTimeLimit(), q, [this](const QDBusMessage &answer) {
-        const bool isList = answer.type() == QDBusMessage::ReplyMessage
-            && answer.signature() == QLatin1String("as");
-        announce(isList ? answer.arguments().at(0).toStringList() : memory->allAsked());
+        QStringList instances;
+        if (answer.type() == QDBusMessage::ReplyMessage
+            && answer.signature() == QLatin1String("as")) {
+            instances = answer.arguments().at(0).toStringList();
+        } else {
+            bus->withTable([&](ServiceTable &table) { instances = table.askedBy(this); });
+        }
+        announce(instances);
     });
 }
 

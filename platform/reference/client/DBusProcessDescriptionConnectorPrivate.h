@@ -5,9 +5,7 @@
 
 #include "DBusConnectorBasePrivate.h"
 #include "DBusProcessDescriptionConnector.h"
-#include "FetchMemory.h"
 
-#include <QDBusMessage>
 #include <QStringList>
 
 class DBusProcessDescriptionConnectorPrivate : public DBusConnectorBasePrivate
@@ -19,16 +17,10 @@ public:
     static const DBusProcessDescriptionConnectorPrivate &
     of(const DBusProcessDescriptionConnector &q);
 
-    void servicePresent(Presence presence, const QString &owner) override;
-    bool hasAskedFor(const QString &instanceName) const override;
-
-    const QSharedPointer<FetchMemory> memory;
     DBusProcessDescriptionConnector *q = nullptr;
 
 protected:
-    void handlePresence(Presence presence, const QString &owner) override;
-    void handleAnswersAgain() override;
-    void handleSignal(const QString &member, const QString &argument) override;
+    void handle(const ServiceEvent &event) override;
 
 private:
     void announceAll();

@@ -21,9 +21,10 @@ QString keyOf(const QDBusMessage &call)
 }
 
 DescriptionFetch::DescriptionFetch(const QDBusMessage &call, int timeLimit, QObject *receiver,
-                                   Handler handler)
+                                   Handler handler, const ServiceListener *asker)
     : call(call)
     , timeLimit(timeLimit)
+    , asker(asker)
     , key(keyOf(call))
     , handler(std::move(handler))
     , receiver(receiver)
@@ -42,14 +43,13 @@ bool DescriptionFetch::isAbandoned() const
     return receiver == nullptr;
 }
 
-void DescriptionFetch::report(const DescriptionReply &reply, bool missed)
+void DescriptionFetch::report(const DescriptionReply &reply)
 {
     const QMutexLocker lock(&mutex);
     if (receiver != nullptr) {
         // What is posted goes with the receiver.
         QMetaObject::invokeMethod(
-            receiver, [handler = handler, reply, missed] { handler(reply, missed); },
-            Qt::QueuedConnection);
+            receiver, [handler = handler, reply] { handler(reply); }, Qt::QueuedConnection);
     }
 }
 

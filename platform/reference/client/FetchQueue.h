@@ -16,28 +16,32 @@
 
 #include <functional>
 
+class ServiceListener;
+
 /// One fetch of a description, from the request to its end.
 ///
 /// Threads: any.
 class DescriptionFetch
 {
 public:
-    /// @param missed  whether the service kept its answer to itself
-    using Handler = std::function<void(const DescriptionReply &reply, bool missed)>;
+    using Handler = std::function<void(const DescriptionReply &reply)>;
 
     /// @param timeLimit  milliseconds, from when it is sent
     /// @param receiver   in whose thread the handler is called; abandon() comes before its end
-    DescriptionFetch(const QDBusMessage &call, int timeLimit, QObject *receiver, Handler handler);
+    /// @param asker      whom a service that hangs owes the answer
+    DescriptionFetch(const QDBusMessage &call, int timeLimit, QObject *receiver, Handler handler,
+                     const ServiceListener *asker = nullptr);
 
     /// Nobody waits for it any more: it is not sent if it has not been yet, and reports nothing.
     void abandon();
     bool isAbandoned() const;
 
     /// Hands the answer over, queued.
-    void report(const DescriptionReply &reply, bool missed);
+    void report(const DescriptionReply &reply);
 
     const QDBusMessage call;
     const int timeLimit;
+    const ServiceListener *const asker; ///< may be gone: only to be compared
     const QString key; ///< the same for all fetches that ask for the same
 
 private:

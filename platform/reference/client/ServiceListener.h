@@ -5,40 +5,43 @@
 
 #include <QString>
 
-/// Called in the bus thread, under the lock of ClientBus: an implementer only queues what it has
-/// heard.
+#include <utility>
+
+struct ServiceEvent
+{
+    enum class Kind {
+        Found, ///< the service was there when the first connector asked
+        Appeared, ///< it took its name; whatever it has to say follows
+        FoundAgain, ///< it was there when the bus could be asked again, and was not heard meanwhile
+        AnswersAgain, ///< it hung, and owes the listener an answer
+        Signal, ///< its owner sent a signal from the listener's path
+    };
+
+    Kind kind;
+    /// The owner's unique name; the instance that is owed; the signal's only argument, null when it
+    /// has none.
+    QString argument;
+    QString member = {}; ///< of the signal
+};
+
+/// Hears of one service, and of signals of the object at one path of it.
 class ServiceListener
 {
 public:
-    /// Why a service counts as present now.
-    enum class Presence {
-        Found, ///< it was there when the first connector asked
-        Appeared, ///< it took its name; whatever it has to say follows
-        FoundAgain, ///< it was there when the bus could be asked again; what it said meanwhile is
-        ///< lost
-    };
-
+    ServiceListener(QString service, QString path)
+        : service(std::move(service))
+        , path(std::move(path))
+    {
+    }
     virtual ~ServiceListener() = default;
     ServiceListener(const ServiceListener &) = delete;
     ServiceListener &operator=(const ServiceListener &) = delete;
 
-    /// @param owner  unique bus name of whoever owns the service now
-    virtual void servicePresent(Presence presence, const QString &owner) = 0;
+    /// Called in the bus thread, under the lock of ClientBus: an implementer only queues it.
+    virtual void hear(const ServiceEvent &event) = 0;
 
-    /// A service that was remembered as hung has answered again.
-    virtual void serviceAnswersAgain() = 0;
-
-    /// Whether it has asked the service for what a signal's argument names. Then it is told of the
-    /// signal before the others.
-    virtual bool hasAskedFor(const QString &argument) const = 0;
-
-    /// The service's present owner sent a signal from the listener's path.
-    ///
-    /// @param argument  the signal's only argument; null when it has none
-    virtual void signalReceived(const QString &member, const QString &argument) = 0;
-
-protected:
-    ServiceListener() = default;
+    const QString service;
+    const QString path;
 };
 
 #endif

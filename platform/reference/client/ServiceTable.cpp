@@ -1,55 +1,85 @@
 // SPDX-License-Identifier: MIT
-// Who owns which service, who listens to it, and which services hang.
+// Who owns which service, who listens to it for what, and what services that hang owe.
 #include "ServiceTable.h"
 
-#include <QStringList>
-#include <QVarLengthArray>
-
+#include <algorithm>
 #include <utility>
 
-bool ServiceTable::addListener(const QString &service, const QString &path,
-                               ServiceListener *listener)
+bool ServiceTable::addListener(ServiceListener *listener)
 {
-    listenersByPath.insert(path, Listening{service, listener});
-    const auto entry = entries.constFind(service);
+    listeners[listener->path] += Listening{listener, {}};
+    const auto entry = entries.constFind(listener->service);
     if (entry == entries.constEnd()) {
-        entries.insert(service, Entry());
+        entries.insert(listener->service, Entry());
         return true;
     }
     if (!entry->owner.isEmpty()) {
-        listener->servicePresent(ServiceListener::Presence::Found, entry->owner);
+        listener->hear({ServiceEvent::Kind::Found, entry->owner});
     }
     return false;
 }
 
-void ServiceTable::removeListener(const QString &path, ServiceListener *listener)
+void ServiceTable::removeListener(const ServiceListener *listener)
 {
-    auto it = listenersByPath.find(path);
-    while (it != listenersByPath.end() && it.key() == path) {
-        it = it->listener == listener ? listenersByPath.erase(it) : std::next(it);
+    QVector<Listening> &present = listeners[listener->path];
+    present.erase(
+        std::remove_if(present.begin(), present.end(),
+                       [listener](const Listening &each) { return each.listener == listener; }),
+        present.end());
+    if (present.isEmpty()) {
+        listeners.remove(listener->path);
+    }
+}
+
+ServiceTable::Listening *ServiceTable::find(const QString &path, const ServiceListener *listener)
+{
+    const auto present = listeners.find(path);
+    if (present != listeners.end()) {
+        for (Listening &each : *present) {
+            if (each.listener == listener) {
+                return &each;
+            }
+        }
+    }
+    return nullptr;
+}
+
+PreparedDescriptionPointer ServiceTable::noteAsked(const ServiceListener *listener,
+                                                   const QString &instance)
+{
+    return find(listener->path, listener)->asked[instance].expected;
+}
+
+void ServiceTable::expect(const ServiceListener *listener, const QString &instance,
+                          const PreparedDescriptionPointer &description)
+{
+    find(listener->path, listener)->asked[instance].expected = description;
+}
+
+QStringList ServiceTable::askedBy(const ServiceListener *listener)
+{
+    return find(listener->path, listener)->asked.keys();
+}
+
+void ServiceTable::noteOwed(const QString &path, const ServiceListener *listener,
+                            const QString &instance)
+{
+    if (Listening *const present = find(path, listener)) {
+        present->asked[instance].owed = true;
     }
 }
 
 bool ServiceTable::isKnown(const QString &service) const
 {
-    return entries.value(service).known;
-}
-
-bool ServiceTable::hasOwner(const QString &service) const
-{
-    return !entries.value(service).owner.isEmpty();
-}
-
-QString ServiceTable::ownerOf(const QString &service) const
-{
-    return entries.value(service).owner;
+    const Awaits awaits = entries.value(service).awaits;
+    return awaits == Awaits::Bus || awaits == Awaits::Changes;
 }
 
 void ServiceTable::setGivenUp(const QString &service)
 {
     const auto entry = entries.find(service);
-    if (entry != entries.end() && !entry->known) {
-        entry->givenUp = true;
+    if (entry != entries.end() && entry->awaits == Awaits::FirstAnswer) {
+        entry->awaits = Awaits::LateAnswer;
     }
 }
 
@@ -57,35 +87,34 @@ void ServiceTable::ownerChanged(const QString &service, const QString &owner)
 {
     const auto entry = entries.find(service);
     if (entry != entries.end()) {
-        becomeKnown(service, *entry, owner, ServiceListener::Presence::Appeared);
+        becomeKnown(service, *entry, owner, ServiceEvent::Kind::Appeared);
     }
 }
 
 void ServiceTable::ownerAnswered(const QString &service, const QString &owner)
 {
     const auto entry = entries.find(service);
-    if (entry != entries.end() && !entry->known) {
-        const bool missedSomething = entry->givenUp || entry->askedAgain;
+    if (entry != entries.end() && !isKnown(service)) {
         becomeKnown(service, *entry, owner,
-                    missedSomething ? ServiceListener::Presence::FoundAgain
-                                    : ServiceListener::Presence::Found);
+                    entry->awaits == Awaits::LateAnswer ? ServiceEvent::Kind::FoundAgain
+                                                        : ServiceEvent::Kind::Found);
     }
 }
 
 void ServiceTable::becomeKnown(const QString &service, Entry &entry, const QString &owner,
-                               ServiceListener::Presence presence)
+                               ServiceEvent::Kind kind)
 {
-    entry.known = true;
-    entry.givenUp = false;
-    entry.probe = 0;
-    entry.owner = owner;
-    const QVector<Signal> held = std::exchange(entry.held, QVector<Signal>());
+    const Entry before = std::exchange(entry, {Awaits::Changes, owner, {}, 0});
     if (owner.isEmpty()) {
         return;
     }
-    forEachListener(service,
-                    [&](ServiceListener *listener) { listener->servicePresent(presence, owner); });
-    for (const Signal &signal : held) {
+    forEachListening(service, [&](Listening &each) {
+        for (Asked &asked : each.asked) {
+            asked.owed = false; // by an earlier owner: settled by what this one says next
+        }
+        each.listener->hear({kind, owner});
+    });
+    for (const ServiceSignal &signal : before.held) {
         if (signal.sender == owner) {
             deliver(service, signal);
         }
@@ -95,57 +124,50 @@ void ServiceTable::becomeKnown(const QString &service, Entry &entry, const QStri
 void ServiceTable::busLost()
 {
     for (Entry &entry : entries) {
-        entry = Entry();
-        entry.known = true;
-        entry.askedAgain = true;
+        entry = {Awaits::Bus, {}, {}, 0};
     }
 }
 
 void ServiceTable::busRestored()
 {
     for (Entry &entry : entries) {
-        entry.known = false;
+        if (entry.awaits != Awaits::FirstAnswer) {
+            entry.awaits = Awaits::LateAnswer;
+        }
     }
 }
 
-void ServiceTable::signalReceived(const QString &sender, const QString &path, const QString &member,
-                                  const QString &argument)
+void ServiceTable::signalReceived(const ServiceSignal &signal)
 {
     QStringList served; // several connectors of one service listen to the same path
-    for (auto it = listenersByPath.constFind(path);
-         it != listenersByPath.constEnd() && it.key() == path; ++it) {
-        if (served.contains(it->service)) {
+    const QVector<Listening> present = listeners.value(signal.path);
+    for (const Listening &each : present) {
+        const QString &service = each.listener->service;
+        if (served.contains(service)) {
             continue;
         }
-        served += it->service;
-        Entry &entry = entries[it->service];
-        const Signal signal{sender, path, member, argument};
-        if (!entry.known) {
+        served += service;
+        Entry &entry = entries[service];
+        if (!isKnown(service)) {
             entry.held += signal;
-        } else if (entry.owner == sender) {
-            deliver(it->service, signal);
+        } else if (entry.owner == signal.sender) {
+            deliver(service, signal);
         }
     }
 }
 
 // A client has a listener for each instance of an object, and all hear of each: the one that has
 // asked for the instance does not wait for them.
-void ServiceTable::deliver(const QString &service, const Signal &signal)
+void ServiceTable::deliver(const QString &service, const ServiceSignal &signal) const
 {
-    QVarLengthArray<ServiceListener *, 16> others;
-    for (auto it = listenersByPath.constFind(signal.path);
-         it != listenersByPath.constEnd() && it.key() == signal.path; ++it) {
-        if (it->service != service) {
-            continue;
+    const QVector<Listening> present = listeners.value(signal.path);
+    for (const bool asked : {true, false}) {
+        for (const Listening &each : present) {
+            if (each.listener->service == service
+                && each.asked.contains(signal.argument) == asked) {
+                each.listener->hear({ServiceEvent::Kind::Signal, signal.argument, signal.member});
+            }
         }
-        if (it->listener->hasAskedFor(signal.argument)) {
-            it->listener->signalReceived(signal.member, signal.argument);
-        } else {
-            others.append(it->listener);
-        }
-    }
-    for (ServiceListener *const listener : others) {
-        listener->signalReceived(signal.member, signal.argument);
     }
 }
 
@@ -157,11 +179,6 @@ quint64 ServiceTable::setHung(const QString &service)
     }
     entry->probe = ++lastProbe;
     return entry->probe;
-}
-
-bool ServiceTable::isHung(const QString &service) const
-{
-    return entries.value(service).probe != 0;
 }
 
 bool ServiceTable::isUnderWay(const QString &service, quint64 probe) const
@@ -176,18 +193,26 @@ void ServiceTable::probeEnded(const QString &service, quint64 probe, bool answer
         return;
     }
     entry->probe = 0;
-    if (answered) {
-        forEachListener(service,
-                        [](ServiceListener *listener) { listener->serviceAnswersAgain(); });
+    if (!answered) {
+        return;
     }
+    forEachListening(service, [](Listening &each) {
+        for (auto it = each.asked.begin(); it != each.asked.end(); ++it) {
+            if (std::exchange(it->owed, false)) {
+                each.listener->hear({ServiceEvent::Kind::AnswersAgain, it.key()});
+            }
+        }
+    });
 }
 
 template <typename Function>
-void ServiceTable::forEachListener(const QString &service, Function function)
+void ServiceTable::forEachListening(const QString &service, Function function)
 {
-    for (const Listening &listening : std::as_const(listenersByPath)) {
-        if (listening.service == service) {
-            function(listening.listener);
+    for (QVector<Listening> &present : listeners) {
+        for (Listening &each : present) {
+            if (each.listener->service == service) {
+                function(each);
+            }
         }
     }
 }

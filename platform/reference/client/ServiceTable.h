@@ -1,14 +1,25 @@
 // SPDX-License-Identifier: MIT
-// Who owns which service, who listens to it, and which services hang.
+// Who owns which service, who listens to it for what, and what services that hang owe.
 #ifndef SERVICETABLE_H
 #define SERVICETABLE_H
 
+#include "PreparedDescription.h"
 #include "ServiceListener.h"
 
 #include <QHash>
-#include <QMultiHash>
+#include <QMap>
 #include <QString>
+#include <QStringList>
 #include <QVector>
+
+/// A signal as it came in.
+struct ServiceSignal
+{
+    QString sender; ///< unique bus name
+    QString path;
+    QString member;
+    QString argument; ///< its only one; null when it has none
+};
 
 /// The bookkeeping of ClientBus: knows no bus and no threads; its user holds one lock around every
 /// call.
@@ -18,18 +29,32 @@
 class ServiceTable
 {
 public:
-    /// Tells the listener at once when the service is known to be present.
+    /// Tells the listener at once when the service is known to be present. What follows is asked
+    /// for listeners that were added, where nothing else is said.
     ///
     /// @returns whether the service is new, so that its owner must be asked for
-    bool addListener(const QString &service, const QString &path, ServiceListener *listener);
-    void removeListener(const QString &path, ServiceListener *listener);
+    bool addListener(ServiceListener *listener);
+    void removeListener(const ServiceListener *listener);
+
+    /// Remembers that a listener asks for an instance: signals that name it reach it first.
+    ///
+    /// @returns what the fetch will very likely bring, as expect() left it; null when nothing did
+    PreparedDescriptionPointer noteAsked(const ServiceListener *listener, const QString &instance);
+    void expect(const ServiceListener *listener, const QString &instance,
+                const PreparedDescriptionPointer &description);
+    QStringList askedBy(const ServiceListener *listener);
+
+    /// Remembers that the listener's service kept an instance to itself: the listener hears when it
+    /// answers again.
+    ///
+    /// @param listener  may be gone; then nobody is owed
+    void noteOwed(const QString &path, const ServiceListener *listener, const QString &instance);
 
     QStringList services() const { return entries.keys(); }
 
     /// Whether it is known if the service has an owner.
     bool isKnown(const QString &service) const;
-    bool hasOwner(const QString &service) const;
-    QString ownerOf(const QString &service) const;
+    QString ownerOf(const QString &service) const { return entries.value(service).owner; }
 
     /// Remembers that somebody took the service for absent before its owner was known.
     void setGivenUp(const QString &service);
@@ -47,16 +72,14 @@ public:
     /// The bus is back: all owners must be asked for again.
     void busRestored();
 
-    /// A signal came in. While the owner of a listener's service is not known yet, it is kept until
-    /// it is.
-    void signalReceived(const QString &sender, const QString &path, const QString &member,
-                        const QString &argument);
+    /// While the owner of a listener's service is not known yet, the signal is kept until it is.
+    void signalReceived(const ServiceSignal &signal);
 
     /// Remembers that the service did not answer.
     ///
     /// @returns the number of the probe that must be sent; 0 when one is under way
     quint64 setHung(const QString &service);
-    bool isHung(const QString &service) const;
+    bool isHung(const QString &service) const { return entries.value(service).probe != 0; }
 
     bool isUnderWay(const QString &service, quint64 probe) const;
 
@@ -66,37 +89,41 @@ public:
     void probeEnded(const QString &service, quint64 probe, bool answered);
 
 private:
-    struct Signal
-    {
-        QString sender;
-        QString path;
-        QString member;
-        QString argument;
+    enum class Awaits {
+        FirstAnswer, // the daemon's, to the question for the owner: nothing was missed
+        LateAnswer, // the same, after the bus was lost or somebody was told "absent"
+        Bus, // that it comes back; nobody owns anything
+        Changes, // of the owner, which is known
     };
 
     struct Entry
     {
-        bool known = false; // else the daemon was asked and has not answered
-        bool givenUp = false; // somebody was told "absent" before it was known
-        bool askedAgain = false; // the bus was lost since the first question
+        Awaits awaits = Awaits::FirstAnswer;
         QString owner;
-        QVector<Signal> held; // came in before the owner was known
+        QVector<ServiceSignal> held; // came in before the owner was known
         quint64 probe = 0; // under way to a service that hangs; 0 when it does not
+    };
+
+    struct Asked
+    {
+        PreparedDescriptionPointer expected;
+        bool owed = false; // by the present owner, which hangs
     };
 
     struct Listening
     {
-        QString service;
         ServiceListener *listener;
+        QMap<QString, Asked> asked; // by instance
     };
 
+    Listening *find(const QString &path, const ServiceListener *listener);
+    template <typename Function> void forEachListening(const QString &service, Function function);
     void becomeKnown(const QString &service, Entry &entry, const QString &owner,
-                     ServiceListener::Presence presence);
-    void deliver(const QString &service, const Signal &signal);
-    template <typename Function> void forEachListener(const QString &service, Function function);
+                     ServiceEvent::Kind kind);
+    void deliver(const QString &service, const ServiceSignal &signal) const;
 
     QHash<QString, Entry> entries;
-    QMultiHash<QString, Listening> listenersByPath;
+    QHash<QString, QVector<Listening>> listeners; // by path
     quint64 lastProbe = 0;
 };
 

@@ -8,6 +8,8 @@
 
 #include <QDBusVariant>
 
+#include <utility>
+
 class SystemStatusManagerDBusConnectorPrivate : public DBusConnectorBasePrivate
 {
 public:
@@ -20,10 +22,22 @@ public:
     SystemStatusManagerDBusConnector *q = nullptr;
 
 protected:
-    // Whether it is the manager that restarted or the bus: a system that was ready stays so.
-    void handlePresence(Presence presence, const QString &owner) override
+    void handle(const ServiceEvent &event) override
     {
-        Q_UNUSED(presence)
+        if (event.kind != ServiceEvent::Kind::Signal) {
+            handlePresence(event.argument); // it is never asked for what it could owe
+        } else if (event.member == BusNames::propertiesChangedSignal()) {
+            foundReady.clear(); // not ready any more: whatever comes is another start-up
+        } else if (event.member == BusNames::startupReadySignal()
+                   && std::exchange(foundReady, QString()).isEmpty()) {
+            report();
+        }
+    }
+
+private:
+    // Whether it is the manager that restarted or the bus: a system that was ready stays so.
+    void handlePresence(const QString &owner)
+    {
         if (owner != foundReady) {
             foundReady.clear();
         }
@@ -32,23 +46,6 @@ protected:
         }
     }
 
-    void handleAnswersAgain() override { }
-
-    void handleSignal(const QString &member, const QString &argument) override
-    {
-        Q_UNUSED(argument)
-        if (member == BusNames::propertiesChangedSignal()) {
-            foundReady.clear(); // not ready any more: whatever comes is another start-up
-        } else if (member == BusNames::startupReadySignal()) {
-            if (foundReady.isEmpty()) {
-                report();
-                return;
-            }
-            foundReady.clear();
-        }
-    }
-
-private:
     void askWhetherReady()
     {
         QDBusMessage call = QDBusMessage::createMethodCall(
@@ -57,15 +54,14 @@ private:
         call.setAutoStartService(false);
         // Nobody waits for it, and a manager that hangs must be heard when it is back: no time
         // limit. Without a connection it is asked when the bus is back.
-        BusCall::send(
-            bus->connection(), call, noTimeLimit(), q, [this](const QDBusMessage &answer) {
-                const QVariant ready = answer.arguments().value(0).value<QDBusVariant>().variant();
-                if (!reported && answer.type() == QDBusMessage::ReplyMessage
-                    && ready.type() == QVariant::Bool && ready.toBool()) {
-                    foundReady = answer.service();
-                    report();
-                }
-            });
+        BusCall::send(bus->connection(), call, noTimeLimit, q, [this](const QDBusMessage &answer) {
+            const QVariant ready = answer.arguments().value(0).value<QDBusVariant>().variant();
+            if (!reported && answer.type() == QDBusMessage::ReplyMessage
+                && ready.type() == QVariant::Bool && ready.toBool()) {
+                foundReady = answer.service();
+                report();
+            }
+        });
     }
 
     void report()

@@ -26,11 +26,9 @@ WireMessage registryCall(const QString &member, const QVariantList &values)
 
 // A registry that is not there yet is heard of when it comes; a call that was lost with the bus is
 // made again.
-bool isOfNoConcern(const QString &error)
+bool isOfNoConcern(BusErrors::Kind error)
 {
-    return error == QLatin1String("org.freedesktop.DBus.Error.ServiceUnknown")
-        || error == QLatin1String("org.freedesktop.DBus.Error.NameHasNoOwner")
-        || error == QLatin1String("org.freedesktop.DBus.Error.Disconnected");
+    return error == BusErrors::Kind::ServiceMissing || error == BusErrors::Kind::Disconnected;
 }
 }
 
@@ -87,7 +85,7 @@ void ProviderRegistration::sendRegistration()
     const WireMessage call
         = registryCall(QStringLiteral("RegisterProvider"), {moduleName, additionalData()});
     connection->call(call, callTimeLimit(), this, [this](const WireMessage &answer) {
-        if (!Wire::isReturn(answer) && !isOfNoConcern(Wire::errorName(answer))) {
+        if (!Wire::isReturn(answer) && !isOfNoConcern(BusErrors::kindOf(Wire::errorName(answer)))) {
             qCWarning(publisherLog).noquote()
                 << "Module" << moduleName << "is not registered at"
                 << BusNames::informationManagerService() << "-" << BusErrors::text(answer);

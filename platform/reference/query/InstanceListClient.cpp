@@ -3,6 +3,7 @@
 #include "InstanceListClient.h"
 
 #include "BusNames.h"
+#include "DescriptionReply.h"
 #include "ServiceQuery.h"
 
 #include <QXmlStreamReader>
@@ -40,20 +41,18 @@ BusQueryResult fetchObjects(const QString &moduleName, QStringList &objects, QSt
     const QDBusMessage call = QDBusMessage::createMethodCall(
         BusNames::serviceOfModule(moduleName), BusNames::pathOfAllObjects(),
         QStringLiteral("org.freedesktop.DBus.Introspectable"), QStringLiteral("Introspect"));
-    QDBusMessage answer;
-    const BusQueryResult result = queryService(call, QStringLiteral("s"), answer, errorMessage);
-    if (result != BusQueryResult::Ok) {
-        return result;
-    }
-    QStringList names;
-    const QStringList nodes = childNodes(answer.arguments().at(0).toString());
-    for (const QString &node : nodes) {
-        if (const std::optional<QString> name = BusNames::unescape(node)) {
-            names += *name;
+    QVariant introspection;
+    const BusQueryResult result = askService(call, "s", introspection, errorMessage);
+    if (result == BusQueryResult::Ok) {
+        objects.clear();
+        const QStringList nodes = childNodes(introspection.toString());
+        for (const QString &node : nodes) {
+            if (const std::optional<QString> name = BusNames::unescape(node)) {
+                objects += *name;
+            }
         }
+        objects.sort();
     }
-    names.sort();
-    objects = names;
     return result;
 }
 
@@ -63,10 +62,10 @@ BusQueryResult fetchInstances(const QString &moduleName, const QString &objectNa
     const QDBusMessage call = QDBusMessage::createMethodCall(
         BusNames::serviceOfModule(moduleName), BusNames::pathOfObject(objectName),
         BusNames::processDescriptionInterface(), QStringLiteral("ListInstances"));
-    QDBusMessage answer;
-    const BusQueryResult result = queryService(call, QStringLiteral("as"), answer, errorMessage);
+    QVariant names;
+    const BusQueryResult result = askService(call, "as", names, errorMessage);
     if (result == BusQueryResult::Ok) {
-        instances = answer.arguments().at(0).toStringList();
+        instances = names.toStringList();
         instances.sort();
     }
     return result;
@@ -76,14 +75,13 @@ BusQueryResult fetchDescription(const QString &moduleName, const QString &object
                                 const QString &instance, QString &description,
                                 QString &errorMessage)
 {
-    QDBusMessage call = QDBusMessage::createMethodCall(
-        BusNames::serviceOfModule(moduleName), BusNames::pathOfObject(objectName),
-        BusNames::processDescriptionInterface(), QStringLiteral("GetProcessDataDescription"));
-    call << instance << QString();
-    QDBusMessage answer;
-    const BusQueryResult result = queryService(call, QStringLiteral("s"), answer, errorMessage);
+    QVariant text;
+    const BusQueryResult result
+        = askService(descriptionCall(BusNames::serviceOfModule(moduleName),
+                                     BusNames::pathOfObject(objectName), instance, QString()),
+                     "s", text, errorMessage);
     if (result == BusQueryResult::Ok) {
-        description = answer.arguments().at(0).toString();
+        description = text.toString();
     }
     return result;
 }

@@ -10,10 +10,10 @@ BusQueryResult fetchRegisteredProviderList(QString &json, QString &errorMessage)
     const QDBusMessage call = QDBusMessage::createMethodCall(
         BusNames::informationManagerService(), BusNames::informationManagerPath(),
         BusNames::informationManagerInterface(), QStringLiteral("GetRegisteredProviderList"));
-    QDBusMessage answer;
-    const BusQueryResult result = queryService(call, QStringLiteral("s"), answer, errorMessage);
+    QVariant list;
+    const BusQueryResult result = askService(call, "s", list, errorMessage);
     if (result == BusQueryResult::Ok) {
-        json = answer.arguments().at(0).toString();
+        json = list.toString();
     }
     return result;
 }

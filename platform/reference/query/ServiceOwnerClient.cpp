@@ -7,19 +7,14 @@
 
 namespace {
 
-BusQueryResult askDaemon(const char *member, const QVariantList &arguments,
-                         const QString &signature, QVariant &value, QString &errorMessage)
+BusQueryResult askDaemon(const char *member, const QVariantList &arguments, const char *type,
+                         QVariant &value, QString &errorMessage)
 {
     QDBusMessage call
         = QDBusMessage::createMethodCall(BusNames::daemonService(), BusNames::daemonPath(),
                                          BusNames::daemonInterface(), QLatin1String(member));
     call.setArguments(arguments);
-    QDBusMessage answer;
-    const BusQueryResult result = queryService(call, signature, answer, errorMessage);
-    if (result == BusQueryResult::Ok) {
-        value = answer.arguments().at(0);
-    }
-    return result;
+    return askService(call, type, value, errorMessage);
 }
 }
 
@@ -29,7 +24,7 @@ BusQueryResult fetchServiceOwner(const QString &moduleName, ServiceOwner &owner,
     owner.service = BusNames::serviceOfModule(moduleName);
     QVariant value;
     const BusQueryResult result
-        = askDaemon("GetNameOwner", {owner.service}, QStringLiteral("s"), value, errorMessage);
+        = askDaemon("GetNameOwner", {owner.service}, "s", value, errorMessage);
     if (result == BusQueryResult::ServiceMissing) {
         errorMessage = QStringLiteral("Nobody owns %1").arg(owner.service);
     }
@@ -39,12 +34,11 @@ BusQueryResult fetchServiceOwner(const QString &moduleName, ServiceOwner &owner,
     owner.connection = value.toString();
     // A bus that does not tell the process is no reason to fail.
     QString ignored;
-    const QString number = QStringLiteral("u");
-    if (askDaemon("GetConnectionUnixProcessID", {owner.connection}, number, value, ignored)
+    if (askDaemon("GetConnectionUnixProcessID", {owner.connection}, "u", value, ignored)
         == BusQueryResult::Ok) {
         owner.processId = value.toUInt();
     }
-    if (askDaemon("GetConnectionUnixUser", {owner.connection}, number, value, ignored)
+    if (askDaemon("GetConnectionUnixUser", {owner.connection}, "u", value, ignored)
         == BusQueryResult::Ok) {
         owner.userId = value.toUInt();
     }
@@ -54,8 +48,7 @@ BusQueryResult fetchServiceOwner(const QString &moduleName, ServiceOwner &owner,
 BusQueryResult fetchServices(ServicesOnBus &services, QString &errorMessage)
 {
     QVariant value;
-    const BusQueryResult result
-        = askDaemon("ListNames", {}, QStringLiteral("as"), value, errorMessage);
+    const BusQueryResult result = askDaemon("ListNames", {}, "as", value, errorMessage);
     if (result != BusQueryResult::Ok) {
         return result;
     }

@@ -5,38 +5,49 @@
 #include "BusErrors.h"
 #include "ClientBus.h"
 
-BusQueryResult queryService(const QDBusMessage &call, const QString &signature,
-                            QDBusMessage &answer, QString &errorMessage)
+namespace {
+
+BusQueryResult judgeFailure(const QDBusMessage &call, const QDBusMessage &answer,
+                            const QString &bus, QString &errorMessage)
+{
+    errorMessage
+        = QStringLiteral("%1 %2: %3").arg(call.service(), call.path(), BusErrors::text(answer));
+    switch (BusErrors::kindOf(answer)) {
+    case BusErrors::Kind::Disconnected:
+        errorMessage = QStringLiteral("Lost the connection to %1").arg(bus);
+        return BusQueryResult::BusNotReachable;
+    case BusErrors::Kind::ServiceMissing:
+        errorMessage = QStringLiteral("No service %1 on %2").arg(call.service(), bus);
+        return BusQueryResult::ServiceMissing;
+    case BusErrors::Kind::TimedOut:
+        return BusQueryResult::TimedOut;
+    case BusErrors::Kind::Denied:
+        return BusQueryResult::Denied;
+    case BusErrors::Kind::RefusedForNow:
+    case BusErrors::Kind::Other:
+        break;
+    }
+    return BusQueryResult::ServiceFailed;
+}
+}
+
+BusQueryResult askService(const QDBusMessage &call, const char *type, QVariant &value,
+                          QString &errorMessage)
 {
     const QSharedPointer<ClientBus> bus = ClientBus::instance(errorMessage);
     if (bus.isNull()) {
         return BusQueryResult::BusNotReachable;
     }
-    bool missed = false;
-    const QDBusMessage received = bus->call(call, missed);
-    if (received.type() != QDBusMessage::ReplyMessage) {
-        if (BusErrors::isDisconnected(received)) {
-            errorMessage = QStringLiteral("Lost the connection to %1").arg(bus->bus().label());
-            return BusQueryResult::BusNotReachable;
-        }
-        if (BusErrors::isServiceMissing(received)) {
-            errorMessage
-                = QStringLiteral("No service %1 on %2").arg(call.service(), bus->bus().label());
-            return BusQueryResult::ServiceMissing;
-        }
-        errorMessage = QStringLiteral("%1 %2: %3")
-                           .arg(call.service(), call.path(), BusErrors::text(received));
-        if (BusErrors::isTimeout(received)) {
-            return BusQueryResult::TimedOut;
-        }
-        return BusErrors::isDenied(received) ? BusQueryResult::Denied
-                                             : BusQueryResult::ServiceFailed;
+    const QDBusMessage answer = bus->call(call);
+    if (answer.type() != QDBusMessage::ReplyMessage) {
+        return judgeFailure(call, answer, bus->bus().label(), errorMessage);
     }
-    if (received.signature() != signature) {
-        errorMessage = QStringLiteral("%1 %2: the answer's type is \"%3\", not \"%4\"")
-                           .arg(call.service(), call.path(), received.signature(), signature);
+    if (answer.signature() != QLatin1String(type)) {
+        errorMessage
+            = QStringLiteral("%1 %2: the answer's type is \"%3\", not \"%4\"")
+                  .arg(call.service(), call.path(), answer.signature(), QLatin1String(type));
         return BusQueryResult::ServiceFailed;
     }
-    answer = received;
+    value = answer.arguments().at(0);
     return BusQueryResult::Ok;
 }

@@ -7,13 +7,14 @@
 
 #include <QDBusMessage>
 #include <QString>
+#include <QVariant>
 
-/// Sends the call on the shared client connection and waits for the answer.
+/// Sends a call on the shared client connection and waits for the answer.
 ///
-/// @param signature     that the answer must have
-/// @param answer        receives it; left alone on failure
+/// @param type          D-Bus signature that the answer must have
+/// @param value         receives its only argument; left alone on failure
 /// @param errorMessage  receives one sentence that names what is wrong; left alone on success
-BusQueryResult queryService(const QDBusMessage &call, const QString &signature,
-                            QDBusMessage &answer, QString &errorMessage);
+BusQueryResult askService(const QDBusMessage &call, const char *type, QVariant &value,
+                          QString &errorMessage);
 
 #endif

@@ -13,12 +13,12 @@ BusQueryResult fetchSystemReady(bool &ready, QString &errorMessage)
         BusNames::statusManagerService(), BusNames::statusManagerPath(),
         BusNames::propertiesInterface(), QStringLiteral("Get"));
     call.setArguments({BusNames::statusManagerInterface(), BusNames::readyProperty()});
-    QDBusMessage answer;
-    const BusQueryResult result = queryService(call, QStringLiteral("v"), answer, errorMessage);
+    QVariant value;
+    const BusQueryResult result = askService(call, "v", value, errorMessage);
     if (result != BusQueryResult::Ok) {
         return result;
     }
-    const QVariant value = answer.arguments().at(0).value<QDBusVariant>().variant();
+    value = value.value<QDBusVariant>().variant();
     if (value.type() != QVariant::Bool) {
         errorMessage = QStringLiteral("%1 does not say whether the system is ready")
                            .arg(BusNames::statusManagerService());
