@@ -4,11 +4,8 @@
 
 #include "BusLog.h"
 #include "BusNames.h"
-#include "ServingConnection.h"
-#include "ServingConnections.h"
 
-#include <QVector>
-
+#include <algorithm>
 #include <utility>
 
 namespace {
@@ -31,7 +28,7 @@ ServiceEndpoint::ServiceEndpoint(const BusChoice &choice, QString serviceName, q
     : QObject(parent)
     , choice(choice)
     , serviceName(std::move(serviceName))
-    , largestCall(largestCall)
+    , served{largestCall}
     , shared(shared)
     , nameTimer(this)
 {
@@ -43,22 +40,6 @@ ServiceEndpoint::ServiceEndpoint(const BusChoice &choice, QString serviceName, q
 ServiceEndpoint::~ServiceEndpoint()
 {
     stop();
-}
-
-void ServiceEndpoint::exportObject(const QString &path, ServedObject *object)
-{
-    objects.insert(path, object);
-    if (serving != nullptr) {
-        serving->addObject(serviceName, path, object);
-    }
-}
-
-void ServiceEndpoint::withdrawObject(const QString &path)
-{
-    objects.remove(path);
-    if (serving != nullptr) {
-        serving->removeObject(serviceName, path);
-    }
 }
 
 bool ServiceEndpoint::start(QString &error)
@@ -74,36 +55,51 @@ bool ServiceEndpoint::start(QString &error)
     return true;
 }
 
+// Those that stand, then a new one.
+QVector<QSharedPointer<ServingConnection>> ServiceEndpoint::candidates() const
+{
+    QVector<QSharedPointer<ServingConnection>> result;
+    if (shared != nullptr) {
+        shared->erase(std::remove_if(shared->begin(), shared->end(),
+                                     [](const auto &each) { return each.isNull(); }),
+                      shared->end());
+        for (const QWeakPointer<ServingConnection> &each : qAsConst(*shared)) {
+            const QSharedPointer<ServingConnection> connection = each.toStrongRef();
+            if (connection != nullptr && connection->bus().key() == choice.key()) {
+                result += connection;
+            }
+        }
+    }
+    result += QSharedPointer<ServingConnection>::create(choice);
+    return result;
+}
+
 // The objects come first, so that whoever sees the name finds them.
 bool ServiceEndpoint::connectAndTakeName(QString &error)
 {
-    QVector<QSharedPointer<ServingConnection>> full;
-    for (;;) {
-        const QSharedPointer<ServingConnection> candidate = shared == nullptr
-            ? QSharedPointer<ServingConnection>::create(choice)
-            : shared->find(choice, full);
+    const QVector<QSharedPointer<ServingConnection>> all = candidates();
+    for (const QSharedPointer<ServingConnection> &candidate : all) {
         QString reason;
         if (!candidate->open(reason)) {
             error = QStringLiteral("Cannot connect to %1: %2").arg(choice.label(), reason);
             return false;
         }
-        const bool hasOthers = candidate->serviceCount() > 0;
-        candidate->addService(serviceName, largestCall);
-        for (auto it = objects.cbegin(); it != objects.cend(); ++it) {
-            candidate->addObject(serviceName, it.key(), it.value());
-        }
+        candidate->addService(serviceName, served);
         const ServingConnection::NameResult result = candidate->takeName(serviceName, reason);
         if (result == ServingConnection::NameResult::Owned) {
             serving = candidate;
+            if (shared != nullptr && !shared->contains(candidate)) {
+                *shared += candidate;
+            }
             return true;
         }
         candidate->removeService(serviceName);
-        if (result != ServingConnection::NameResult::Full || !hasOthers) {
-            error = notOwned(reason);
+        error = notOwned(reason);
+        if (result != ServingConnection::NameResult::Full) {
             return false;
         }
-        full += candidate;
     }
+    return false;
 }
 
 void ServiceEndpoint::stop()

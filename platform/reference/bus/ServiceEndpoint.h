@@ -4,17 +4,19 @@
 #define SERVICEENDPOINT_H
 
 #include "BusSettings.h"
-#include "ServedCall.h"
+#include "ServingConnection.h"
 
-#include <QHash>
 #include <QObject>
 #include <QSharedPointer>
 #include <QString>
 #include <QTimer>
 #include <QVariantList>
+#include <QVector>
+#include <QWeakPointer>
 
-class ServingConnection;
-class ServingConnections;
+/// The connections that services of one thread share: one for each bus, another once the bus daemon
+/// gives it no more names. A connection ends with the last service that holds it.
+using ServingConnections = QVector<QWeakPointer<ServingConnection>>;
 
 /// Owns one bus name. Takes it again, with all objects, after the bus daemon restarted.
 ///
@@ -31,15 +33,17 @@ public:
 
     /// @param largestCall  bytes of arguments that its interfaces need at most; larger calls get an
     /// error
-    /// @param shared       whose connections it uses, in their thread; null for a connection of its
-    /// own
+    /// @param shared       which it uses, in their thread; null for a connection of its own
     ServiceEndpoint(const BusChoice &choice, QString serviceName, qint64 largestCall,
                     ServingConnections *shared = nullptr, QObject *parent = nullptr);
     ~ServiceEndpoint() override;
 
     /// Makes an object answer at a path; the object stays the caller's.
-    void exportObject(const QString &path, ServedObject *object);
-    void withdrawObject(const QString &path);
+    void exportObject(const QString &path, ServedObject *object)
+    {
+        served.objects.insert(path, object);
+    }
+    void withdrawObject(const QString &path) { served.objects.remove(path); }
 
     /// Connects, exports the objects and takes the name; waits for the bus daemon's answers.
     ///
@@ -67,6 +71,7 @@ Q_SIGNALS:
     void becameUnavailable();
 
 private:
+    QVector<QSharedPointer<ServingConnection>> candidates() const;
     bool connectAndTakeName(QString &error);
     QString notOwned(const QString &reason) const;
     void handleLost();
@@ -74,10 +79,9 @@ private:
 
     const BusChoice choice;
     const QString serviceName;
-    const qint64 largestCall;
+    ServedService served;
     ServingConnections *const shared;
     QSharedPointer<ServingConnection> serving;
-    QHash<QString, ServedObject *> objects;
     QTimer nameTimer;
     bool available = false;
     bool warned = false; // that the name could not be taken again

@@ -54,8 +54,8 @@ bool ServingConnection::open(QString &error)
     if (!connectNow(error)) {
         return false; // a running retry goes on
     }
-    retryTimer.stop();
-    if (std::exchange(wasLost, false)) {
+    if (retryTimer.isActive()) {
+        retryTimer.stop();
         Q_EMIT restored();
     }
     return true;
@@ -87,7 +87,6 @@ void ServingConnection::handleDisconnected()
     close();
     qCWarning(busLog).noquote() << "Lost the connection to" << choice.label()
                                 << "- trying to reconnect";
-    wasLost = true;
     retryTimer.start(nextDelay);
     Q_EMIT lost();
 }
@@ -100,7 +99,6 @@ void ServingConnection::retry()
         retryTimer.start(nextDelay);
         return;
     }
-    wasLost = false;
     qCInfo(busLog).noquote() << "Connected again to" << choice.label();
     Q_EMIT restored();
 }
@@ -126,29 +124,6 @@ void ServingConnection::releaseName(const QString &service)
     QString error;
     socket.callAndWait(daemonCall(QStringLiteral("ReleaseName"), {service}), callTimeLimit(),
                        error);
-}
-
-void ServingConnection::addService(const QString &service, qint64 largestCall)
-{
-    services[service].largestCall = largestCall;
-}
-
-void ServingConnection::removeService(const QString &service)
-{
-    services.remove(service);
-}
-
-void ServingConnection::addObject(const QString &service, const QString &path, ServedObject *object)
-{
-    services[service].objects.insert(path, object);
-}
-
-void ServingConnection::removeObject(const QString &service, const QString &path)
-{
-    const auto found = services.find(service);
-    if (found != services.end()) {
-        found->objects.remove(path);
-    }
 }
 
 void ServingConnection::call(const WireMessage &message, int milliseconds, QObject *context,

@@ -16,6 +16,14 @@
 
 #include <functional>
 
+/// What stands behind one name.
+struct ServedService
+{
+    qint64
+        largestCall; ///< bytes of arguments that its interfaces need at most; larger calls get an error
+    QMap<QString, ServedObject *> objects = {}; ///< by path
+};
+
 /// Holds several services. A call is answered by the one that it was sent to, so that two may have
 /// objects at the same path; one that was sent to the connection itself, by the only service with
 /// that path.
@@ -54,12 +62,12 @@ public:
     NameResult takeName(const QString &service, QString &error);
     void releaseName(const QString &service);
 
-    /// @param largestCall  bytes of arguments that the service's interfaces need at most
-    void addService(const QString &service, qint64 largestCall);
-    void removeService(const QString &service);
-    int serviceCount() const { return services.size(); }
-    void addObject(const QString &service, const QString &path, ServedObject *object);
-    void removeObject(const QString &service, const QString &path);
+    /// @param service  stays the caller's, and may change
+    void addService(const QString &name, const ServedService &service)
+    {
+        services.insert(name, &service);
+    }
+    void removeService(const QString &name) { services.remove(name); }
 
     void send(const WireMessage &message) { socket.send(message); }
 
@@ -80,11 +88,6 @@ Q_SIGNALS:
     void restored();
 
 private:
-    struct Service
-    {
-        qint64 largestCall = 0;
-        QMap<QString, ServedObject *> objects; // by path
-    };
     struct OwnerWatch
     {
         QString name;
@@ -106,7 +109,7 @@ private:
     BusAnswer answer(const ServedCall &call) const;
     BusAnswer answerStandard(const ServedCall &call, const ServedObject *object,
                              const QStringList &children) const;
-    QVector<const Service *> servicesOf(const ServedCall &call) const;
+    QVector<const ServedService *> servicesOf(const ServedCall &call) const;
     QVector<ServedObject *> objectsOf(const ServedCall &call) const;
     QStringList childrenOf(const ServedCall &call) const;
     qint64 largestCall(const ServedCall &call) const;
@@ -115,10 +118,9 @@ private:
 
     const BusChoice choice;
     BusSocket socket;
-    QTimer retryTimer;
+    QTimer retryTimer; // runs while the connection is lost
     int nextDelay;
-    bool wasLost = false;
-    QMap<QString, Service> services;
+    QMap<QString, const ServedService *> services; // by name
     QVector<OwnerWatch> ownerWatches;
     QSet<QString> watchedNames; // that the bus daemon was asked for
     AnswerQueue queue;

@@ -122,28 +122,22 @@ void ServingConnection::askCallers()
     }
 }
 
-QVector<const ServingConnection::Service *>
-ServingConnection::servicesOf(const ServedCall &call) const
+QVector<const ServedService *> ServingConnection::servicesOf(const ServedCall &call) const
 {
-    QVector<const Service *> result;
     const QString name = call.service();
-    const auto found = services.constFind(name);
-    if (found != services.constEnd()) {
-        result += &*found;
-    } else if (name.startsWith(QLatin1Char(':'))) {
-        for (const Service &service : services) {
-            result += &service;
-        }
+    if (const ServedService *const named = services.value(name)) {
+        return {named};
     }
-    return result;
+    return name.startsWith(QLatin1Char(':')) ? services.values().toVector()
+                                             : QVector<const ServedService *>();
 }
 
 QVector<ServedObject *> ServingConnection::objectsOf(const ServedCall &call) const
 {
     QVector<ServedObject *> result;
     const QString path = call.path();
-    const QVector<const Service *> called = servicesOf(call);
-    for (const Service *service : called) {
+    const QVector<const ServedService *> called = servicesOf(call);
+    for (const ServedService *service : called) {
         if (ServedObject *const object = service->objects.value(path)) {
             result += object;
         }
@@ -158,8 +152,8 @@ QStringList ServingConnection::childrenOf(const ServedCall &call) const
         parent += QLatin1Char('/');
     }
     QStringList result;
-    const QVector<const Service *> called = servicesOf(call);
-    for (const Service *service : called) {
+    const QVector<const ServedService *> called = servicesOf(call);
+    for (const ServedService *service : called) {
         for (auto it = service->objects.lowerBound(parent);
              it != service->objects.cend() && it.key().startsWith(parent); ++it) {
             const QString child = it.key().mid(parent.size()).section(QLatin1Char('/'), 0, 0);
@@ -175,8 +169,8 @@ QStringList ServingConnection::childrenOf(const ServedCall &call) const
 qint64 ServingConnection::largestCall(const ServedCall &call) const
 {
     qint64 largest = 0;
-    const QVector<const Service *> called = servicesOf(call);
-    for (const Service *service : called) {
+    const QVector<const ServedService *> called = servicesOf(call);
+    for (const ServedService *service : called) {
         largest = qMax(largest, service->largestCall);
     }
     return largest;

@@ -4,6 +4,7 @@
 #define MODULEHOST_H
 
 #include "BusSettings.h"
+#include "ServiceEndpoint.h"
 #include "SourceName.h"
 
 #include <QObject>
@@ -16,8 +17,6 @@
 
 class ProcessDescriptionObject;
 class ProviderRegistration;
-class ServiceEndpoint;
-class ServingConnections;
 
 /// What an announcement says.
 enum class AnnouncedChange { Description, Properties };

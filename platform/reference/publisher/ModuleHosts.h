@@ -5,7 +5,7 @@
 
 #include "BusSettings.h"
 #include "BusThread.h"
-#include "ServingConnections.h"
+#include "ServiceEndpoint.h"
 
 #include <QHash>
 #include <QString>
