@@ -82,4 +82,4 @@ void LineCompletionTest::linesGoOn()
 }
 
 QTEST_APPLESS_MAIN(LineCompletionTest)
-#include "line_completion_test.moc"
+#include "LineCompletionTest.moc"
