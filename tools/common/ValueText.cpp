@@ -5,6 +5,9 @@
 #include "ProcessDataDefinitions.h"
 
 #include <QDateTime>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QLocale>
 
 #include <cmath>
@@ -63,6 +66,22 @@ QString valueToText(const QVariant &value)
         return QStringLiteral("0x") + QString::fromLatin1(value.toByteArray().toHex());
     default:
         return value.toString();
+    }
+}
+
+QString propertyToText(const QJsonValue &value)
+{
+    switch (value.type()) {
+    case QJsonValue::String:
+        return value.toString();
+    case QJsonValue::Array:
+        return QString::fromUtf8(QJsonDocument(value.toArray()).toJson(QJsonDocument::Compact));
+    case QJsonValue::Object:
+        return QString::fromUtf8(QJsonDocument(value.toObject()).toJson(QJsonDocument::Compact));
+    case QJsonValue::Undefined:
+        return QStringLiteral("nothing");
+    default:
+        return valueToText(value.toVariant());
     }
 }
 

@@ -7,6 +7,9 @@
 #include <QString>
 #include <QVariant>
 
+/// Text of a property: a string as it is, a list or an object as JSON on one line, "nothing" for none.
+QString propertyToText(const QJsonValue &value);
+
 /// Text of a value: true or false, the shortest digits that read back as the same number, strings
 /// as they are, bytes as 0x and hexadecimal digits. Empty for an invalid value.
 QString valueToText(const QVariant &value);

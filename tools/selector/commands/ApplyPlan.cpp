@@ -189,10 +189,7 @@ void apply(QVector<ApplyItem> &items, const ApplyOptions &options,
 
 QVector<Column> applyColumns()
 {
-    return {{QStringLiteral("line"), true},   {QStringLiteral("url")},
-            {QStringLiteral("before"), true}, {QStringLiteral("value"), true},
-            {QStringLiteral("unit")},         {QStringLiteral("result")},
-            {QStringLiteral("note")}};
+    return columnsOf("line> url before> value> unit result note");
 }
 
 Entry applyEntry(const ApplyItem &item)

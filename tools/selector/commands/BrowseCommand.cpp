@@ -28,15 +28,13 @@ int browseSystem(const Console &console)
     if (!fetchModules(console, list, exitCode)) {
         return exitCode;
     }
-    Report report{QStringLiteral("selector.browse/1"),
-                  {{QStringLiteral("module")}, {QStringLiteral("note")}},
-                  {},
-                  0,
-                  true};
-    report.entries = moduleEntries(modulesOfList(list));
-    for (Entry &entry : report.entries) {
+    Report report{QStringLiteral("selector.browse/1"), columnsOf("module note"), {}, 0, true};
+    const QVector<Module> modules = modulesOfList(list);
+    for (const Module &module : modules) {
+        Entry entry = moduleEntry(module);
         entry.json.remove(QStringLiteral("selectorTypeList"));
-        entry.rows = {{entry.rows.constFirst().constFirst(), entry.reason}};
+        entry.rows = {{module.name, entry.reason}};
+        report.entries.append(entry);
     }
     return printReport(report, console);
 }
@@ -54,11 +52,7 @@ Entry instanceEntry(const SourceName &name)
 int browseInstances(const BrowsePlace &place, const Console &console)
 {
     Report report{QStringLiteral("selector.browse/1"),
-                  {{QStringLiteral("place")},
-                   {QStringLiteral("module")},
-                   {QStringLiteral("object")},
-                   {QStringLiteral("instance")},
-                   {QStringLiteral("note")}},
+                  columnsOf("place module object instance note"),
                   {},
                   0,
                   true};

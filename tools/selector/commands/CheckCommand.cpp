@@ -33,12 +33,7 @@ int run(const CommandLine &line, const Console &console, QString &usage)
         || (line.has("against") && !Snapshot::load(line.text("against"), snapshot, usage))) {
         return ExitUsage;
     }
-    Report report{QStringLiteral("selector.check/1"),
-                  {{QStringLiteral("line"), true},
-                   {QStringLiteral("url")},
-                   {QStringLiteral("result")},
-                   {QStringLiteral("note")}},
-                  {}};
+    Report report{QStringLiteral("selector.check/1"), columnsOf("line> url result note"), {}};
     QVector<CheckedLine> checked;
     if (line.has("against")) {
         checked = checkLines(lines, [&snapshot](int /*position*/, const SelectorUrlParts &parts) {

@@ -7,7 +7,6 @@
 #include "InstanceListClient.h"
 #include "LineCompletion.h"
 #include "ModuleList.h"
-#include "ProviderListClient.h"
 
 #include <QRegularExpression>
 
@@ -18,17 +17,8 @@ constexpr char patience[] = "500"; // milliseconds that a person at the keyboard
 
 QStringList modules()
 {
-    QString list;
-    QString error;
     QStringList names;
-    if (fetchRegisteredProviderList(list, error) == BusQueryResult::Ok) {
-        const QVector<Module> modules = modulesOfList(list);
-        for (const Module &module : modules) {
-            if (!module.name.isNull()) {
-                names.append(module.name);
-            }
-        }
-    }
+    fetchModuleNames(names);
     return names;
 }
 

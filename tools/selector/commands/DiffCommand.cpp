@@ -101,14 +101,8 @@ int run(const CommandLine &line, const Console &console, QString &usage)
         || (line.has("file") && !readListFile(line.text("file"), lines, usage))) {
         return ExitUsage;
     }
-    Report report{QStringLiteral("selector.diff/1"),
-                  {{QStringLiteral("index"), true},
-                   {QStringLiteral("url")},
-                   {QStringLiteral("result")},
-                   {QStringLiteral("what")},
-                   {QStringLiteral("before")},
-                   {QStringLiteral("after")}},
-                  {}};
+    Report report{
+        QStringLiteral("selector.diff/1"), columnsOf("index> url result what before after"), {}};
     const QVector<Pair> pairs
         = line.has("file") ? pairsOfList(lines, before, after) : pairsOfAll(before, after);
     for (const Pair &pair : pairs) {

@@ -71,12 +71,8 @@ int run(const CommandLine &line, const Console &console, QString &usage)
     }
     const QString &url = line.arguments.constFirst();
     const Explanation explanation = explainSelector(url, line.texts("property"));
-    Report report{QStringLiteral("selector.explain/1"),
-                  {{QStringLiteral("step")},
-                   {QStringLiteral("result")},
-                   {QStringLiteral("finding")},
-                   {QStringLiteral("advice")}},
-                  {}};
+    Report report{
+        QStringLiteral("selector.explain/1"), columnsOf("step result finding advice"), {}};
     for (const StepName &step : stepNames) {
         report.entries.append(stepEntry(url, step, explanation));
     }

@@ -22,11 +22,12 @@ int run(const CommandLine &line, const Console &console, QString &usage)
     if (!fetchModules(console, list, exitCode)) {
         return exitCode;
     }
-    return printReport(
-        {QStringLiteral("selector.modules/1"), moduleColumns(),
-         moduleEntries(line.has("type") ? modulesOfType(list, type) : modulesOfList(list)), 0,
-         true},
-        console);
+    Report report{QStringLiteral("selector.modules/1"), moduleColumns(), {}, 0, true};
+    const auto modules = line.has("type") ? modulesOfType(list, type) : modulesOfList(list);
+    for (const Module &module : modules) {
+        report.entries.append(moduleEntry(module));
+    }
+    return printReport(report, console);
 }
 
 } // namespace

@@ -142,13 +142,8 @@ int run(const CommandLine &line, const Console &console, QString &usage)
             return finding.exitCode() == ExitSomeFailed ? ExitNotReachable : finding.exitCode();
         }
     }
-    Report report{QStringLiteral("selector.snapshot/1"),
-                  {{QStringLiteral("source")},
-                   {QStringLiteral("file")},
-                   {QStringLiteral("leaves"), true},
-                   {QStringLiteral("values"), true},
-                   {QStringLiteral("note")}},
-                  {}};
+    Report report{
+        QStringLiteral("selector.snapshot/1"), columnsOf("source file leaves> values> note"), {}};
     for (const ChosenSource &one : qAsConst(sources)) {
         if (wasInterrupted()) {
             break;

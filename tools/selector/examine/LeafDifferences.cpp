@@ -4,29 +4,11 @@
 
 #include "ValueText.h"
 
-#include <QJsonArray>
-#include <QJsonDocument>
 #include <QStringList>
 
 #include <optional>
 
 namespace {
-
-QString shown(const QJsonValue &value)
-{
-    switch (value.type()) {
-    case QJsonValue::String:
-        return value.toString();
-    case QJsonValue::Array:
-        return QString::fromUtf8(QJsonDocument(value.toArray()).toJson(QJsonDocument::Compact));
-    case QJsonValue::Object:
-        return QString::fromUtf8(QJsonDocument(value.toObject()).toJson(QJsonDocument::Compact));
-    case QJsonValue::Undefined:
-        return QStringLiteral("nothing");
-    default:
-        return valueToText(value.toVariant());
-    }
-}
 
 // In full: as a number that JSON would round, which is a string of its digits, or another.
 std::optional<qlonglong> wholeSigned(const QJsonValue &value)
@@ -102,7 +84,7 @@ QVector<LeafDifference> leafDifferences(const QJsonObject &before, const QJsonOb
             return {};
         }
         const QString type
-            = shown((before.isEmpty() ? after : before).value(QLatin1String("type")));
+            = propertyToText((before.isEmpty() ? after : before).value(QLatin1String("type")));
         return {{QStringLiteral("leaf"), before.isEmpty() ? nothing : type,
                  after.isEmpty() ? nothing : type, after.isEmpty()}};
     }
@@ -114,7 +96,8 @@ QVector<LeafDifference> leafDifferences(const QJsonObject &before, const QJsonOb
         const QJsonValue left = before.value(name);
         const QJsonValue right = after.value(name);
         if (!same(name, left, right)) {
-            differences.append({name, shown(left), shown(right), breaks(name, left, right)});
+            differences.append(
+                {name, propertyToText(left), propertyToText(right), breaks(name, left, right)});
         }
     }
     return differences;

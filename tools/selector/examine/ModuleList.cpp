@@ -4,6 +4,7 @@
 
 #include "ConfigurationAndProcessDataDefinitions.h"
 #include "JsonFunctions.h"
+#include "ProviderListClient.h"
 #include "SelectorHandlerConvenienceFunctions.h"
 #include "SystemInformationManagerRegistryDefinitions.h"
 
@@ -40,4 +41,21 @@ QVector<Module> modulesOfType(const QString &providerList, const QString &type)
         modules.append({provider.moduleName, provider.selectorTypeList.toList()});
     }
     return modules;
+}
+
+Answer fetchModuleNames(QStringList &names)
+{
+    QString list;
+    const Answer answer
+        = ask([&](QString &error) { return fetchRegisteredProviderList(list, error); });
+    if (!answer.isOk()) {
+        return answer;
+    }
+    const QVector<Module> modules = modulesOfList(list);
+    for (const Module &module : modules) {
+        if (!module.name.isNull()) {
+            names.append(module.name);
+        }
+    }
+    return answer;
 }

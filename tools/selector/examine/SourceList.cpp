@@ -4,7 +4,6 @@
 
 #include "InstanceListClient.h"
 #include "ModuleList.h"
-#include "ProviderListClient.h"
 
 namespace {
 
@@ -50,18 +49,13 @@ bool listSources(const BrowsePlace &place, QVector<ListedSource> &sources, Findi
     case BrowsePlace::System:
         break;
     }
-    QString list;
-    const Answer answer
-        = ask([&](QString &error) { return fetchRegisteredProviderList(list, error); });
+    QStringList modules;
+    const Answer answer = fetchModuleNames(modules);
     if (!answer.isOk()) {
         finding = unanswered(answer);
-        return false;
     }
-    const QVector<Module> modules = modulesOfList(list);
-    for (const Module &module : modules) {
-        if (!module.name.isNull()) {
-            addObjects(module.name, sources);
-        }
+    for (const QString &module : qAsConst(modules)) {
+        addObjects(module, sources);
     }
-    return true;
+    return answer.isOk();
 }

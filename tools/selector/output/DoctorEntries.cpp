@@ -36,8 +36,7 @@ Entry::State stateOf(DoctorFinding::Severity severity)
 
 QVector<Column> doctorColumns()
 {
-    return {{QStringLiteral("severity")}, {QStringLiteral("check")},  {QStringLiteral("subject")},
-            {QStringLiteral("finding")},  {QStringLiteral("advice")}, {QStringLiteral("action")}};
+    return columnsOf("severity check subject finding advice action");
 }
 
 Entry doctorEntry(const DoctorFinding &finding)

@@ -4,9 +4,6 @@
 
 #include "ValueText.h"
 
-#include <QJsonArray>
-#include <QJsonDocument>
-
 namespace {
 
 QString textOf(const QJsonObject &object, const char *key)
@@ -38,12 +35,7 @@ QJsonValue propertyJson(const QVariant &value)
 QString propertyText(const QVariant &value)
 {
     const QJsonValue json = propertyJson(value);
-    if (json.isArray() || json.isObject()) {
-        const QJsonDocument document
-            = json.isArray() ? QJsonDocument(json.toArray()) : QJsonDocument(json.toObject());
-        return QString::fromUtf8(document.toJson(QJsonDocument::Compact));
-    }
-    return valueToText(value);
+    return json.isArray() || json.isObject() ? propertyToText(json) : valueToText(value);
 }
 
 } // namespace
@@ -104,52 +96,58 @@ Entry lineEntry(const ListLine &line, const Finding &finding, Entry::State state
 
 QVector<Column> readColumns()
 {
-    return {{QStringLiteral("url")},   {QStringLiteral("value"), true}, {QStringLiteral("unit")},
-            {QStringLiteral("error")}, {QStringLiteral("time")},        {QStringLiteral("note")}};
+    return columnsOf("url value> unit error time note");
+}
+
+ReadRow readRow(const ReadResult &result)
+{
+    const auto errorType = result.value.getErrorType();
+    ReadRow row;
+    row.state = stateOf(result.finding);
+    if (row.state == Entry::Good && errorType != ProcessDataDefinitions::NoError) {
+        row.state = errorType == ProcessDataDefinitions::NoValue ? Entry::Failed : Entry::Doubtful;
+    }
+    if (row.state == Entry::Good || row.state == Entry::Doubtful) {
+        const QVariant value = result.value.getValue();
+        row.value = Cell(valueToShortText(value), valueToText(value));
+        row.timestamp = result.value.getTimestamp();
+    }
+    row.unit = textOf(result.properties, "unit");
+    row.error = errorTypeName(errorType);
+    row.note = result.finding.text.isEmpty() ? explainErrorType(errorType) : result.finding.text;
+    return row;
 }
 
 Entry readEntry(const ReadResult &result)
 {
+    const ReadRow row = readRow(result);
+    const bool hasValue = row.state == Entry::Good || row.state == Entry::Doubtful;
     Entry entry = urlEntry(result.url, result.finding);
-    const auto errorType = result.value.getErrorType();
-    if (entry.state == Entry::Good && errorType != ProcessDataDefinitions::NoError) {
-        entry.state
-            = errorType == ProcessDataDefinitions::NoValue ? Entry::Failed : Entry::Doubtful;
-        entry.json.insert(QStringLiteral("status"), stateName(entry.state));
-    }
-    if (entry.reason.isEmpty()) {
-        entry.reason = explainErrorType(errorType);
-    }
-    const bool hasValue = entry.state == Entry::Good || entry.state == Entry::Doubtful;
-    const QVariant value = hasValue ? result.value.getValue() : QVariant();
-    const qint64 timestamp = hasValue ? result.value.getTimestamp() : 0;
-    const QString unit = textOf(result.properties, "unit");
-    const QString error = errorTypeName(errorType);
-    entry.json.insert(QStringLiteral("errorType"), error);
-    entry.json.insert(QStringLiteral("value"), valueToJson(value));
+    entry.state = row.state;
+    entry.reason = row.note;
+    entry.json.insert(QStringLiteral("status"), stateName(row.state));
+    entry.json.insert(QStringLiteral("errorType"), row.error);
+    entry.json.insert(QStringLiteral("value"),
+                      valueToJson(hasValue ? result.value.getValue() : QVariant()));
     if (hasValue) {
         copyText(result.properties, "type", entry.json);
         copyText(result.properties, "unit", entry.json);
     }
-    if (!entry.reason.isEmpty()) {
-        entry.json.insert(QStringLiteral("reason"), entry.reason);
+    if (!row.note.isEmpty()) {
+        entry.json.insert(QStringLiteral("reason"), row.note);
     }
-    if (timestamp != 0) {
-        entry.json.insert(QStringLiteral("time"), timeToIsoText(timestamp));
-        entry.json.insert(QStringLiteral("timestampNs"), QString::number(timestamp));
+    if (row.timestamp != 0) {
+        entry.json.insert(QStringLiteral("time"), timeToIsoText(row.timestamp));
+        entry.json.insert(QStringLiteral("timestampNs"), QString::number(row.timestamp));
     }
-    entry.rows.append({result.url, Cell(valueToShortText(value), valueToText(value)), unit, error,
-                       Cell(timeToText(timestamp), timeToIsoText(timestamp)), entry.reason});
+    entry.rows.append({result.url, row.value, row.unit, row.error,
+                       Cell(timeToText(row.timestamp), timeToIsoText(row.timestamp)), row.note});
     return entry;
 }
 
 QVector<Column> writeColumns()
 {
-    return {{QStringLiteral("url")},
-            {QStringLiteral("value"), true},
-            {QStringLiteral("unit")},
-            {QStringLiteral("result")},
-            {QStringLiteral("note")}};
+    return columnsOf("url value> unit result note");
 }
 
 Entry writeEntry(const WriteResult &result)
@@ -169,10 +167,7 @@ Entry writeEntry(const WriteResult &result)
 
 QVector<Column> propertiesColumns()
 {
-    return {{QStringLiteral("url")},
-            {QStringLiteral("property")},
-            {QStringLiteral("value")},
-            {QStringLiteral("note")}};
+    return columnsOf("url property value note");
 }
 
 Entry propertiesEntry(const PropertiesResult &result)
@@ -208,11 +203,7 @@ Entry propertiesEntry(const PropertiesResult &result)
 
 QVector<Column> leafColumns()
 {
-    return {{QStringLiteral("url")},
-            {QStringLiteral("type")},
-            {QStringLiteral("unit")},
-            {QStringLiteral("access")},
-            {QStringLiteral("description")}};
+    return columnsOf("url type unit access description");
 }
 
 Entry leafEntry(const QString &url, const QString &path, const QJsonObject &properties)

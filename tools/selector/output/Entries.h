@@ -22,7 +22,19 @@ struct ReadResult
     Finding finding; ///< why there is no value
 };
 
+/// What is shown of it.
+struct ReadRow
+{
+    Entry::State state = Entry::Good;
+    Cell value{QString()}; ///< empty without a value, as are unit and time
+    QString unit;
+    QString error;
+    qint64 timestamp = 0; ///< nanoseconds since the epoch; 0: none
+    QString note;
+};
+
 QVector<Column> readColumns();
+ReadRow readRow(const ReadResult &result);
 Entry readEntry(const ReadResult &result);
 
 /// An attempt to write.

@@ -4,8 +4,6 @@
 
 #include <QJsonArray>
 
-namespace {
-
 Entry moduleEntry(const Module &module)
 {
     Entry entry;
@@ -29,18 +27,7 @@ Entry moduleEntry(const Module &module)
     return entry;
 }
 
-} // namespace
-
 QVector<Column> moduleColumns()
 {
-    return {{QStringLiteral("module")}, {QStringLiteral("selectorType")}, {QStringLiteral("note")}};
-}
-
-QVector<Entry> moduleEntries(const QVector<Module> &modules)
-{
-    QVector<Entry> entries;
-    for (const Module &module : modules) {
-        entries.append(moduleEntry(module));
-    }
-    return entries;
+    return columnsOf("module selectorType note");
 }

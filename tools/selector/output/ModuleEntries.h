@@ -8,7 +8,7 @@
 
 QVector<Column> moduleColumns();
 
-/// One without a name has failed.
-QVector<Entry> moduleEntries(const QVector<Module> &modules);
+/// With a row for each selector type. One without a name has failed.
+Entry moduleEntry(const Module &module);
 
 #endif

@@ -151,6 +151,17 @@ QString renderJson(const Report &report, bool pretty)
 
 } // namespace
 
+QVector<Column> columnsOf(const char *keys)
+{
+    QVector<Column> columns;
+    const QStringList all = QString::fromLatin1(keys).split(QLatin1Char(' '));
+    for (const QString &key : all) {
+        const bool alignRight = key.endsWith(QLatin1Char('>'));
+        columns.append({alignRight ? key.chopped(1) : key, alignRight});
+    }
+    return columns;
+}
+
 ExitCode Entry::exitCode() const
 {
     return state == Failed || state == Doubtful ? failure : ExitAllGood;

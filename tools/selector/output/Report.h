@@ -43,6 +43,9 @@ struct Column
     bool alignRight = false;
 };
 
+/// Columns by their keys, which stand with blanks between; one with ">" behind it is aligned right.
+QVector<Column> columnsOf(const char *keys);
+
 /// What came of one selector, module or other thing that was asked for.
 struct Entry
 {

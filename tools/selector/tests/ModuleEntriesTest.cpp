@@ -13,11 +13,11 @@ const char *const list = R"([
     {"moduleName": "Plain"},
     {"additionalData": {"selectorTypeList": ["X/1/AnalogSelector"]}}])";
 
-QStringList rowsOf(const QVector<Entry> &entries)
+QStringList rowsOf(const QVector<Module> &modules)
 {
     QStringList rows;
-    for (const Entry &entry : entries) {
-        for (const Row &row : entry.rows) {
+    for (const Module &module : modules) {
+        for (const Row &row : moduleEntry(module).rows) {
             rows.append(row.at(0).text + ' ' + row.at(1).text + ' ' + row.at(2).text);
         }
     }
@@ -45,7 +45,7 @@ private Q_SLOTS:
 
 void ModuleEntriesTest::allModulesAreListed()
 {
-    QCOMPARE(rowsOf(moduleEntries(modulesOfList(list))),
+    QCOMPARE(rowsOf(modulesOfList(list)),
              QStringList({"Pump C/1/AnalogSelector ", "Pump C/1/DigitalSelector ",
                           "Tank T/1/DigitalSelector ", "Plain  ",
                           " X/1/AnalogSelector a module without a readable name"}));
@@ -53,14 +53,14 @@ void ModuleEntriesTest::allModulesAreListed()
 
 void ModuleEntriesTest::oneTypeIsPicked()
 {
-    QCOMPARE(rowsOf(moduleEntries(modulesOfType(list, "DigitalSelector"))),
+    QCOMPARE(rowsOf(modulesOfType(list, "DigitalSelector")),
              QStringList({"Pump C/1/DigitalSelector ", "Tank T/1/DigitalSelector "}));
     QVERIFY(modulesOfType(list, "digitalselector").isEmpty());
 }
 
 void ModuleEntriesTest::aModuleWithoutNameFails()
 {
-    const Entry entry = moduleEntries(modulesOfType(list, "AnalogSelector")).last();
+    const Entry entry = moduleEntry(modulesOfType(list, "AnalogSelector").last());
     QCOMPARE(int(entry.state), int(Entry::Failed));
     QCOMPARE(entry.json.value("status").toString(), QString("failed"));
 }

@@ -16,14 +16,6 @@ constexpr int valueWidth = 12;
 constexpr int unitWidth = 6;
 constexpr int errorWidth = 9;
 
-QString shown(const QJsonValue &value)
-{
-    if (value.isUndefined()) {
-        return QStringLiteral("nothing");
-    }
-    return value.isString() ? value.toString() : valueToText(value.toVariant());
-}
-
 QString whatName(SelectorChange::What what)
 {
     switch (what) {
@@ -59,7 +51,8 @@ SelectorChange compareProperties(int index, const QString &url, const QJsonObjec
         if (before.value(name) != after.value(name)) {
             change.properties.append(name);
             texts.append(QStringLiteral("%1 %2 -> %3")
-                             .arg(name, shown(before.value(name)), shown(after.value(name))));
+                             .arg(name, propertyToText(before.value(name)),
+                                  propertyToText(after.value(name))));
         }
     }
     if (texts.isEmpty()) {
@@ -73,8 +66,7 @@ SelectorChange compareProperties(int index, const QString &url, const QJsonObjec
 WatchLines::WatchLines(const QVector<QString> &urls, const Style &style, bool timestamps)
     : style(style)
     , timestamps(timestamps)
-    , columns{{QStringLiteral("time")}, {QStringLiteral("url")},   {QStringLiteral("value"), true},
-              {QStringLiteral("unit")}, {QStringLiteral("error")}, {QStringLiteral("note")}}
+    , columns(columnsOf("time url value> unit error note"))
 {
     int urlWidth = 3;
     for (const QString &url : urls) {
@@ -124,32 +116,29 @@ QString WatchLines::header() const
 
 QString WatchLines::value(int index, const ReadResult &result, qint64 now) const
 {
-    Entry entry = readEntry(result);
-    const Row &cells = entry.rows.constFirst();
+    const ReadRow row = readRow(result);
     if (style.quiet) {
-        return renderQuietLine(cells.at(1)) + QLatin1Char('\n');
+        return renderQuietLine(row.value) + QLatin1Char('\n');
     }
-    const bool hasTime = entry.json.contains(QStringLiteral("time"));
+    const qint64 time = row.timestamp == 0 ? now : row.timestamp;
     if (style.format == Format::Json) {
-        entry.json.insert(QStringLiteral("event"), QStringLiteral("value"));
-        entry.json.insert(QStringLiteral("index"), index);
-        if (!hasTime) {
-            entry.json.insert(QStringLiteral("time"), timeToIsoText(now));
-        }
-        return jsonLine(entry.json, now);
+        QJsonObject json = readEntry(result).json;
+        json.insert(QStringLiteral("event"), QStringLiteral("value"));
+        json.insert(QStringLiteral("index"), index);
+        json.insert(QStringLiteral("time"), timeToIsoText(time));
+        return jsonLine(json, now);
     }
-    const Cell time = hasTime ? cells.at(4) : Cell(timeToText(now), timeToIsoText(now));
     if (style.format == Format::Csv) {
-        return csvLine({QStringLiteral("value"), time.machineText, cells.at(0).text,
-                        cells.at(1).machineText, cells.at(2).text, cells.at(3).text,
-                        cells.at(5).text, QString::number(index)},
+        return csvLine({QStringLiteral("value"), timeToIsoText(time), result.url,
+                        row.value.machineText, row.unit, row.error, row.note,
+                        QString::number(index)},
                        now);
     }
-    Row row{time, cells.at(0), cells.at(1), cells.at(2), cells.at(3), cells.at(5)};
+    Row cells{timeToText(time), result.url, row.value, row.unit, row.error, row.note};
     if (timestamps) {
-        row.prepend(Cell(timeToText(now)));
+        cells.prepend(timeToText(now));
     }
-    return renderTableLine(columns, widths, row, entry.state, style.colour) + QLatin1Char('\n');
+    return renderTableLine(columns, widths, cells, row.state, style.colour) + QLatin1Char('\n');
 }
 
 QString WatchLines::signal(const QString &signal, const QVector<SelectorChange> &changes,
