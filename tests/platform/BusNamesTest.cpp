@@ -2,6 +2,7 @@
 // Names on the bus: escaping there and back, and the environment's settings.
 #include "BusNames.h"
 #include "BusSettings.h"
+#include "CallDeadline.h"
 #include "ErrorContainer.h"
 #include "MessageLog.h"
 
@@ -25,6 +26,7 @@ private Q_SLOTS:
     void theTimeLimitComesFromTheEnvironment_data();
     void theTimeLimitComesFromTheEnvironment();
     void aBadTimeLimitWarnsOnceAndCountsAsTheDefault();
+    void aTimeLimitOfTheProgramGoesBeforeTheEnvironments();
     void theBusComesFromTheEnvironment_data();
     void theBusComesFromTheEnvironment();
     void anErrorIsPrintedWithCodeAndTextAndLeavesTheStreamAsItWas();
@@ -188,6 +190,16 @@ void BusNamesTest::aBadTimeLimitWarnsOnceAndCountsAsTheDefault()
         warnings.texts().first(),
         QString("processdata.bus: PROCESSDATA_DBUS_TIMEOUT_MS is \"soon\" and must be a number of "
                 "milliseconds from 1 to 600000 - using 2000"));
+}
+
+void BusNamesTest::aTimeLimitOfTheProgramGoesBeforeTheEnvironments()
+{
+    qputenv("PROCESSDATA_DBUS_TIMEOUT_MS", "70");
+    setCallTimeLimit(900000);
+    QCOMPARE(callTimeLimit(), 900000);
+    setCallTimeLimit(0);
+    QCOMPARE(callTimeLimit(), 70);
+    qunsetenv("PROCESSDATA_DBUS_TIMEOUT_MS");
 }
 
 void BusNamesTest::theBusComesFromTheEnvironment_data()

@@ -64,7 +64,7 @@ int runCommand(const Command &command, const QStringList &arguments, Console &co
         if (std::none_of(options.begin(), options.end(), [](const Option &option) {
                 return option.kind == Option::Milliseconds;
             })) {
-            qputenv("PROCESSDATA_DBUS_TIMEOUT_MS", QByteArray::number(line.number("timeout")));
+            setCallTimeLimit(line.number("timeout"));
         }
     }
     MessageLog::install(QStringLiteral("selector"), QStringLiteral("selector.cli"),

@@ -18,6 +18,7 @@ constexpr int defaultTimeLimit = 2000;
 constexpr int longestTimeLimit = 600000;
 
 std::atomic<qint64> callDeadline{0}; // milliseconds of the steady clock; 0: none
+std::atomic<int> limitOfProgram{0}; // 0: the environment decides
 
 qint64 steadyNow()
 {
@@ -107,8 +108,16 @@ void setCallDeadline(int milliseconds)
     callDeadline = steadyNow() + milliseconds;
 }
 
+void setCallTimeLimit(int milliseconds)
+{
+    limitOfProgram = milliseconds;
+}
+
 int callTimeLimit()
 {
+    if (const int limit = limitOfProgram) {
+        return withinDeadline(limit);
+    }
     const QString text = qEnvironmentVariable("PROCESSDATA_DBUS_TIMEOUT_MS");
     if (text.isEmpty()) {
         return withinDeadline(defaultTimeLimit);

@@ -43,8 +43,8 @@ private:
     QString address;
 };
 
-/// How long one call may take: PROCESSDATA_DBUS_TIMEOUT_MS, 1 to 600,000, default 2,000; less when
-/// setCallDeadline() leaves less.
+/// How long one call may take: what setCallTimeLimit() says, else PROCESSDATA_DBUS_TIMEOUT_MS, 1 to
+/// 600,000, default 2,000; less when setCallDeadline() leaves less.
 ///
 /// Units:   milliseconds.
 /// Errors:  anything else in the variable: one warning for each text, and the default.

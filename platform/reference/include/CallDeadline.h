@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// One time limit for all that a process asks of the bus.
+// Time limits for what a process asks of the bus.
 #ifndef CALLDEADLINE_H
 #define CALLDEADLINE_H
 
@@ -12,5 +12,12 @@
 /// @param milliseconds  above 0
 /// Threads: any.
 PROCESSDATAPLATFORM_EXPORT void setCallDeadline(int milliseconds);
+
+/// From now on each blocking call of this process may take so long, in place of what
+/// PROCESSDATA_DBUS_TIMEOUT_MS says; a later call replaces an earlier one.
+///
+/// @param milliseconds  0: what the environment says again
+/// Threads: any.
+PROCESSDATAPLATFORM_EXPORT void setCallTimeLimit(int milliseconds);
 
 #endif

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // selector complete: candidates for shells from the live system.
+#include "CallDeadline.h"
 #include "Command.h"
 #include "Completion.h"
 #include "DescriptionLeaves.h"
@@ -13,7 +14,7 @@
 namespace {
 
 constexpr int namesOfSource = 3;
-constexpr char patience[] = "500"; // milliseconds that a person at the keyboard may wait for a call
+constexpr int patience = 500; // milliseconds that a person at the keyboard may wait for a call
 
 QStringList modules()
 {
@@ -93,7 +94,7 @@ int run(const CommandLine &line, const Console &console, QString &usage)
         return ExitUsage;
     }
     if (!line.has("timeout")) {
-        qputenv("PROCESSDATA_DBUS_TIMEOUT_MS", patience);
+        setCallTimeLimit(patience);
     }
     const QString typed = words.isEmpty() ? QString() : words.constLast();
     const Offer offer = isLine ? offerFor(words) : Offer{kinds.value(kind), {}};
