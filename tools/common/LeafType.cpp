@@ -189,7 +189,7 @@ std::optional<LeafType> leafType(const QString &name)
         return std::nullopt;
     }
     const ValueTypeRow &row = valueTypes[size_t(*type)];
-    return LeafType{*type, row.name, row.kind, int(row.size) * CHAR_BIT};
+    return LeafType{*type, name, row.kind, int(row.size) * CHAR_BIT};
 }
 
 bool valueFromText(const LeafType &type, const QString &text, QVariant &value, QString &error)

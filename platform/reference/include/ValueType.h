@@ -32,33 +32,27 @@ enum class ValueKind : quint8 { Bool, Signed, Unsigned, Float, String, Bytes };
 
 struct ValueTypeRow
 {
-    QLatin1String name; ///< in descriptions
+    const char *name; ///< in descriptions
     ValueKind kind;
     quint32 size; ///< bytes; 0: as much as the leaf's capacity
 };
 
 /// All types, in the order of ValueType.
 inline constexpr ValueTypeRow valueTypes[] = {
-    {QLatin1String("bool"), ValueKind::Bool, 1},
-    {QLatin1String("int8"), ValueKind::Signed, 1},
-    {QLatin1String("int16"), ValueKind::Signed, 2},
-    {QLatin1String("int32"), ValueKind::Signed, 4},
-    {QLatin1String("int64"), ValueKind::Signed, 8},
-    {QLatin1String("uint8"), ValueKind::Unsigned, 1},
-    {QLatin1String("uint16"), ValueKind::Unsigned, 2},
-    {QLatin1String("uint32"), ValueKind::Unsigned, 4},
-    {QLatin1String("uint64"), ValueKind::Unsigned, 8},
-    {QLatin1String("float32"), ValueKind::Float, 4},
-    {QLatin1String("float64"), ValueKind::Float, 8},
-    {QLatin1String("string"), ValueKind::String, 0},
-    {QLatin1String("bytes"), ValueKind::Bytes, 0},
+    {"bool", ValueKind::Bool, 1},       {"int8", ValueKind::Signed, 1},
+    {"int16", ValueKind::Signed, 2},    {"int32", ValueKind::Signed, 4},
+    {"int64", ValueKind::Signed, 8},    {"uint8", ValueKind::Unsigned, 1},
+    {"uint16", ValueKind::Unsigned, 2}, {"uint32", ValueKind::Unsigned, 4},
+    {"uint64", ValueKind::Unsigned, 8}, {"float32", ValueKind::Float, 4},
+    {"float64", ValueKind::Float, 8},   {"string", ValueKind::String, 0},
+    {"bytes", ValueKind::Bytes, 0},
 };
 
 /// Type by its name in descriptions; nothing for any other text.
 template <typename Text> std::optional<ValueType> valueTypeFromName(const Text &name)
 {
     for (size_t i = 0; i < std::size(valueTypes); ++i) {
-        if (valueTypes[i].name == name) {
+        if (QLatin1String(valueTypes[i].name) == name) {
             return static_cast<ValueType>(i);
         }
     }
@@ -67,7 +61,7 @@ template <typename Text> std::optional<ValueType> valueTypeFromName(const Text &
 
 inline QString valueTypeName(ValueType type)
 {
-    return valueTypes[size_t(type)].name;
+    return QLatin1String(valueTypes[size_t(type)].name);
 }
 
 /// Bytes of payload that a value of this type needs at most.
