@@ -87,7 +87,6 @@ BusLink::BusLink(const BusChoice &choice, QObject *parent)
     : QObject(parent)
     , choice(choice)
     , retryTimer(this) // a child, so that it follows into another thread
-    , nextDelay(firstDelay)
     , current(noConnection())
 {
     retryTimer.setSingleShot(true);
@@ -188,7 +187,6 @@ bool BusLink::connectNow(QString &error)
     current = fresh;
     currentName = name;
     connected = true;
-    nextDelay = firstDelay;
     return true;
 }
 
@@ -202,7 +200,7 @@ void BusLink::handleDisconnected()
     qCWarning(busLog).noquote() << "Lost the connection to" << choice.label()
                                 << "- trying to reconnect";
     Q_EMIT lost();
-    retryTimer.start(nextDelay);
+    retryTimer.start(firstDelay);
 }
 
 void BusLink::retry()
@@ -214,8 +212,7 @@ void BusLink::retry()
             qCWarning(busLog).noquote()
                 << "Cannot connect to" << choice.label() << "-" << refusal << "- trying again";
         }
-        nextDelay = qMin(2 * nextDelay, longestDelay);
-        retryTimer.start(nextDelay);
+        retryTimer.start(qMin(2 * retryTimer.interval(), longestDelay));
         return;
     }
     qCInfo(busLog).noquote() << "Connected again to" << choice.label();

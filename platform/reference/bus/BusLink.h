@@ -81,7 +81,6 @@ private:
 
     const BusChoice choice;
     QTimer retryTimer;
-    int nextDelay;
     QString refusal; // the bus daemon's last; empty when there was none or nobody listened
     bool refusalReported = false; // since the connection was lost
     QVector<Subscription> subscriptions;

@@ -86,7 +86,7 @@ bool BusThread::begin(QString &reason)
     const Lock held(Running::all().mutex);
     Running::all().threads += this;
     qAddPostRoutine(&BusThread::endAll);
-    std::atexit(&BusThread::endOfProcess);
+    static_cast<void>(std::atexit(&BusThread::endOfProcess));
     return true;
 }
 

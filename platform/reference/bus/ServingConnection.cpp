@@ -32,7 +32,6 @@ ServingConnection::ServingConnection(const BusChoice &choice)
     : choice(choice)
     , socket([this](const WireMessage &message) { return handleMessage(message); }, this)
     , retryTimer(this)
-    , nextDelay(firstDelay)
 {
     retryTimer.setSingleShot(true);
     QObject::connect(&retryTimer, &QTimer::timeout, this, &ServingConnection::retry);
@@ -51,7 +50,7 @@ bool ServingConnection::open(QString &error)
     if (isOpen()) {
         return true;
     }
-    if (!connectNow(error)) {
+    if (!socket.open(choice, error)) {
         return false; // a running retry goes on
     }
     if (retryTimer.isActive()) {
@@ -70,15 +69,6 @@ void ServingConnection::close()
     watchedNames.clear();
 }
 
-bool ServingConnection::connectNow(QString &error)
-{
-    if (!socket.open(choice, error)) {
-        return false;
-    }
-    nextDelay = firstDelay;
-    return true;
-}
-
 void ServingConnection::handleDisconnected()
 {
     if (!socket.isOpen() || socket.isAlive()) {
@@ -87,16 +77,15 @@ void ServingConnection::handleDisconnected()
     close();
     qCWarning(busLog).noquote() << "Lost the connection to" << choice.label()
                                 << "- trying to reconnect";
-    retryTimer.start(nextDelay);
+    retryTimer.start(firstDelay);
     Q_EMIT lost();
 }
 
 void ServingConnection::retry()
 {
     QString error;
-    if (!connectNow(error)) {
-        nextDelay = qMin(2 * nextDelay, longestDelay);
-        retryTimer.start(nextDelay);
+    if (!socket.open(choice, error)) {
+        retryTimer.start(qMin(2 * retryTimer.interval(), longestDelay));
         return;
     }
     qCInfo(busLog).noquote() << "Connected again to" << choice.label();

@@ -96,7 +96,6 @@ private:
     };
 
     // ServingConnection.cpp: the connection.
-    bool connectNow(QString &error);
     void handleDisconnected();
     void retry();
     bool handleMessage(const WireMessage &message);
@@ -119,7 +118,6 @@ private:
     const BusChoice choice;
     BusSocket socket;
     QTimer retryTimer; // runs while the connection is lost
-    int nextDelay;
     QMap<QString, const ServedService *> services; // by name
     QVector<OwnerWatch> ownerWatches;
     QSet<QString> watchedNames; // that the bus daemon was asked for

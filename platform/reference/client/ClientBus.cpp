@@ -9,7 +9,6 @@
 
 #include <QDBusArgument>
 #include <QDeadlineTimer>
-#include <QTimer>
 
 ClientBus::ClientBus(const BusChoice &choice)
     : link(choice, this)
@@ -26,7 +25,6 @@ void ClientBus::shutDown()
 {
     link.close();
     losses.clear();
-    qDeleteAll(findChildren<QTimer *>(QString(), Qt::FindDirectChildrenOnly));
     const QMutexLocker lock(&mutex);
     table.busLost();
     changed.wakeAll();

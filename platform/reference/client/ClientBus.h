@@ -88,6 +88,13 @@ private Q_SLOTS:
     void handleRestored();
 
 private:
+    struct Probe
+    {
+        QString service;
+        QString path;
+        quint64 number;
+    };
+
     bool waitUntilConnected(QString &error);
     void connectInBusThread();
     bool setUp(QString &error);
@@ -96,15 +103,13 @@ private:
     static QDBusMessage ownerQuestion(const QString &service);
     void askOwner(const QString &service);
     void handleOwner(const QString &service, const QDBusMessage &answer);
-    bool isServed(const QString &service) const;
-    void handleLossDue(const QString &service, const QVector<QSharedPointer<SourceWatch>> &sources);
-    void handleLostOwner(const QString &service,
-                         const QVector<QSharedPointer<SourceWatch>> &sources,
+    void handleLossDue(const QString &service, const LostSources &sources);
+    void handleLostOwner(const QString &service, const LostSources &sources,
                          const QDBusMessage &answer);
-    void fetchLost(const QString &service, const QString &owner,
-                   const QVector<QSharedPointer<SourceWatch>> &sources);
+    void fetchLost(const QString &service, const QString &owner, const LostSources &sources);
     void handleLostFetch(const QString &owner, const SourceWatch &source,
                          const DescriptionReply &reply);
+    void startFetchesSoon();
     void startFetches();
     void sendFetch(const FetchQueue::Fetch &fetch, bool mayTryAgain);
     void endFetch(const FetchQueue::Fetch &fetch, const QDBusMessage &answer, qint64 milliseconds);
@@ -112,10 +117,9 @@ private:
     void noteOwed(const QDBusMessage &call, const ServiceListener *asker);
     void noteTimeout(const QDBusMessage &call, const ServiceListener *asker,
                      const QDBusMessage &answer, qint64 milliseconds, int limit);
-    void sendProbe(const QString &service, const QString &path, quint64 probe);
-    void handleProbe(const QString &service, const QString &path, quint64 probe,
-                     const QDBusMessage &answer);
-    void repeatProbe(const QString &service, const QString &path, quint64 probe);
+    void sendProbe(const Probe &probe);
+    void handleProbe(const Probe &probe, const QDBusMessage &answer);
+    void repeatProbe(const Probe &probe);
 
     BusLink link;
     const HomeProcess home;

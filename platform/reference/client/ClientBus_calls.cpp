@@ -72,6 +72,11 @@ void ClientBus::fetch(const FetchQueue::Fetch &fetch)
         const QMutexLocker lock(&mutex);
         fetches.add(fetch);
     }
+    startFetchesSoon();
+}
+
+void ClientBus::startFetchesSoon()
+{
     QMetaObject::invokeMethod(
         this, [this] { startFetches(); }, Qt::QueuedConnection);
 }
@@ -120,8 +125,7 @@ void ClientBus::endFetch(const FetchQueue::Fetch &fetch, const QDBusMessage &ans
         fetches.ended(*fetch);
     }
     reportFetch(fetch, answer);
-    QMetaObject::invokeMethod(
-        this, [this] { startFetches(); }, Qt::QueuedConnection);
+    startFetchesSoon();
 }
 
 // The text is read here, so that the client's thread finds it understood. A large one would keep
@@ -166,33 +170,27 @@ void ClientBus::noteTimeout(const QDBusMessage &call, const ServiceListener *ask
     }
     const QMutexLocker lock(&mutex);
     noteOwed(call, asker);
-    const quint64 probe = table.setHung(call.service());
-    if (probe != 0) {
+    const Probe probe{call.service(), call.path(), table.setHung(call.service())};
+    if (probe.number != 0) {
         QMetaObject::invokeMethod(
-            this,
-            [this, service = call.service(), path = call.path(), probe] {
-                sendProbe(service, path, probe);
-            },
-            Qt::QueuedConnection);
+            this, [this, probe] { sendProbe(probe); }, Qt::QueuedConnection);
     }
 }
 
 // Asks the object itself, not org.freedesktop.DBus.Peer: bus libraries answer that one in a thread
 // of their own even while the thread that serves objects hangs.
-void ClientBus::sendProbe(const QString &service, const QString &path, quint64 probe)
+void ClientBus::sendProbe(const Probe &probe)
 {
-    QDBusMessage message = QDBusMessage::createMethodCall(
-        service, path, BusNames::processDescriptionInterface(), QStringLiteral("ListInstances"));
+    QDBusMessage message = QDBusMessage::createMethodCall(probe.service, probe.path,
+                                                          BusNames::processDescriptionInterface(),
+                                                          QStringLiteral("ListInstances"));
     message.setAutoStartService(false);
     // Without a connection there is none to wait for: the loss of the bus ends all probes.
     BusCall::send(link.connection(), message, noTimeLimit, this,
-                  [this, service, path, probe](const QDBusMessage &answer) {
-                      handleProbe(service, path, probe, answer);
-                  });
+                  [this, probe](const QDBusMessage &answer) { handleProbe(probe, answer); });
 }
 
-void ClientBus::handleProbe(const QString &service, const QString &path, quint64 probe,
-                            const QDBusMessage &answer)
+void ClientBus::handleProbe(const Probe &probe, const QDBusMessage &answer)
 {
     if (!link.isConnected()) {
         return; // the loss of the bus has ended all probes
@@ -201,29 +199,23 @@ void ClientBus::handleProbe(const QString &service, const QString &path, quint64
     if (kind == BusErrors::Kind::TimedOut) {
         // Either the bus daemon gave up or the service died; then its owner changes, and the next
         // probe finds itself outdated.
-        auto *timer = new QTimer(this);
-        QObject::connect(timer, &QTimer::timeout, this, [this, timer, service, path, probe] {
-            timer->deleteLater();
-            repeatProbe(service, path, probe);
-        });
-        timer->setSingleShot(true);
-        timer->start(probeRetryDelay);
+        QTimer::singleShot(probeRetryDelay, this, [this, probe] { repeatProbe(probe); });
         return;
     }
     const QMutexLocker lock(&mutex);
-    table.probeEnded(service, probe,
+    table.probeEnded(probe.service, probe.number,
                      kind != BusErrors::Kind::ServiceMissing
                          && kind != BusErrors::Kind::Disconnected);
 }
 
-void ClientBus::repeatProbe(const QString &service, const QString &path, quint64 probe)
+void ClientBus::repeatProbe(const Probe &probe)
 {
     bool wanted = false;
     {
         const QMutexLocker lock(&mutex);
-        wanted = table.isUnderWay(service, probe);
+        wanted = table.isUnderWay(probe.service, probe.number);
     }
     if (wanted) {
-        sendProbe(service, path, probe);
+        sendProbe(probe);
     }
 }

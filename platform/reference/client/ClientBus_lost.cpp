@@ -24,21 +24,16 @@ void ClientBus::watchLost(const QSharedPointer<SourceWatch> &source)
         this,
         [this, source] {
             const QString service = BusNames::serviceOfModule(source->name.module);
-            if (isServed(service)) {
+            bool isServed = false;
+            withTable([&](ServiceTable &known) { isServed = known.services().contains(service); });
+            if (isServed) {
                 losses.add(service, source);
             }
         },
         Qt::QueuedConnection);
 }
 
-bool ClientBus::isServed(const QString &service) const
-{
-    const QMutexLocker lock(&mutex);
-    return table.services().contains(service);
-}
-
-void ClientBus::handleLossDue(const QString &service,
-                              const QVector<QSharedPointer<SourceWatch>> &sources)
+void ClientBus::handleLossDue(const QString &service, const LostSources &sources)
 {
     BusCall::send(link.connection(), ownerQuestion(service), callTimeLimit(), this,
                   [this, service, sources](const QDBusMessage &answer) {
@@ -48,8 +43,7 @@ void ClientBus::handleLossDue(const QString &service,
 
 // Whoever announces an owner says it before it answers this: when it says anything else now, an
 // announcement was dropped, and with it anything else may have been.
-void ClientBus::handleLostOwner(const QString &service,
-                                const QVector<QSharedPointer<SourceWatch>> &sources,
+void ClientBus::handleLostOwner(const QString &service, const LostSources &sources,
                                 const QDBusMessage &answer)
 {
     const bool isOwned = answer.type() == QDBusMessage::ReplyMessage;
@@ -75,8 +69,7 @@ void ClientBus::handleLostOwner(const QString &service,
 
 // Caller holds the mutex. The service's owner is the same, so it has retired the buffer or changed
 // properties: where its description differs by now, its announcement of that was missed.
-void ClientBus::fetchLost(const QString &service, const QString &owner,
-                          const QVector<QSharedPointer<SourceWatch>> &sources)
+void ClientBus::fetchLost(const QString &service, const QString &owner, const LostSources &sources)
 {
     if (owner.isEmpty() || table.isHung(service)) {
         return;
@@ -89,8 +82,7 @@ void ClientBus::fetchLost(const QString &service, const QString &owner,
                 handleLostFetch(owner, *source, reply);
             }));
     }
-    QMetaObject::invokeMethod(
-        this, [this] { startFetches(); }, Qt::QueuedConnection);
+    startFetchesSoon();
 }
 
 void ClientBus::handleLostFetch(const QString &owner, const SourceWatch &source,

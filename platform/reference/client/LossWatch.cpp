@@ -35,7 +35,7 @@ void LossWatch::clear()
 void LossWatch::take(const QString &service)
 {
     Lost &lost = services[service];
-    QVector<QSharedPointer<SourceWatch>> read;
+    LostSources read;
     for (const QSharedPointer<SourceWatch> &source : std::as_const(lost.sources)) {
         // Whoever was told meanwhile holds another tree.
         if (!source->hasEnded() && source->takeRead()) {

@@ -13,6 +13,8 @@
 
 class QTimer;
 
+using LostSources = QVector<QSharedPointer<SourceWatch>>;
+
 /// A bus daemon drops what a client does not read, announcements of owners too, and says nothing of
 /// it. So a source that goes on being read while it is lost or outdated has its service asked
 /// about: for the first time after a second, in which announcements usually arrive, then after
@@ -36,12 +38,12 @@ public:
 
 Q_SIGNALS:
     /// It is time to ask.
-    void due(const QString &service, const QVector<QSharedPointer<SourceWatch>> &sources);
+    void due(const QString &service, const LostSources &sources);
 
 private:
     struct Lost
     {
-        QVector<QSharedPointer<SourceWatch>> sources;
+        LostSources sources;
         QTimer *timer = nullptr;
     };
 

@@ -29,14 +29,14 @@ struct ServiceSignal
 class ServiceTable
 {
 public:
-    /// Tells the listener at once when the service is known to be present. What follows is asked
-    /// for listeners that were added, where nothing else is said.
+    /// Tells the listener at once when the service is known to be present.
     ///
     /// @returns whether the service is new, so that its owner must be asked for
     bool addListener(ServiceListener *listener);
     void removeListener(const ServiceListener *listener);
 
-    /// Remembers that a listener asks for an instance: signals that name it reach it first.
+    /// Remembers that a listener, which was added, asks for an instance: signals that name it reach
+    /// it first.
     ///
     /// @returns what the fetch will very likely bring, as expect() left it; null when nothing did
     PreparedDescriptionPointer noteAsked(const ServiceListener *listener, const QString &instance);
