@@ -90,23 +90,33 @@ bool BusThread::begin(QString &reason)
     return true;
 }
 
-// Without the end of its QCoreApplication.
+// For a process that ends without the end of its QCoreApplication. Registered at each start, and ends
+// one: a static object that was made with a thread running goes before the thread does.
 void BusThread::endOfProcess()
 {
-    qRemovePostRoutine(&BusThread::endAll);
-    endAll();
+    endLast();
+    const Lock held(Running::all().mutex);
+    if (Running::all().threads.isEmpty()) {
+        qRemovePostRoutine(&BusThread::endAll);
+    }
 }
 
 // Each before those that it was started after.
 void BusThread::endAll()
 {
+    while (endLast()) { }
+}
+
+bool BusThread::endLast()
+{
     Lock held(Running::all().mutex);
-    while (!Running::all().threads.isEmpty()) {
-        BusThread *const last = Running::all().threads.takeLast();
-        held.unlock();
-        last->end();
-        held.lock();
+    if (Running::all().threads.isEmpty()) {
+        return false;
     }
+    BusThread *const last = Running::all().threads.takeLast();
+    held.unlock();
+    last->end();
+    return true;
 }
 
 void BusThread::end()

@@ -87,6 +87,7 @@ private:
     };
 
     static void endAll();
+    static bool endLast();
     static void endOfProcess();
     bool begin(QString &reason);
     void end();
