@@ -185,7 +185,7 @@ Answer examineListed(Examination &found)
     const SourceName &source = found.source;
     for (int i = 0; i < attempts && found.buffer.end != BufferInspection::Complete; ++i) {
         QString description;
-        const Answer answer = ask([&](QString &error) {
+        Answer answer = ask([&](QString &error) {
             return fetchDescription(source.module, source.object, source.instance, description,
                                     error);
         });
@@ -244,7 +244,7 @@ const SelectorExaminer::Source &SelectorExaminer::sourceOf(const SourceName &nam
 Finding SelectorExaminer::explain(const QString &url)
 {
     const SelectorUrlParts parts = parseSelectorUrl(url);
-    const Finding text = textFinding(parts);
+    Finding text = textFinding(parts);
     if (!text.isNone()) {
         return text;
     }
@@ -259,7 +259,7 @@ Finding SelectorExaminer::explain(const QString &url)
 
 Finding SelectorExaminer::explainRefusal(const QString &url)
 {
-    const Finding finding = explain(url);
+    Finding finding = explain(url);
     if (!finding.isNone()) {
         return finding;
     }

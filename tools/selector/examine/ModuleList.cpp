@@ -46,8 +46,7 @@ QVector<Module> modulesOfType(const QString &providerList, const QString &type)
 Answer fetchModuleNames(QStringList &names)
 {
     QString list;
-    const Answer answer
-        = ask([&](QString &error) { return fetchRegisteredProviderList(list, error); });
+    Answer answer = ask([&](QString &error) { return fetchRegisteredProviderList(list, error); });
     if (!answer.isOk()) {
         return answer;
     }
