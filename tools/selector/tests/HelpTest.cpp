@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Helps, man page and completion name every option that a command takes.
-#include "Files.h"
 #include "Help.h"
+#include "Files.h"
 #include "LineCompletion.h"
 
 #include <QRegularExpression>
@@ -25,8 +25,7 @@ QStringList flags(const QString &text, const char *pattern)
 // As it is installed, without the backslashes of roff.
 QString page(const QString &name, const Command *command)
 {
-    const QString text
-        = QString::fromUtf8(contentOf(SELECTOR_SOURCE_DIR "/man/" + name + ".1"));
+    const QString text = QString::fromUtf8(contentOf(SELECTOR_SOURCE_DIR "/man/" + name + ".1"));
     return manualPage(text, command).remove('\\');
 }
 

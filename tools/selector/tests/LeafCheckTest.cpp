@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Selector lists held against snapshots.
-#include "Files.h"
 #include "LeafCheck.h"
+#include "Files.h"
 #include "Snapshot.h"
 
 #include <QJsonArray>
