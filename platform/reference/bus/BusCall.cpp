@@ -33,12 +33,11 @@ public:
 QDBusMessage BusCall::wait(const QDBusConnection &connection, const QDBusMessage &message,
                            int milliseconds)
 {
-    const QDBusConnection held = connection; // destroyed after the call
-    if (!held.isConnected()) {
+    if (!connection.isConnected()) {
         return message.createErrorReply(QDBusError::Disconnected,
                                         QStringLiteral("Not connected to the bus"));
     }
-    QDBusPendingCall call = held.asyncCall(message, milliseconds);
+    QDBusPendingCall call = connection.asyncCall(message, milliseconds);
     call.waitForFinished();
     return call.reply();
 }
