@@ -27,7 +27,8 @@ QString textOf(const QString &name, const QString &given)
 
 BusErrors::Kind BusErrors::kindOf(const QString &name)
 {
-    static const QHash<QString, Kind> kinds{
+    // Never destroyed: bus threads and static objects judge answers to the last.
+    static const auto &kinds = *new QHash<QString, Kind>{
         {QStringLiteral(DBUS_ERROR_NO_REPLY), Kind::TimedOut},
         {QStringLiteral(DBUS_ERROR_TIMEOUT), Kind::TimedOut},
         {QStringLiteral(DBUS_ERROR_TIMED_OUT), Kind::TimedOut},

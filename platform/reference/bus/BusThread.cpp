@@ -10,11 +10,17 @@
 #include <cerrno>
 #include <cstdlib>
 #include <deque>
+#include <pthread.h>
 #include <sys/eventfd.h>
 
 BusThread::Running &BusThread::Running::all()
 {
-    static auto *const running = new Running;
+    static auto *const running = [] {
+        // A child must find it free, and may start threads of its own.
+        pthread_atfork([] { all().mutex.lock(); }, [] { all().mutex.unlock(); },
+                       [] { all().mutex.unlock(); });
+        return new Running;
+    }();
     return *running;
 }
 

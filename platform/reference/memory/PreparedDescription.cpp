@@ -22,7 +22,8 @@ class KnownDescriptions
 public:
     static KnownDescriptions &all()
     {
-        static KnownDescriptions known;
+        // Never destroyed: bus threads read descriptions to the last.
+        static auto &known = *new KnownDescriptions;
         return known;
     }
 

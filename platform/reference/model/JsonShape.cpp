@@ -44,8 +44,9 @@ bool isNameBefore(const QString &left, const QString &right)
 
 JsonKeyNumbers::JsonKeyNumbers()
 {
-    static const QVector<JsonKeyText> texts = knownTexts();
-    static const QHash<QLatin1String, quint32> known = knownNumbers();
+    // Never destroyed: bus threads read descriptions to the last.
+    static const auto &texts = *new QVector<JsonKeyText>(knownTexts());
+    static const auto &known = *new QHash<QLatin1String, quint32>(knownNumbers());
     all = texts;
     numbers = known;
 }
