@@ -42,5 +42,8 @@ mapfile -t files < <(find "$build_dir" -name cmake_install.cmake -exec grep -hoE
 for file in "${files[@]}"; do
     grep -qxF -e "$file" -e "${file#"$build_dir"/}" "$work/inputs" || fail "the target installed does not make $file"
 done
-grep -qx tools/selector/selector-man "$work/inputs" || fail "the target installed does not make the manual pages"
+# A cross build may have none (docs/processors.md).
+if grep -qF "$build_dir/tools/selector/man/" "$build_dir/tools/selector/cmake_install.cmake"; then
+    grep -qx tools/selector/selector-man "$work/inputs" || fail "the target installed does not make the manual pages"
+fi
 exit "$failed"

@@ -139,7 +139,11 @@ bool parseCommandLine(const QStringList &arguments, const QVector<Option> &optio
     parsed.arguments = unmarked(parser.positionalArguments());
     for (const Option &option : all) {
         if (parser.isSet(option.name())) {
-            parsed.given.insert(option.name(), unmarked(parser.values(option.name())));
+            QStringList values = unmarked(parser.values(option.name()));
+            if (option.kind >= Option::Count) {
+                values = QStringList(values.last()); // a script's default may stand before it
+            }
+            parsed.given.insert(option.name(), values);
         }
     }
     const auto isGood = [&](const Option &option) {

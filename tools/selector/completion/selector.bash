@@ -18,6 +18,8 @@ _selector()
     fi
     [[ ${COMPREPLY[*]} != */ && ${COMPREPLY[*]} != */\ * ]] || compopt -o nospace
     COMPREPLY=("${COMPREPLY[@]#"$strip"}")
+    # The name of a module is whatever somebody registered.
+    ((${#COMPREPLY[@]} == 0)) || mapfile -t COMPREPLY < <(printf '%q\n' "${COMPREPLY[@]}")
 }
 
 complete -F _selector selector

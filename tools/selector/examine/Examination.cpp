@@ -217,7 +217,9 @@ Examination examine(const SourceName &source)
         return found;
     }
     const Answer answer = examineListed(found);
-    if (!answer.isOk() && findNames(found)) {
+    if (answer.result == BusQueryResult::TimedOut) {
+        failUnanswered(found, Step::Object, answer); // further questions would be refused unasked
+    } else if (!answer.isOk() && findNames(found)) {
         failUnanswered(found, Step::Description, answer);
         found.reason
             = {Finding::ServiceFailed,

@@ -61,4 +61,8 @@ expect "selector check l" "list"
 expect "selector read -f v" "values"
 expect "selector check list l" ""
 expect "selector read processdata://" ""
+# A module's name is whatever somebody registered, and must stay one harmless word.
+# shellcheck disable=SC2016,SC2317 # expands nothing; called by the completion
+selector() { printf '%s\n' 'evil$(touch ran) x'; }
+expect "selector doctor e" 'evil\$\(touch\ ran\)\ x'
 exit "$failed"
