@@ -2,71 +2,15 @@
 // Names of the reasons, and what they mean for scripts.
 #include "Finding.h"
 
+#include <QMetaEnum>
+
 QString Finding::codeName() const
 {
-    switch (code) {
-    case None:
-        break;
-    case Deactivated:
-        return QStringLiteral("deactivated");
-    case InvalidUrl:
-        return QStringLiteral("invalidUrl");
-    case WrongScheme:
-        return QStringLiteral("wrongScheme");
-    case ServiceMissing:
-        return QStringLiteral("serviceMissing");
-    case ServiceFailed:
-        return QStringLiteral("serviceFailed");
-    case NoSuchInstance:
-        return QStringLiteral("noSuchInstance");
-    case NoSuchLeaf:
-        return QStringLiteral("noSuchLeaf");
-    case NotReadable:
-        return QStringLiteral("notReadable");
-    case ReadOnly:
-        return QStringLiteral("readOnly");
-    case ValueRefused:
-        return QStringLiteral("valueRefused");
-    case NoSuchProperty:
-        return QStringLiteral("noSuchProperty");
-    case Duplicate:
-        return QStringLiteral("duplicate");
-    case NotWritten:
-        return QStringLiteral("notWritten");
-    case NotVerified:
-        return QStringLiteral("notVerified");
-    case LeftOut:
-        return QStringLiteral("leftOut");
-    case TimeLimit:
-        return QStringLiteral("timeLimit");
-    case Denied:
-        return QStringLiteral("denied");
-    case BusOutOfReach:
-        return QStringLiteral("busOutOfReach");
-    case NotReady:
-        return QStringLiteral("notReady");
-    case NotRegistered:
-        return QStringLiteral("notRegistered");
-    case BadEntry:
-        return QStringLiteral("badEntry");
-    case BadDescription:
-        return QStringLiteral("badDescription");
-    case BufferMissing:
-        return QStringLiteral("bufferMissing");
-    case PublisherDead:
-        return QStringLiteral("publisherDead");
-    case NotDescribed:
-        return QStringLiteral("notDescribed");
-    case Leftover:
-        return QStringLiteral("leftover");
-    case OtherLayout:
-        return QStringLiteral("otherLayout");
-    case NotABuffer:
-        return QStringLiteral("notABuffer");
-    case OpenToAll:
-        return QStringLiteral("openToAll");
+    if (isNone()) {
+        return {};
     }
-    return {};
+    const auto key = QLatin1String(QMetaEnum::fromType<Code>().valueToKey(code));
+    return QChar(key.at(0)).toLower() + key.mid(1);
 }
 
 ExitCode Finding::exitCode() const

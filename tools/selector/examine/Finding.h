@@ -7,12 +7,16 @@
 #include "ExitCode.h"
 #include "ProcessDataDefinitions.h"
 
+#include <QObject>
 #include <QString>
 
 /// One reason. The codes are documented and never change their meaning.
 struct Finding
 {
-    enum Code {
+    Q_GADGET
+
+public:
+    enum Code { // scripts read these names, with a small letter first
         None,
         Deactivated,
         InvalidUrl,
@@ -44,6 +48,7 @@ struct Finding
         NotABuffer,
         OpenToAll,
     };
+    Q_ENUM(Code)
 
     Finding() = default;
     Finding(Code code, const QString &text, const QString &advice = QString())
