@@ -100,7 +100,7 @@ QString HistoryConnection::openFile()
     QSqlDatabase database = QSqlDatabase::database(name, false);
     QString options = QStringLiteral("QSQLITE_BUSY_TIMEOUT=5000");
     const QByteArray folder = QFile::encodeName(QFileInfo(file).absolutePath());
-    frozen = !writing && !QFileInfo::exists(file + QLatin1String("-wal"))
+    frozen = !writing && !QFileInfo::exists(file + QStringLiteral("-wal"))
         && ::access(folder.constData(), W_OK) != 0;
     if (frozen) {
         QUrl url = QUrl::fromLocalFile(QFileInfo(file).absoluteFilePath());
@@ -123,7 +123,7 @@ QString HistoryConnection::openFile()
 // A file of its own: closing a second descriptor of the database would drop SQLite's locks.
 QString HistoryConnection::lock()
 {
-    const QString file = where.file + QLatin1String("-writer");
+    const QString file = where.file + QStringLiteral("-writer");
     lockFile = ::open(QFile::encodeName(file).constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
     if (lockFile < 0) {
         return QStringLiteral(

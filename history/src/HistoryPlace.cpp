@@ -131,5 +131,5 @@ HistoryFile::Identity HistoryFile::identity(const QString &file)
 
 qint64 HistoryFile::bytes(const QString &file)
 {
-    return QFileInfo(file).size() + QFileInfo(file + QLatin1String("-wal")).size();
+    return QFileInfo(file).size() + QFileInfo(file + QStringLiteral("-wal")).size();
 }

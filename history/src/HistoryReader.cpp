@@ -70,7 +70,7 @@ bool HistoryReader::Private::isCurrent() const
         && (!place.isFile()
             || (HistoryFile::identity(place.file) == file
                 && !(connection->isFrozen()
-                     && QFileInfo::exists(place.file + QLatin1String("-wal")))));
+                     && QFileInfo::exists(place.file + QStringLiteral("-wal")))));
 }
 
 bool HistoryReader::Private::read(const std::function<bool()> &query)

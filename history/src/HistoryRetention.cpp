@@ -139,7 +139,7 @@ bool HistoryRetention::size(qint64 *used, qint64 *whole)
         || !number(QStringLiteral("PRAGMA page_size"), &pageSize)) {
         return false;
     }
-    const qint64 log = HistoryFile::bytes(connection.place().file + QLatin1String("-wal"));
+    const qint64 log = HistoryFile::bytes(connection.place().file + QStringLiteral("-wal"));
     *whole = pages * pageSize + log;
     *used = (pages - freePages) * pageSize + std::min(log, maxSize / 2);
     return true;

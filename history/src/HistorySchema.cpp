@@ -106,7 +106,8 @@ QString newer(int found, int known)
 
 bool make(HistoryConnection &connection)
 {
-    for (const QString &statement : tables(connection.isSqlite())) {
+    const QStringList statements = tables(connection.isSqlite());
+    for (const QString &statement : statements) {
         if (!connection.run(statement)) {
             return false;
         }

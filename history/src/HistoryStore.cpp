@@ -17,6 +17,11 @@ bool equal(const QVariant &left, const QVariant &right)
     return left.userType() == right.userType() && left == right;
 }
 
+// Columns of text are never null.
+QString text(const QString &from)
+{
+    return from.isNull() ? QString::fromUtf8(QByteArray("")) : from;
+}
 } // namespace
 
 HistoryStore::HistoryStore(HistoryConnection &connection)
@@ -137,7 +142,6 @@ bool HistoryStore::find(State &state, const HistorySeries &series, qint64 since)
     state = State();
     state.type = series.type;
     const QString type = HistoryValueCodec::typeName(series.type);
-    const auto text = [](const QString &from) { return from.isNull() ? QStringLiteral("") : from; };
     QVector<QVariant> row;
     if (!connection.run(QStringLiteral("SELECT id, type, unit, description FROM series "
                                        "WHERE selector = ? ORDER BY since DESC, id DESC LIMIT 1"),
@@ -270,7 +274,6 @@ bool HistoryStore::writeStep(const Step &step, const std::vector<HistorySeries> 
 
 bool HistoryStore::writeEvent(const HistoryEvent &event)
 {
-    const auto text = [](const QString &from) { return from.isNull() ? QStringLiteral("") : from; };
     return connection.run(
         QStringLiteral("INSERT INTO events (time, kind, subject, since, until, number, text) "
                        "VALUES (?, ?, ?, ?, ?, ?, ?) ON CONFLICT DO NOTHING"),

@@ -107,7 +107,7 @@ void ServingConnection::askCallers()
 {
     const QStringList callers = queue.takeCallersToAsk();
     for (const QString &caller : callers) {
-        call(Wire::call(caller, QStringLiteral("/"), QLatin1String(DBUS_INTERFACE_PEER),
+        call(Wire::call(caller, QStringLiteral("/"), QStringLiteral(DBUS_INTERFACE_PEER),
                         QStringLiteral("Ping")),
              noTimeLimit, this, [this, caller](const WireMessage &answer) {
                  const BusErrors::Kind error = BusErrors::kindOf(Wire::errorName(answer));
@@ -128,8 +128,9 @@ QVector<const ServedService *> ServingConnection::servicesOf(const ServedCall &c
     if (const ServedService *const named = services.value(name)) {
         return {named};
     }
-    return name.startsWith(QLatin1Char(':')) ? services.values().toVector()
-                                             : QVector<const ServedService *>();
+    return name.startsWith(QLatin1Char(':'))
+        ? QVector<const ServedService *>(services.cbegin(), services.cend())
+        : QVector<const ServedService *>();
 }
 
 QVector<ServedObject *> ServingConnection::objectsOf(const ServedCall &call) const
@@ -212,9 +213,8 @@ BusAnswer ServingConnection::answer(const ServedCall &call) const
 BusAnswer ServingConnection::answerStandard(const ServedCall &call, const ServedObject *object,
                                             const QStringList &children) const
 {
-    if (call.isFor(QLatin1String(DBUS_INTERFACE_INTROSPECTABLE), "Introspect")) {
-        QString xml
-            = QLatin1String(DBUS_INTROSPECT_1_0_XML_DOCTYPE_DECL_NODE) + QLatin1String("<node>\n");
+    if (call.isFor(QStringLiteral(DBUS_INTERFACE_INTROSPECTABLE), "Introspect")) {
+        QString xml = QStringLiteral(DBUS_INTROSPECT_1_0_XML_DOCTYPE_DECL_NODE "<node>\n");
         xml += object == nullptr ? QString() : object->introspection();
         xml += QLatin1String(standardInterfaces);
         for (const QString &child : children) {
@@ -226,10 +226,10 @@ BusAnswer ServingConnection::answerStandard(const ServedCall &call, const Served
         return noObject(call);
     }
     if (call.interface() == BusNames::propertiesInterface()) {
-        return BusAnswer::error(QLatin1String(DBUS_ERROR_UNKNOWN_PROPERTY),
+        return BusAnswer::error(QStringLiteral(DBUS_ERROR_UNKNOWN_PROPERTY),
                                 QStringLiteral("This object has no properties"));
     }
-    return BusAnswer::error(QLatin1String(DBUS_ERROR_UNKNOWN_METHOD),
+    return BusAnswer::error(QStringLiteral(DBUS_ERROR_UNKNOWN_METHOD),
                             QStringLiteral("No method %1 of interface \"%2\" here")
                                 .arg(call.member(), call.interface()));
 }

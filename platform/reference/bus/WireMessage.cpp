@@ -224,7 +224,8 @@ qint64 Wire::size(const QVariantList &values)
     qint64 counted = smallSize;
     for (const QVariant &value : values) {
         if (value.userType() == QMetaType::QStringList) {
-            for (const QString &text : value.toStringList()) {
+            const QStringList texts = value.toStringList();
+            for (const QString &text : texts) {
                 counted += text.size() + static_cast<int>(sizeof(quint64));
             }
         } else if (value.userType() == QMetaType::QByteArray) {

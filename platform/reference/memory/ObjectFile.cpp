@@ -51,8 +51,8 @@ void failed(ObjectFile &file, int reason)
     if (reason == EACCES) {
         file.error
             += QStringLiteral("; reading it takes membership in the group %1 (its mode is %2)")
-                   .arg(UserNames::ofGroup(file.status.st_gid))
-                   .arg(QString::number(file.status.st_mode & permissionBits, octal));
+                   .arg(UserNames::ofGroup(file.status.st_gid),
+                        QString::number(file.status.st_mode & permissionBits, octal));
     }
 }
 
