@@ -38,7 +38,10 @@ int endOfNumber(const QByteArray &json, int begin)
 }
 
 // Names and texts of descriptions do not begin with a control character.
-const QByteArray mark("\\u0001");
+QByteArray mark()
+{
+    return QByteArrayLiteral("\\u0001");
+}
 
 QJsonObject readQuoted(const QByteArray &json, const QByteArray &beforeDigits)
 {
@@ -68,7 +71,7 @@ QJsonObject exactObject(const QByteArray &json)
 
 QJsonObject rewritableObject(const QByteArray &json)
 {
-    return readQuoted(json, mark);
+    return readQuoted(json, mark());
 }
 
 QByteArray exactText(const QJsonObject &object)
@@ -80,8 +83,8 @@ QByteArray exactText(const QJsonObject &object)
     while (at < marked.size()) {
         const int end = marked.at(at) == '"' ? endOfText(marked, at) : at + 1;
         const QByteArray token = marked.mid(at, end - at);
-        const QByteArray digits = token.mid(1 + mark.size(), token.size() - mark.size() - 2);
-        text += token.startsWith('"' + mark) && isWideWholeNumber(digits) ? digits : token;
+        const QByteArray digits = token.mid(1 + mark().size(), token.size() - mark().size() - 2);
+        text += token.startsWith('"' + mark()) && isWideWholeNumber(digits) ? digits : token;
         at = end;
     }
     return text;

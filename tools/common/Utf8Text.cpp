@@ -30,7 +30,8 @@ std::optional<QString> fileTextFromUtf8(const QByteArray &bytes, QString &error)
         return text;
     }
     int number = 1;
-    for (const QByteArray &line : content.split('\n')) {
+    const QList<QByteArray> lines = content.split('\n');
+    for (const QByteArray &line : lines) {
         if (!textFromUtf8(line)) {
             break;
         }
