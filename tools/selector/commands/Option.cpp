@@ -5,7 +5,7 @@
 QString Option::name() const
 {
     return QString::fromLatin1(head)
-        .section(QLatin1String("--"), 1)
+        .section(QStringLiteral("--"), 1)
         .section(QLatin1Char(' '), 0, 0);
 }
 
@@ -16,7 +16,7 @@ QString Option::letter() const
 
 QString Option::value() const
 {
-    return QString::fromLatin1(head).section(QLatin1String("--"), 1).section(QLatin1Char(' '), 1);
+    return QString::fromLatin1(head).section(QStringLiteral("--"), 1).section(QLatin1Char(' '), 1);
 }
 
 const QVector<Option> &commonOptions()
