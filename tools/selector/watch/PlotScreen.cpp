@@ -56,7 +56,8 @@ PlotScreen::PlotScreen(const QVector<WatchTarget> &targets, const Console &conso
     : console(console)
     , abilities(abilities)
 {
-    for (const QString &title : plotTitles(targets)) {
+    const QStringList titles = plotTitles(targets);
+    for (const QString &title : titles) {
         panels.append(PlotPanel(title));
     }
 }
