@@ -4,32 +4,10 @@
 #include "InstanceListClient.h"
 #include "ProcessDataAccess.h"
 #include "ProviderListClient.h"
+#include "ReferenceResult.h"
 #include "ServiceOwnerClient.h"
 
 namespace ProcessDataAccess {
-
-namespace {
-
-Result resultOf(BusQueryResult result)
-{
-    switch (result) {
-    case BusQueryResult::Ok:
-        return Result::Ok;
-    case BusQueryResult::BusNotReachable:
-        return Result::BusNotReachable;
-    case BusQueryResult::ServiceMissing:
-        return Result::ServiceMissing;
-    case BusQueryResult::ServiceFailed:
-        return Result::ServiceFailed;
-    case BusQueryResult::TimedOut:
-        return Result::TimedOut;
-    case BusQueryResult::Denied:
-        return Result::Denied;
-    }
-    return Result::ServiceFailed;
-}
-
-} // namespace
 
 QVariant valueOf(const ProcessValue &value)
 {

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Renders values, error types and times.
+// Renders values and times.
 #include "ValueText.h"
-
-#include "ProcessDataDefinitions.h"
 
 #include <QDateTime>
 #include <QJsonArray>
@@ -124,26 +122,6 @@ QJsonValue valueToJson(const QVariant &value)
     }
     default:
         return valueToText(value);
-    }
-}
-
-QString errorTypeName(int errorType)
-{
-    switch (errorType) {
-    case ProcessDataDefinitions::NoError:
-        return QStringLiteral("NoError");
-    case ProcessDataDefinitions::NotInitialized:
-        return QStringLiteral("NotInitialized");
-    case ProcessDataDefinitions::SourceLost:
-        return QStringLiteral("SourceLost");
-    case ProcessDataDefinitions::NoValue:
-        return QStringLiteral("NoValue");
-    case ProcessDataDefinitions::DeviceFault:
-        return QStringLiteral("DeviceFault");
-    case ProcessDataDefinitions::OutOfRange:
-        return QStringLiteral("OutOfRange");
-    default:
-        return QStringLiteral("ErrorType%1").arg(errorType);
     }
 }
 

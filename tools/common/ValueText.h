@@ -22,9 +22,6 @@ QString valueToShortText(const QVariant &value);
 /// and -0, whose sign many readers drop, are strings. null for an invalid value.
 QJsonValue valueToJson(const QVariant &value);
 
-/// Name of an error type ("NoError", …) by its number; "ErrorType7" for one without a name.
-QString errorTypeName(int errorType);
-
 /// Local time with milliseconds and offset from UTC, as ISO 8601.
 ///
 /// @param timestamp  nanoseconds since 1970-01-01 00:00 UTC; 0 gives an empty text

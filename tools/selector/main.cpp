@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 // selector: reads and writes live process data from the command line.
-#include "CallDeadline.h"
 #include "Command.h"
 #include "Console.h"
 #include "ExitCode.h"
 #include "Help.h"
 #include "InterruptExit.h"
 #include "MessageLog.h"
+#include "ProcessDataAccess.h"
 #include "StandardStreams.h"
 #include "Utf8Text.h"
 
@@ -58,13 +58,13 @@ int runCommand(const Command &command, const QStringList &arguments, Console &co
         return ExitAllGood;
     }
     if (line.has("timeout")) {
-        setCallDeadline(line.number("timeout"));
+        ProcessDataAccess::setCallDeadline(line.number("timeout"));
         // Where only calls take time, each may take all of it.
         const auto &options = command.options;
         if (std::none_of(options.begin(), options.end(), [](const Option &option) {
                 return option.kind == Option::Milliseconds;
             })) {
-            setCallTimeLimit(line.number("timeout"));
+            ProcessDataAccess::setCallTimeLimit(line.number("timeout"));
         }
     }
     MessageLog::install(QStringLiteral("selector"), QStringLiteral("selector.cli"),

@@ -2,6 +2,8 @@
 // How values, error types and times are written for people and for programs.
 #include "ValueText.h"
 
+#include "ErrorTypeText.h"
+
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QtTest>
@@ -87,7 +89,7 @@ void ValueTextTest::errorTypesHaveTheirNames()
     const QStringList expected{"NoError",     "NotInitialized", "SourceLost", "NoValue",
                                "DeviceFault", "OutOfRange",     "ErrorType6"};
     for (int i = 0; i < expected.size(); ++i) {
-        QCOMPARE(errorTypeName(i), expected.at(i));
+        QCOMPARE(errorTypeName(ProcessDataAccess::ErrorType(i)), expected.at(i));
     }
 }
 

@@ -3,6 +3,7 @@
 #include "ApplyPlan.h"
 
 #include "Entries.h"
+#include "ErrorTypeText.h"
 #include "InterruptExit.h"
 #include "LiveLeaves.h"
 #include "MessageLog.h"
@@ -48,7 +49,7 @@ void leaveTheRest(QVector<ApplyItem> &items)
 bool write(int index, const QVariant &value, Finding &finding, SelectorHandlerProcessValue &handler)
 {
     MessageLog::takeWarnings();
-    if (handler.setValue(ProcessValue(value), index)) {
+    if (handler.setValue(ProcessDataAccess::makeValue(value), index)) {
         return true;
     }
     finding = refusedByMemory();
@@ -82,16 +83,14 @@ void verifyAll(QVector<ApplyItem> &items, SelectorHandlerProcessValue &handler)
         if (item.verdict != ApplyItem::Written) {
             continue;
         }
-        const ProcessValue now = handler.getValue(i);
-        if (now.getErrorType() == ProcessDataDefinitions::NoError
-            && now.getValue() == item.checked.value) {
+        const LeafValue now = handler.getValue(i);
+        if (now.isGood() && now.value == item.checked.value) {
             item.verdict = ApplyItem::Verified;
         } else {
             item.verdict = ApplyItem::Failed;
-            item.finding
-                = {Finding::NotVerified,
-                   QStringLiteral("reads back as %1 (%2)")
-                       .arg(valueToText(now.getValue()), errorTypeName(now.getErrorType()))};
+            item.finding = {Finding::NotVerified,
+                            QStringLiteral("reads back as %1 (%2)")
+                                .arg(valueToText(now.value), errorTypeName(now.errorType))};
         }
     }
 }
@@ -106,11 +105,11 @@ void rollBack(QVector<ApplyItem> &items, SelectorHandlerProcessValue &handler)
             continue;
         }
         Finding problem;
-        if (item.before.getErrorType() != ProcessDataDefinitions::NoError) {
+        if (!item.before.isGood()) {
             problem = {Finding::NotReadable,
                        QStringLiteral("not set back: it had no good value before")};
         } else {
-            write(i, item.before.getValue(), problem, handler);
+            write(i, item.before.value, problem, handler);
         }
         if (problem.code != Finding::None) {
             item.verdict = ApplyItem::NotRestored;
@@ -196,9 +195,7 @@ Entry applyEntry(const ApplyItem &item)
 {
     const ListLine &line = item.checked.line;
     const QVariant &value = item.checked.value;
-    const QVariant before = item.before.getErrorType() == ProcessDataDefinitions::NoError
-        ? item.before.getValue()
-        : QVariant();
+    const QVariant before = item.before.isGood() ? item.before.value : QVariant();
     const QString verdict = verdictName(item.verdict);
     Entry entry = lineEntry(line, item.finding, stateOfItem(item));
     entry.json.insert(QStringLiteral("result"), verdict);

@@ -4,7 +4,7 @@
 #define APPLYPLAN_H
 
 #include "LeafCheck.h"
-#include "ProcessValue.h"
+#include "LeafValue.h"
 #include "Report.h"
 
 class SelectorHandlerProcessValue;
@@ -22,7 +22,7 @@ struct ApplyItem
     };
 
     CheckedLine checked;
-    ProcessValue before{ProcessDataDefinitions::NoValue};
+    LeafValue before;
     Verdict verdict = Left;
     Finding finding; ///< why it failed, was left or could not be restored
 

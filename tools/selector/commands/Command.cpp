@@ -3,10 +3,12 @@
 #include "Command.h"
 
 #include "MessageLog.h"
-#include "ProviderListClient.h"
+#include "ProcessDataAccess.h"
 #include "SystemStatusManagerDBusConnector.h"
 
 #include <algorithm>
+
+using ProcessDataAccess::Result;
 
 const QVector<Command> &commands()
 {
@@ -28,15 +30,15 @@ const Command *findCommand(const QString &name)
 bool fetchModules(const Console &console, QString &providerList, ExitCode &exitCode)
 {
     QString error;
-    const BusQueryResult result = fetchRegisteredProviderList(providerList, error);
-    if (result == BusQueryResult::Ok) {
+    const Result result = ProcessDataAccess::fetchProviderList(providerList, error);
+    if (result == Result::Ok) {
         return true;
     }
     console.err << "selector: " << printable(error) << '\n';
     console.err.flush();
-    exitCode = result == BusQueryResult::TimedOut ? ExitTimeLimit
-        : result == BusQueryResult::Denied        ? ExitDenied
-                                                  : ExitNotReachable;
+    exitCode = result == Result::TimedOut ? ExitTimeLimit
+        : result == Result::Denied        ? ExitDenied
+                                          : ExitNotReachable;
     return false;
 }
 

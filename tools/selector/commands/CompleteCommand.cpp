@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: MIT
 // selector complete: candidates for shells from the live system.
-#include "CallDeadline.h"
 #include "Command.h"
 #include "Completion.h"
 #include "DescriptionLeaves.h"
 #include "ExitCode.h"
-#include "InstanceListClient.h"
 #include "LineCompletion.h"
 #include "ModuleList.h"
 
@@ -27,7 +25,8 @@ QStringList leafPaths(const QStringList &source)
 {
     QString description;
     QString error;
-    fetchDescription(source.at(0), source.at(1), source.at(2), description, error);
+    ProcessDataAccess::fetchDescription(source.at(0), source.at(1), source.at(2), description,
+                                        error);
     QStringList paths;
     const QVector<DescribedLeaf> leaves = leavesBelow(description, QString());
     for (const DescribedLeaf &leaf : leaves) {
@@ -46,10 +45,10 @@ QStringList candidates(const TypedPlace &place, bool isUrl)
     case 0:
         return completions(place, modules(), slash);
     case 1:
-        fetchObjects(place.names.at(0), names, error);
+        ProcessDataAccess::fetchObjects(place.names.at(0), names, error);
         return completions(place, names, slash);
     case 2:
-        fetchInstances(place.names.at(0), place.names.at(1), names, error);
+        ProcessDataAccess::fetchInstances(place.names.at(0), place.names.at(1), names, error);
         return completions(place, names, isUrl ? slash : QString());
     default:
         break;
@@ -94,7 +93,7 @@ int run(const CommandLine &line, const Console &console, QString &usage)
         return ExitUsage;
     }
     if (!line.has("timeout")) {
-        setCallTimeLimit(patience);
+        ProcessDataAccess::setCallTimeLimit(patience);
     }
     const QString typed = words.isEmpty() ? QString() : words.constLast();
     const Offer offer = isLine ? offerFor(words) : Offer{kinds.value(kind), {}};

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 // selector doctor: the state of the whole system.
-#include "CallDeadline.h"
 #include "Command.h"
 #include "DoctorClean.h"
 #include "DoctorEntries.h"
@@ -81,7 +80,7 @@ int run(const CommandLine &line, const Console &console, QString &usage)
     if (line.has("timeout")) {
         // One service that hangs must leave time for the others, or they would be blamed for it.
         constexpr int shares = 4;
-        setCallTimeLimit(std::max(1, line.number("timeout") / shares));
+        ProcessDataAccess::setCallTimeLimit(std::max(1, line.number("timeout") / shares));
     }
     const SystemState state = examineSystem(line.arguments);
     QVector<DoctorFinding> findings{versions()};

@@ -3,6 +3,7 @@
 #include "DoctorReport.h"
 
 #include "DoctorEntries.h"
+#include "ErrorTypeText.h"
 #include "LiveLeaves.h"
 #include "MessageLog.h"
 #include "ValueText.h"
@@ -20,15 +21,15 @@ constexpr int octal = 8;
 
 QJsonArray valuesObject(const SourceName &source, const QVector<DescribedLeaf> &leaves)
 {
-    const QVector<ProcessValue> values = valuesOf(source, leaves);
+    const QVector<LeafValue> values = valuesOf(source, leaves);
     QJsonArray result;
     for (int i = 0; i < values.size(); ++i) {
-        const ProcessValue &value = values.at(i);
+        const LeafValue &value = values.at(i);
         result.append(
             QJsonObject{{QStringLiteral("path"), leaves.at(i).path},
-                        {QStringLiteral("value"), valueToJson(value.getValue())},
-                        {QStringLiteral("errorType"), errorTypeName(value.getErrorType())},
-                        {QStringLiteral("timestampNs"), QString::number(value.getTimestamp())}});
+                        {QStringLiteral("value"), valueToJson(value.value)},
+                        {QStringLiteral("errorType"), errorTypeName(value.errorType)},
+                        {QStringLiteral("timestampNs"), QString::number(value.timestamp)}});
     }
     return result;
 }

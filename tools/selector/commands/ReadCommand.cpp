@@ -26,7 +26,7 @@ int run(const CommandLine &line, const Console &console, QString &usage)
     Report report{QStringLiteral("selector.read/1"), readColumns(), {}, valueColumn};
     for (int i = 0; i < urls.size(); ++i) {
         ReadResult result{urls.at(i), values.at(i), propertiesOf(handler, i), {}};
-        if (result.value.getErrorType() == ProcessDataDefinitions::NoValue) {
+        if (result.value.isMissing()) {
             result.finding = examiner.explain(result.url);
         }
         report.entries.append(readEntry(result));

@@ -45,12 +45,11 @@ bool canBePlayed(const QJsonObject &properties, const QJsonValue &json)
 QHash<QString, QJsonValue> goodValues(const SourceName &source,
                                       const QVector<DescribedLeaf> &leaves)
 {
-    const QVector<ProcessValue> values = valuesOf(source, leaves);
+    const QVector<LeafValue> values = valuesOf(source, leaves);
     QHash<QString, QJsonValue> result;
     for (int i = 0; i < values.size(); ++i) {
-        const QJsonValue json = valueToJson(values.at(i).getValue());
-        if (values.at(i).getErrorType() == ProcessDataDefinitions::NoError
-            && canBePlayed(leaves.at(i).properties, json)) {
+        const QJsonValue json = valueToJson(values.at(i).value);
+        if (values.at(i).isGood() && canBePlayed(leaves.at(i).properties, json)) {
             result.insert(leaves.at(i).path, json);
         }
     }

@@ -4,7 +4,8 @@
 
 #include "ConfigurationAndProcessDataDefinitions.h"
 #include "Counted.h"
-#include "InstanceListClient.h"
+
+using ProcessDataAccess::Result;
 
 namespace {
 
@@ -22,7 +23,7 @@ void failUnanswered(Examination &found, Step step, const Answer &answer)
         = QStringLiteral("the service of module %1 gives no answer").arg(found.source.module);
     conclude(found, step, unanswered(answer, found.owner.service),
              unanswered({answer.result, silent}));
-    if (answer.result == BusQueryResult::BusNotReachable) {
+    if (answer.result == Result::BusNotReachable) {
         found.cause.code = Finding::BusOutOfReach;
     }
 }
@@ -30,9 +31,9 @@ void failUnanswered(Examination &found, Step step, const Answer &answer)
 bool findOwner(Examination &found)
 {
     const QString &module = found.source.module;
-    const Answer answer
-        = ask([&](QString &error) { return fetchServiceOwner(module, found.owner, error); });
-    if (answer.result == BusQueryResult::ServiceMissing) {
+    const Answer answer = ask(
+        [&](QString &error) { return PlatformDetails::fetchOwner(module, found.owner, error); });
+    if (answer.result == Result::ServiceMissing) {
         conclude(found, Step::Owner,
                  {Finding::ServiceMissing, answer.error,
                   QStringLiteral("start the service of module \"%1\"").arg(module)},
@@ -65,15 +66,18 @@ bool findNames(Examination &found)
 {
     const SourceName &source = found.source;
     QStringList names;
-    Answer answer = ask([&](QString &error) { return fetchObjects(source.module, names, error); });
+    Answer answer = ask([&](QString &error) {
+        return ProcessDataAccess::fetchObjects(source.module, names, error);
+    });
     if (!isListed(
             source.object, names, answer, found,
             QStringLiteral("module %1 has no object \"%2\"").arg(source.module, source.object),
             QStringLiteral("its objects: "))) {
         return false;
     }
-    answer = ask(
-        [&](QString &error) { return fetchInstances(source.module, source.object, names, error); });
+    answer = ask([&](QString &error) {
+        return ProcessDataAccess::fetchInstances(source.module, source.object, names, error);
+    });
     return isListed(source.instance, names, answer, found,
                     QStringLiteral("object %1/%2 has no instance \"%3\"")
                         .arg(source.module, source.object, source.instance),
@@ -164,14 +168,14 @@ Finding textFinding(const SelectorUrlParts &parts)
 
 Finding busFinding(const Answer &bus)
 {
-    if (bus.result == BusQueryResult::BusNotReachable) {
+    if (bus.result == Result::BusNotReachable) {
         return {Finding::BusOutOfReach, bus.error,
                 QStringLiteral("start the bus, or choose the right one with PROCESSDATA_BUS")};
     }
     return bus.isOk() ? Finding() : unanswered(bus);
 }
 
-QString busText(const ServicesOnBus &services)
+QString busText(const PlatformDetails::Services &services)
 {
     const QString choice = qEnvironmentVariable("PROCESSDATA_BUS");
     return QStringLiteral("%1, %2 on it")
@@ -186,8 +190,8 @@ Answer examineListed(Examination &found)
     for (int i = 0; i < attempts && found.buffer.end != BufferInspection::Complete; ++i) {
         QString description;
         Answer answer = ask([&](QString &error) {
-            return fetchDescription(source.module, source.object, source.instance, description,
-                                    error);
+            return ProcessDataAccess::fetchDescription(source.module, source.object,
+                                                       source.instance, description, error);
         });
         if (!answer.isOk()) {
             return answer;
@@ -217,7 +221,7 @@ Examination examine(const SourceName &source)
         return found;
     }
     const Answer answer = examineListed(found);
-    if (answer.result == BusQueryResult::TimedOut) {
+    if (answer.result == Result::TimedOut) {
         failUnanswered(found, Step::Object, answer); // further questions would be refused unasked
     } else if (!answer.isOk() && findNames(found)) {
         failUnanswered(found, Step::Description, answer);

@@ -6,8 +6,8 @@
 #include "BufferInspection.h"
 #include "DescriptionLeaves.h"
 #include "Finding.h"
+#include "PlatformDetails.h"
 #include "SelectorUrlParser.h"
-#include "ServiceOwnerClient.h"
 
 #include <QMap>
 #include <QSet>
@@ -36,7 +36,7 @@ struct Examination
 {
     SourceName source;
     Step end = Step::Owner; ///< the first step that failed; Leaf: none of a source's
-    ServiceOwner owner;
+    PlatformDetails::Owner owner;
     QString description; ///< as the service sends it; empty until it came
     BufferInspection buffer;
     Finding cause; ///< of the step that failed, in full
@@ -61,7 +61,7 @@ Finding textFinding(const SelectorUrlParts &parts);
 
 /// What is wrong with the bus, and what a bus that is all right is, for people.
 Finding busFinding(const Answer &bus);
-QString busText(const ServicesOnBus &services);
+QString busText(const PlatformDetails::Services &services);
 
 /// Names for people, at most eight.
 QString quotedList(const QStringList &names);

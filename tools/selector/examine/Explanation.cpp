@@ -4,6 +4,7 @@
 
 #include "ConfigurationAndProcessDataDefinitions.h"
 #include "Counted.h"
+#include "ErrorTypeText.h"
 #include "LiveLeaves.h"
 #include "UserNames.h"
 #include "ValueText.h"
@@ -68,9 +69,8 @@ QSharedPointer<SelectorHandlerProcessValue> clientOf(const QString &url)
         // The text without its query: a deactivated selector has no value at any client.
         handler.reset(
             new SelectorHandlerProcessValue({url.section(QLatin1Char('?'), 0, 0)}, nullptr));
-        const auto errorType = handler->getValue(0).getErrorType();
-        if (errorType != ProcessDataDefinitions::NoValue
-            && errorType != ProcessDataDefinitions::SourceLost) {
+        const LeafValue value = handler->getValue(0);
+        if (!value.isMissing() && value.errorType != ProcessDataAccess::ErrorType::SourceLost) {
             break;
         }
     }
@@ -145,9 +145,9 @@ bool Walk::text()
 
 bool Walk::bus()
 {
-    ServicesOnBus services;
-    result.finding
-        = busFinding(ask([&](QString &error) { return fetchServices(services, error); }));
+    PlatformDetails::Services services;
+    result.finding = busFinding(
+        ask([&](QString &error) { return PlatformDetails::fetchServices(services, error); }));
     modules = services.modules;
     return result.finding.isNone() && pass(busText(services));
 }
@@ -220,16 +220,15 @@ bool Walk::property()
 
 bool Walk::value()
 {
-    const ProcessValue value = clientOf(url)->getValue(0);
-    const auto errorType = value.getErrorType();
-    if (errorType != ProcessDataDefinitions::NoError) {
-        return fail(
-            Finding::NotReadable,
-            QStringLiteral("%1: %2").arg(errorTypeName(errorType), explainErrorType(errorType)),
-            QStringLiteral("nothing is in the way; the cause is in the service %1")
-                .arg(found.owner.service));
+    const LeafValue value = clientOf(url)->getValue(0);
+    if (!value.isGood()) {
+        return fail(Finding::NotReadable,
+                    QStringLiteral("%1: %2").arg(errorTypeName(value.errorType),
+                                                 explainErrorType(value.errorType)),
+                    QStringLiteral("nothing is in the way; the cause is in the service %1")
+                        .arg(found.owner.service));
     }
-    return pass(QStringLiteral("NoError, of %1").arg(timeToText(value.getTimestamp())));
+    return pass(QStringLiteral("NoError, of %1").arg(timeToText(value.timestamp)));
 }
 
 } // namespace

@@ -4,6 +4,8 @@
 
 #include <QMetaEnum>
 
+using ProcessDataAccess::Result;
+
 QString Finding::codeName() const
 {
     if (isNone()) {
@@ -34,45 +36,29 @@ Finding unanswered(const Answer &answer, const QString &service)
 {
     const QString who = service.isEmpty() ? QStringLiteral("it") : QStringLiteral("the service");
     switch (answer.result) {
-    case BusQueryResult::TimedOut:
+    case Result::TimedOut:
         return {Finding::TimeLimit, answer.error,
                 who
                     + QStringLiteral(" hangs or is stopped: look at its log and state, restart it, "
                                      "or allow more with --timeout")};
-    case BusQueryResult::Denied:
+    case Result::Denied:
         return {Finding::Denied, answer.error,
                 QStringLiteral("the bus policy does not permit it: run as a user that it permits, "
                                "or extend the policy")};
-    case BusQueryResult::ServiceMissing:
+    case Result::ServiceMissing:
         return {Finding::ServiceMissing, answer.error,
                 who + QStringLiteral(" ended meanwhile: try again")};
-    case BusQueryResult::BusNotReachable:
+    case Result::BusNotReachable:
         return {Finding::ServiceFailed, answer.error,
                 QStringLiteral("the bus went away: try again")};
-    case BusQueryResult::ServiceFailed:
-    case BusQueryResult::Ok:
+    case Result::NotSupported:
+        return {Finding::NotSupported, answer.error,
+                QStringLiteral("name selectors in full, or take them from a list")};
+    case Result::ServiceFailed:
+    case Result::Ok:
         break;
     }
     return {Finding::ServiceFailed, answer.error,
             service.isEmpty() ? QStringLiteral("look at the service's log")
                               : QStringLiteral("look at the log of ") + service};
-}
-
-QString explainErrorType(ProcessDataDefinitions::ErrorTypes errorType)
-{
-    switch (errorType) {
-    case ProcessDataDefinitions::NoError:
-        return {};
-    case ProcessDataDefinitions::NotInitialized:
-        return QStringLiteral("never published so far");
-    case ProcessDataDefinitions::SourceLost:
-        return QStringLiteral("the publisher is gone, this is its last value");
-    case ProcessDataDefinitions::NoValue:
-        return QStringLiteral("no value was obtained");
-    case ProcessDataDefinitions::DeviceFault:
-        return QStringLiteral("the publisher reports a fault of the device");
-    case ProcessDataDefinitions::OutOfRange:
-        return QStringLiteral("the publisher reports a value outside the device's range");
-    }
-    return QStringLiteral("an error type that this tool does not know");
 }

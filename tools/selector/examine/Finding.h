@@ -3,9 +3,8 @@
 #ifndef FINDING_H
 #define FINDING_H
 
-#include "BusQueryResult.h"
 #include "ExitCode.h"
-#include "ProcessDataDefinitions.h"
+#include "ProcessDataAccess.h"
 
 #include <QObject>
 #include <QString>
@@ -35,6 +34,7 @@ public:
         LeftOut,
         TimeLimit, ///< a service did not answer in time
         Denied, ///< permission is missing
+        NotSupported, ///< the platform has no list that would be needed
         BusOutOfReach, // from here on findings about the system alone
         NotReady,
         NotRegistered,
@@ -74,10 +74,10 @@ public:
 /// How a question ended.
 struct Answer
 {
-    BusQueryResult result = BusQueryResult::Ok;
+    ProcessDataAccess::Result result = ProcessDataAccess::Result::Ok;
     QString error; ///< why it is not Ok, for people
 
-    bool isOk() const { return result == BusQueryResult::Ok; }
+    bool isOk() const { return result == ProcessDataAccess::Result::Ok; }
 };
 
 /// Asks with a function that takes a place for the error.
@@ -92,8 +92,5 @@ template <typename Fetch> Answer ask(const Fetch &fetch)
 ///
 /// @param service  that was asked; empty where that is said elsewhere
 Finding unanswered(const Answer &answer, const QString &service = QString());
-
-/// How far a value with an error type can be trusted, for people; empty for NoError.
-QString explainErrorType(ProcessDataDefinitions::ErrorTypes errorType);
 
 #endif

@@ -11,13 +11,14 @@ QJsonObject propertiesOf(SelectorHandlerProcessValue &handler, int position)
     return exactObject(handler.getPropertyAsJsonString(position).toUtf8());
 }
 
-QVector<ProcessValue> valuesOf(const SourceName &source, const QVector<DescribedLeaf> &leaves)
+QVector<LeafValue> valuesOf(const SourceName &source, const QVector<DescribedLeaf> &leaves)
 {
     QVector<QString> urls;
     for (const DescribedLeaf &leaf : leaves) {
         urls.append(selectorUrl(source.module, source.object, source.instance, leaf.path));
     }
-    return SelectorHandlerProcessValue(urls, nullptr).getValues();
+    const QVector<ProcessValue> values = SelectorHandlerProcessValue(urls, nullptr).getValues();
+    return {values.begin(), values.end()};
 }
 
 Finding refusedByMemory()
@@ -53,7 +54,7 @@ FoundLeaf LiveLeaves::find(int position)
 Finding LiveLeaves::write(int position, const QVariant &value)
 {
     MessageLog::takeWarnings();
-    if (values.setValue(ProcessValue(value), position)) {
+    if (values.setValue(ProcessDataAccess::makeValue(value), position)) {
         return {};
     }
     const Finding refused = refusedByMemory();

@@ -4,6 +4,7 @@
 #define LIVELEAVES_H
 
 #include "LeafCheck.h"
+#include "LeafValue.h"
 #include "SelectorHandlerProcessValue.h"
 
 /// The properties of the leaf at a position; empty without a leaf. Whole numbers that JSON would
@@ -11,7 +12,7 @@
 QJsonObject propertiesOf(SelectorHandlerProcessValue &handler, int position);
 
 /// The values of a source's leaves, in their order.
-QVector<ProcessValue> valuesOf(const SourceName &source, const QVector<DescribedLeaf> &leaves);
+QVector<LeafValue> valuesOf(const SourceName &source, const QVector<DescribedLeaf> &leaves);
 
 /// Why a write of a good value was refused, as far as the libraries' warnings say since they were
 /// taken last: nothing about the value is wrong, so the memory is.

@@ -4,7 +4,6 @@
 
 #include "ConfigurationAndProcessDataDefinitions.h"
 #include "JsonFunctions.h"
-#include "ProviderListClient.h"
 #include "SelectorHandlerConvenienceFunctions.h"
 #include "SystemInformationManagerRegistryDefinitions.h"
 
@@ -46,7 +45,8 @@ QVector<Module> modulesOfType(const QString &providerList, const QString &type)
 Answer fetchModuleNames(QStringList &names)
 {
     QString list;
-    Answer answer = ask([&](QString &error) { return fetchRegisteredProviderList(list, error); });
+    Answer answer
+        = ask([&](QString &error) { return ProcessDataAccess::fetchProviderList(list, error); });
     if (!answer.isOk()) {
         return answer;
     }

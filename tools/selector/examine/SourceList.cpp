@@ -2,7 +2,6 @@
 // Asks modules for their objects and instances.
 #include "SourceList.h"
 
-#include "InstanceListClient.h"
 #include "ModuleList.h"
 
 namespace {
@@ -10,8 +9,9 @@ namespace {
 void addInstances(const QString &module, const QString &object, QVector<ListedSource> &sources)
 {
     QStringList instances;
-    const Answer answer
-        = ask([&](QString &error) { return fetchInstances(module, object, instances, error); });
+    const Answer answer = ask([&](QString &error) {
+        return ProcessDataAccess::fetchInstances(module, object, instances, error);
+    });
     if (!answer.isOk()) {
         sources.append({{module, object, QString()}, unanswered(answer)});
     }
@@ -23,7 +23,8 @@ void addInstances(const QString &module, const QString &object, QVector<ListedSo
 void addObjects(const QString &module, QVector<ListedSource> &sources)
 {
     QStringList objects;
-    const Answer answer = ask([&](QString &error) { return fetchObjects(module, objects, error); });
+    const Answer answer = ask(
+        [&](QString &error) { return ProcessDataAccess::fetchObjects(module, objects, error); });
     if (!answer.isOk()) {
         sources.append({{module, QString(), QString()}, unanswered(answer)});
     }

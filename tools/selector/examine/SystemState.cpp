@@ -2,10 +2,7 @@
 // Asks the bus, the registry, the services and shared memory.
 #include "SystemState.h"
 
-#include "InstanceListClient.h"
 #include "ModuleList.h"
-#include "ProviderListClient.h"
-#include "SystemReadyClient.h"
 
 #include <algorithm>
 
@@ -27,7 +24,7 @@ ModuleState &moduleOf(const QString &name, QVector<ModuleState> &modules)
 void askRegistry(SystemState &state)
 {
     state.registry = ask([&state](QString &error) {
-        return fetchRegisteredProviderList(state.providerList, error);
+        return ProcessDataAccess::fetchProviderList(state.providerList, error);
     });
     const QVector<Module> registered = modulesOfList(state.providerList);
     for (const Module &one : registered) {
@@ -44,8 +41,9 @@ void askRegistry(SystemState &state)
 Answer askObject(const ModuleState &module, const QString &object, QVector<Examination> &sources)
 {
     QStringList instances;
-    Answer answer = ask(
-        [&](QString &error) { return fetchInstances(module.name, object, instances, error); });
+    Answer answer = ask([&](QString &error) {
+        return ProcessDataAccess::fetchInstances(module.name, object, instances, error);
+    });
     for (const QString &instance : qAsConst(instances)) {
         Examination source;
         source.source = {module.name, object, instance};
@@ -61,19 +59,21 @@ Answer askObject(const ModuleState &module, const QString &object, QVector<Exami
 
 void askModule(ModuleState &module, QVector<Examination> &sources)
 {
-    module.answer
-        = ask([&](QString &error) { return fetchServiceOwner(module.name, module.owner, error); });
+    module.answer = ask([&](QString &error) {
+        return PlatformDetails::fetchOwner(module.name, module.owner, error);
+    });
     QStringList objects;
     if (module.answer.isOk()) {
-        module.answer
-            = ask([&](QString &error) { return fetchObjects(module.name, objects, error); });
+        module.answer = ask([&](QString &error) {
+            return ProcessDataAccess::fetchObjects(module.name, objects, error);
+        });
     }
     for (const QString &object : qAsConst(objects)) {
         const Answer answer = askObject(module, object, sources);
         if (!answer.isOk()) {
             module.answer = answer;
         }
-        if (answer.result == BusQueryResult::TimedOut) {
+        if (answer.result == ProcessDataAccess::Result::TimedOut) {
             return;
         }
     }
@@ -114,7 +114,8 @@ SystemState examineSystem(const QStringList &only)
     SystemState state;
     // Files first: a buffer that is made meanwhile has no description among those fetched here.
     listFiles(only, state.files, state.filesError);
-    state.bus = ask([&state](QString &error) { return fetchServices(state.services, error); });
+    state.bus = ask(
+        [&state](QString &error) { return PlatformDetails::fetchServices(state.services, error); });
     if (!state.bus.isOk()) {
         return state;
     }
@@ -125,8 +126,8 @@ SystemState examineSystem(const QStringList &only)
         askRegistry(state);
     }
     if (state.services.statusManager) {
-        state.status
-            = ask([&state](QString &error) { return fetchSystemReady(state.ready, error); });
+        state.status = ask(
+            [&state](QString &error) { return PlatformDetails::fetchReady(state.ready, error); });
     }
     keepOnly(only, state.modules);
     for (ModuleState &module : state.modules) {

@@ -12,7 +12,7 @@ struct ModuleState
     bool onBus = false; ///< somebody owns its service's name
     bool registered = false;
     QStringList selectorTypes; ///< as registered: OBJECT/INSTANCE/TYPE
-    ServiceOwner owner;
+    PlatformDetails::Owner owner;
     Answer answer; ///< the first question that the service did not answer well
     bool complete = false; ///< whether all its sources are known
 };
@@ -20,7 +20,7 @@ struct ModuleState
 struct SystemState
 {
     Answer bus;
-    ServicesOnBus services;
+    PlatformDetails::Services services;
     Answer registry; ///< meaningful while the information manager is on the bus
     QString providerList;
     int unreadableProviders = 0; ///< entries of the list without a name

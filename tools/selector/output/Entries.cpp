@@ -2,6 +2,7 @@
 // Report entries of values, writes, properties and leaves.
 #include "Entries.h"
 
+#include "ErrorTypeText.h"
 #include "ValueText.h"
 
 namespace {
@@ -101,20 +102,19 @@ QVector<Column> readColumns()
 
 ReadRow readRow(const ReadResult &result)
 {
-    const auto errorType = result.value.getErrorType();
     ReadRow row;
     row.state = stateOf(result.finding);
-    if (row.state == Entry::Good && errorType != ProcessDataDefinitions::NoError) {
-        row.state = errorType == ProcessDataDefinitions::NoValue ? Entry::Failed : Entry::Doubtful;
+    if (row.state == Entry::Good && !result.value.isGood()) {
+        row.state = result.value.isMissing() ? Entry::Failed : Entry::Doubtful;
     }
     if (row.state == Entry::Good || row.state == Entry::Doubtful) {
-        const QVariant value = result.value.getValue();
-        row.value = Cell(valueToShortText(value), valueToText(value));
-        row.timestamp = result.value.getTimestamp();
+        row.value = Cell(valueToShortText(result.value.value), valueToText(result.value.value));
+        row.timestamp = result.value.timestamp;
     }
     row.unit = textOf(result.properties, "unit");
-    row.error = errorTypeName(errorType);
-    row.note = result.finding.text.isEmpty() ? explainErrorType(errorType) : result.finding.text;
+    row.error = errorTypeName(result.value.errorType);
+    row.note = result.finding.text.isEmpty() ? explainErrorType(result.value.errorType)
+                                             : result.finding.text;
     return row;
 }
 
@@ -128,7 +128,7 @@ Entry readEntry(const ReadResult &result)
     entry.json.insert(QStringLiteral("status"), stateName(row.state));
     entry.json.insert(QStringLiteral("errorType"), row.error);
     entry.json.insert(QStringLiteral("value"),
-                      valueToJson(hasValue ? result.value.getValue() : QVariant()));
+                      valueToJson(hasValue ? result.value.value : QVariant()));
     if (hasValue) {
         copyText(result.properties, "type", entry.json);
         copyText(result.properties, "unit", entry.json);

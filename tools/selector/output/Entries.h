@@ -4,8 +4,8 @@
 #define ENTRIES_H
 
 #include "Finding.h"
+#include "LeafValue.h"
 #include "ListFile.h"
-#include "ProcessValue.h"
 #include "Report.h"
 
 #include <QJsonObject>
@@ -17,7 +17,7 @@
 struct ReadResult
 {
     QString url;
-    ProcessValue value{ProcessDataDefinitions::NoValue};
+    LeafValue value;
     QJsonObject properties; ///< of the leaf; empty without one
     Finding finding; ///< why there is no value
 };

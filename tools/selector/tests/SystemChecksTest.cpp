@@ -4,6 +4,8 @@
 
 #include <QtTest>
 
+using ProcessDataAccess::Result;
+
 namespace {
 
 // One registered module whose service has one good instance.
@@ -90,17 +92,17 @@ void SystemChecksTest::answersThatFailAreToldApart_data()
 {
     QTest::addColumn<int>("result");
     QTest::addColumn<QString>("code");
-    QTest::newRow("denied") << int(BusQueryResult::Denied) << "denied 5";
-    QTest::newRow("in time") << int(BusQueryResult::TimedOut) << "timeLimit 4";
-    QTest::newRow("ended") << int(BusQueryResult::ServiceMissing) << "serviceMissing 1";
-    QTest::newRow("error") << int(BusQueryResult::ServiceFailed) << "serviceFailed 1";
+    QTest::newRow("denied") << int(Result::Denied) << "denied 5";
+    QTest::newRow("in time") << int(Result::TimedOut) << "timeLimit 4";
+    QTest::newRow("ended") << int(Result::ServiceMissing) << "serviceMissing 1";
+    QTest::newRow("error") << int(Result::ServiceFailed) << "serviceFailed 1";
 }
 
 void SystemChecksTest::answersThatFailAreToldApart()
 {
     QFETCH(int, result);
     QFETCH(QString, code);
-    const Answer answer{BusQueryResult(result), "why"};
+    const Answer answer{Result(result), "why"};
     SystemState state = healthy();
     state.status = answer;
     QCOMPARE(codes(state), QStringList{code});
@@ -118,16 +120,16 @@ void SystemChecksTest::answersThatFailAreToldApart()
 void SystemChecksTest::aRegistryThatDoesNotAnswerIsNotCalledFine_data()
 {
     QTest::addColumn<int>("result");
-    QTest::newRow("not in time") << int(BusQueryResult::TimedOut);
-    QTest::newRow("not permitted") << int(BusQueryResult::Denied);
-    QTest::newRow("not well") << int(BusQueryResult::ServiceFailed);
+    QTest::newRow("not in time") << int(Result::TimedOut);
+    QTest::newRow("not permitted") << int(Result::Denied);
+    QTest::newRow("not well") << int(Result::ServiceFailed);
 }
 
 void SystemChecksTest::aRegistryThatDoesNotAnswerIsNotCalledFine()
 {
     QFETCH(const int, result);
     SystemState state = healthy();
-    state.registry = {BusQueryResult(result), "no answer"};
+    state.registry = {Result(result), "no answer"};
     state.modules[0].registered = false;
     state.modules[0].selectorTypes.clear();
     QStringList checks;

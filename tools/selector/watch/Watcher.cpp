@@ -84,15 +84,14 @@ void Watcher::plot()
     for (int i = 0; i < selectors.size(); ++i) {
         const Selector &selector = selectors.at(i);
         bool isNumber = false;
-        double sample = selector.value.toDouble(&isNumber);
+        double sample = selector.value.value.toDouble(&isNumber);
         // A text that reads like a number is still none.
-        isNumber = isNumber && selector.value.userType() != QMetaType::QString
-            && selector.value.userType() != QMetaType::QByteArray
-            && selector.errorType == ProcessDataDefinitions::NoError;
+        isNumber = isNumber && selector.value.value.userType() != QMetaType::QString
+            && selector.value.value.userType() != QMetaType::QByteArray && selector.value.isGood();
         sample = isNumber ? sample : qQNaN();
         const QString unit = selector.properties.value(QLatin1String("unit")).toString();
         const QString value = selector.failure == ExitAllGood
-            ? valueToShortText(selector.value) + QLatin1Char(' ') + unit
+            ? valueToShortText(selector.value.value) + QLatin1Char(' ') + unit
             : selector.reason;
         screen->panel(i).add(sample, value.trimmed());
     }
@@ -118,8 +117,8 @@ void Watcher::checkCondition()
     QVector<WatchedValue> values;
     values.reserve(selectors.size());
     for (const Selector &selector : qAsConst(selectors)) {
-        const bool good = selector.errorType == ProcessDataDefinitions::NoError;
-        values.append({good ? selector.value : QVariant(), selector.seen == Seen::Changed});
+        values.append({selector.value.isGood() ? selector.value.value : QVariant(),
+                       selector.seen == Seen::Changed});
     }
     if (until->evaluate(values) == UntilExpression::True) {
         met = true;
@@ -128,25 +127,24 @@ void Watcher::checkCondition()
     }
 }
 
-void Watcher::read(int index, const ProcessValue &value, SelectorExaminer &examiner)
+void Watcher::read(int index, const LeafValue &value, SelectorExaminer &examiner)
 {
     Selector &selector = selectors[index];
-    const bool missing = value.getErrorType() == ProcessDataDefinitions::NoValue;
+    const bool missing = value.isMissing();
     Finding finding;
     if (missing) {
         // Asking the services anew each time would cost a call for each selector.
         finding = selector.examine ? examiner.explain(selector.url) : selector.finding;
     }
     selector.examine = !missing;
-    const bool same = selector.seen != Seen::Never && value.getErrorType() == selector.errorType
-        && value.getValue() == selector.value && finding.text == selector.finding.text;
+    const bool same = selector.seen != Seen::Never && value.errorType == selector.value.errorType
+        && value.value == selector.value.value && finding.text == selector.finding.text;
     if (same) {
         return;
     }
     const bool first = selector.seen == Seen::Never;
     selector.seen = first ? Seen::Unchanged : Seen::Changed;
-    selector.value = value.getValue();
-    selector.errorType = value.getErrorType();
+    selector.value = value;
     selector.finding = finding;
     const ReadResult result{selector.url, value, selector.properties, finding};
     const Entry entry = readEntry(result);

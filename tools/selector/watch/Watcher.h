@@ -70,8 +70,7 @@ private:
     {
         QString url;
         QJsonObject properties;
-        QVariant value;
-        ProcessDataDefinitions::ErrorTypes errorType = ProcessDataDefinitions::NoError;
+        LeafValue value;
         Finding finding;
         Seen seen = Seen::Never;
         bool examine = true; ///< whether its finding may differ from before
@@ -80,7 +79,7 @@ private:
     };
 
     void poll();
-    void read(int index, const ProcessValue &value, SelectorExaminer &examiner);
+    void read(int index, const LeafValue &value, SelectorExaminer &examiner);
     void announce(const QString &signal, const QVector<int> &indices);
     void print(const QString &text);
     bool flush(); ///< ends the watch when it fails
