@@ -6,50 +6,15 @@
 #include "Counted.h"
 #include "ErrorTypeText.h"
 #include "LiveLeaves.h"
+#include "NearMiss.h"
 #include "UserNames.h"
 #include "ValueText.h"
 
 #include <algorithm>
-#include <numeric>
 
 namespace {
 
-// How many letters must be put in, taken out or replaced to make one word of the other.
-int distance(const QString &left, const QString &right)
-{
-    QVector<int> row(right.size() + 1);
-    std::iota(row.begin(), row.end(), 0);
-    for (int i = 1; i <= left.size(); ++i) {
-        int diagonal = row.at(0);
-        row[0] = i;
-        for (int j = 1; j <= right.size(); ++j) {
-            const bool same = left.at(i - 1).toCaseFolded() == right.at(j - 1).toCaseFolded();
-            const int replaced = diagonal + (same ? 0 : 1);
-            diagonal = row.at(j);
-            row[j] = std::min({replaced, row.at(j) + 1, row.at(j - 1) + 1});
-        }
-    }
-    return row.constLast();
-}
-
-// The leaf that was probably meant; empty when none comes near.
-QString nearest(const QString &path, const QVector<DescribedLeaf> &leaves)
-{
-    constexpr int mostLeaves = 10000; // beyond, looking takes longer than people wait
-    constexpr int mostEdits = 3;
-    int best = std::min(mostEdits, path.size() / 2) + 1;
-    QString result;
-    for (int i = 0; i < std::min(mostLeaves, leaves.size()); ++i) {
-        const QString &candidate = leaves.at(i).path;
-        const int edits
-            = std::abs(candidate.size() - path.size()) < best ? distance(path, candidate) : best;
-        if (edits < best) {
-            best = edits;
-            result = candidate;
-        }
-    }
-    return result;
-}
+constexpr int mostLeaves = 10000; // beyond, looking takes longer than people wait
 
 QString leafSummary(const QJsonObject &leaf)
 {
@@ -191,11 +156,15 @@ bool Walk::leaf()
         return !parts.path.isNull() && one.path == parts.path;
     });
     if (wanted == leaves.end()) {
-        const QString guess = nearest(parts.path, leaves);
-        return fail(
-            Finding::NoSuchLeaf, QStringLiteral("%1 has no leaf \"%2\"").arg(place, parts.path),
-            (guess.isEmpty() ? QString() : QStringLiteral("did you mean \"%1\"? ").arg(guess))
-                + QStringLiteral("selector browse %1 lists its leaves").arg(place));
+        QStringList paths;
+        for (int i = 0; i < std::min(mostLeaves, leaves.size()); ++i) {
+            paths.append(leaves.at(i).path);
+        }
+        const QString guess = didYouMean(parts.path, paths);
+        return fail(Finding::NoSuchLeaf,
+                    QStringLiteral("%1 has no leaf \"%2\"").arg(place, parts.path),
+                    (guess.isEmpty() ? QString() : guess + QLatin1Char(' '))
+                        + QStringLiteral("selector browse %1 lists its leaves").arg(place));
     }
     description = wanted->properties;
     return pass(parts.path);
