@@ -2,19 +2,15 @@
 // Lets others run the steps of a scenario over D-Bus.
 #include "ControlService.h"
 
+#include "ControlNames.h"
+#include "FaultRunner.h"
 #include "ServiceEndpoint.h"
 #include "com.orvalis.ProcessDataSimulator1.h"
 
 #include <QDBusError>
 #include <QJsonDocument>
 
-#include <utility>
-
 namespace {
-
-const QString serviceName = QStringLiteral("com.orvalis.ProcessDataSimulator");
-const QString objectPath = QStringLiteral("/com/orvalis/ProcessDataSimulator");
-const QString interfaceName = QStringLiteral("com.orvalis.ProcessDataSimulator1");
 
 QString errorName(const char *kind)
 {
@@ -23,11 +19,11 @@ QString errorName(const char *kind)
 
 } // namespace
 
-ControlService::ControlService(const Scenario &scenario, Run run)
+ControlService::ControlService(const Scenario &scenario, FaultRunner &faults)
     : scenario(scenario)
-    , run(std::move(run))
-    , endpoint(std::make_unique<ServiceEndpoint>(BusChoice::fromEnvironment(), serviceName,
-                                                 ServiceEndpoint::documents))
+    , faults(faults)
+    , endpoint(std::make_unique<ServiceEndpoint>(BusChoice::fromEnvironment(),
+                                                 ControlNames::service, ServiceEndpoint::documents))
 {
 }
 
@@ -35,7 +31,7 @@ ControlService::~ControlService() = default;
 
 bool ControlService::start(QString &error)
 {
-    endpoint->exportObject(objectPath, this);
+    endpoint->exportObject(ControlNames::path, this);
     return endpoint->start(error);
 }
 
@@ -46,41 +42,51 @@ QString ControlService::introspection() const
 
 BusAnswer ControlService::answer(const ServedCall &call)
 {
-    if (call.interface() != interfaceName && !call.interface().isEmpty()) {
+    if (call.interface() != ControlNames::interface && !call.interface().isEmpty()) {
         return BusAnswer();
     }
     const QString member = call.member();
-    if (member == QLatin1String("ListSteps") && call.signature().isEmpty()) {
+    if (member == ControlNames::listSteps && call.signature().isEmpty()) {
         return BusAnswer::values({scenario.names()});
     }
-    const bool known = member == QLatin1String("GetStep") || member == QLatin1String("RunStep")
-        || member == QLatin1String("RunInline");
-    if (!known || call.signature() != QLatin1String("s")) {
+    const bool isInline = member == ControlNames::runInline || member == ControlNames::checkInline;
+    const bool isNamed = member == ControlNames::runStep || member == ControlNames::getStep;
+    if ((!isInline && !isNamed) || call.signature() != QLatin1String("s")) {
         return BusAnswer::error(
             QDBusError::errorString(QDBusError::UnknownMethod),
             QStringLiteral("No method %1 with the signature \"%2\"").arg(member, call.signature()));
     }
     const QString argument = call.text(0);
-    if (member == QLatin1String("RunInline")) {
-        ScenarioStep step;
-        QString error;
-        return parseScenarioStep(argument.toUtf8(), step, error)
-            ? runStep(step)
-            : BusAnswer::error(errorName("InvalidStep"), error);
+    if (isInline) {
+        return takeInline(member, argument);
     }
     const ScenarioStep *step = scenario.find(argument);
     if (step == nullptr) {
         return BusAnswer::error(errorName("UnknownStep"),
                                 QStringLiteral("The scenario has no step \"%1\"").arg(argument));
     }
-    return member == QLatin1String("GetStep")
+    return member == ControlNames::getStep
         ? BusAnswer::values({QJsonDocument(step->json).toJson(QJsonDocument::Compact)})
         : runStep(*step);
+}
+
+BusAnswer ControlService::takeInline(const QString &member, const QString &json) const
+{
+    ScenarioStep step;
+    QString error;
+    if (!parseScenarioStep(json.toUtf8(), step, error)) {
+        return BusAnswer::error(errorName("InvalidStep"), error);
+    }
+    if (member == ControlNames::runInline) {
+        return runStep(step);
+    }
+    return faults.check(step, error) ? BusAnswer::values({})
+                                     : BusAnswer::error(errorName("InvalidStep"), error);
 }
 
 BusAnswer ControlService::runStep(const ScenarioStep &step) const
 {
     QString error;
-    return run(step, error) ? BusAnswer::values({})
-                            : BusAnswer::error(errorName("StepFailed"), error);
+    return faults.run(step, error) ? BusAnswer::values({})
+                                   : BusAnswer::error(errorName("StepFailed"), error);
 }

@@ -6,9 +6,9 @@
 #include "Scenario.h"
 #include "ServedCall.h"
 
-#include <functional>
 #include <memory>
 
+class FaultRunner;
 class ServiceEndpoint;
 
 /// The service com.orvalis.ProcessDataSimulator. A call is answered when its step was done.
@@ -17,10 +17,7 @@ class ServiceEndpoint;
 class ControlService : public ServedObject
 {
 public:
-    /// Runs a step; on failure its second argument receives one sentence.
-    using Run = std::function<bool(const ScenarioStep &, QString &)>;
-
-    ControlService(const Scenario &scenario, Run run);
+    ControlService(const Scenario &scenario, FaultRunner &faults);
     ~ControlService() override;
 
     /// @param error  receives one sentence; left alone on success
@@ -31,9 +28,10 @@ public:
 
 private:
     BusAnswer runStep(const ScenarioStep &step) const;
+    BusAnswer takeInline(const QString &member, const QString &json) const;
 
     const Scenario &scenario;
-    const Run run;
+    FaultRunner &faults;
     std::unique_ptr<ServiceEndpoint> endpoint;
 };
 

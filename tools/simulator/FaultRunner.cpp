@@ -60,17 +60,7 @@ void setFetchFault(const ScenarioStep &step, const SimulatedSource &source)
 bool FaultRunner::run(const ScenarioStep &step, QString &error)
 {
     QString problem;
-    bool done = false;
-    if (step.fault == Fault::Kill) {
-        static_cast<void>(kill(getpid(), SIGKILL));
-    } else if (step.fault == Fault::Vanish || step.fault == Fault::Return) {
-        done = runOnModule(step, problem);
-    } else if (SimulatedSource *source = find(step.source)) {
-        done = runOnSource(step, *source, problem);
-    } else {
-        problem = QStringLiteral("key \"source\": no file publishes \"%1\"").arg(step.source);
-    }
-    if (!done) {
+    if (!check(step, problem) || !make(step, problem)) {
         error = QStringLiteral("step %1: %2").arg(step.name, problem);
         return false;
     }
@@ -78,24 +68,56 @@ bool FaultRunner::run(const ScenarioStep &step, QString &error)
     return true;
 }
 
+bool FaultRunner::check(const ScenarioStep &step, QString &error) const
+{
+    QStringList modules;
+    QStringList names;
+    for (const auto &source : sources) {
+        modules.append(source->source().module);
+        names.append(source->source().toString());
+    }
+    if (!step.module.isEmpty() && !modules.contains(step.module)) {
+        error = QStringLiteral("key \"module\": no file publishes \"%1\"").arg(step.module);
+        return false;
+    }
+    if (!step.source.isEmpty() && !names.contains(step.source)) {
+        error = QStringLiteral("key \"source\": no file publishes \"%1\"").arg(step.source);
+        return false;
+    }
+    if (step.leaf.isEmpty()) {
+        return true;
+    }
+    const QStringList leaves = find(step.source)->leafPaths();
+    if (!leaves.contains(step.leaf)) {
+        error = QStringLiteral("key \"leaf\": %1 has no leaf \"%2\"").arg(step.source, step.leaf);
+        return false;
+    }
+    return true;
+}
+
+bool FaultRunner::make(const ScenarioStep &step, QString &error)
+{
+    if (step.fault == Fault::Kill) {
+        static_cast<void>(kill(getpid(), SIGKILL));
+        return false;
+    }
+    return step.module.isEmpty() ? runOnSource(step, *find(step.source), error)
+                                 : runOnModule(step, error);
+}
+
 bool FaultRunner::runOnModule(const ScenarioStep &step, QString &error)
 {
-    bool found = false;
     for (const auto &source : sources) {
         if (source->source().module != step.module) {
             continue;
         }
-        found = true;
         if (step.fault == Fault::Vanish) {
             source->vanish();
         } else if (!source->comeBack(error)) {
             return false;
         }
     }
-    if (!found) {
-        error = QStringLiteral("key \"module\": no file publishes \"%1\"").arg(step.module);
-    }
-    return found;
+    return true;
 }
 
 bool FaultRunner::runOnSource(const ScenarioStep &step, SimulatedSource &source, QString &error)

@@ -2,7 +2,8 @@
 // The keys of one step and what they may hold.
 #include "ScenarioKeys.h"
 
-#include <QHash>
+#include "FaultTable.h"
+
 #include <QRegularExpression>
 
 #include <cmath>
@@ -15,43 +16,6 @@ constexpr int largestReply = 120 * 1024 * 1024; // bytes; the bus takes 128 MiB
 constexpr int largestCapacity = 1024 * 1024; // bytes
 constexpr uint allModeBits = 0777;
 constexpr int secondsToMilliseconds = 1000;
-
-struct FaultKeys
-{
-    Fault fault;
-    QStringList required;
-    QStringList optional;
-};
-
-const QHash<QString, FaultKeys> &faults()
-{
-    const QString source = QStringLiteral("source");
-    const QString module = QStringLiteral("module");
-    const QString count = QStringLiteral("count");
-    const QString text = QStringLiteral("text");
-    const QString leaf = QStringLiteral("leaf");
-    static const QHash<QString, FaultKeys> table{
-        {QStringLiteral("reply-normally"), {Fault::ReplyNormally, {source}, {}}},
-        {QStringLiteral("reply-late"),
-         {Fault::ReplyLate, {source, QStringLiteral("delay")}, {count}}},
-        {QStringLiteral("reply-never"), {Fault::ReplyNever, {source}, {count}}},
-        {QStringLiteral("reply-error"),
-         {Fault::ReplyError, {source}, {QStringLiteral("error"), text, count}}},
-        {QStringLiteral("reply-text"), {Fault::ReplyText, {source, text}, {count}}},
-        {QStringLiteral("reply-huge"),
-         {Fault::ReplyHuge, {source, QStringLiteral("bytes")}, {count}}},
-        {QStringLiteral("vanish"), {Fault::Vanish, {module}, {}}},
-        {QStringLiteral("return"), {Fault::Return, {module}, {}}},
-        {QStringLiteral("kill"), {Fault::Kill, {}, {}}},
-        {QStringLiteral("kill-in-write"),
-         {Fault::KillInWrite, {source, leaf}, {QStringLiteral("writer")}}},
-        {QStringLiteral("retype"),
-         {Fault::Retype, {source, leaf, QStringLiteral("type")}, {QStringLiteral("capacity")}}},
-        {QStringLiteral("storm"), {Fault::Storm, {source, count}, {QStringLiteral("change")}}},
-        {QStringLiteral("permissions"), {Fault::Permissions, {source, QStringLiteral("mode")}, {}}},
-    };
-    return table;
-}
 
 /// Reads keys one after the other; the first problem stands.
 class KeyReader

@@ -10,6 +10,7 @@
 #include <QElapsedTimer>
 #include <QSharedPointer>
 #include <QString>
+#include <QStringList>
 
 #include <memory>
 #include <vector>
@@ -30,6 +31,7 @@ public:
 
     const SourceName &source() const { return current.source; }
     bool isPublished() const { return !publisher.isNull(); }
+    QStringList leafPaths() const;
     /// The description as clients fetch it; only while it is published.
     QByteArray served() const;
 

@@ -40,6 +40,16 @@ bool retypeLeaf(QJsonArray &elements, const QString &path, const QString &type, 
 
 } // namespace
 
+QStringList SimulatedSource::leafPaths() const
+{
+    QStringList paths;
+    const QVector<LeafTemplate> leaves = leafTemplates(current.description);
+    for (const LeafTemplate &leaf : leaves) {
+        paths.append(leaf.path);
+    }
+    return paths;
+}
+
 QByteArray SimulatedSource::served() const
 {
     return publisher->descriptionText();

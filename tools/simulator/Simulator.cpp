@@ -62,9 +62,7 @@ bool Simulator::readScenario(QString &error)
 
 int Simulator::startFaults(QString &error)
 {
-    control = std::make_unique<ControlService>(
-        scenario,
-        [this](const ScenarioStep &step, QString &problem) { return faults.run(step, problem); });
+    control = std::make_unique<ControlService>(scenario, faults);
     if (!control->start(error)) {
         return ExitNotReachable;
     }

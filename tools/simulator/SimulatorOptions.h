@@ -11,6 +11,8 @@ struct SimulatorOptions
     QStringList fileNames;
     QString scenario; ///< file name; empty: none
     int interval = 100; ///< milliseconds between two steps
+    QStringList run; ///< steps for a simulator that runs already; empty: be one
+    int timeout = 0; ///< milliseconds for all of these; 0: not given
     bool systemServices = false;
     bool control = false; ///< serve the control interface, also without a scenario
     bool verbose = false;

@@ -1,11 +1,15 @@
 // SPDX-License-Identifier: MIT
 // process-data-simulator: publishes description files with moving values.
+#include "CallDeadline.h"
 #include "ExitCode.h"
+#include "InterruptExit.h"
 #include "MessageLog.h"
+#include "PrintableText.h"
 #include "Simulator.h"
 #include "SimulatorLog.h"
 #include "SimulatorOptions.h"
 #include "StandardStreams.h"
+#include "StepRun.h"
 #include "UnixSignals.h"
 
 #include <QCoreApplication>
@@ -16,6 +20,8 @@
 Q_LOGGING_CATEGORY(simulator, "simulator", QtInfoMsg)
 
 namespace {
+
+const QString tryHelp = QStringLiteral("\nTry process-data-simulator --help.");
 
 void complain(const QString &text)
 {
@@ -49,6 +55,36 @@ int run(const SimulatorOptions &options)
     return printed == ExitAllGood ? QCoreApplication::exec() : printed;
 }
 
+int runInOther(const SimulatorOptions &options)
+{
+    QVector<TypedStep> steps;
+    QString error;
+    for (const QString &text : options.run) {
+        if (!parseSteps(text, steps, error)) {
+            complain(printable(error) + tryHelp);
+            return ExitUsage;
+        }
+    }
+    if (options.timeout > 0) {
+        setCallDeadline(options.timeout);
+        setCallTimeLimit(options.timeout);
+    }
+    exitOnInterrupt();
+    int printed = ExitAllGood;
+    const int result = runSteps(
+        steps,
+        [&printed](const QString &line) {
+            if (printed == ExitAllGood) { // one reason is enough
+                printed = print(line + QLatin1Char('\n'));
+            }
+        },
+        error);
+    if (!error.isEmpty()) {
+        complain(printable(error));
+    }
+    return result == ExitAllGood ? printed : result;
+}
+
 } // namespace
 
 int main(int argc, char *argv[])
@@ -59,7 +95,7 @@ int main(int argc, char *argv[])
     SimulatorOptions options;
     QString error;
     if (!parseSimulatorOptions(QCoreApplication::arguments(), options, error)) {
-        complain(error + QStringLiteral("\nTry process-data-simulator --help."));
+        complain(error + tryHelp);
         return ExitUsage;
     }
     if (options.help) {
@@ -67,6 +103,11 @@ int main(int argc, char *argv[])
     }
     if (options.version) {
         return print(QStringLiteral("process-data-simulator " TOOLS_VERSION "\n"));
+    }
+    if (!options.run.isEmpty()) {
+        MessageLog::install(QStringLiteral("process-data-simulator"), QStringLiteral("simulator"),
+                            MessageLog::OwnMessages);
+        return runInOther(options);
     }
     MessageLog::install(QStringLiteral("process-data-simulator"), QStringLiteral("simulator"),
                         MessageLog::AllMessages);

@@ -11,6 +11,7 @@ class SimulatorOptionsTest : public QObject
 private Q_SLOTS:
     void allOptionsAreTaken();
     void defaultsHold();
+    void stepsOfAnotherSimulatorAreTaken();
     void wrongUsageIsNamed_data();
     void wrongUsageIsNamed();
     void helpNamesEveryOption();
@@ -49,6 +50,22 @@ void SimulatorOptionsTest::defaultsHold()
     QVERIFY(options.control);
 }
 
+void SimulatorOptionsTest::stepsOfAnotherSimulatorAreTaken()
+{
+    SimulatorOptions options;
+    QString error;
+
+    QVERIFY(parseSimulatorOptions(
+        {"simulator", "--run", "vanish A,kill", "--run", "step x", "--timeout", "0.5"}, options,
+        error));
+
+    QCOMPARE(options.run, QStringList({"vanish A,kill", "step x"}));
+    QCOMPARE(options.timeout, 500);
+    QVERIFY(parseSimulatorOptions({"simulator", "a.pdd"}, options, error));
+    QVERIFY(options.run.isEmpty());
+    QCOMPARE(options.timeout, 0);
+}
+
 void SimulatorOptionsTest::wrongUsageIsNamed_data()
 {
     QTest::addColumn<QStringList>("arguments");
@@ -61,6 +78,18 @@ void SimulatorOptionsTest::wrongUsageIsNamed_data()
                                     << "--interval must be 1 to 60000 milliseconds, not \"0\"";
     QTest::newRow("a scenario without a name")
         << QStringList{"--scenario", "", "a.pdd"} << "--scenario takes the name of a file";
+    QTest::newRow("a run that publishes")
+        << QStringList{"--run", "kill", "a.pdd"}
+        << "Unexpected \"a.pdd\": --run talks to a simulator that runs already; quote a step with "
+           "blanks as one argument";
+    QTest::newRow("a run with system services")
+        << QStringList{"--run", "kill", "--system-services"}
+        << "--system-services does not go with --run, which talks to a simulator that runs already";
+    QTest::newRow("a limit without a run")
+        << QStringList{"--timeout", "1", "a.pdd"} << "--timeout goes with --run";
+    QTest::newRow("a limit of nothing")
+        << QStringList{"--run", "kill", "--timeout", "0"}
+        << "--timeout must be above 0 and at most 86400 seconds, not \"0\"";
     QTest::newRow("a time with unit") << QStringList{"--interval", "5ms", "a.pdd"}
                                       << "--interval must be 1 to 60000 milliseconds, not \"5ms\"";
 }
@@ -80,7 +109,7 @@ void SimulatorOptionsTest::wrongUsageIsNamed()
 void SimulatorOptionsTest::helpNamesEveryOption()
 {
     for (const char *option : {"--interval", "--system-services", "--scenario", "--control",
-                               "--verbose", "--help", "--version"}) {
+                               "--run", "--timeout", "--verbose", "--help", "--version"}) {
         QVERIFY2(simulatorHelp().contains(option), option);
     }
 }
