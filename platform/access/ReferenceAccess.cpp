@@ -6,8 +6,42 @@
 #include "ProviderListClient.h"
 #include "ReferenceResult.h"
 #include "ServiceOwnerClient.h"
+#include "SystemChanges.h"
 
 namespace ProcessDataAccess {
+
+namespace {
+
+SystemEvent eventOf(const SystemChange &change)
+{
+    switch (change.kind) {
+    case SystemChange::ServiceAppeared:
+        return {SystemEvent::ServiceAppeared, change.module};
+    case SystemChange::ServiceLost:
+        return {SystemEvent::ServiceLost, change.module};
+    case SystemChange::ProvidersChanged:
+        return {SystemEvent::ProvidersChanged, {}};
+    case SystemChange::BusLost:
+        return {SystemEvent::BusLost, {}};
+    case SystemChange::BusFound:
+        break;
+    }
+    return {SystemEvent::BusFound, {}};
+}
+
+class ReferenceWatch : public SystemWatch
+{
+public:
+    explicit ReferenceWatch(std::unique_ptr<SystemChanges> changes)
+        : changes(std::move(changes))
+    {
+    }
+
+private:
+    const std::unique_ptr<SystemChanges> changes;
+};
+
+} // namespace
 
 QVariant valueOf(const ProcessValue &value)
 {
@@ -91,9 +125,12 @@ void setCallTimeLimit(int milliseconds)
     ::setCallTimeLimit(milliseconds);
 }
 
-std::unique_ptr<SystemWatch> watchSystem(const std::function<void(const SystemEvent &)> &)
+std::unique_ptr<SystemWatch> watchSystem(const std::function<void(const SystemEvent &)> &hear)
 {
-    return nullptr;
+    QString ignored; // whoever asks next is told that the bus is out of reach
+    auto changes = SystemChanges::watch(
+        [hear](const SystemChange &change) { hear(eventOf(change)); }, ignored);
+    return changes ? std::make_unique<ReferenceWatch>(std::move(changes)) : nullptr;
 }
 
 } // namespace ProcessDataAccess

@@ -50,6 +50,7 @@ const QString &readyProperty();
 const QString &informationManagerService();
 const QString &informationManagerPath();
 const QString &informationManagerInterface();
+const QString &providerListChangedSignal();
 
 const QString &daemonService();
 const QString &daemonPath();

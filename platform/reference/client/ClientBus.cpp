@@ -92,6 +92,7 @@ bool ClientBus::subscribe(QString &error)
         && link.subscribe({BusNames::statusManagerPath(), BusNames::propertiesInterface(),
                            BusNames::propertiesChangedSignal()},
                           this, SLOT(handleProperties(QDBusMessage)))
+        && (!registry || subscribeToRegistry())
         && link.subscribe({BusNames::daemonPath(), BusNames::daemonInterface(),
                            QStringLiteral("NameOwnerChanged")},
                           this, SLOT(handleOwnerChanged(QDBusMessage)));
@@ -171,9 +172,14 @@ void ClientBus::handleOwnerChanged(const QDBusMessage &message)
         || message.signature() != QLatin1String("sss")) {
         return;
     }
-    const QMutexLocker lock(&mutex);
-    table.ownerChanged(arguments.at(0).toString(), arguments.at(2).toString());
-    changed.wakeAll();
+    const QString service = arguments.at(0).toString();
+    const QString owner = arguments.at(2).toString();
+    {
+        const QMutexLocker lock(&mutex);
+        table.ownerChanged(service, owner);
+        changed.wakeAll();
+    }
+    tellOwner(service, owner);
 }
 
 void ClientBus::handleSignal(const QDBusMessage &message)
@@ -205,10 +211,13 @@ void ClientBus::handleProperties(const QDBusMessage &message)
 
 void ClientBus::handleLost()
 {
-    const QMutexLocker lock(&mutex);
-    table.busLost();
-    daemonSilent = false;
-    changed.wakeAll();
+    {
+        const QMutexLocker lock(&mutex);
+        table.busLost();
+        daemonSilent = false;
+        changed.wakeAll();
+    }
+    watchers.tell({SystemChange::BusLost, {}});
 }
 
 void ClientBus::handleRestored()
@@ -218,6 +227,7 @@ void ClientBus::handleRestored()
         qCWarning(busLog).noquote()
             << "No announcements from" << link.bus().label() << "-" << error;
     }
+    watchers.tell({SystemChange::BusFound, {}});
 }
 
 bool ClientBus::setUp(QString &error)

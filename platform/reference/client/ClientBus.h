@@ -8,6 +8,7 @@
 #include "ForkedChild.h"
 #include "LossWatch.h"
 #include "ServiceTable.h"
+#include "SystemWatchers.h"
 
 #include <QDBusMessage>
 #include <QMutex>
@@ -16,6 +17,8 @@
 #include <QSharedPointer>
 #include <QString>
 #include <QWaitCondition>
+
+#include <memory>
 
 /// Lives in a bus thread of its own, so that owners are tracked and the bus is reached again even
 /// while a client's thread waits or runs no event loop.
@@ -71,6 +74,13 @@ public:
     /// Threads: any; does not wait.
     void watchLost(const QSharedPointer<SourceWatch> &source);
 
+    /// From now on the function hears of the system, in the bus thread, until the watcher is
+    /// removed. When changes of the list of providers are heard, it is told that it may differ.
+    void addWatcher(const void *watcher, const SystemWatchers::Hear &hear);
+
+    /// When it returns, no call of the watcher's function runs, and none comes.
+    void removeWatcher(const void *watcher);
+
     /// The connection for calls that nobody waits for; hold the copy as long as the call is under
     /// way.
     QDBusConnection connection() const { return link.connection(); }
@@ -95,11 +105,20 @@ private:
         quint64 number;
     };
 
+    class RegistryListener;
+    struct RegistryListenerDeleter
+    {
+        void operator()(RegistryListener *listener) const;
+    };
+
     bool waitUntilConnected(QString &error);
     void connectInBusThread();
     bool setUp(QString &error);
     bool subscribe(QString &error);
     void askForAll();
+    void listenToRegistry();
+    bool subscribeToRegistry();
+    void tellOwner(const QString &service, const QString &owner);
     static QDBusMessage ownerQuestion(const QString &service);
     void askOwner(const QString &service);
     void handleOwner(const QString &service, const QDBusMessage &answer);
@@ -124,6 +143,9 @@ private:
     BusLink link;
     const HomeProcess home;
     LossWatch losses;
+    SystemWatchers watchers;
+    // Made with the first watcher, and used, in the bus thread.
+    std::unique_ptr<RegistryListener, RegistryListenerDeleter> registry;
     mutable QMutex mutex; // guards all below; never held while something waits for the bus thread
     QWaitCondition changed;
     ServiceTable table;

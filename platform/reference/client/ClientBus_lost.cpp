@@ -65,6 +65,7 @@ void ClientBus::handleLostOwner(const QString &service, const LostSources &sourc
     qCInfo(busLog).noquote() << "Missed announcements of" << link.bus().label()
                              << "- asking for all sources again";
     askForAll();
+    watchers.tell({SystemChange::BusFound, {}});
 }
 
 // Caller holds the mutex. The service's owner is the same, so it has retired the buffer or changed

@@ -62,7 +62,7 @@ ProviderRegistryService::ProviderRegistryService(ProviderRegistryServicePrivate 
     QObject::connect(&d->object, &ProviderRegistryObject::listChanged, this, [this] {
         d->endpoint.sendSignal(BusNames::informationManagerPath(),
                                BusNames::informationManagerInterface(),
-                               QStringLiteral("ProviderListChanged"));
+                               BusNames::providerListChangedSignal());
         Q_EMIT providerListChanged();
     });
     QObject::connect(&d->endpoint, &ServiceEndpoint::becameAvailable, this,
