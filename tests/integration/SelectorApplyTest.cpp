@@ -60,10 +60,10 @@ void SelectorApplyTest::aListIsWrittenAndReadBack()
         {"# recipe", url("speed") + " 1.8", url("name") + " two words", url("on") + "  on"}, 0);
 
     QCOMPARE(output,
-             QString("line,url,before,value,unit,result,note\n"
-                     "2,%1,900,1.8,1/min,verified,\n"
-                     "3,%2,old,two words,,verified,\n"
-                     "4,%3,false,true,,verified,\n")
+             QString("line,url,before,value,unit,result,note,label\n"
+                     "2,%1,900,1.8,1/min,verified,,\n"
+                     "3,%2,old,two words,,verified,,\n"
+                     "4,%3,false,true,,verified,,\n")
                  .arg(url("speed"), url("name"), url("on"))
                  .toUtf8());
     QCOMPARE(publisher->waitForWrite("name"), QByteArray("\"two words\""));
@@ -77,12 +77,12 @@ void SelectorApplyTest::oneWrongLineLeavesTheServiceAlone()
                url("on") + " off", url("name?deactivated") + " x"},
               1);
 
-    QVERIFY2(output.contains(",left,\"not written, another item failed\"\n"), output.constData());
+    QVERIFY2(output.contains(",left,\"not written, another item failed\",\n"), output.constData());
     QVERIFY2(output.contains("above the maximum 3000"), output.constData());
-    QVERIFY2(output.contains(",failed,the leaf is read-only\n"), output.constData());
-    QVERIFY2(output.contains("has no such leaf\n"), output.constData());
-    QVERIFY2(output.contains(",failed,line 1 names the same leaf\n"), output.constData());
-    QVERIFY2(output.contains(",left,deactivated\n"), output.constData());
+    QVERIFY2(output.contains(",failed,the leaf is read-only,\n"), output.constData());
+    QVERIFY2(output.contains("has no such leaf,\n"), output.constData());
+    QVERIFY2(output.contains(",failed,line 1 names the same leaf,\n"), output.constData());
+    QVERIFY2(output.contains(",left,deactivated,\n"), output.constData());
     // Had "on" been written before, its report would come first.
     run({}, {url("on") + " on"}, 0);
     QCOMPARE(publisher->waitForWrite("on"), QByteArray("true"));
@@ -93,7 +93,7 @@ void SelectorApplyTest::oneWrongLineLeavesTheServiceAlone()
 void SelectorApplyTest::aDryRunShowsWhatIsThereAndWritesNothing()
 {
     const QByteArray output = run({"--dry-run"}, {url("speed") + " 1000"}, 0);
-    QVERIFY2(output.contains(",900,1000,1/min,checked,\n"), output.constData());
+    QVERIFY2(output.contains(",900,1000,1/min,checked,,\n"), output.constData());
 
     ChildProcess reader(SELECTOR, {"read", "--format", "csv", url("speed")});
     QVERIFY(reader.run());
@@ -106,7 +106,7 @@ void SelectorApplyTest::wrongUsageIsNamed_data()
     QTest::addColumn<QStringList>("lines");
     QTest::addColumn<QByteArray>("reason");
     QTest::newRow("no value") << QStringList() << QStringList{"processdata://M/O/1/a 1", "", "b"}
-                              << QByteArray("-: line 3: no value for b");
+                              << QByteArray("-: line 3: no value for processdata://b");
     QTest::newRow("an empty list")
         << QStringList() << QStringList{"# nothing"} << QByteArray("-: no selector in it");
     QTest::newRow("a dry run that verifies")

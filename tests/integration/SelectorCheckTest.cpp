@@ -90,15 +90,15 @@ void SelectorCheckTest::aListIsCheckedAgainstTheSystem()
     const QByteArray output = run({"check", list, "--format", "csv"}, 1);
 
     const QString expected
-        = QString("line,url,result,note\n"
-                  "2,%1,ok,\n"
-                  "3,%2,noSuchLeaf,%3 has no such leaf\n"
-                  "4,%4,readOnly,the leaf is read-only\n"
-                  "5,%5,deactivated,deactivated\n"
-                  "6,nonsense,invalidUrl,")
+        = QString("line,url,result,note,label\n"
+                  "2,%1,ok,,\n"
+                  "3,%2,noSuchLeaf,%3 has no such leaf,\n"
+                  "4,%4,readOnly,the leaf is read-only,\n"
+                  "5,%5,deactivated,deactivated,\n"
+                  "6,processdata://nonsense,invalidUrl,")
               .arg(url("speed"), url("spede"), place(), url("name"), url("setpoint?deactivated"));
     QVERIFY2(output.startsWith(expected.toUtf8()), output.constData());
-    QVERIFY2(output.contains(",duplicate,line 2 names the same leaf\n"), output.constData());
+    QVERIFY2(output.contains(",duplicate,line 2 names the same leaf,\n"), output.constData());
     QVERIFY2(output.contains(("selector: line 3: " + url("spede") + ": ").toUtf8()),
              output.constData());
     const QByteArray json = run({"check", list, "--format", "json"}, 1);
@@ -136,7 +136,7 @@ void SelectorCheckTest::aListIsCheckedAgainstASnapshotWithoutASystem()
     const QByteArray output
         = run({"check", list, "--against", directory->filePath("before"), "--format", "csv"}, 1);
 
-    QVERIFY2(output.contains(",valueRefused,\"\"\"3001\"\" is above the maximum 3000\"\n"),
+    QVERIFY2(output.contains(",valueRefused,\"\"\"3001\"\" is above the maximum 3000\",\n"),
              output.constData());
     QVERIFY2(output.contains(",noSuchLeaf,"), output.constData());
 }
@@ -151,12 +151,12 @@ void SelectorCheckTest::twoSnapshotsAreComparedByMeaning()
 
     const QStringList both{directory->filePath("before"), directory->filePath("after")};
     const QByteArray output = run(QStringList{"diff", "--format", "csv"} + both, 1);
-    QVERIFY2(output.startsWith(QString("index,url,result,what,before,after\n"
-                                       ",%1,differs,maximum,3000,4000\n"
-                                       ",%1,breaks,unit,1/min,Hz\n"
-                                       ",%2,breaks,leaf,int64,nothing\n"
-                                       ",%3,breaks,type,int32,int64\n"
-                                       ",%4,differs,leaf,nothing,bool\n")
+    QVERIFY2(output.startsWith(QString("index,url,result,what,before,after,label\n"
+                                       ",%1,differs,maximum,3000,4000,\n"
+                                       ",%1,breaks,unit,1/min,Hz,\n"
+                                       ",%2,breaks,leaf,int64,nothing,\n"
+                                       ",%3,breaks,type,int32,int64,\n"
+                                       ",%4,differs,leaf,nothing,bool,\n")
                                    .arg(url("speed"), url("never"), url("setpoint"), url("extra"))
                                    .toUtf8()),
              output.constData());

@@ -38,7 +38,9 @@ void SelectorCompletionTest::eachLevelIsCompleted_data()
     const auto url = [](const char *name, const char *word, const char *expected) {
         QTest::newRow(name) << "url" << word << expected;
     };
-    url("modules", "", "processdata://MODULE/\n");
+    url("modules", "processdata://", "processdata://MODULE/\n");
+    url("modules without the scheme", "", "MODULE/\n");
+    url("a short path", "x=MODULE/Controller/1/drive/s", "x=MODULE/Controller/1/drive/speed\n");
     url("objects", "processdata://MODULE/", "processdata://MODULE/Controller/\n");
     url("instances", "processdata://MODULE/Controller/", "processdata://MODULE/Controller/1/\n");
     url("leaves and groups", "processdata://MODULE/Controller/1/",
@@ -95,8 +97,10 @@ void SelectorCompletionTest::shellsOfferOnlyWhatIsAccepted_data()
         << "processdata://MODULE/Controller/\n";
     QTest::newRow("options are no arguments") << "explain --property unit processdata://MODULE/"
                                               << "processdata://MODULE/Controller/\n";
-    QTest::newRow("read takes no labels") << "read x=processdata://MODULE/"
-                                          << "";
+    QTest::newRow("read takes labels") << "read x=processdata://MODULE/"
+                                       << "x=processdata://MODULE/Controller/\n";
+    QTest::newRow("read takes short paths") << "read MODULE/"
+                                            << "MODULE/Controller/\n";
     QTest::newRow("watch takes labels") << "watch x=processdata://MODULE/"
                                         << "x=processdata://MODULE/Controller/\n";
 }

@@ -52,6 +52,7 @@ const QJsonArray elements{
 
 const QString speed("processdata://MODULE/Controller/1/drive/speed");
 const QString on("processdata://MODULE/Controller/1/drive/on");
+const QString shortOn("MODULE/Controller/1/drive/on");
 const QString name("processdata://MODULE/Controller/1/name");
 const QString idle("processdata://MODULE/Controller/1/idle");
 const QString serial("processdata://MODULE/Controller/1/serial");
@@ -76,7 +77,7 @@ void SelectorGoldenTest::init()
                       idle + "?deactivated 4", "nonsense 1"}
               .join('\n');
     QVERIFY(writeFile(folder->filePath("list"), list.toUtf8().replace("MODULE", module.toUtf8())));
-    const QString good = QStringList{speed + " 2000", on + " off"}.join('\n');
+    const QString good = QStringList{speed + " 2000", "run=" + shortOn + " off"}.join('\n');
     QVERIFY(writeFile(folder->filePath("good"), good.toUtf8().replace("MODULE", module.toUtf8())));
     const QByteArray head = R"({"module":"M","object":"O","instance":"1","elements":[)";
     QVERIFY(writeFile(folder->filePath("before"),
@@ -86,7 +87,7 @@ void SelectorGoldenTest::init()
                       head + R"({"name":"a","type":"int8","unit":"A"},{"name":"d","type":"bool"},)"
                           + R"({"name":"c","type":"bool","description":"two"}]})"));
     QVERIFY(writeFile(folder->filePath("urls"),
-                      "processdata://M/O/1/b\nprocessdata://M/O/1/c\nprocessdata://M/O/1/e\n"));
+                      "processdata://M/O/1/b\nsea=M/O/1/c\nprocessdata://M/O/1/e\n"));
 }
 
 void SelectorGoldenTest::cleanup()
@@ -156,16 +157,20 @@ void SelectorGoldenTest::outputIsAsWritten_data()
     row("browse-leaves", {"browse", "MODULE/Controller/1"});
     row("browse-missing", {"browse", "MODULE/Controller/2"});
     row("read", {"read", speed, on, name, idle, none, speed + "?deactivated", "nonsense"});
+    row("read-labels", {"read", "fast=" + speed, shortOn, "run=" + shortOn + "?deactivated"});
     row("write", {"write", speed, "4000", on, "off", name, "x", none, "1", serial, "0x0102"});
     row("watch", {"watch", "--count", "4", "--interval", "20", speed, name, idle, none});
+    row("watch-labels", {"watch", "--count", "2", "--interval", "20", "fast=" + speed, shortOn});
     row("properties", {"properties", speed, none}, true);
     row("properties-named", {"properties", "--property", "unit", speed, on});
+    row("properties-labels", {"properties", "--property", "unit", "fast=" + speed});
     row("explain", {"explain", speed}, true);
     row("explain-failure", {"explain", none}, true);
     row("doctor", {"doctor", "MODULE"}, true);
     row("doctor-failure", {"doctor", "MODULE", "NotHere"}, true);
     row("doctor-clean", {"doctor", "--clean", "MODULE"}, true);
     row("check", {"check", "FOLDER/list"}, true);
+    row("check-labels", {"check", "FOLDER/good"}, true);
     row("check-against", {"check", "FOLDER/urls", "--against", "FOLDER/before"}, true);
     row("snapshot", {"snapshot", "-o", "FOLDER/out", "MODULE", "NotHere/O/1"}, true);
     row("diff", {"diff", "FOLDER/before", "FOLDER/after"});

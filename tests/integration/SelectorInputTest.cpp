@@ -39,9 +39,9 @@ void SelectorInputTest::listsAreReadFromPipes_data()
     } commands[] = {{"read", "\"$0\" read -q -f", "$1", "2\n"},
                     {"watch", "\"$0\" watch -q --count 1 -f", "$1", "2\n"},
                     {"properties", "\"$0\" properties -q --property unit -f", "$1", "1/min\n"},
-                    {"write", "\"$0\" write --no-legend --format csv -f", "$1 3", "written,\n"},
-                    {"check", "\"$0\" check --no-legend --format csv", "$1 3", ",ok,\n"},
-                    {"apply", "\"$0\" apply --no-legend --format csv", "$1 3", "written,\n"}};
+                    {"write", "\"$0\" write --no-legend --format csv -f", "$1 3", "written,,\n"},
+                    {"check", "\"$0\" check --no-legend --format csv", "$1 3", ",ok,,\n"},
+                    {"apply", "\"$0\" apply --no-legend --format csv", "$1 3", "written,,\n"}};
     for (const auto &command : commands) {
         const auto row = [&](const char *kind, const QString &shell) {
             QTest::addRow("%s, %s", command.name, kind)

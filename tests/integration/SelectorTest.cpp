@@ -93,7 +93,7 @@ void SelectorTest::csvHasAHeaderAndARowForEachSelector()
 
     const QList<QByteArray> lines = client.output().split('\n');
     QVERIFY2(lines.size() == 4 && lines.at(3).isEmpty(), client.report().constData());
-    QCOMPARE(lines.at(0), QByteArray("url,value,unit,error,time,note"));
+    QCOMPARE(lines.at(0), QByteArray("url,value,unit,error,time,note,label"));
     QVERIFY(lines.at(1).startsWith(url("speed").toUtf8() + ",1450.5,1/min,NoError,"));
     QVERIFY(
         lines.at(2).startsWith(url("name").toUtf8() + ",\"north, \"\"old\"\" side\",,NoError,"));

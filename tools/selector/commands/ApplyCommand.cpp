@@ -62,8 +62,8 @@ Command applyCommand()
         QStringLiteral("apply"),
         QStringLiteral("write many values from a file, all or none"),
         "Usage: selector apply [OPTIONS] FILE\n"
-        "Writes the values of FILE (- is standard input): one URL, blanks and the value (the\n"
-        "rest of the line) a line; lines that begin with # are left out. All lines are checked\n"
+        "Writes the values of FILE (- is standard input): one [NAME=]SELECTOR, blanks and\n"
+        "the value (the rest of the line) a line; lines that begin with # are left out. All lines are checked\n"
         "first, as selector check does; when one is wrong nothing is written. A write that\n"
         "fails all the same ends the writing. Each line gets its verdict: written, failed, left.\n",
         {{"--dry-run", "check only, and show what each leaf holds now"},

@@ -188,7 +188,7 @@ void apply(QVector<ApplyItem> &items, const ApplyOptions &options,
 
 QVector<Column> applyColumns()
 {
-    return columnsOf("line> url before> value> unit result note");
+    return columnsOf("line> url before> value> unit result note label|");
 }
 
 Entry applyEntry(const ApplyItem &item)
@@ -206,9 +206,9 @@ Entry applyEntry(const ApplyItem &item)
     if (!unit.isEmpty()) {
         entry.json.insert(QStringLiteral("unit"), unit);
     }
-    entry.rows.append({QString::number(line.number), line.url,
+    entry.rows.append({QString::number(line.number), selectorCell(line.url, line.label),
                        Cell(valueToShortText(before), valueToText(before)),
                        value.isValid() ? valueToText(value) : line.value, unit, verdict,
-                       item.finding.text});
+                       item.finding.text, line.label});
     return entry;
 }

@@ -16,8 +16,9 @@ Entry checkEntry(const CheckedLine &checked)
     if (line.hasValue) {
         entry.json.insert(QStringLiteral("value"), line.value);
     }
-    entry.rows.append({QString::number(line.number), line.url,
-                       finding.isNone() ? QStringLiteral("ok") : finding.codeName(), finding.text});
+    entry.rows.append({QString::number(line.number), selectorCell(line.url, line.label),
+                       finding.isNone() ? QStringLiteral("ok") : finding.codeName(), finding.text,
+                       line.label});
     return entry;
 }
 
@@ -33,7 +34,8 @@ int run(const CommandLine &line, const Console &console, QString &usage)
         || (line.has("against") && !Snapshot::load(line.text("against"), snapshot, usage))) {
         return ExitUsage;
     }
-    Report report{QStringLiteral("selector.check/1"), columnsOf("line> url result note"), {}};
+    Report report{
+        QStringLiteral("selector.check/1"), columnsOf("line> url result note label|"), {}};
     QVector<CheckedLine> checked;
     if (line.has("against")) {
         checked = checkLines(lines, [&snapshot](int /*position*/, const SelectorUrlParts &parts) {
@@ -64,7 +66,7 @@ Command checkCommand()
         "Usage: selector check [OPTIONS] FILE\n"
         "Says of each line of FILE (- is standard input) what would break: a URL that is none,\n"
         "a leaf that is not there, a deactivated selector, a leaf that an earlier line names.\n"
-        "A line with a value behind the URL is meant to be written: a read-only leaf and a\n"
+        "A line with a value behind the selector is meant to be written: a read-only leaf and a\n"
         "value that the leaf would refuse are found too. Nothing is written.\n",
         {{"--against SNAPSHOT",
           "ask a file or directory of selector snapshot instead of the\n"

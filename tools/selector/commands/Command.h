@@ -12,7 +12,7 @@
 /// What the arguments of a command are, for shells.
 struct Arguments
 {
-    enum Kind { Words, Url, LabelledUrl, UrlAndValue, Place, Module, File };
+    enum Kind { Words, Url, UrlAndValue, Place, Module, File };
     static constexpr int many = std::numeric_limits<int>::max();
 
     Kind kind = Words;

@@ -71,7 +71,6 @@ QStringList wordsOf(const Offer &offer, const QString &typed)
     case Arguments::Place:
         return candidates(typedPlace(typed, false), false);
     case Arguments::Url:
-    case Arguments::LabelledUrl:
     case Arguments::UrlAndValue:
         break;
     }

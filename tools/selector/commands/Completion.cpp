@@ -2,7 +2,7 @@
 // Goes on from what is typed.
 #include "Completion.h"
 
-#include "WatchTargets.h"
+#include "SelectorText.h"
 
 #include <QUrl>
 
@@ -18,17 +18,14 @@ QString encoded(const QString &name)
 TypedPlace typedPlace(const QString &text, bool isUrl)
 {
     const QString scheme = QStringLiteral("processdata://");
+    const QString label = isUrl ? selectorText(text).label : QString();
     TypedPlace place;
-    QString rest = text;
-    if (isUrl) {
-        rest = watchTarget(text).url;
-        place.base = text.left(text.size() - rest.size()) + scheme;
-    }
-    if (rest.startsWith(scheme)) {
-        place.base = text.left(text.size() - rest.size()) + scheme;
+    place.base = text.left(label.isEmpty() ? 0 : label.size() + 1);
+    QString rest = text.mid(place.base.size());
+    const bool isScheme = isUrl && !rest.isEmpty() && scheme.startsWith(rest);
+    if (isScheme || rest.startsWith(scheme)) {
+        place.base += scheme;
         rest = rest.mid(scheme.size());
-    } else if (isUrl && scheme.startsWith(rest)) {
-        rest.clear();
     }
     const int slash = rest.lastIndexOf(QLatin1Char('/'));
     place.base += rest.leftRef(slash + 1);

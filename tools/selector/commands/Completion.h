@@ -14,8 +14,8 @@ struct TypedPlace
     QString begin; ///< of the name that is being typed, as typed
 };
 
-/// @param isUrl  whether a selector URL is wanted, perhaps behind NAME=, and the scheme is put in
-///               front of what lacks it
+/// @param isUrl  whether a selector is wanted, perhaps behind NAME=; one that begins as the scheme
+///               does gets the whole scheme, any other stays a short path
 TypedPlace typedPlace(const QString &text, bool isUrl);
 
 /// Whole words: those of the names, percent-encoded, that go on from what is typed.

@@ -17,6 +17,7 @@ struct Pair
     QString url;
     QJsonObject before;
     QJsonObject after;
+    QString label = {};
 };
 
 QVector<Pair> pairsOfList(const QVector<ListLine> &lines, const Snapshot &before,
@@ -26,8 +27,8 @@ QVector<Pair> pairsOfList(const QVector<ListLine> &lines, const Snapshot &before
     for (int i = 0; i < lines.size(); ++i) {
         const SelectorUrlParts parts = parseSelectorUrl(lines.at(i).url);
         if (textFinding(parts).isNone()) {
-            pairs.append(
-                {i, lines.at(i).url, before.find(parts).properties, after.find(parts).properties});
+            pairs.append({i, lines.at(i).url, before.find(parts).properties,
+                          after.find(parts).properties, lines.at(i).label});
         }
     }
     return pairs;
@@ -44,7 +45,7 @@ QVector<Pair> pairsOfAll(const Snapshot &before, const Snapshot &after)
                 const QString url = selectorUrl(name.module, name.object, name.instance, leaf.path);
                 const SelectorUrlParts parts = parseSelectorUrl(url);
                 const Pair pair{-1, url, before.find(parts).properties,
-                                after.find(parts).properties};
+                                after.find(parts).properties, QString()};
                 if (!onlyNew || pair.before.isEmpty()) {
                     pairs.append(pair);
                 }
@@ -68,9 +69,9 @@ Entry diffEntry(const Pair &pair, const QVector<LeafDifference> &differences)
                                    {QStringLiteral("before"), difference.before},
                                    {QStringLiteral("after"), difference.after},
                                    {QStringLiteral("breaks"), difference.breaks}});
-        entry.rows.append({index, pair.url,
+        entry.rows.append({index, selectorCell(pair.url, pair.label),
                            difference.breaks ? QStringLiteral("breaks") : QStringLiteral("differs"),
-                           difference.what, difference.before, difference.after});
+                           difference.what, difference.before, difference.after, pair.label});
         if (difference.breaks) {
             breaking.append(QStringLiteral("%1 %2 -> %3")
                                 .arg(difference.what, difference.before, difference.after));
@@ -81,6 +82,7 @@ Entry diffEntry(const Pair &pair, const QVector<LeafDifference> &differences)
     entry.json = {{QStringLiteral("url"), pair.url},
                   {QStringLiteral("status"), stateName(entry.state)},
                   {QStringLiteral("changes"), changes}};
+    insertLabel(pair.label, entry.json);
     if (pair.index >= 0) {
         entry.json.insert(QStringLiteral("index"), pair.index);
     }
@@ -97,12 +99,18 @@ int run(const CommandLine &line, const Console &console, QString &usage)
     Snapshot after;
     QVector<ListLine> lines;
     if (!Snapshot::load(line.arguments.at(0), before, usage)
-        || !Snapshot::load(line.arguments.at(1), after, usage)
-        || (line.has("file") && !readListFile(line.text("file"), lines, usage))) {
+        || !Snapshot::load(line.arguments.at(1), after, usage)) {
         return ExitUsage;
     }
-    Report report{
-        QStringLiteral("selector.diff/1"), columnsOf("index> url result what before after"), {}};
+    const QStringList files = line.texts("file");
+    for (const QString &file : files) {
+        if (!readListFile(file, lines, usage)) {
+            return ExitUsage;
+        }
+    }
+    Report report{QStringLiteral("selector.diff/1"),
+                  columnsOf("index> url result what before after label|"),
+                  {}};
     const QVector<Pair> pairs
         = line.has("file") ? pairsOfList(lines, before, after) : pairsOfAll(before, after);
     for (const Pair &pair : pairs) {
@@ -118,21 +126,21 @@ int run(const CommandLine &line, const Console &console, QString &usage)
 
 Command diffCommand()
 {
-    return {
-        QStringLiteral("diff"),
-        QStringLiteral("compare two snapshots by meaning"),
-        "Usage: selector diff [OPTIONS] BEFORE AFTER\n"
-        "Lists the leaves that two snapshots (files or directories of selector snapshot)\n"
-        "describe differently, and which of the differences break clients: a leaf that is\n"
-        "gone, another type or unit, read-only now, a narrower range, a smaller capacity.\n"
-        "Values, order and layout are not compared. No running system is needed.\n",
-        {{"-f, --file FILE",
-          "only the selectors of the list in FILE (- is standard input), each\n"
-          "with its index (0 is the first)",
-          "One URL a line; empty lines and lines that begin with # are left out.", Option::File},
-         {"--timeout S", "without effect", "", Option::Seconds}},
-        "Differences that break nothing count as good.\n"
-        "\nExample: selector diff released/ now/ -f selectors.txt\n",
-        {Arguments::File, 2},
-        run};
+    return {QStringLiteral("diff"),
+            QStringLiteral("compare two snapshots by meaning"),
+            "Usage: selector diff [OPTIONS] BEFORE AFTER\n"
+            "Lists the leaves that two snapshots (files or directories of selector snapshot)\n"
+            "describe differently, and which of the differences break clients: a leaf that is\n"
+            "gone, another type or unit, read-only now, a narrower range, a smaller capacity.\n"
+            "Values, order and layout are not compared. No running system is needed.\n",
+            {{"-f, --file FILE",
+              "only the selectors of the list in FILE (- is standard input), each\n"
+              "with its index (0 is the first)",
+              "One selector a line; empty lines and lines that begin with # are left out.",
+              Option::File},
+             {"--timeout S", "without effect", "", Option::Seconds}},
+            "Differences that break nothing count as good.\n"
+            "\nExample: selector diff released/ now/ -f selectors.txt\n",
+            {Arguments::File, 2},
+            run};
 }

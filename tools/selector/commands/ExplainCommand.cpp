@@ -3,6 +3,7 @@
 #include "Command.h"
 #include "Entries.h"
 #include "Explanation.h"
+#include "SelectorText.h"
 
 namespace {
 
@@ -28,12 +29,12 @@ constexpr StepName stepNames[]{{Step::Text, "text", "text"},
                                {Step::Property, "property", "property"},
                                {Step::Value, "value", "value"}};
 
-Entry stepEntry(const QString &url, const StepName &step, const Explanation &explanation)
+Entry stepEntry(const SelectorText &selector, const StepName &step, const Explanation &explanation)
 {
     const QString name = QString::fromLatin1(step.name);
     const QString key = QString::fromLatin1(step.key);
     Entry entry;
-    entry.subject = url;
+    entry.subject = selector.url;
     entry.state = Entry::Skipped;
     QString text;
     QString advice;
@@ -48,9 +49,10 @@ Entry stepEntry(const QString &url, const StepName &step, const Explanation &exp
         entry.reason = QStringLiteral("%1: %2; %3").arg(name, text, advice);
     }
     const QString result = stateName(entry.state);
-    entry.json = {{QStringLiteral("url"), url},
+    entry.json = {{QStringLiteral("url"), selector.url},
                   {QStringLiteral("step"), key},
                   {QStringLiteral("status"), result}};
+    insertLabel(selector.label, entry.json);
     if (!text.isEmpty()) {
         entry.json.insert(QStringLiteral("finding"), text);
     }
@@ -69,12 +71,12 @@ int run(const CommandLine &line, const Console &console, QString &usage)
             : QStringLiteral("Unexpected argument %1.").arg(line.arguments.at(1));
         return ExitUsage;
     }
-    const QString &url = line.arguments.constFirst();
-    const Explanation explanation = explainSelector(url, line.texts("property"));
+    const SelectorText selector = selectorText(line.arguments.constFirst());
+    const Explanation explanation = explainSelector(selector.url, line.texts("property"));
     Report report{
         QStringLiteral("selector.explain/1"), columnsOf("step result finding advice"), {}};
     for (const StepName &step : stepNames) {
-        report.entries.append(stepEntry(url, step, explanation));
+        report.entries.append(stepEntry(selector, step, explanation));
     }
     printReport(report, console);
     return explanation.finding.exitCode();
@@ -87,7 +89,7 @@ Command explainCommand()
     return {
         QStringLiteral("explain"),
         QStringLiteral("say why a selector does or does not work"),
-        "Usage: selector explain [OPTIONS] URL\n"
+        "Usage: selector explain [OPTIONS] SELECTOR\n"
         "Walks the way of the selector step by step: text, scheme, module, bus, service owner,\n"
         "object, description, buffer file, permission, layout, liveness, leaf, property, value.\n"
         "The first step that fails says what is wrong and what to do; the rest is skipped.\n",
@@ -95,7 +97,7 @@ Command explainCommand()
           Option::Name, knownProperties},
          timeoutOption},
         "\nExample: selector explain "
-        "processdata://PumpStation/Pump/1/drive/speed\n",
+        "PumpStation/Pump/1/drive/speed\n",
         {Arguments::Url, 1},
         run};
 }

@@ -2,8 +2,6 @@
 // Finds what may stand at the end of a command line.
 #include "LineCompletion.h"
 
-#include <QRegularExpression>
-
 #include <algorithm>
 
 namespace {
@@ -61,10 +59,8 @@ Offer offerOfValue(const Option &option, const QString &typed, const QString &pr
 
 Offer offerOfArgument(const Arguments &takes, int position, const QString &typed)
 {
-    static const QRegularExpression label(QStringLiteral("^[A-Za-z_][A-Za-z0-9_.-]*="));
     const bool isValue = takes.kind == Arguments::UrlAndValue && position % 2 == 1;
-    const bool mayHaveLabel = takes.kind != Arguments::Url && takes.kind != Arguments::UrlAndValue;
-    if (position >= takes.most || isValue || (!mayHaveLabel && label.match(typed).hasMatch())) {
+    if (position >= takes.most || isValue) {
         return {};
     }
     return takes.kind == Arguments::Words ? matching(split(takes.words), typed)

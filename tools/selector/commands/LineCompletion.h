@@ -11,8 +11,7 @@ struct Offer
     QStringList words; ///< whole ones, when that is the kind; none: nothing fits
 };
 
-/// Needs no bus. Offers what the command accepts: no more arguments than it takes, no labels but
-/// for watch.
+/// Needs no bus. Offers what the command accepts: no more arguments than it takes.
 ///
 /// @param line  words behind the program's name; the last is being typed
 Offer offerFor(QStringList line);

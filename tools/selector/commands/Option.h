@@ -39,9 +39,11 @@ inline constexpr Option timeoutOption{
     "Fractions are allowed. PROCESSDATA_DBUS_TIMEOUT_MS changes the 2 seconds.", Option::Seconds};
 inline constexpr Option urlFileOption{
     "-f, --file FILE",
-    "also read URLs from FILE (- is standard input), one a line;\n"
-    "lines that begin with # are left out",
-    "Empty lines are left out too. These URLs come after those on the command line.", Option::File};
+    "also read selectors from FILE (- is standard input), one a line;\n"
+    "lines that begin with # are left out; may be given several times",
+    "FILE may be a pipe. Empty lines are left out too. These selectors come after those on the "
+    "command line.",
+    Option::File};
 inline constexpr Option quietOption{
     "-q, --quiet", "print values only, one a line; an empty line where there is none",
     "Values are exact, and there is no header. Reasons go to standard error as ever. Backslashes "

@@ -39,7 +39,7 @@ int run(const CommandLine &line, const Console &console, QString &usage)
     Report report{QStringLiteral("selector.properties/1"), propertiesColumns(), {}, valueColumn};
     for (int i = 0; i < selectors.size(); ++i) {
         const FoundLeaf leaf = leaves.find(i);
-        PropertiesResult result{selectors.at(i).url, {}, leaf.finding};
+        PropertiesResult result{selectors.at(i).url, {}, leaf.finding, selectors.at(i).label};
         if (names.isEmpty()) {
             result.properties = allProperties(leaf.properties);
         } else if (leaf.finding.isNone()) {
@@ -58,7 +58,7 @@ Command propertiesCommand()
 {
     return {QStringLiteral("properties"),
             QStringLiteral("print the properties of leaves"),
-            "Usage: selector properties [OPTIONS] URL...\n"
+            "Usage: selector properties [OPTIONS] [NAME=]SELECTOR...\n"
             "Prints what the description says of each leaf: type, unit, limits and so on.\n",
             {{"--property NAME", "only this property; may be given several times",
               "A leaf without it is a failure.", Option::Name, knownProperties},
@@ -66,7 +66,7 @@ Command propertiesCommand()
              quietOption,
              timeoutOption},
             "\nExample: selector properties --property unit "
-            "processdata://PumpStation/Pump/1/drive/speed\n",
+            "PumpStation/Pump/1/drive/speed\n",
             {Arguments::Url, Arguments::many},
             run};
 }

@@ -25,7 +25,8 @@ int run(const CommandLine &line, const Console &console, QString &usage)
     SelectorExaminer examiner;
     Report report{QStringLiteral("selector.read/1"), readColumns(), {}, valueColumn};
     for (int i = 0; i < urls.size(); ++i) {
-        ReadResult result{urls.at(i), values.at(i), propertiesOf(handler, i), {}};
+        ReadResult result{
+            urls.at(i), values.at(i), propertiesOf(handler, i), {}, selectors.at(i).label};
         if (result.value.isMissing()) {
             result.finding = examiner.explain(result.url);
         }
@@ -38,12 +39,14 @@ int run(const CommandLine &line, const Console &console, QString &usage)
 
 Command readCommand()
 {
-    return {QStringLiteral("read"),
-            QStringLiteral("print current values"),
-            "Usage: selector read [OPTIONS] URL...\n"
-            "Prints the current value of each selector with unit, error type and local time.\n",
-            {urlFileOption, quietOption, timeoutOption},
-            "\nExample: selector read processdata://PumpStation/Pump/1/drive/speed\n",
-            {Arguments::Url, Arguments::many},
-            run};
+    return {
+        QStringLiteral("read"),
+        QStringLiteral("print current values"),
+        "Usage: selector read [OPTIONS] [NAME=]SELECTOR...\n"
+        "Prints the current value of each selector with unit, error type and local time. A\n"
+        "SELECTOR is a URL, or one without processdata://; NAME stands in its place in the table.\n",
+        {urlFileOption, quietOption, timeoutOption},
+        "\nExample: selector read PumpStation/Pump/1/drive/speed\n",
+        {Arguments::Url, Arguments::many},
+        run};
 }

@@ -51,11 +51,15 @@ bool collectSelectors(const CommandLine &line, LineForm form, QVector<ListLine> 
         return false;
     }
     for (int i = 0; i < line.arguments.size(); i += step) {
-        selectors.append({0, line.arguments.at(i),
-                          withValues ? line.arguments.at(i + 1) : QString(), withValues});
+        const QString &typed = line.arguments.at(i);
+        selectors.append(withValues ? listLine(0, typed, line.arguments.at(i + 1))
+                                    : listLine(0, typed));
     }
-    if (line.has("file") && !readSelectorFile(line.text("file"), form, selectors, error)) {
-        return false;
+    const QStringList files = line.texts("file");
+    for (const QString &file : files) {
+        if (!readSelectorFile(file, form, selectors, error)) {
+            return false;
+        }
     }
     if (line.has("escapes") && !readEscapes(selectors, error)) {
         return false;

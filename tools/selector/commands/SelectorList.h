@@ -6,7 +6,8 @@
 #include "CommandLine.h"
 #include "ListFile.h"
 
-/// Collects what the arguments name, then what the file (- for standard input) names.
+/// Collects what the arguments name, then what the files (- for standard input) name, in their
+/// order, each with its label and in full.
 ///
 /// @param form   with values each selector has one
 /// @param error  receives one sentence, also when there is no selector at all

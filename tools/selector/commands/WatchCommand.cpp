@@ -68,7 +68,7 @@ int run(const CommandLine &line, const Console &console, QString &usage)
         usage = QStringLiteral("--quiet has no --plot and no --timestamps.");
         return ExitUsage;
     }
-    const QVector<WatchTarget> targets = watchTargets(urlsOf(selectors));
+    const QVector<WatchTarget> targets = watchTargets(selectors);
     std::optional<UntilExpression> until;
     if (line.has("until")) {
         until.emplace();
@@ -116,7 +116,7 @@ Command watchCommand()
     return {
         QStringLiteral("watch"),
         QStringLiteral("print values and announcements as they change"),
-        "Usage: selector watch [OPTIONS] [NAME=]URL...\n"
+        "Usage: selector watch [OPTIONS] [NAME=]SELECTOR...\n"
         "Prints each selector once and then each value that changes, and the index lists of\n"
         "announced changes, each with what happened. Selectors whose service is not there yet\n"
         "follow when it comes up. Ends on SIGINT and SIGTERM.\n",
@@ -149,7 +149,7 @@ Command watchCommand()
         "Watch also: 0 when EXPR held, 4 when the time limit came before EXPR or --count,\n"
         "130 after SIGINT; otherwise the latest line of each selector decides.\n"
         "\nExample: selector watch --until 'speed>1000' --timeout 60 \\\n"
-        "             processdata://PumpStation/Pump/1/drive/speed\n",
-        {Arguments::LabelledUrl, Arguments::many},
+        "             PumpStation/Pump/1/drive/speed\n",
+        {Arguments::Url, Arguments::many},
         run};
 }

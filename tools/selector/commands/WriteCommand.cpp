@@ -21,8 +21,9 @@ int run(const CommandLine &line, const Console &console, QString &usage)
     Report report{QStringLiteral("selector.write/1"), writeColumns(), {}};
     for (int i = 0; i < selectors.size(); ++i) {
         const FoundLeaf leaf = leaves.find(i);
-        WriteResult result{
-            selectors.at(i).url, {}, selectors.at(i).value, leaf.properties, leaf.finding};
+        const ListLine &selector = selectors.at(i);
+        WriteResult result{selector.url,    {},           selector.value,
+                           leaf.properties, leaf.finding, selector.label};
         if (result.finding.isNone()) {
             result.finding = checkValue(leaf.properties, result.text, result.value);
         }
@@ -41,7 +42,7 @@ Command writeCommand()
     return {
         QStringLiteral("write"),
         QStringLiteral("write values"),
-        "Usage: selector write [OPTIONS] URL VALUE [URL VALUE]...\n"
+        "Usage: selector write [OPTIONS] [NAME=]SELECTOR VALUE...\n"
         "Writes each value in the unit and type of its leaf.\n"
         "\n"
         "Values: true, false, 1, 0, on, off for bool; decimal or 0x numbers, NaN, Infinity,\n"
@@ -53,13 +54,13 @@ Command writeCommand()
           "Values are spelled as read -q prints them: \\n, \\r and \\t are line feed, carriage "
           "return and tab, HH the number of a character in hexadecimal digits."},
          {"-f, --file FILE",
-          "also read pairs from FILE (- is standard input): one URL, blanks and\n"
-          "the value (the rest of the line) a line; lines that begin with #\n"
-          "are left out",
+          "also read pairs from FILE (- is standard input): one selector, blanks\n"
+          "and the value (the rest of the line) a line; lines that begin with\n"
+          "# are left out; may be given several times",
           "Empty lines are left out too. These pairs come after those on the command line.",
           Option::File},
          timeoutOption},
-        "\nExample: selector write processdata://PumpStation/Pump/1/drive/setpoint 1200\n",
+        "\nExample: selector write PumpStation/Pump/1/drive/setpoint 1200\n",
         {Arguments::UrlAndValue, Arguments::many},
         run};
 }

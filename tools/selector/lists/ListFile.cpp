@@ -3,8 +3,23 @@
 #include "ListFile.h"
 
 #include "InputFile.h"
+#include "SelectorText.h"
 
 #include <QRegularExpression>
+
+ListLine listLine(int number, const QString &typed)
+{
+    const SelectorText selector = selectorText(typed);
+    return {number, selector.url, QString(), false, selector.label};
+}
+
+ListLine listLine(int number, const QString &typed, const QString &value)
+{
+    ListLine line = listLine(number, typed);
+    line.value = value;
+    line.hasValue = true;
+    return line;
+}
 
 QVector<ListLine> readListLines(QTextStream &stream, LineForm form)
 {
@@ -18,9 +33,9 @@ QVector<ListLine> readListLines(QTextStream &stream, LineForm form)
         const QRegularExpressionMatch gap = blanks.match(text);
         if (form == LineForm::UrlAndValue && gap.hasMatch()) {
             lines.append(
-                {number, text.left(gap.capturedStart()), text.mid(gap.capturedEnd()), true});
+                listLine(number, text.left(gap.capturedStart()), text.mid(gap.capturedEnd())));
         } else {
-            lines.append({number, text, QString(), false});
+            lines.append(listLine(number, text));
         }
     }
     return lines;
@@ -33,11 +48,12 @@ bool readListFile(const QString &name, QVector<ListLine> &lines, QString &error)
         return false;
     }
     QTextStream stream(&text);
-    lines = readListLines(stream);
-    if (lines.isEmpty()) {
+    const QVector<ListLine> found = readListLines(stream);
+    if (found.isEmpty()) {
         error = QStringLiteral("%1: no selector in it").arg(name);
         return false;
     }
+    lines += found;
     return true;
 }
 

@@ -7,14 +7,22 @@
 #include <QTextStream>
 #include <QVector>
 
-/// One line: a URL and, where it is to be written, blanks and a value (the rest of the line).
+/// A selector as it was given: on a line of a file, with blanks and a value (the rest of the line)
+/// where it is to be written, or as an argument.
 struct ListLine
 {
     int number = 0; ///< 1-based, empty lines and comments counted; 0: not of a file
-    QString url;
+    QString url; ///< in full, also of a short path
     QString value;
     bool hasValue = false;
+    QString label = {}; ///< of NAME=SELECTOR; empty without
 };
+
+/// A selector as it is typed, and perhaps a value.
+///
+/// @param number  of its line; 0: not of a file
+ListLine listLine(int number, const QString &typed);
+ListLine listLine(int number, const QString &typed, const QString &value);
 
 /// What a line holds.
 enum class LineForm {
@@ -25,8 +33,10 @@ enum class LineForm {
 /// Empty lines and lines that begin with # are left out.
 QVector<ListLine> readListLines(QTextStream &stream, LineForm form = LineForm::UrlAndValue);
 
+/// Adds the lines of a file.
+///
 /// @param name   of a file; - is standard input
-/// @param error  receives one sentence, also for a list without lines
+/// @param error  receives one sentence, also for a file without lines
 bool readListFile(const QString &name, QVector<ListLine> &lines, QString &error);
 
 /// Whether each line has a value.

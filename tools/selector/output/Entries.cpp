@@ -12,10 +12,11 @@ QString textOf(const QJsonObject &object, const char *key)
     return object.value(QLatin1String(key)).toString();
 }
 
-Entry urlEntry(const QString &url, const Finding &finding)
+Entry urlEntry(const QString &url, const QString &label, const Finding &finding)
 {
     Entry entry = entryOf(url, finding);
     entry.json.insert(QStringLiteral("url"), url);
+    insertLabel(label, entry.json);
     return entry;
 }
 
@@ -92,12 +93,25 @@ Entry lineEntry(const ListLine &line, const Finding &finding, Entry::State state
     entry.json.insert(QStringLiteral("status"), stateName(state));
     entry.json.insert(QStringLiteral("line"), line.number);
     entry.json.insert(QStringLiteral("url"), line.url);
+    insertLabel(line.label, entry.json);
     return entry;
+}
+
+Cell selectorCell(const QString &url, const QString &label)
+{
+    return {label.isEmpty() ? url : label, url};
+}
+
+void insertLabel(const QString &label, QJsonObject &json)
+{
+    if (!label.isEmpty()) {
+        json.insert(QStringLiteral("label"), label);
+    }
 }
 
 QVector<Column> readColumns()
 {
-    return columnsOf("url value> unit error time note");
+    return columnsOf("url value> unit error time note label|");
 }
 
 ReadRow readRow(const ReadResult &result)
@@ -122,7 +136,7 @@ Entry readEntry(const ReadResult &result)
 {
     const ReadRow row = readRow(result);
     const bool hasValue = row.state == Entry::Good || row.state == Entry::Doubtful;
-    Entry entry = urlEntry(result.url, result.finding);
+    Entry entry = urlEntry(result.url, result.label, result.finding);
     entry.state = row.state;
     entry.reason = row.note;
     entry.json.insert(QStringLiteral("status"), stateName(row.state));
@@ -140,19 +154,20 @@ Entry readEntry(const ReadResult &result)
         entry.json.insert(QStringLiteral("time"), timeToIsoText(row.timestamp));
         entry.json.insert(QStringLiteral("timestampNs"), QString::number(row.timestamp));
     }
-    entry.rows.append({result.url, row.value, row.unit, row.error,
-                       Cell(timeToText(row.timestamp), timeToIsoText(row.timestamp)), row.note});
+    entry.rows.append({selectorCell(result.url, result.label), row.value, row.unit, row.error,
+                       Cell(timeToText(row.timestamp), timeToIsoText(row.timestamp)), row.note,
+                       result.label});
     return entry;
 }
 
 QVector<Column> writeColumns()
 {
-    return columnsOf("url value> unit result note");
+    return columnsOf("url value> unit result note label|");
 }
 
 Entry writeEntry(const WriteResult &result)
 {
-    Entry entry = urlEntry(result.url, result.finding);
+    Entry entry = urlEntry(result.url, result.label, result.finding);
     copyText(result.properties, "type", entry.json);
     copyText(result.properties, "unit", entry.json);
     entry.json.insert(QStringLiteral("value"),
@@ -160,30 +175,32 @@ Entry writeEntry(const WriteResult &result)
     const QString shown = result.value.isValid() ? valueToText(result.value) : result.text;
     const QString verdict
         = entry.state == Entry::Good ? QStringLiteral("written") : stateName(entry.state);
-    entry.rows.append(
-        {result.url, shown, textOf(result.properties, "unit"), verdict, entry.reason});
+    entry.rows.append({selectorCell(result.url, result.label), shown,
+                       textOf(result.properties, "unit"), verdict, entry.reason, result.label});
     return entry;
 }
 
 QVector<Column> propertiesColumns()
 {
-    return columnsOf("url property value note");
+    return columnsOf("url property value note label|");
 }
 
 Entry propertiesEntry(const PropertiesResult &result)
 {
     Finding finding = result.finding;
+    const Cell selector = selectorCell(result.url, result.label);
     QVector<Row> rows;
     QJsonObject properties;
     QStringList missing;
     for (const auto &property : result.properties) {
         if (property.second.isValid()) {
             properties.insert(property.first, propertyJson(property.second));
-            rows.append({result.url, property.first, propertyText(property.second), QString()});
+            rows.append(
+                {selector, property.first, propertyText(property.second), QString(), result.label});
         } else {
             missing.append(property.first);
-            rows.append({result.url, property.first, QString(),
-                         QStringLiteral("the leaf has no such property")});
+            rows.append({selector, property.first, QString(),
+                         QStringLiteral("the leaf has no such property"), result.label});
         }
     }
     if (finding.isNone() && !missing.isEmpty()) {
@@ -191,12 +208,12 @@ Entry propertiesEntry(const PropertiesResult &result)
                    QStringLiteral("the leaf has no property \"%1\"")
                        .arg(missing.join(QLatin1String("\", \"")))};
     }
-    Entry entry = urlEntry(result.url, finding);
+    Entry entry = urlEntry(result.url, result.label, finding);
     if (result.finding.isNone()) {
         entry.rows = rows;
         entry.json.insert(QStringLiteral("properties"), properties);
     } else {
-        entry.rows = {{result.url, QString(), QString(), finding.text}};
+        entry.rows = {{selector, QString(), QString(), finding.text, result.label}};
     }
     return entry;
 }

@@ -20,6 +20,7 @@ struct ReadResult
     LeafValue value;
     QJsonObject properties; ///< of the leaf; empty without one
     Finding finding; ///< why there is no value
+    QString label = {}; ///< what the person calls the selector; empty without
 };
 
 /// What is shown of it.
@@ -45,6 +46,7 @@ struct WriteResult
     QString text; ///< as it was given
     QJsonObject properties;
     Finding finding; ///< None when it was written
+    QString label = {};
 };
 
 QVector<Column> writeColumns();
@@ -56,6 +58,7 @@ struct PropertiesResult
     QString url;
     QVector<QPair<QString, QVariant>> properties; ///< an invalid value: the leaf has none
     Finding finding; ///< why there is no leaf
+    QString label = {};
 };
 
 QVector<Column> propertiesColumns();
@@ -73,6 +76,12 @@ Entry entryOf(const QString &subject, const Finding &finding);
 
 /// The same about a line of a list, with a state of its own.
 Entry lineEntry(const ListLine &line, const Finding &finding, Entry::State state);
+
+/// People see the label of a selector that has one, programs the URL.
+Cell selectorCell(const QString &url, const QString &label);
+
+/// Adds a label to the JSON of an entry, where there is one.
+void insertLabel(const QString &label, QJsonObject &json);
 
 /// "ok", "skipped", "doubtful" or "failed".
 QString stateName(Entry::State state);

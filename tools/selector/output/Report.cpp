@@ -117,18 +117,46 @@ QString renderQuiet(const Report &report)
     return text;
 }
 
+// Positions of the columns in the order of CSV.
+QVector<int> csvOrder(const QVector<Column> &columns)
+{
+    QVector<int> order(columns.size());
+    std::iota(order.begin(), order.end(), 0);
+    std::stable_partition(order.begin(), order.end(),
+                          [&](int i) { return columns.at(i).place == Column::Alike; });
+    return order;
+}
+
+// What people see.
+Report forTable(Report report)
+{
+    for (int i = report.columns.size() - 1; i >= 0; --i) {
+        if (report.columns.at(i).place != Column::CsvAlone) {
+            continue;
+        }
+        report.columns.removeAt(i);
+        for (Entry &entry : report.entries) {
+            for (Row &row : entry.rows) {
+                row.removeAt(i);
+            }
+        }
+    }
+    return report;
+}
+
 QString renderCsv(const Report &report, bool legend)
 {
+    const QVector<int> order = csvOrder(report.columns);
     QStringList header;
-    for (const Column &column : report.columns) {
-        header.append(column.key);
+    for (const int column : order) {
+        header.append(report.columns.at(column).key);
     }
     QString text = legend ? renderCsvLine(header) + QLatin1Char('\n') : QString();
     for (const Entry &entry : report.entries) {
         for (const Row &row : entry.rows) {
             QStringList fields;
-            for (const Cell &cell : row) {
-                fields.append(cell.machineText);
+            for (const int column : order) {
+                fields.append(row.at(column).machineText);
             }
             text += renderCsvLine(fields) + QLatin1Char('\n');
         }
@@ -155,9 +183,13 @@ QVector<Column> columnsOf(const char *keys)
 {
     QVector<Column> columns;
     const QStringList all = QString::fromLatin1(keys).split(QLatin1Char(' '));
-    for (const QString &key : all) {
+    for (QString key : all) {
+        const Column::Place place = key.endsWith(QLatin1Char('+')) ? Column::LastInCsv
+            : key.endsWith(QLatin1Char('|'))                       ? Column::CsvAlone
+                                                                   : Column::Alike;
+        key.chop(place == Column::Alike ? 0 : 1);
         const bool alignRight = key.endsWith(QLatin1Char('>'));
-        columns.append({alignRight ? key.chopped(1) : key, alignRight});
+        columns.append({alignRight ? key.chopped(1) : key, alignRight, place});
     }
     return columns;
 }
@@ -197,7 +229,7 @@ QString render(const Report &report, const Style &style)
     case Format::Table:
         break;
     }
-    return renderTable(report, style);
+    return renderTable(forTable(report), style);
 }
 
 QString renderTableLine(const QVector<Column> &columns, const QVector<int> &widths, const Row &row,

@@ -39,11 +39,17 @@ using Row = QVector<Cell>;
 
 struct Column
 {
+    /// Columns of CSV only grow at the end, so one that came later is not where people look for it.
+    enum Place { Alike, LastInCsv, CsvAlone };
+
     QString key; ///< the header in CSV; in capitals the one of the table
     bool alignRight = false;
+    Place place = Alike;
 };
 
-/// Columns by their keys, which stand with blanks between; one with ">" behind it is aligned right.
+/// Columns by their keys, which stand with blanks between, in the order of the table. Behind a key
+/// stand ">" when it is aligned right, "+" when it is among the last of CSV, "|" when no table has
+/// it.
 QVector<Column> columnsOf(const char *keys);
 
 /// What came of one selector, module or other thing that was asked for.

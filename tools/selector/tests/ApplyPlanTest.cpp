@@ -225,7 +225,7 @@ void ApplyPlanTest::rowsTellBeforeAndAfter()
     const Report report{"selector.apply/1", applyColumns(), {applyEntry(list.first())}};
 
     QCOMPARE(render(report, {Format::Csv, false, false}),
-             QString("line,url,before,value,unit,result,note\n1,u0,1,10,V,verified,\n"));
+             QString("line,url,before,value,unit,result,note,label\n1,u0,1,10,V,verified,,\n"));
     QCOMPARE(render(report, {Format::Table, false, false}),
              QString("LINE  URL  BEFORE  VALUE  UNIT  RESULT    NOTE\n"
                      "   1  u0        1     10  V     verified\n"));

@@ -23,12 +23,14 @@ void CompletionWordsTest::wordsGoOnByOneName_data()
     const auto row
         = [](const char *name, bool isUrl, const char *typed, const char *whole,
              const QStringList &words) { QTest::newRow(name) << isUrl << typed << whole << words; };
-    row("nothing typed", true, "", "", {"processdata://Pump/", "processdata://a%20b/"});
+    row("nothing typed", true, "", "", {"Pump/", "a%20b/"});
     row("half a scheme", true, "proc", "", {"processdata://Pump/", "processdata://a%20b/"});
-    row("a name without the scheme", true, "Pu", "", {"processdata://Pump/"});
+    row("a name without the scheme", true, "Pu", "", {"Pump/"});
+    row("names without the scheme", true, "M/O/P", "M|O", {"M/O/Pump/"});
+    row("a label of a name without the scheme", true, "x=M/P", "M", {"x=M/Pump/"});
     row("a scheme", true, "processdata://P", "", {"processdata://Pump/"});
     row("a label", true, "x=processdata://P", "", {"x=processdata://Pump/"});
-    row("a label alone", true, "x=", "", {"x=processdata://Pump/", "x=processdata://a%20b/"});
+    row("a label alone", true, "x=", "", {"x=Pump/", "x=a%20b/"});
     row("encoded", true, "processdata://M/a%2", "M", {"processdata://M/a%20b/"});
     row("not encoded", true, "processdata://M/a b", "M", {"processdata://M/a%20b/"});
     row("an empty instance", true, "processdata://M/O//P", "M|O|", {"processdata://M/O//Pump/"});

@@ -15,17 +15,10 @@ QString jsonOf(const Entry &entry)
     return QString::fromUtf8(QJsonDocument(entry.json).toJson(QJsonDocument::Compact));
 }
 
-QString csvOf(const Entry &entry)
+QString csvOf(const Entry &entry, const QVector<Column> &columns)
 {
-    QStringList lines;
-    for (const Row &row : entry.rows) {
-        QStringList fields;
-        for (const Cell &cell : row) {
-            fields.append(cell.machineText);
-        }
-        lines.append(renderCsvLine(fields));
-    }
-    return lines.join('|');
+    const QString text = render({QString(), columns, {entry}}, {Format::Csv, false, false, false});
+    return text.chopped(1).replace('\n', '|');
 }
 
 ProcessValue value(const QVariant &content,
@@ -52,6 +45,7 @@ private Q_SLOTS:
     void propertyRowsAreAsDocumented();
     void aLeafRowNamesAccess();
     void peopleSeeFewerDigits();
+    void aLabelStandsInPlaceOfTheUrlForPeople();
 };
 
 void EntriesTest::initTestCase()
@@ -77,39 +71,39 @@ void EntriesTest::readRowsAreAsDocumented_data()
     const ProcessValue none(ProcessDataDefinitions::NoValue);
 
     row("a good number", {"u", value(1450.5), speed, {}}, Entry::Good,
-        "u,1450.5,1/min,NoError,2026-01-01T14:00:00.123+02:00,",
+        "u,1450.5,1/min,NoError,2026-01-01T14:00:00.123+02:00,,",
         R"({"errorType":"NoError","status":"ok","time":"2026-01-01T14:00:00.123+02:00",)"
         R"("timestampNs":"1767268800123456789","type":"float64","unit":"1/min","url":"u","value":1450.5})");
     row("a good string", {"u", value("a,b"), {{"type", "string"}}, {}}, Entry::Good,
-        "u,\"a,b\",,NoError,2026-01-01T14:00:00.123+02:00,",
+        "u,\"a,b\",,NoError,2026-01-01T14:00:00.123+02:00,,",
         R"({"errorType":"NoError","status":"ok","time":"2026-01-01T14:00:00.123+02:00",)"
         R"("timestampNs":"1767268800123456789","type":"string","url":"u","value":"a,b"})");
     row("never published", {"u", ProcessValue(ProcessDataDefinitions::NotInitialized), speed, {}},
-        Entry::Doubtful, "u,,1/min,NotInitialized,,never published so far",
+        Entry::Doubtful, "u,,1/min,NotInitialized,,never published so far,",
         R"({"errorType":"NotInitialized","reason":"never published so far","status":"doubtful",)"
         R"("type":"float64","unit":"1/min","url":"u","value":null})");
     row("the publisher is gone",
         {"u", value(1, ProcessDataDefinitions::SourceLost), {{"type", "int8"}}, {}},
         Entry::Doubtful,
-        "u,1,,SourceLost,2026-01-01T14:00:00.123+02:00,\"the publisher is gone, this is its last value\"",
+        "u,1,,SourceLost,2026-01-01T14:00:00.123+02:00,\"the publisher is gone, this is its last value\",",
         R"({"errorType":"SourceLost","reason":"the publisher is gone, this is its last value",)"
         R"("status":"doubtful","time":"2026-01-01T14:00:00.123+02:00",)"
         R"("timestampNs":"1767268800123456789","type":"int8","url":"u","value":1})");
     row("a device fault",
         {"u", value(false, ProcessDataDefinitions::DeviceFault), {{"type", "bool"}}, {}},
         Entry::Doubtful,
-        "u,false,,DeviceFault,2026-01-01T14:00:00.123+02:00,the publisher reports a fault of the device",
+        "u,false,,DeviceFault,2026-01-01T14:00:00.123+02:00,the publisher reports a fault of the device,",
         R"({"errorType":"DeviceFault","reason":"the publisher reports a fault of the device",)"
         R"("status":"doubtful","time":"2026-01-01T14:00:00.123+02:00",)"
         R"("timestampNs":"1767268800123456789","type":"bool","url":"u","value":false})");
     row("no such leaf", {"u", none, {}, {Finding::NoSuchLeaf, "why"}}, Entry::Failed,
-        "u,,,NoValue,,why",
+        "u,,,NoValue,,why,",
         R"({"code":"noSuchLeaf","errorType":"NoValue","reason":"why","status":"failed","url":"u","value":null})");
     row("no value for no known reason", {"u", none, {}, {}}, Entry::Failed,
-        "u,,,NoValue,,no value was obtained",
+        "u,,,NoValue,,no value was obtained,",
         R"({"errorType":"NoValue","reason":"no value was obtained","status":"failed","url":"u","value":null})");
     row("deactivated", {"u?deactivated", none, {}, {Finding::Deactivated, "deactivated"}},
-        Entry::Skipped, "u?deactivated,,,NoValue,,deactivated",
+        Entry::Skipped, "u?deactivated,,,NoValue,,deactivated,",
         R"({"code":"deactivated","errorType":"NoValue","reason":"deactivated","status":"skipped",)"
         R"("url":"u?deactivated","value":null})");
 }
@@ -124,7 +118,7 @@ void EntriesTest::readRowsAreAsDocumented()
     const Entry entry = readEntry(*result);
 
     QCOMPARE(int(entry.state), state);
-    QCOMPARE(csvOf(entry), csv);
+    QCOMPARE(csvOf(entry, readColumns()), csv);
     QCOMPARE(jsonOf(entry), json);
     QCOMPARE(entry.rows.first().size(), readColumns().size());
     QCOMPARE(entry.reason.isEmpty(), state == Entry::Good);
@@ -138,16 +132,16 @@ void EntriesTest::writeRowsAreAsDocumented_data()
     QTest::addColumn<QString>("json");
 
     QTest::newRow("written")
-        << QVariant(10.0) << int(Finding::None) << "u,10,1/min,written,"
+        << QVariant(10.0) << int(Finding::None) << "u,10,1/min,written,,"
         << R"({"status":"ok","type":"float64","unit":"1/min","url":"u","value":10})";
     QTest::newRow("refused by its text")
-        << QVariant() << int(Finding::ValueRefused) << "u,1e1,1/min,failed,why"
+        << QVariant() << int(Finding::ValueRefused) << "u,1e1,1/min,failed,why,"
         << R"({"code":"valueRefused","reason":"why","status":"failed","type":"float64","unit":"1/min","url":"u","value":"1e1"})";
     QTest::newRow("read-only")
-        << QVariant() << int(Finding::ReadOnly) << "u,1e1,1/min,failed,why"
+        << QVariant() << int(Finding::ReadOnly) << "u,1e1,1/min,failed,why,"
         << R"({"code":"readOnly","reason":"why","status":"failed","type":"float64","unit":"1/min","url":"u","value":"1e1"})";
     QTest::newRow("deactivated")
-        << QVariant() << int(Finding::Deactivated) << "u,1e1,1/min,skipped,why"
+        << QVariant() << int(Finding::Deactivated) << "u,1e1,1/min,skipped,why,"
         << R"({"code":"deactivated","reason":"why","status":"skipped","type":"float64","unit":"1/min","url":"u","value":"1e1"})";
 }
 
@@ -162,7 +156,7 @@ void EntriesTest::writeRowsAreAsDocumented()
     const Entry entry
         = writeEntry({"u", written, "1e1", speed, {found, found == Finding::None ? "" : "why"}});
 
-    QCOMPARE(csvOf(entry), csv);
+    QCOMPARE(csvOf(entry, writeColumns()), csv);
     QCOMPARE(jsonOf(entry), json);
     QCOMPARE(entry.rows.first().size(), writeColumns().size());
 }
@@ -177,18 +171,18 @@ void EntriesTest::propertyRowsAreAsDocumented_data()
 
     QTest::newRow("both there")
         << QVariant("bar") << int(Finding::None) << int(Entry::Good)
-        << "u,minimum,-1.5,|u,unit,bar,"
+        << "u,minimum,-1.5,,|u,unit,bar,,"
         << R"({"properties":{"minimum":-1.5,"unit":"bar"},"status":"ok","url":"u"})";
     QTest::newRow("one missing")
         << QVariant() << int(Finding::None) << int(Entry::Failed)
-        << "u,minimum,-1.5,|u,unit,,the leaf has no such property"
+        << "u,minimum,-1.5,,|u,unit,,the leaf has no such property,"
         << R"({"code":"noSuchProperty","properties":{"minimum":-1.5},"reason":"the leaf has no property \"unit\"","status":"failed","url":"u"})";
     QTest::newRow("no leaf")
-        << QVariant() << int(Finding::ServiceMissing) << int(Entry::Failed) << "u,,,why"
+        << QVariant() << int(Finding::ServiceMissing) << int(Entry::Failed) << "u,,,why,"
         << R"({"code":"serviceMissing","reason":"why","status":"failed","url":"u"})";
     QTest::newRow("an object is shown as JSON")
         << QVariant(QVariantMap{{"a", 1}}) << int(Finding::None) << int(Entry::Good)
-        << "u,minimum,-1.5,|u,unit,\"{\"\"a\"\":1}\","
+        << "u,minimum,-1.5,,|u,unit,\"{\"\"a\"\":1}\",,"
         << R"({"properties":{"minimum":-1.5,"unit":{"a":1}},"status":"ok","url":"u"})";
 }
 
@@ -207,7 +201,7 @@ void EntriesTest::propertyRowsAreAsDocumented()
     const Entry entry = propertiesEntry(result);
 
     QCOMPARE(int(entry.state), state);
-    QCOMPARE(csvOf(entry), csv);
+    QCOMPARE(csvOf(entry, propertiesColumns()), csv);
     QCOMPARE(jsonOf(entry), json);
 }
 
@@ -215,12 +209,13 @@ void EntriesTest::aLeafRowNamesAccess()
 {
     const Entry readOnly
         = leafEntry("u", "p", {{"type", "int8"}, {"readOnly", true}, {"unit", "V"}});
-    QCOMPARE(csvOf(readOnly), QString("u,int8,V,read-only,"));
+    QCOMPARE(csvOf(readOnly, leafColumns()), QString("u,int8,V,read-only,"));
     QCOMPARE(
         jsonOf(readOnly),
         QString(
             R"({"access":"read-only","path":"p","status":"ok","type":"int8","unit":"V","url":"u"})"));
-    QCOMPARE(csvOf(leafEntry("u", "p", {{"type", "int8"}})), QString("u,int8,,writable,"));
+    QCOMPARE(csvOf(leafEntry("u", "p", {{"type", "int8"}}), leafColumns()),
+             QString("u,int8,,writable,"));
 }
 
 void EntriesTest::peopleSeeFewerDigits()
@@ -228,6 +223,32 @@ void EntriesTest::peopleSeeFewerDigits()
     const Cell cell = readEntry({"u", value(1404.8874733332314), speed, {}}).rows.first().at(1);
     QCOMPARE(cell.text, QString("1404.887473"));
     QCOMPARE(cell.machineText, QString("1404.8874733332314"));
+}
+
+void EntriesTest::aLabelStandsInPlaceOfTheUrlForPeople()
+{
+    const auto table = [](const Entry &entry, const QVector<Column> &columns) {
+        return render({QString(), columns, {entry}}, {Format::Table});
+    };
+    const Entry read = readEntry({"u", value(true), {}, {}, "on"});
+    QCOMPARE(csvOf(read, readColumns()),
+             QString("u,true,,NoError,2026-01-01T14:00:00.123+02:00,,on"));
+    QCOMPARE(read.json.value("label").toString(), QString("on"));
+    QCOMPARE(read.json.value("url").toString(), QString("u"));
+    QCOMPARE(table(read, readColumns()),
+             QString("URL  VALUE  UNIT  ERROR    TIME                     NOTE\n"
+                     "on    true  -     NoError  2026-01-01 14:00:00.123\n"));
+    QCOMPARE(read.subject, QString("u"));
+
+    const Entry write = writeEntry({"u", true, "1", {}, {}, "on"});
+    QCOMPARE(csvOf(write, writeColumns()), QString("u,true,,written,,on"));
+    QVERIFY(table(write, writeColumns()).contains("\non "));
+    const Entry properties = propertiesEntry({"u", {{"unit", "bar"}}, {}, "on"});
+    QCOMPARE(csvOf(properties, propertiesColumns()), QString("u,unit,bar,,on"));
+    QVERIFY(table(properties, propertiesColumns()).contains("\non "));
+    for (const Entry &entry : {write, properties}) {
+        QCOMPARE(entry.json.value("label").toString(), QString("on"));
+    }
 }
 
 QTEST_APPLESS_MAIN(EntriesTest)

@@ -129,7 +129,7 @@ void LeafCheckTest::listsAreReadWithTheirLineNumbers()
 
     QCOMPARE(lines.size(), 2);
     QCOMPARE(lines.first().number, 3);
-    QCOMPARE(lines.first().url, QString("a"));
+    QCOMPARE(lines.first().url, QString("processdata://a"));
     QCOMPARE(lines.first().value, QString("b  c"));
     QVERIFY(lines.first().hasValue);
     QCOMPARE(lines.last().number, 5);

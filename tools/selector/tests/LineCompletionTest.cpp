@@ -40,9 +40,9 @@ void LineCompletionTest::linesGoOn_data()
     offers("read ", Arguments::Url);
     offers("read -q a", Arguments::Url);
     offers("read a b", Arguments::Url);
-    nothing("read x=a");
-    offers("watch x=a", Arguments::LabelledUrl);
-    offers("watch --until changed --count 3 a b", Arguments::LabelledUrl);
+    offers("read x=a", Arguments::Url);
+    offers("watch x=a", Arguments::Url);
+    offers("watch --until changed --count 3 a b", Arguments::Url);
     nothing("modules ");
     offers("browse ", Arguments::Place);
     offers("browse --timeout 3 ", Arguments::Place);
@@ -51,7 +51,7 @@ void LineCompletionTest::linesGoOn_data()
     offers("explain --property unit a", Arguments::Url);
     nothing("explain a ");
     offers("write a", Arguments::UrlAndValue);
-    nothing("write x=a");
+    offers("write x=a", Arguments::UrlAndValue);
     nothing("write a ");
     offers("write a 1 b", Arguments::UrlAndValue);
     offers("write a -1 b", Arguments::UrlAndValue);

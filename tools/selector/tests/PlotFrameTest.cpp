@@ -67,7 +67,11 @@ void PlotFrameTest::noTwoChartsHaveOneTitle()
 {
     QFETCH(const QVector<QString>, texts);
     QFETCH(const QStringList, titles);
-    QCOMPARE(plotTitles(watchTargets(texts)), titles);
+    QVector<ListLine> selectors;
+    for (const QString &text : texts) {
+        selectors.append(listLine(0, text));
+    }
+    QCOMPARE(plotTitles(watchTargets(selectors)), titles);
 }
 
 void PlotFrameTest::aFrameHoldsAllChartsThatFit()

@@ -5,6 +5,12 @@
 #include <QTemporaryFile>
 #include <QtTest>
 
+namespace {
+
+const QString pump("processdata://P/O/1/");
+
+} // namespace
+
 class SelectorListTest : public QObject
 {
     Q_OBJECT
@@ -13,7 +19,8 @@ private Q_SLOTS:
     void linesAreReadWithoutComments();
     void valuesAreTheRestOfTheLine();
     void aLineWithoutValueIsNamed();
-    void argumentsComeBeforeTheFile();
+    void argumentsComeBeforeTheFiles();
+    void labelsAreTakenFromArgumentsAndFiles();
     void aFileThatIsNotUtf8IsRefusedWithItsLine();
     void aValueInAFileKeepsWhatIsNotABlank();
     void escapesAreReadWhereTheyAreAskedFor();
@@ -22,52 +29,76 @@ private Q_SLOTS:
 
 void SelectorListTest::linesAreReadWithoutComments()
 {
-    QString text("# pumps\n\n  a  \r\n#b\nc?deactivated\n");
+    QString text("# pumps\n\n  P/O/1/a  \r\n#b\nprocessdata://P/O/1/c?deactivated\n");
     QTextStream stream(&text);
 
     const QVector<ListLine> selectors = readListLines(stream, LineForm::Url);
 
-    QCOMPARE(urlsOf(selectors), QVector<QString>({"a", "c?deactivated"}));
+    QCOMPARE(urlsOf(selectors), QVector<QString>({pump + "a", pump + "c?deactivated"}));
 }
 
 void SelectorListTest::valuesAreTheRestOfTheLine()
 {
-    QString text("a \t two words  \nb\t-5\n");
+    QString text("P/O/1/a \t two words  \nP/O/1/b\t-5\n");
     QTextStream stream(&text);
 
     const QVector<ListLine> selectors = readListLines(stream);
 
-    QCOMPARE(urlsOf(selectors), QVector<QString>({"a", "b"}));
+    QCOMPARE(urlsOf(selectors), QVector<QString>({pump + "a", pump + "b"}));
     QCOMPARE(selectors.at(0).value, QString("two words"));
     QCOMPARE(selectors.at(1).value, QString("-5"));
 }
 
 void SelectorListTest::aLineWithoutValueIsNamed()
 {
-    QString text("# comment\na 1\nb\n");
+    QString text("# comment\na 1\nP/O/1/b\n");
     QTextStream stream(&text);
     QString error;
 
     QVERIFY(!haveValues(readListLines(stream), error));
 
-    QCOMPARE(error, QString("line 3: no value for b"));
+    QCOMPARE(error, QString("line 3: no value for processdata://P/O/1/b"));
 }
 
-void SelectorListTest::argumentsComeBeforeTheFile()
+void SelectorListTest::argumentsComeBeforeTheFiles()
 {
     QTemporaryFile file;
     QVERIFY(file.open());
-    file.write("c\nä\n");
+    file.write("P/O/1/c\nP/O/1/ä\n");
     file.close();
     CommandLine line;
-    line.arguments = QStringList{"a", "b"};
-    line.given["file"] = QStringList{file.fileName()};
+    line.arguments = QStringList{"P/O/1/a", pump + "b"};
+    line.given["file"] = QStringList{file.fileName(), file.fileName()};
     QVector<ListLine> selectors;
     QString error;
 
     QVERIFY2(collectSelectors(line, LineForm::Url, selectors, error), qPrintable(error));
 
-    QCOMPARE(urlsOf(selectors), QVector<QString>({"a", "b", "c", "ä"}));
+    QCOMPARE(
+        urlsOf(selectors),
+        QVector<QString>({pump + "a", pump + "b", pump + "c", pump + "ä", pump + "c", pump + "ä"}));
+}
+
+void SelectorListTest::labelsAreTakenFromArgumentsAndFiles()
+{
+    QTemporaryFile file;
+    QVERIFY(file.open());
+    file.write("on=P/O/1/c  x=5\n");
+    file.close();
+    CommandLine line;
+    line.arguments = QStringList{"name=P/O/1/a", "x=5", "P/O/1/b", ""};
+    line.given["file"] = QStringList{file.fileName()};
+    QVector<ListLine> selectors;
+    QString error;
+
+    QVERIFY2(collectSelectors(line, LineForm::UrlAndValue, selectors, error), qPrintable(error));
+
+    QCOMPARE(urlsOf(selectors), QVector<QString>({pump + "a", pump + "b", pump + "c"}));
+    QStringList texts;
+    for (const ListLine &selector : qAsConst(selectors)) {
+        texts += {selector.label, selector.value};
+    }
+    QCOMPARE(texts, QStringList({"name", "x=5", "", "", "on", "x=5"}));
 }
 
 void SelectorListTest::aFileThatIsNotUtf8IsRefusedWithItsLine()
@@ -101,7 +132,7 @@ void SelectorListTest::aValueInAFileKeepsWhatIsNotABlank()
 
     QVERIFY2(collectSelectors(line, LineForm::UrlAndValue, selectors, error), qPrintable(error));
 
-    QCOMPARE(selectors.at(0).url, QString("a"));
+    QCOMPARE(selectors.at(0).url, QString("processdata://a"));
     QCOMPARE(selectors.at(0).value, mark + "text" + wide);
 }
 
@@ -122,8 +153,9 @@ void SelectorListTest::escapesAreReadWhereTheyAreAskedFor()
     selectors.clear();
     line.arguments = QStringList{"a", "\\q"};
     QVERIFY(!collectSelectors(line, LineForm::UrlAndValue, selectors, error));
-    QVERIFY2(error.startsWith("The value \"\\q\" of a has a backslash at character 1"),
-             qPrintable(error));
+    QVERIFY2(
+        error.startsWith("The value \"\\q\" of processdata://a has a backslash at character 1"),
+        qPrintable(error));
 }
 
 void SelectorListTest::wrongUsageIsNamed()

@@ -7,9 +7,10 @@
 namespace {
 
 const QVector<WatchTarget> targets = watchTargets(
-    {"processdata://M/O/1/drive/speed", "on=processdata://M/O/1/drive/running",
-     "processdata://M/O/1/name", "processdata://M/O/1/pressure", "processdata://M/O/1/lost",
-     "processdata://M/O/2/name?deactivated", "big=processdata://M/O/1/big"});
+    {listLine(0, "processdata://M/O/1/drive/speed"), listLine(0, "on=M/O/1/drive/running"),
+     listLine(0, "processdata://M/O/1/name"), listLine(0, "M/O/1/pressure"),
+     listLine(0, "processdata://M/O/1/lost"), listLine(0, "M/O/2/name?deactivated"),
+     listLine(0, "big=processdata://M/O/1/big")});
 
 QVector<WatchedValue> values()
 {
@@ -34,8 +35,6 @@ private Q_SLOTS:
     void wrongConditionsNameTheirPlace_data();
     void wrongConditionsNameTheirPlace();
     void changedWithoutASelectorMeansAny();
-    void labelsAreTakenOffUrls_data();
-    void labelsAreTakenOffUrls();
 };
 
 void UntilExpressionTest::conditionsAreEvaluated_data()
@@ -156,33 +155,6 @@ void UntilExpressionTest::changedWithoutASelectorMeansAny()
 
     QCOMPARE(int(expression.evaluate(still)), int(UntilExpression::False));
     QCOMPARE(int(expression.evaluate(values())), int(UntilExpression::True));
-}
-
-void UntilExpressionTest::labelsAreTakenOffUrls_data()
-{
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QString>("url");
-    QTest::newRow("processdata://M/O/1/a%20b") << "a b"
-                                               << "processdata://M/O/1/a%20b";
-    QTest::newRow("processdata://M/O//g/a?deactivated") << "a"
-                                                        << "processdata://M/O//g/a?deactivated";
-    QTest::newRow("n-1.x=processdata://M/O/1/a=b") << "n-1.x"
-                                                   << "processdata://M/O/1/a=b";
-    QTest::newRow("1=processdata://M/O/1/a") << "a"
-                                             << "1=processdata://M/O/1/a";
-    QTest::newRow("bare") << "bare"
-                          << "bare";
-}
-
-void UntilExpressionTest::labelsAreTakenOffUrls()
-{
-    QFETCH(QString, name);
-    QFETCH(QString, url);
-
-    const WatchTarget target = watchTarget(QTest::currentDataTag());
-
-    QCOMPARE(target.name, name);
-    QCOMPARE(target.url, url);
 }
 
 QTEST_APPLESS_MAIN(UntilExpressionTest)

@@ -76,16 +76,17 @@ void WatchLinesTest::csvHasOneFormForAllEvents()
 {
     const WatchLines lines(urls, {Format::Csv, false, false});
 
-    QCOMPARE(lines.header(), QString("event,time,url,value,unit,error,note,indices\n"));
-    QCOMPARE(lines.value(0, good(), 0),
-             QString("value,2026-01-01T14:00:00.123+02:00,processdata://M/O/1/a,5,V,NoError,,0\n"));
+    QCOMPARE(lines.header(), QString("event,time,url,value,unit,error,note,indices,label\n"));
+    QCOMPARE(
+        lines.value(0, good(), 0),
+        QString("value,2026-01-01T14:00:00.123+02:00,processdata://M/O/1/a,5,V,NoError,,0,\n"));
     QCOMPARE(
         lines.value(1, bad(), noon),
         QString(
-            "value,2026-01-01T14:00:00.123+02:00,processdata://M/O/1/b,,,NoValue,not there,1\n"));
+            "value,2026-01-01T14:00:00.123+02:00,processdata://M/O/1/b,,,NoValue,not there,1,\n"));
     QCOMPARE(
         lines.signal("propertyChanged", changes(), noon),
-        QString("propertyChanged,2026-01-01T14:00:00.123+02:00,,,,,0 unit V -> mV; 1 lost,0 1\n"));
+        QString("propertyChanged,2026-01-01T14:00:00.123+02:00,,,,,0 unit V -> mV; 1 lost,0 1,\n"));
 }
 
 void WatchLinesTest::jsonIsOneObjectALine()
@@ -126,10 +127,10 @@ void WatchLinesTest::timestampsStandInFrontOfEachLine()
                 .startsWith("2026-01-01 14:00:01.123  2026-01-01 14:00:00.123  processdata:"));
 
     const WatchLines csv(urls, {Format::Csv, false, false}, true);
-    QCOMPARE(csv.header(), QString("seen,event,time,url,value,unit,error,note,indices\n"));
+    QCOMPARE(csv.header(), QString("seen,event,time,url,value,unit,error,note,indices,label\n"));
     QCOMPARE(csv.value(0, good(), noon + second),
              QString("2026-01-01T14:00:01.123+02:00,value,2026-01-01T14:00:00.123+02:00,"
-                     "processdata://M/O/1/a,5,V,NoError,,0\n"));
+                     "processdata://M/O/1/a,5,V,NoError,,0,\n"));
 
     const WatchLines json(urls, {Format::Json, false, false}, true);
     QVERIFY(json.value(0, good(), noon + second)

@@ -63,14 +63,14 @@ SelectorChange compareProperties(int index, const QString &url, const QJsonObjec
     return change;
 }
 
-WatchLines::WatchLines(const QVector<QString> &urls, const Style &style, bool timestamps)
+WatchLines::WatchLines(const QVector<QString> &names, const Style &style, bool timestamps)
     : style(style)
     , timestamps(timestamps)
     , columns(columnsOf("time url value> unit error note"))
 {
     int urlWidth = 3;
-    for (const QString &url : urls) {
-        urlWidth = std::max(urlWidth, printable(url).size());
+    for (const QString &name : names) {
+        urlWidth = std::max(urlWidth, printable(name).size());
     }
     widths = {timeWidth, urlWidth, valueWidth, unitWidth, errorWidth, 0};
     if (timestamps) {
@@ -107,7 +107,7 @@ QString WatchLines::header() const
         return {};
     case Format::Csv:
         return (timestamps ? QStringLiteral("seen,") : QString())
-            + QStringLiteral("event,time,url,value,unit,error,note,indices\n");
+            + QStringLiteral("event,time,url,value,unit,error,note,indices,label\n");
     case Format::Table:
         break;
     }
@@ -131,10 +131,12 @@ QString WatchLines::value(int index, const ReadResult &result, qint64 now) const
     if (style.format == Format::Csv) {
         return csvLine({QStringLiteral("value"), timeToIsoText(time), result.url,
                         row.value.machineText, row.unit, row.error, row.note,
-                        QString::number(index)},
+                        QString::number(index), result.label},
                        now);
     }
-    Row cells{timeToText(time), result.url, row.value, row.unit, row.error, row.note};
+    Row cells{timeToText(time), selectorCell(result.url, result.label),
+              row.value,        row.unit,
+              row.error,        row.note};
     if (timestamps) {
         cells.prepend(timeToText(now));
     }
@@ -168,7 +170,7 @@ QString WatchLines::signal(const QString &signal, const QVector<SelectorChange> 
     const QString note = texts.join(QStringLiteral("; "));
     if (style.format == Format::Csv) {
         return csvLine({signal, timeToIsoText(now), QString(), QString(), QString(), QString(),
-                        note, numbers.join(QLatin1Char(' '))},
+                        note, numbers.join(QLatin1Char(' ')), QString()},
                        now);
     }
     return printable(QStringLiteral("%1  %2 [%3]: %4")

@@ -36,9 +36,9 @@ SelectorChange compareProperties(int index, const QString &url, const QJsonObjec
 class WatchLines
 {
 public:
-    /// @param urls        the selectors, which decide how wide a table is
+    /// @param names       labels or URLs of the selectors, which decide how wide a table is
     /// @param timestamps  whether each line says when it was printed, in a first column "seen"
-    WatchLines(const QVector<QString> &urls, const Style &style, bool timestamps = false);
+    WatchLines(const QVector<QString> &names, const Style &style, bool timestamps = false);
 
     /// What stands above the first line; empty for JSON.
     QString header() const;

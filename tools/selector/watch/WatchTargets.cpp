@@ -1,38 +1,16 @@
 // SPDX-License-Identifier: MIT
-// Takes labels off selectors.
+// Names selectors that are watched.
 #include "WatchTargets.h"
 
-#include <QRegularExpression>
-#include <QUrl>
+#include "SelectorText.h"
 
-namespace {
-
-QString lastSegment(const QString &url)
-{
-    const QString path = url.left(url.indexOf(QLatin1Char('?')));
-    return QUrl::fromPercentEncoding(path.mid(path.lastIndexOf(QLatin1Char('/')) + 1).toUtf8());
-}
-
-} // namespace
-
-WatchTarget watchTarget(const QString &text)
-{
-    static const QRegularExpression labelled(QStringLiteral("^([\\p{L}_][\\p{L}\\p{N}_.-]*)=(.*)$"),
-                                             QRegularExpression::UseUnicodePropertiesOption
-                                                 | QRegularExpression::DotMatchesEverythingOption);
-    const QRegularExpressionMatch match = labelled.match(text);
-    if (match.hasMatch()) {
-        return {match.captured(1), match.captured(2)};
-    }
-    return {lastSegment(text), text};
-}
-
-QVector<WatchTarget> watchTargets(const QVector<QString> &texts)
+QVector<WatchTarget> watchTargets(const QVector<ListLine> &selectors)
 {
     QVector<WatchTarget> targets;
-    targets.reserve(texts.size());
-    for (const QString &text : texts) {
-        targets.append(watchTarget(text));
+    targets.reserve(selectors.size());
+    for (const ListLine &selector : selectors) {
+        const QString name = selector.label.isEmpty() ? lastPartOf(selector.url) : selector.label;
+        targets.append({name, selector.url, selector.label});
     }
     return targets;
 }

@@ -3,22 +3,17 @@
 #ifndef WATCHTARGETS_H
 #define WATCHTARGETS_H
 
-#include <QString>
-#include <QVector>
+#include "ListFile.h"
 
 /// A selector and the name that an expression or a chart gives it.
 struct WatchTarget
 {
     QString name; ///< its label, or else the last segment of its URL, decoded
     QString url;
+    QString label; ///< empty without
 };
 
-/// Takes NAME=URL apart. A NAME begins with a letter or "_"; letters, digits, "_", "." and "-"
-/// follow. Whatever does not look like that is a URL.
-WatchTarget watchTarget(const QString &text);
-
-/// The same for a list.
-QVector<WatchTarget> watchTargets(const QVector<QString> &texts);
+QVector<WatchTarget> watchTargets(const QVector<ListLine> &selectors);
 
 /// The URLs alone.
 QVector<QString> urlsOf(const QVector<WatchTarget> &targets);

@@ -17,18 +17,27 @@ qint64 now()
     return QDateTime::currentMSecsSinceEpoch() * nanosecondsPerMillisecond;
 }
 
+// What stands in the column of the selectors.
+QVector<QString> shownNames(const QVector<WatchTarget> &targets)
+{
+    QVector<QString> names;
+    for (const WatchTarget &target : targets) {
+        names.append(selectorCell(target.url, target.label).text);
+    }
+    return names;
+}
+
 } // namespace
 
 Watcher::Watcher(const QVector<WatchTarget> &targets, const WatchOptions &options,
                  const std::optional<UntilExpression> &until, const Console &console)
     : handler(nullptr)
-    , lines(urlsOf(targets), console.style, options.timestamps)
+    , lines(shownNames(targets), console.style, options.timestamps)
     , console(console)
     , until(until)
     , changesOnly(options.changesOnly)
     , wantedLines(options.count)
 {
-    const QVector<QString> urls = urlsOf(targets);
     if (options.plot) {
         screen = std::make_unique<PlotScreen>(targets, console, PlotAbilities::ofStandardOutput());
     }
@@ -43,12 +52,13 @@ Watcher::Watcher(const QVector<WatchTarget> &targets, const WatchOptions &option
             });
     connect(&timer, &QTimer::timeout, this, &Watcher::poll);
     timer.setInterval(options.interval);
-    for (const QString &url : urls) {
+    for (const WatchTarget &target : targets) {
         Selector selector;
-        selector.url = url;
+        selector.url = target.url;
+        selector.label = target.label;
         selectors.append(selector);
     }
-    handler.setSelectorUrls(urls);
+    handler.setSelectorUrls(urlsOf(targets));
     for (int i = 0; i < selectors.size(); ++i) {
         selectors[i].properties = propertiesOf(handler, i);
     }
@@ -146,7 +156,7 @@ void Watcher::read(int index, const LeafValue &value, SelectorExaminer &examiner
     selector.seen = first ? Seen::Unchanged : Seen::Changed;
     selector.value = value;
     selector.finding = finding;
-    const ReadResult result{selector.url, value, selector.properties, finding};
+    const ReadResult result{selector.url, value, selector.properties, finding, selector.label};
     const Entry entry = readEntry(result);
     selector.failure = entry.exitCode();
     selector.reason = entry.reason;

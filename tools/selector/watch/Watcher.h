@@ -69,6 +69,7 @@ private:
     struct Selector
     {
         QString url;
+        QString label;
         QJsonObject properties;
         LeafValue value;
         Finding finding;
