@@ -153,13 +153,14 @@ QByteArray SelectorScriptTest::onTerminal(const QByteArray &command)
 void SelectorScriptTest::aTerminalGetsColourUnlessNoColorIsSet()
 {
     const QByteArray command = SELECTOR " read " + selectorUrl(module, "speed").toUtf8();
-    const QByteArray header = "\x1b[1mURL ";
+    const QByteArray above = "processdata://" + module.toUtf8() + "/Controller/1/\u2026\r\n";
+    const QByteArray header = above + "\x1b[1mURL ";
     QVERIFY2(onTerminal(command).startsWith(header), onTerminal(command));
     QVERIFY2(onTerminal("NO_COLOR= " + command).startsWith(header), "empty means not set");
     const QByteArray plain = onTerminal("NO_COLOR=1 " + command);
-    QVERIFY2(plain.startsWith("URL ") && !plain.contains('\x1b'), plain);
+    QVERIFY2(plain.startsWith(above + "URL ") && !plain.contains('\x1b'), plain);
     const QByteArray dumb = onTerminal("TERM=dumb " + command);
-    QVERIFY2(dumb.startsWith("URL ") && !dumb.contains('\x1b'), dumb);
+    QVERIFY2(dumb.startsWith(above + "URL ") && !dumb.contains('\x1b'), dumb);
 }
 
 void SelectorScriptTest::interruptEndsEveryCommandThatWaits_data()

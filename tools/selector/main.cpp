@@ -70,6 +70,7 @@ int runCommand(const Command &command, const QStringList &arguments, Console &co
     MessageLog::install(QStringLiteral("selector"), QStringLiteral("selector.cli"),
                         line.has("verbose") ? MessageLog::AllMessages : MessageLog::OwnMessages);
     fitToTerminal(console, line.format);
+    console.style.width = line.number("width", console.style.width);
     console.style.legend = !line.has("no-legend");
     console.style.quiet = line.has("quiet");
     exitOnInterrupt();

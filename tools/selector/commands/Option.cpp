@@ -26,6 +26,11 @@ const QVector<Option> &commonOptions()
          "FORMATS in selector(1) describes them.", Option::Text, "table json csv"},
         {"-j, --json", "", "The same as --format json."},
         {"--no-legend", "leave out the header line of a table and of csv"},
+        {"--width N", "make tables for a screen of N columns",
+         "For a screen names are shortened to what tells them apart, times are ages, and long notes "
+         "have lines of their own. Without it tables fit the terminal that they go to; in pipes "
+         "and files they have all in full.",
+         Option::Count},
         {"-v, --verbose", "also print the libraries' warnings on standard error",
          "With file, line and function."},
         {"-h, --help", "print this and exit", "The help is the usage in short."}};

@@ -2,7 +2,9 @@
 // Output of reports and reasons.
 #include "Console.h"
 
+#include "AgeText.h"
 #include "ExitCode.h"
+#include "TerminalSize.h"
 
 #include <QIODevice>
 
@@ -50,5 +52,7 @@ void fitToTerminal(Console &console, Format format)
     console.style.colour = terminal && qEnvironmentVariableIsEmpty("NO_COLOR")
         && qgetenv("TERM") != QByteArray("dumb");
     console.style.pretty = terminal;
+    console.style.width = terminal ? TerminalSize::ofStandardOutput().width : 0;
+    console.style.now = currentTime();
     console.silentReasons = terminal && ::isatty(STDERR_FILENO) != 0 && format == Format::Table;
 }

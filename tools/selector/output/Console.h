@@ -32,8 +32,8 @@ QString lostResultsReason(const Console &console);
 /// Prints one reason on standard error.
 void printReason(const QString &subject, const QString &reason, const Console &console);
 
-/// Style and silence for the streams that this process has: colour only on a terminal that can and
-/// when NO_COLOR is not set.
+/// Style and silence for the streams that this process has: tables as wide as the terminal, colour
+/// only on a terminal that can and when NO_COLOR is not set.
 void fitToTerminal(Console &console, Format format);
 
 #endif

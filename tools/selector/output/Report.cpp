@@ -3,6 +3,7 @@
 #include "Report.h"
 
 #include "EscapedText.h"
+#include "ScreenTable.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -229,18 +230,29 @@ QString render(const Report &report, const Style &style)
     case Format::Table:
         break;
     }
-    return renderTable(forTable(report), style);
+    const Report seen = forTable(report);
+    return style.width > 0 ? renderForScreen(seen, style) : renderTable(seen, style);
+}
+
+QString inColourOf(Entry::State state, const QString &text, bool wanted)
+{
+    return coloured(text, colourOf(state), wanted);
+}
+
+QString asTitle(const QString &text, bool colour)
+{
+    return coloured(text, bold, colour);
 }
 
 QString renderTableLine(const QVector<Column> &columns, const QVector<int> &widths, const Row &row,
                         Entry::State state, bool colour)
 {
-    return coloured(joined(columns, widths, tableCells(row)), colourOf(state), colour);
+    return inColourOf(state, joined(columns, widths, tableCells(row)), colour);
 }
 
 QString renderTableHeader(const QVector<Column> &columns, const QVector<int> &widths, bool colour)
 {
-    return coloured(joined(columns, widths, titles(columns)), bold, colour);
+    return asTitle(joined(columns, widths, titles(columns)), colour);
 }
 
 QString renderCsvLine(const QStringList &fields)

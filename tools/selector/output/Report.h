@@ -95,7 +95,15 @@ struct Style
     bool pretty = false; ///< JSON indented
     bool legend = true; ///< the header of a table or CSV
     bool quiet = false; ///< values only
+    int width = 0; ///< columns of the screen that a table is made for; 0: for pipes and files
+    qint64 now = 0; ///< what ages on a screen count from, in nanoseconds since the epoch
 };
+
+/// Text in the colour of a state, when one is wanted.
+QString inColourOf(Entry::State state, const QString &text, bool wanted);
+
+/// A title, which stands out when colour is wanted.
+QString asTitle(const QString &text, bool colour);
 
 /// The whole report, each line ended.
 QString render(const Report &report, const Style &style);

@@ -26,8 +26,9 @@ void LineCompletionTest::linesGoOn_data()
     offers("-", Arguments::Words, "--help --version");
     offers("--v", Arguments::Words, "--version");
     nothing("nonsense --");
-    offers("read -", Arguments::Words,
-           "--file --format --help --json --no-legend --quiet --timeout --verbose -f -h -j -q -v");
+    offers(
+        "read -", Arguments::Words,
+        "--file --format --help --json --no-legend --quiet --timeout --verbose --width -f -h -j -q -v");
     offers("read --format=", Arguments::Words, "--format=table --format=json --format=csv");
     nothing("read --quiet=");
     offers("modules --type=D", Arguments::Words, "--type=DigitalSelector");

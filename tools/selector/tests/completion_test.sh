@@ -50,7 +50,7 @@ expect "selector read --q" "--quiet"
 expect "selector write --q" ""
 expect "selector write --es" "--escapes"
 expect "selector diff --no" "--no-legend"
-expect "selector doctor --w" "--with-values"
+expect "selector doctor --with" "--with-values"
 expect "selector doctor --cl" "--clean"
 # Names of files are the shell's own matter.
 folder=$(mktemp -d)
