@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 // selector doctor: the state of the whole system.
 #include "Command.h"
-#include "DoctorClean.h"
 #include "DoctorEntries.h"
 #include "DoctorReport.h"
 #include "OutputFile.h"
@@ -32,10 +31,12 @@ bool checkUsage(const CommandLine &line, QString &usage)
 
 DoctorFinding versions()
 {
-    return DoctorFinding::good(QStringLiteral("versions"),
-                               QStringLiteral("selector " TOOLS_VERSION ", buffer layout %1, Qt %2")
-                                   .arg(ownBufferLayoutVersion())
-                                   .arg(QLatin1String(qVersion())));
+    const int layout = PlatformDetails::bufferLayout();
+    return DoctorFinding::good(
+        QStringLiteral("versions"),
+        QStringLiteral("selector " TOOLS_VERSION "%1, Qt %2")
+            .arg(layout == 0 ? QString() : QStringLiteral(", buffer layout %1").arg(layout),
+                 QLatin1String(qVersion())));
 }
 
 DoctorFinding writeReport(const QString &name, const QJsonObject &report)
@@ -75,7 +76,7 @@ int run(const CommandLine &line, const Console &console, QString &usage)
         return ExitUsage;
     }
     if (line.has("clean")) {
-        return print(cleanLeftovers(line.arguments, line.has("yes")), console);
+        return print(PlatformDetails::cleanLeftovers(line.arguments, line.has("yes")), console);
     }
     if (line.has("timeout")) {
         // One service that hangs must leave time for the others, or they would be blamed for it.

@@ -17,8 +17,6 @@
 
 namespace {
 
-constexpr int octal = 8;
-
 QJsonArray valuesObject(const SourceName &source, const QVector<DescribedLeaf> &leaves)
 {
     const QVector<LeafValue> values = valuesOf(source, leaves);
@@ -34,23 +32,9 @@ QJsonArray valuesObject(const SourceName &source, const QVector<DescribedLeaf> &
     return result;
 }
 
-QString attachedName(BufferInspection::Step end)
+QString attachedName(Step end)
 {
-    switch (end) {
-    case BufferInspection::Description:
-        return QStringLiteral("description");
-    case BufferInspection::File:
-        return QStringLiteral("bufferFile");
-    case BufferInspection::Permission:
-        return QStringLiteral("permission");
-    case BufferInspection::Layout:
-        return QStringLiteral("layout");
-    case BufferInspection::Liveness:
-        return QStringLiteral("liveness");
-    case BufferInspection::Complete:
-        break;
-    }
-    return QStringLiteral("complete");
+    return QLatin1String(end == Step::Leaf ? "complete" : stepNames[int(end)].key);
 }
 
 QJsonObject sourceObject(const Examination &source, bool withValues)
@@ -88,38 +72,6 @@ QJsonObject moduleObject(const ModuleState &module)
             {QStringLiteral("processId"), double(module.owner.processId)},
             {QStringLiteral("userId"), double(module.owner.userId)},
             {QStringLiteral("problem"), module.answer.error}};
-}
-
-QString stateName(BufferFile::State state)
-{
-    switch (state) {
-    case BufferFile::Live:
-        return QStringLiteral("live");
-    case BufferFile::Retired:
-        return QStringLiteral("retired");
-    case BufferFile::Dead:
-        return QStringLiteral("dead");
-    case BufferFile::OtherLayout:
-        return QStringLiteral("otherLayout");
-    case BufferFile::NoBuffer:
-        return QStringLiteral("noBuffer");
-    case BufferFile::Unreadable:
-        break;
-    }
-    return QStringLiteral("unreadable");
-}
-
-QJsonObject fileObject(const BufferFile &file)
-{
-    return {{QStringLiteral("file"), file.path},
-            {QStringLiteral("state"), stateName(file.state)},
-            {QStringLiteral("problem"), file.problem},
-            {QStringLiteral("layoutVersion"), double(file.layoutVersion)},
-            {QStringLiteral("generation"), double(file.generation)},
-            {QStringLiteral("size"), double(file.size)},
-            {QStringLiteral("ownerUid"), double(file.ownerUid)},
-            {QStringLiteral("groupId"), double(file.groupId)},
-            {QStringLiteral("mode"), QString::number(file.mode, octal)}};
 }
 
 template <typename Items, typename Make> QJsonArray listOf(const Items &items, const Make &make)
@@ -162,7 +114,7 @@ QJsonObject doctorReport(const SystemState &state, const QVector<DoctorFinding> 
         {QStringLiteral("schema"), QStringLiteral("selector.doctorReport/1")},
         {QStringLiteral("time"), QDateTime::currentDateTimeUtc().toString(Qt::ISODateWithMs)},
         {QStringLiteral("version"), QStringLiteral(TOOLS_VERSION)},
-        {QStringLiteral("layoutVersion"), double(ownBufferLayoutVersion())},
+        {QStringLiteral("layoutVersion"), PlatformDetails::bufferLayout()},
         {QStringLiteral("machine"), machine()},
         {QStringLiteral("environment"), environment()},
         {QStringLiteral("busProblem"), state.bus.error},
@@ -175,7 +127,7 @@ QJsonObject doctorReport(const SystemState &state, const QVector<DoctorFinding> 
          listOf(
              state.sources,
              [withValues](const Examination &source) { return sourceObject(source, withValues); })},
-        {QStringLiteral("buffers"), listOf(state.files, fileObject)},
+        {QStringLiteral("buffers"), state.buffers->report()},
         {QStringLiteral("findings"),
          listOf(findings, [](const DoctorFinding &finding) { return doctorEntry(finding).json; })}};
     report.insert(QStringLiteral("warnings"),

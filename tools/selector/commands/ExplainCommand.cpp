@@ -7,41 +7,19 @@
 
 namespace {
 
-struct StepName
+Entry stepEntry(const SelectorText &selector, Step step, const Explanation &explanation)
 {
-    Step step;
-    const char *name; // for people
-    const char *key; // for programs
-};
-
-constexpr StepName stepNames[]{{Step::Text, "text", "text"},
-                               {Step::Scheme, "scheme", "scheme"},
-                               {Step::Module, "module", "module"},
-                               {Step::Bus, "bus", "bus"},
-                               {Step::Owner, "service owner", "serviceOwner"},
-                               {Step::Object, "object", "object"},
-                               {Step::Description, "description", "description"},
-                               {Step::File, "buffer file", "bufferFile"},
-                               {Step::Permission, "permission", "permission"},
-                               {Step::Layout, "layout", "layout"},
-                               {Step::Liveness, "liveness", "liveness"},
-                               {Step::Leaf, "leaf", "leaf"},
-                               {Step::Property, "property", "property"},
-                               {Step::Value, "value", "value"}};
-
-Entry stepEntry(const SelectorText &selector, const StepName &step, const Explanation &explanation)
-{
-    const QString name = QString::fromLatin1(step.name);
-    const QString key = QString::fromLatin1(step.key);
+    const QString name = QString::fromLatin1(stepNames[int(step)].name);
+    const QString key = QString::fromLatin1(stepNames[int(step)].key);
     Entry entry;
     entry.subject = selector.url;
     entry.state = Entry::Skipped;
     QString text;
     QString advice;
-    if (step.step < explanation.end()) {
+    if (step < explanation.end()) {
         entry.state = Entry::Good;
-        text = explanation.passed.at(int(step.step));
-    } else if (step.step == explanation.end()) {
+        text = explanation.passed.at(int(step));
+    } else if (step == explanation.end()) {
         entry.state = Entry::Failed;
         entry.failure = explanation.finding.exitCode();
         text = explanation.finding.text;
@@ -75,8 +53,8 @@ int run(const CommandLine &line, const Console &console, QString &usage)
     const Explanation explanation = explainSelector(selector.url, line.texts("property"));
     Report report{
         QStringLiteral("selector.explain/1"), columnsOf("step result finding advice"), {}};
-    for (const StepName &step : stepNames) {
-        report.entries.append(stepEntry(selector, step, explanation));
+    for (int step = 0; step < int(Step::None); ++step) {
+        report.entries.append(stepEntry(selector, Step(step), explanation));
     }
     printReport(report, console);
     return explanation.finding.exitCode();

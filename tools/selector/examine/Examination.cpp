@@ -84,51 +84,31 @@ bool findNames(Examination &found)
                     QStringLiteral("its instances: "));
 }
 
-Finding causeOf(const BufferInspection &buffer, const QString &service)
+Finding causeOf(const PlatformDetails::Buffer &buffer, const QString &service)
 {
     switch (buffer.end) {
-    case BufferInspection::Description:
+    case Step::Description:
         return {Finding::BadDescription, buffer.problem,
                 QStringLiteral("the service serves what clients refuse: fix its description")};
-    case BufferInspection::File:
+    case Step::File:
         return {Finding::BufferMissing, QStringLiteral("%1: %2").arg(buffer.path, buffer.problem),
                 QStringLiteral("something removed it: restart the service %1").arg(service)};
-    case BufferInspection::Permission:
+    case Step::Permission:
         return {Finding::Denied, QStringLiteral("%1 (%2)").arg(buffer.problem, buffer.permission),
-                QStringLiteral("run as a user in the buffer's group; a buffer of another owner "
-                               "than the description names is forged or left over")};
-    case BufferInspection::Layout:
+                buffer.remedy};
+    case Step::Layout:
         return {Finding::NotReadable, buffer.problem,
                 QStringLiteral("buffer and description do not belong together: try again, and "
                                "restart the service %1 if it stays")
                     .arg(service)};
-    case BufferInspection::Liveness:
+    case Step::Liveness:
         return {Finding::PublisherDead,
                 buffer.problem + QStringLiteral("; reads give the last values as SourceLost"),
                 QStringLiteral("restart the service %1").arg(service)};
-    case BufferInspection::Complete:
+    default:
         break;
     }
     return {};
-}
-
-Step stepOf(BufferInspection::Step step)
-{
-    switch (step) {
-    case BufferInspection::Description:
-        return Step::Description;
-    case BufferInspection::File:
-        return Step::File;
-    case BufferInspection::Permission:
-        return Step::Permission;
-    case BufferInspection::Layout:
-        return Step::Layout;
-    case BufferInspection::Liveness:
-        return Step::Liveness;
-    case BufferInspection::Complete:
-        break;
-    }
-    return Step::Leaf;
 }
 
 } // namespace
@@ -177,6 +157,9 @@ Finding busFinding(const Answer &bus)
 
 QString busText(const PlatformDetails::Services &services)
 {
+    if (!services.listed) {
+        return QStringLiteral("reachable; this platform does not list its modules");
+    }
     const QString choice = qEnvironmentVariable("PROCESSDATA_BUS");
     return QStringLiteral("%1, %2 on it")
         .arg(choice.isEmpty() ? QStringLiteral("system") : choice,
@@ -187,7 +170,7 @@ Answer examineListed(Examination &found)
 {
     constexpr int attempts = 3;
     const SourceName &source = found.source;
-    for (int i = 0; i < attempts && found.buffer.end != BufferInspection::Complete; ++i) {
+    for (int i = 0; i < attempts && found.buffer.end != Step::Leaf; ++i) {
         QString description;
         Answer answer = ask([&](QString &error) {
             return ProcessDataAccess::fetchDescription(source.module, source.object,
@@ -200,7 +183,7 @@ Answer examineListed(Examination &found)
             break;
         }
         found.description = description;
-        found.buffer = inspectBuffer(description);
+        found.buffer = PlatformDetails::inspectBuffer(description);
     }
     const Finding cause = causeOf(found.buffer, found.owner.service);
     Finding reason = cause;
@@ -209,7 +192,7 @@ Answer examineListed(Examination &found)
             cause.code == Finding::Denied ? Finding::Denied : Finding::NotReadable,
             QStringLiteral("cannot attach to %1: %2").arg(source.toString(), found.buffer.problem)};
     }
-    conclude(found, stepOf(found.buffer.end), cause, reason);
+    conclude(found, found.buffer.end, cause, reason);
     return {};
 }
 
@@ -269,11 +252,12 @@ Finding SelectorExaminer::explainRefusal(const QString &url)
     if (!finding.isNone()) {
         return finding;
     }
-    const BufferInspection &buffer = sourceOf(parseSelectorUrl(url).source).found.buffer;
+    const PlatformDetails::Buffer &buffer = sourceOf(parseSelectorUrl(url).source).found.buffer;
     if (!buffer.writable) {
         return {Finding::Denied,
                 QStringLiteral("this process may only read %1 (%2)")
-                    .arg(buffer.path, buffer.permission)};
+                    .arg(buffer.path, buffer.permission),
+                buffer.remedy};
     }
     return {};
 }

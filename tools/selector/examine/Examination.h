@@ -3,33 +3,14 @@
 #ifndef EXAMINATION_H
 #define EXAMINATION_H
 
-#include "BufferInspection.h"
 #include "DescriptionLeaves.h"
 #include "Finding.h"
 #include "PlatformDetails.h"
 #include "SelectorUrlParser.h"
+#include "Step.h"
 
 #include <QMap>
 #include <QSet>
-
-/// The way from a selector's text to its value. A source has the steps from Owner to Liveness.
-enum class Step {
-    Text,
-    Scheme,
-    Module,
-    Bus,
-    Owner,
-    Object,
-    Description,
-    File,
-    Permission,
-    Layout,
-    Liveness,
-    Leaf,
-    Property,
-    Value,
-    None, ///< behind the last
-};
 
 /// What stands on the way to a source.
 struct Examination
@@ -38,7 +19,7 @@ struct Examination
     Step end = Step::Owner; ///< the first step that failed; Leaf: none of a source's
     PlatformDetails::Owner owner;
     QString description; ///< as the service sends it; empty until it came
-    BufferInspection buffer;
+    PlatformDetails::Buffer buffer;
     Finding cause; ///< of the step that failed, in full
     Finding reason; ///< the same for a row about the source: shorter, and in the codes of rows
 };

@@ -3,11 +3,9 @@
 #include "Explanation.h"
 
 #include "ConfigurationAndProcessDataDefinitions.h"
-#include "Counted.h"
 #include "ErrorTypeText.h"
 #include "LiveLeaves.h"
 #include "NearMiss.h"
-#include "UserNames.h"
 #include "ValueText.h"
 
 #include <algorithm>
@@ -77,7 +75,7 @@ private:
     const QString url;
     const QStringList properties;
     const SelectorUrlParts parts;
-    QStringList modules; // on the bus
+    PlatformDetails::Services services;
     Examination found;
     QJsonObject description; // of the leaf
 };
@@ -110,10 +108,8 @@ bool Walk::text()
 
 bool Walk::bus()
 {
-    PlatformDetails::Services services;
     result.finding = busFinding(
         ask([&](QString &error) { return PlatformDetails::fetchServices(services, error); }));
-    modules = services.modules;
     return result.finding.isNone() && pass(busText(services));
 }
 
@@ -121,29 +117,16 @@ bool Walk::bus()
 bool Walk::source()
 {
     found = examine(parts.source);
-    const BufferInspection &buffer = found.buffer;
-    QString access;
-    if (found.end > Step::Layout) {
-        access = buffer.writable ? QStringLiteral(", this process may write")
-                                 : QStringLiteral(", this process may only read");
-    }
-    const QStringList all{QStringLiteral("%1 is %2, process %3, user %4")
-                              .arg(found.owner.service, found.owner.connection)
-                              .arg(found.owner.processId)
-                              .arg(UserNames::ofUser(found.owner.userId)),
-                          QStringLiteral("object \"%1\", instance \"%2\"")
-                              .arg(parts.source.object, parts.source.instance),
-                          QStringLiteral("%1, generation %2")
-                              .arg(counted(buffer.leafCount, "leaf", "leaves"))
-                              .arg(buffer.generation),
-                          QStringLiteral("%1, %2 bytes").arg(buffer.path).arg(buffer.size),
-                          buffer.permission + access,
-                          QStringLiteral("as described"),
-                          QStringLiteral("its publisher lives")};
+    const QStringList all = QStringList{PlatformDetails::ownerText(found.owner),
+                                        QStringLiteral("object \"%1\", instance \"%2\"")
+                                            .arg(parts.source.object, parts.source.instance)}
+        + PlatformDetails::bufferTexts(found.buffer);
     result.passed += all.mid(0, int(found.end) - int(Step::Owner));
     result.finding = found.cause;
-    if (found.end == Step::Owner && found.cause.code == Finding::ServiceMissing) {
-        result.finding.advice += QStringLiteral("; running modules: ") + quotedList(modules);
+    if (found.end == Step::Owner && found.cause.code == Finding::ServiceMissing
+        && services.listed) {
+        result.finding.advice
+            += QStringLiteral("; running modules: ") + quotedList(services.modules);
     }
     return found.cause.isNone();
 }

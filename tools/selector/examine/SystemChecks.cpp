@@ -6,6 +6,11 @@
 
 namespace {
 
+bool isNotSupported(const Answer &answer)
+{
+    return answer.result == ProcessDataAccess::Result::NotSupported;
+}
+
 void checkBus(const SystemState &state, QVector<DoctorFinding> &findings)
 {
     const QString check = QStringLiteral("bus");
@@ -31,6 +36,12 @@ void checkManager(const QString &name, bool there, const Answer &answer, const Q
 void checkServices(const SystemState &state, QVector<DoctorFinding> &findings)
 {
     const QString check = QStringLiteral("services");
+    if (!state.services.managersShown) {
+        findings.append(DoctorFinding::good(
+            check,
+            QStringLiteral("not examined: this platform does not show the system's services")));
+        return;
+    }
     const int before = findings.size();
     checkManager(QStringLiteral("com.orvalis.SystemInformationManager"),
                  state.services.informationManager, state.registry,
@@ -91,8 +102,10 @@ void checkModule(const ModuleState &module, const SystemState &state,
         findings.append(DoctorFinding::error(
             check, module.name,
             {Finding::ServiceMissing,
-             state.registry.isOk() ? QStringLiteral("neither on the bus nor registered")
-                                   : QStringLiteral("not on the bus; the registry did not answer"),
+             isNotSupported(state.registry) ? QStringLiteral("nobody serves it")
+                 : state.registry.isOk()
+                 ? QStringLiteral("neither on the bus nor registered")
+                 : QStringLiteral("not on the bus; the registry did not answer"),
              QStringLiteral("start its service, or fix the name")}));
     } else if (!module.onBus) {
         findings.append(DoctorFinding::error(
@@ -129,12 +142,16 @@ void checkRegistry(const SystemState &state, QVector<DoctorFinding> &findings)
     int registered = 0;
     for (const ModuleState &module : state.modules) {
         registered += module.registered ? 1 : 0;
-        if (state.services.informationManager || !module.onBus) {
+        if (state.hasRegistry() || !module.onBus) {
             checkModule(module, state, findings);
         }
     }
+    if (isNotSupported(state.registry)) {
+        findings.append(
+            DoctorFinding::good(check, QStringLiteral("not examined: ") + state.registry.error));
+    }
     // A registry that did not answer is reported among the services.
-    if (findings.size() == before && state.services.informationManager && state.registry.isOk()) {
+    if (findings.size() == before && state.hasRegistry() && state.registry.isOk()) {
         findings.append(DoctorFinding::good(
             check,
             QStringLiteral("%1, as on the bus")
@@ -147,9 +164,20 @@ void checkSources(const SystemState &state, QVector<DoctorFinding> &findings)
     const QString check = QStringLiteral("sources");
     const int before = findings.size();
     for (const ModuleState &module : state.modules) {
-        if (module.onBus && !module.answer.isOk()) {
+        if (module.onBus && isNotSupported(module.answer)) {
+            findings.append(
+                DoctorFinding::good(check,
+                                    QStringLiteral("%1 is served; its sources are not examined: %2")
+                                        .arg(module.name, module.answer.error)));
+        } else if (module.onBus && !module.answer.isOk()) {
             findings.append(DoctorFinding::error(check, module.name, unanswered(module.answer)));
         }
+    }
+    if (state.modules.isEmpty() && !state.services.listed) {
+        findings.append(DoctorFinding::good(
+            check,
+            QStringLiteral("not examined: this platform does not list its modules; "
+                           "selector doctor MODULE examines one")));
     }
     int leaves = 0;
     for (const Examination &source : state.sources) {
@@ -182,5 +210,5 @@ QVector<DoctorFinding> checkSystem(const SystemState &state)
         checkRegistry(state, findings);
         checkSources(state, findings);
     }
-    return findings + checkBuffers(state);
+    return findings + state.buffers->check(state);
 }

@@ -10,10 +10,4 @@
 /// good finding that says what was looked at.
 QVector<DoctorFinding> checkSystem(const SystemState &state);
 
-/// Those of shared memory alone.
-QVector<DoctorFinding> checkBuffers(const SystemState &state);
-
-/// What a file that nobody publishes in any more is, for people.
-QString leftoverText(const BufferFile &file);
-
 #endif

@@ -94,26 +94,13 @@ void keepOnly(const QStringList &only, QVector<ModuleState> &modules)
     }
 }
 
-// A file may have lived when it was listed and be replaced by now; only what stands counts.
-void lookAgain(QVector<BufferFile> &files)
-{
-    QVector<BufferFile> standing;
-    for (const BufferFile &file : qAsConst(files)) {
-        BufferFile now;
-        if (inspectBufferFile(file.path, now)) {
-            standing.append(now);
-        }
-    }
-    files = standing;
-}
-
 } // namespace
 
 SystemState examineSystem(const QStringList &only)
 {
     SystemState state;
     // Files first: a buffer that is made meanwhile has no description among those fetched here.
-    listFiles(only, state.files, state.filesError);
+    state.buffers = PlatformDetails::listBuffers(only);
     state.bus = ask(
         [&state](QString &error) { return PlatformDetails::fetchServices(state.services, error); });
     if (!state.bus.isOk()) {
@@ -122,7 +109,7 @@ SystemState examineSystem(const QStringList &only)
     for (const QString &name : qAsConst(state.services.modules)) {
         moduleOf(name, state.modules).onBus = true;
     }
-    if (state.services.informationManager) {
+    if (state.hasRegistry()) {
         askRegistry(state);
     }
     if (state.services.statusManager) {
@@ -131,27 +118,15 @@ SystemState examineSystem(const QStringList &only)
     }
     keepOnly(only, state.modules);
     for (ModuleState &module : state.modules) {
+        if (!state.services.listed) {
+            QString error;
+            module.onBus = ProcessDataAccess::isServed(module.name, error)
+                != ProcessDataAccess::Result::ServiceMissing;
+        }
         if (module.onBus) {
             askModule(module, state.sources);
         }
     }
-    lookAgain(state.files);
+    state.buffers->lookAgain();
     return state;
-}
-
-bool listFiles(const QStringList &only, QVector<BufferFile> &files, QString &error)
-{
-    QVector<BufferFile> all;
-    if (!listBufferFiles(all, error)) {
-        return false;
-    }
-    for (const BufferFile &file : qAsConst(all)) {
-        const bool wanted = std::any_of(only.begin(), only.end(), [&](const QString &module) {
-            return isNamedAfter(file, module);
-        });
-        if (only.isEmpty() || wanted) {
-            files.append(file);
-        }
-    }
-    return true;
 }

@@ -3,7 +3,6 @@
 #ifndef SYSTEMSTATE_H
 #define SYSTEMSTATE_H
 
-#include "BufferFiles.h"
 #include "Examination.h"
 
 struct ModuleState
@@ -21,15 +20,17 @@ struct SystemState
 {
     Answer bus;
     PlatformDetails::Services services;
-    Answer registry; ///< meaningful while the information manager is on the bus
+    Answer registry; ///< meaningful where hasRegistry()
     QString providerList;
     int unreadableProviders = 0; ///< entries of the list without a name
     Answer status; ///< meaningful while the status manager is on the bus
     bool ready = false;
     QVector<ModuleState> modules; ///< sorted by name: on the bus, registered, or both
     QVector<Examination> sources;
-    QVector<BufferFile> files;
-    QString filesError; ///< why shared memory cannot be looked at
+    std::shared_ptr<PlatformDetails::BufferList> buffers;
+
+    /// Whether somebody can be asked for the registered modules.
+    bool hasRegistry() const { return services.informationManager || !services.managersShown; }
 };
 
 /// Asks everybody once; a service that lets the time limit pass is not asked again.
@@ -37,8 +38,5 @@ struct SystemState
 /// @param only  modules to look at; empty: all
 /// Threads: any; blocks for D-Bus calls. Runs no event loop.
 SystemState examineSystem(const QStringList &only);
-
-/// The files of shared memory that are named after the modules; all without modules.
-bool listFiles(const QStringList &only, QVector<BufferFile> &files, QString &error);
 
 #endif

@@ -2,17 +2,34 @@
 // What selector doctor concludes from states that cannot be made on a test's own bus.
 #include "SystemChecks.h"
 
+#include "ReferenceBuffers.h"
+#include "UserNames.h"
+
 #include <QtTest>
+
+#include <unistd.h>
 
 using ProcessDataAccess::Result;
 
 namespace {
 
+void setBuffers(const QVector<BufferFile> &files, SystemState &state)
+{
+    const auto buffers = std::make_shared<ReferenceBuffers>();
+    buffers->files = files;
+    state.buffers = buffers;
+}
+
+QVector<BufferFile> &filesOf(const SystemState &state)
+{
+    return static_cast<ReferenceBuffers &>(*state.buffers).files;
+}
+
 // One registered module whose service has one good instance.
 SystemState healthy()
 {
     SystemState state;
-    state.services = {{"Pump"}, true, true};
+    state.services = {true, {"Pump"}, true, true, true};
     state.ready = true;
     ModuleState module;
     module.name = "Pump";
@@ -24,14 +41,14 @@ SystemState healthy()
     Examination source;
     source.source = {"Pump", "Controller", "a/b"};
     source.end = Step::Leaf;
-    source.buffer.end = BufferInspection::Complete;
+    source.buffer.end = Step::Leaf;
     source.buffer.path = "/dev/shm/processdata.Pump_Controller_a_2fb.7";
     state.sources = {source};
     BufferFile file;
     file.path = source.buffer.path;
     file.state = BufferFile::Live;
     file.mode = 0640;
-    state.files = {file};
+    setBuffers({file}, state);
     return state;
 }
 
@@ -67,6 +84,8 @@ private Q_SLOTS:
     void aRetiredBufferIsLeftOver();
     void withoutRegistryNobodyIsCalledUnregistered();
     void sharedMemoryThatCannotBeListedIsDenied();
+    void aMissingPermissionComesWithWhatGivesIt();
+    void whatAPlatformDoesNotShowIsNeitherGuessedNorBlamed();
 };
 
 void SystemChecksTest::aHealthySystemHasOneGoodFindingForEachCheck()
@@ -150,7 +169,7 @@ void SystemChecksTest::registryEntriesWithoutANameAreCounted()
 void SystemChecksTest::aBufferOfAModuleThatDidNotAnswerInFullIsNoOrphan()
 {
     SystemState state = healthy();
-    state.files[0].path += '1';
+    filesOf(state)[0].path += '1';
     QCOMPARE(codes(state), QStringList{"notDescribed 1"});
     state.modules[0].complete = false;
     QCOMPARE(codes(state), QStringList());
@@ -161,10 +180,10 @@ void SystemChecksTest::aBufferOfAModuleThatDidNotAnswerInFullIsNoOrphan()
 void SystemChecksTest::aRetiredBufferIsLeftOver()
 {
     SystemState state = healthy();
-    BufferFile file = state.files.first();
+    BufferFile file = filesOf(state).first();
     file.path += '1';
     file.state = BufferFile::Retired;
-    state.files.append(file);
+    filesOf(state).append(file);
     QCOMPARE(codes(state), QStringList{"leftover 1"});
 }
 
@@ -179,9 +198,39 @@ void SystemChecksTest::withoutRegistryNobodyIsCalledUnregistered()
 void SystemChecksTest::sharedMemoryThatCannotBeListedIsDenied()
 {
     SystemState state = healthy();
-    state.files.clear();
-    state.filesError = "/dev/shm cannot be read";
+    filesOf(state).clear();
+    static_cast<ReferenceBuffers &>(*state.buffers).error = "/dev/shm cannot be read";
     QCOMPARE(codes(state), QStringList{"denied 5"});
+}
+
+void SystemChecksTest::aMissingPermissionComesWithWhatGivesIt()
+{
+    BufferFile file;
+    file.ownerUid = 61001;
+    file.groupId = 61002;
+    file.mode = 0640;
+    const QString me = UserNames::ofUser(::geteuid());
+    QCOMPARE(remedyFor(file, 040), "sudo usermod -aG 61002 " + me + ", then log in again");
+    QCOMPARE(remedyFor(file, 020), QString("run as user 61001 or as root"));
+    file.groupId = 0; // nobody should become a member of that one
+    QCOMPARE(remedyFor(file, 040), QString("run as user 61001 or as root"));
+}
+
+void SystemChecksTest::whatAPlatformDoesNotShowIsNeitherGuessedNorBlamed()
+{
+    const Answer hidden{Result::NotSupported, "not here"};
+    SystemState state = healthy();
+    state.services = {false, {}, false, false, false};
+    state.registry = hidden;
+    state.modules[0].registered = false;
+    state.modules[0].answer = hidden;
+    state.modules[0].complete = false;
+    state.sources.clear();
+    filesOf(state).clear();
+    QCOMPARE(codes(state), QStringList());
+
+    state.modules[0].onBus = false;
+    QCOMPARE(codes(state), QStringList{"serviceMissing 1"});
 }
 
 QTEST_APPLESS_MAIN(SystemChecksTest)

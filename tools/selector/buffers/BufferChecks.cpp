@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: MIT
 // The files in shared memory.
-#include "SystemChecks.h"
-
+#include "ReferenceBuffers.h"
+#include "SystemState.h"
 #include "UserNames.h"
 
 #include <algorithm>
+#include <unistd.h>
 
 namespace {
+
+constexpr quint32 groupReads = 040;
 
 // A record without its buffer is that source's too: what it lacks is reported there.
 bool isDescribed(const QString &path, const SystemState &state)
@@ -22,14 +25,6 @@ bool mayBeDescribed(const BufferFile &file, const SystemState &state)
     return std::any_of(state.modules.begin(), state.modules.end(), [&](const ModuleState &module) {
         return module.onBus && !module.complete && isNamedAfter(file, module.name);
     });
-}
-
-QString permissionOf(const BufferFile &file)
-{
-    constexpr int octal = 8;
-    return QStringLiteral("owner %1, group %2, mode %3")
-        .arg(UserNames::ofUser(file.ownerUid), UserNames::ofGroup(file.groupId))
-        .arg(file.mode, 4, octal, QLatin1Char('0'));
 }
 
 // What is wrong with a file that no source describes.
@@ -63,7 +58,7 @@ Finding stateFinding(const BufferFile &file, const SystemState &state)
         return {
             Finding::Denied,
             QStringLiteral("it cannot be examined: %1 (%2)").arg(file.problem, permissionOf(file)),
-            QStringLiteral("run as root or as a member of its group")};
+            remedyFor(file, groupReads)};
     }
     return {};
 }
@@ -81,11 +76,11 @@ Finding opennessFinding(const BufferFile &file)
 
 // One warning for each file with which something is wrong; else that all is well.
 template <typename Judge>
-QVector<DoctorFinding> checkFiles(const QString &check, const SystemState &state,
+QVector<DoctorFinding> checkFiles(const QString &check, const QVector<BufferFile> &files,
                                   const QString &good, const Judge &judge)
 {
     QVector<DoctorFinding> findings;
-    for (const BufferFile &file : state.files) {
+    for (const BufferFile &file : files) {
         const Finding finding = judge(file);
         if (!finding.isNone()) {
             findings.append(DoctorFinding::warning(check, file.path, finding));
@@ -104,21 +99,51 @@ QString leftoverText(const BufferFile &file)
         .arg(file.size);
 }
 
-QVector<DoctorFinding> checkBuffers(const SystemState &state)
+QString permissionOf(const BufferFile &file)
+{
+    constexpr int octal = 8;
+    return QStringLiteral("owner %1, group %2, mode %3")
+        .arg(UserNames::ofUser(file.ownerUid), UserNames::ofGroup(file.groupId))
+        .arg(file.mode, 4, octal, QLatin1Char('0'));
+}
+
+QString remedyFor(const BufferFile &file, quint32 wanted)
+{
+    const QString owner = UserNames::ofUser(file.ownerUid);
+    if (file.groupId == 0 || (file.mode & wanted) != wanted) {
+        return QStringLiteral("run as user %1 or as root").arg(owner);
+    }
+    return QStringLiteral("sudo usermod -aG %1 %2, then log in again")
+        .arg(UserNames::ofGroup(file.groupId), UserNames::ofUser(::geteuid()));
+}
+
+void ReferenceBuffers::lookAgain()
+{
+    QVector<BufferFile> standing;
+    for (const BufferFile &file : qAsConst(files)) {
+        BufferFile now;
+        if (inspectBufferFile(file.path, now)) {
+            standing.append(now);
+        }
+    }
+    files = standing;
+}
+
+QVector<DoctorFinding> ReferenceBuffers::check(const SystemState &state) const
 {
     const QString check = QStringLiteral("buffers");
-    if (!state.filesError.isEmpty()) {
+    if (!error.isEmpty()) {
         return {DoctorFinding::error(
             check, {},
-            {Finding::Denied, state.filesError,
+            {Finding::Denied, error,
              QStringLiteral("mount shared memory, or run as a user that may list it")})};
     }
-    return checkFiles(check, state,
-                      QStringLiteral("%1 in shared memory, none left over").arg(state.files.size()),
+    return checkFiles(check, files,
+                      QStringLiteral("%1 in shared memory, none left over").arg(files.size()),
                       [&state](const BufferFile &file) {
                           return isDescribed(file.path, state) ? Finding()
                                                                : stateFinding(file, state);
                       })
-        + checkFiles(QStringLiteral("permissions"), state,
+        + checkFiles(QStringLiteral("permissions"), files,
                      QStringLiteral("no buffer is open to every user"), opennessFinding);
 }

@@ -1,14 +1,15 @@
 // SPDX-License-Identifier: MIT
 // Removes buffers whose publishers are proved dead.
-#include "DoctorClean.h"
-
-#include "SystemChecks.h"
+#include "ReferenceBuffers.h"
+#include "UserNames.h"
 
 namespace {
 
-void takeDenial(DoctorFinding &finding, const QString &text)
+void takeDenial(const BufferFile &file, const QString &text, DoctorFinding &finding)
 {
-    finding.finding = {Finding::Denied, text, QStringLiteral("run as root or as the file's owner")};
+    finding.finding
+        = {Finding::Denied, text,
+           QStringLiteral("run as user %1 or as root").arg(UserNames::ofUser(file.ownerUid))};
     finding.action = QStringLiteral("kept");
 }
 
@@ -27,7 +28,7 @@ void remove(const BufferFile &file, DoctorFinding &finding)
         finding.finding.text = error;
         break;
     case BufferRemoval::Denied:
-        takeDenial(finding, error);
+        takeDenial(file, error, finding);
         break;
     case BufferRemoval::Failed:
         finding.finding.text = error;
@@ -43,7 +44,7 @@ DoctorFinding cleaned(const BufferFile &file, bool really)
     if (really) {
         remove(file, finding);
     } else if (!mayRemove(file)) {
-        takeDenial(finding, finding.finding.text);
+        takeDenial(file, finding.finding.text, finding);
     } else {
         finding.action = QStringLiteral("wouldRemove");
         finding.finding.advice = QStringLiteral("--clean --yes removes it");
@@ -53,7 +54,7 @@ DoctorFinding cleaned(const BufferFile &file, bool really)
 
 } // namespace
 
-QVector<DoctorFinding> cleanLeftovers(const QStringList &only, bool really)
+QVector<DoctorFinding> PlatformDetails::cleanLeftovers(const QStringList &only, bool really)
 {
     QVector<BufferFile> files;
     QString error;
@@ -68,9 +69,10 @@ QVector<DoctorFinding> cleanLeftovers(const QStringList &only, bool really)
             findings.append(cleaned(file, really));
         } else if (file.state == BufferFile::Unreadable) {
             DoctorFinding finding = DoctorFinding::warning(check, file.path, {});
-            takeDenial(finding,
+            takeDenial(file,
                        QStringLiteral("it cannot be determined whether its publisher lives: %1")
-                           .arg(file.problem));
+                           .arg(file.problem),
+                       finding);
             findings.append(finding);
         }
     }
