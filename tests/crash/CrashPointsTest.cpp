@@ -132,6 +132,7 @@ private Q_SLOTS:
     void aPublisherThatDiesWhilePublishing();
     void aClientThatDiesWhileWriting();
     void aPublisherThatDiesWhileComingUp();
+    void aPublisherThatStopsWhileComingUpIsNeverTakenForDead();
     void aPublisherThatDiesWhileReplacingItsDescription();
     void aPublisherThatDiesWhileRetiring();
 
@@ -280,6 +281,39 @@ void CrashPointsTest::aPublisherThatDiesWhileComingUp()
         }
     }
     requireSuccessor();
+}
+
+// Once the record has its name, its lock is held: at no moment does another process see it free.
+void CrashPointsTest::aPublisherThatStopsWhileComingUpIsNeverTakenForDead()
+{
+    const auto prepare = [this] {
+        return DoomedProcess::Prepared{"ready", [this] { new BufferSource(leaves(), module); }};
+    };
+    bool sawRecordAlone = false;
+    bool comesThrough = false;
+    for (int point = 0; !comesThrough; ++point) {
+        module = uniqueModule();
+        {
+            DoomedProcess publisher(prepare, point, DoomedProcess::Stops);
+            QCOMPARE(publisher.news(), QByteArray("ready"));
+            comesThrough = !publisher.stopsAtItsPoint();
+            const QStringList names = buffersOf(module);
+            sawRecordAlone = sawRecordAlone || names.join(' ').endsWith(".life");
+            const QByteArray place = "stopped at point " + QByteArray::number(point);
+            for (const QString &name : comesThrough ? QStringList() : names) {
+                BufferFile file;
+                QVERIFY2(inspectBufferFile("/dev/shm/" + name, file), place);
+                QVERIFY2(file.state == BufferFile::Live, place + ": " + file.path.toUtf8());
+            }
+            if (!comesThrough) {
+                BufferSource(leaves(),
+                             module); // comes up and goes, and removes what it takes for left
+                QVERIFY2(buffersOf(module) == names, place);
+            }
+        }
+        removeLeftBuffers(module);
+    }
+    QVERIFY(sawRecordAlone);
 }
 
 void CrashPointsTest::aClientThatDiesWhileWriting()

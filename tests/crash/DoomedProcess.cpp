@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A forked child that dies of SIGKILL at a chosen crash point of what it does.
+// A forked child that dies or stops at a chosen crash point of what it does.
 #include "DoomedProcess.h"
 
 #include <atomic>
@@ -14,8 +14,9 @@ namespace {
 
 constexpr int cameThrough = 77;
 
-// Points that are left before the deadly one; negative: none is.
+// Points that are left before the last one; negative: none is.
 std::atomic<int> pointsLeft{-1};
+std::atomic<int> lastSignal{SIGKILL};
 
 [[noreturn]] void runChild(const std::function<DoomedProcess::Prepared()> &prepare, int point,
                            int input, int output)
@@ -40,14 +41,14 @@ void crashPointReached();
 void crashPointReached()
 {
     if (pointsLeft >= 0 && pointsLeft-- == 0) {
-        kill(getpid(), SIGKILL);
+        kill(getpid(), lastSignal);
         for (;;) {
             pause(); // the signal reaches every thread, this one perhaps not first
         }
     }
 }
 
-DoomedProcess::DoomedProcess(const std::function<Prepared()> &prepare, int point)
+DoomedProcess::DoomedProcess(const std::function<Prepared()> &prepare, int point, Fate fate)
 {
     int down[2];
     int up[2];
@@ -59,6 +60,7 @@ DoomedProcess::DoomedProcess(const std::function<Prepared()> &prepare, int point
     if (child == 0) {
         close(down[1]);
         close(up[0]);
+        lastSignal = fate == Stops ? SIGSTOP : SIGKILL;
         runChild(prepare, point, down[0], up[1]);
     }
     close(down[0]);
@@ -90,17 +92,30 @@ QByteArray DoomedProcess::news() const
     }
 }
 
-bool DoomedProcess::diesAtItsPoint()
+int DoomedProcess::letGo()
 {
     int status = 0;
-    if (write(toChild, "g", 1) != 1 || waitpid(child, &status, 0) != child) {
+    if (write(toChild, "g", 1) != 1 || waitpid(child, &status, WUNTRACED) != child) {
         std::abort();
     }
-    child = -1;
-    const bool died = WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL;
-    if (!died && !(WIFEXITED(status) && WEXITSTATUS(status) == cameThrough)) {
+    if (!WIFSTOPPED(status)) {
+        child = -1;
+    }
+    const bool cameToItsPoint
+        = WIFSTOPPED(status) || (WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL);
+    if (!cameToItsPoint && !(WIFEXITED(status) && WEXITSTATUS(status) == cameThrough)) {
         std::fprintf(stderr, "the child ended otherwise: status %x\n", unsigned(status));
         std::abort();
     }
-    return died;
+    return status;
+}
+
+bool DoomedProcess::diesAtItsPoint()
+{
+    return WIFSIGNALED(letGo());
+}
+
+bool DoomedProcess::stopsAtItsPoint()
+{
+    return WIFSTOPPED(letGo());
 }

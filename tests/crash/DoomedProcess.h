@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A forked child that dies of SIGKILL at a chosen crash point of what it does.
+// A forked child that dies or stops at a chosen crash point of what it does.
 #ifndef DOOMEDPROCESS_H
 #define DOOMEDPROCESS_H
 
@@ -22,9 +22,11 @@ public:
         std::function<void()> deed;
     };
 
+    enum Fate { Dies, Stops };
+
     /// @param prepare  runs in the child, its crash points not counted
-    /// @param point    the one to die at, from 0
-    DoomedProcess(const std::function<Prepared()> &prepare, int point);
+    /// @param point    the one to die or stop at, from 0
+    DoomedProcess(const std::function<Prepared()> &prepare, int point, Fate fate = Dies);
     ~DoomedProcess();
     DoomedProcess(const DoomedProcess &) = delete;
     DoomedProcess &operator=(const DoomedProcess &) = delete;
@@ -37,7 +39,14 @@ public:
     /// @returns whether it died at the point; false when it came through: there is no such point
     bool diesAtItsPoint();
 
+    /// Lets the child do its deed and waits until it stops; it stays so for as long as this lives.
+    ///
+    /// @returns false when it came through
+    bool stopsAtItsPoint();
+
 private:
+    int letGo();
+
     pid_t child = -1;
     int fromChild = -1;
     int toChild = -1;
