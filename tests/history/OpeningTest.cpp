@@ -4,12 +4,11 @@
 #include "Files.h"
 #include "HistorySchema.h"
 #include "HistorySupport.h"
+#include "RequireRoot.h"
 
 #include <QDir>
 #include <QFile>
 #include <QProcess>
-
-#include <unistd.h>
 
 using namespace HistorySupport;
 
@@ -217,9 +216,7 @@ void OpeningTest::anEmptyFileBecomesAHistory()
 
 void OpeningTest::anotherUsersFileIsRefusedWithItsOwner()
 {
-    if (geteuid() != 0) {
-        QSKIP("takes root, to act as other users");
-    }
+    REQUIRE_ROOT();
     make();
     QVERIFY(QFile::setPermissions(folder->path(), QFile::Permissions(0x7055)));
     QVERIFY(QFile::setPermissions(file, QFile::ReadOwner | QFile::WriteOwner));
@@ -240,9 +237,7 @@ void OpeningTest::anotherUsersFileIsRefusedWithItsOwner()
 
 void OpeningTest::aReadOnlyDiskCanBeReadAndIsNotWritten()
 {
-    if (geteuid() != 0) {
-        QSKIP("takes root, to mount a file system");
-    }
+    REQUIRE_ROOT_TO("mount a file system");
     make();
     const QString inside = "mount -t tmpfs tmpfs /mnt && cp " + file
         + " /mnt/h.db && "

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// For tests that act as other users.
+// For tests that only root can run.
 #ifndef REQUIREROOT_H
 #define REQUIREROOT_H
 
@@ -8,10 +8,14 @@
 #include <unistd.h>
 
 /// Whoever runs such a test without root sees it skipped, not passed.
-#define REQUIRE_ROOT()                                                                             \
+///
+/// @param deed  what root is needed for, a literal: "act as other users"
+#define REQUIRE_ROOT_TO(deed)                                                                      \
     if (geteuid() != 0) {                                                                          \
-        QSKIP("takes root, to act as other users");                                                \
+        QSKIP("takes root, to " deed);                                                             \
     }                                                                                              \
     static_assert(true, "takes a semicolon")
+
+#define REQUIRE_ROOT() REQUIRE_ROOT_TO("act as other users")
 
 #endif
