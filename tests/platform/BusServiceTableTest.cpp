@@ -238,12 +238,15 @@ void BusServiceTableTest::whatIsExpectedOfAnInstanceIsKeptForItsNextFetch()
     const auto description = PreparedDescriptionPointer::create();
 
     QVERIFY(table.noteAsked(&listener, "2").isNull());
-    table.expect(&listener, "1", description);
+    QVERIFY(table.expect(&listener, "1", description).isNull());
     QCOMPARE(table.noteAsked(&listener, "1"), description);
     QVERIFY(table.noteAsked(&listener, "2").isNull());
-    table.expect(&listener, "1", {});
+    QCOMPARE(table.expect(&listener, "1", {}), description);
     QVERIFY(table.noteAsked(&listener, "1").isNull());
     QCOMPARE(table.askedBy(&listener), (QStringList{"1", "2"}));
+    table.expect(&listener, "2", description);
+    QCOMPARE(table.removeListener(&listener),
+             (QVector<PreparedDescriptionPointer>{{}, description}));
 }
 
 void BusServiceTableTest::oneProbeIsUnderWayToAHungService()

@@ -55,7 +55,8 @@ void DBusConnectorBasePrivate::start(QObject *owner)
 
 void DBusConnectorBasePrivate::stop()
 {
-    bus->withTable([this](ServiceTable &table) { table.removeListener(this); });
+    QVector<PreparedDescriptionPointer> expected; // freed when the table's lock is free again
+    bus->withTable([&](ServiceTable &table) { expected = table.removeListener(this); });
 }
 
 // A signal that waits for delivery already says all that an equal one after it would say. One of

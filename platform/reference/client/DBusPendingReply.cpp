@@ -54,8 +54,10 @@ void DBusPendingReplyPrivate::finish(const DescriptionReply &answer)
 {
     if (!answer.prepared.isNull() && !asker.isNull()) {
         const auto &state = DBusProcessDescriptionConnectorPrivate::of(*asker);
+        PreparedDescriptionPointer before; // freed when the table's lock is free again
         state.bus->withTable([&](ServiceTable &table) {
-            table.expect(&state, fetch->call.arguments().value(0).toString(), answer.prepared);
+            before = table.expect(&state, fetch->call.arguments().value(0).toString(),
+                                  answer.prepared);
         });
     }
     reply = answer.value;

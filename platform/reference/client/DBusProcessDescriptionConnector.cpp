@@ -56,7 +56,8 @@ DBusReply DBusProcessDescriptionConnector::getProcessDataDescription(const QStri
         if (text == expected->token || text == expected->text) {
             return DBusReply::fromValue(expected->text);
         }
-        state.bus->withTable([&](ServiceTable &table) { table.expect(&state, instanceName, {}); });
+        state.bus->withTable(
+            [&](ServiceTable &table) { announced = table.expect(&state, instanceName, {}); });
     }
     return DBusReply::fromValue(judged.value);
 }

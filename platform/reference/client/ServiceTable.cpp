@@ -2,7 +2,6 @@
 // Who owns which service, who listens to it for what, and what services that hang owe.
 #include "ServiceTable.h"
 
-#include <algorithm>
 #include <utility>
 
 bool ServiceTable::addListener(ServiceListener *listener)
@@ -19,16 +18,22 @@ bool ServiceTable::addListener(ServiceListener *listener)
     return false;
 }
 
-void ServiceTable::removeListener(const ServiceListener *listener)
+QVector<PreparedDescriptionPointer> ServiceTable::removeListener(const ServiceListener *listener)
 {
+    QVector<PreparedDescriptionPointer> expected;
     QVector<Listening> &present = listeners[listener->path];
-    present.erase(
-        std::remove_if(present.begin(), present.end(),
-                       [listener](const Listening &each) { return each.listener == listener; }),
-        present.end());
+    for (int i = present.size() - 1; i >= 0; --i) {
+        if (present.at(i).listener == listener) {
+            const Listening removed = present.takeAt(i);
+            for (const Asked &asked : removed.asked) {
+                expected += asked.expected;
+            }
+        }
+    }
     if (present.isEmpty()) {
         listeners.remove(listener->path);
     }
+    return expected;
 }
 
 ServiceTable::Listening *ServiceTable::find(const QString &path, const ServiceListener *listener)
@@ -50,10 +55,11 @@ PreparedDescriptionPointer ServiceTable::noteAsked(const ServiceListener *listen
     return find(listener->path, listener)->asked[instance].expected;
 }
 
-void ServiceTable::expect(const ServiceListener *listener, const QString &instance,
-                          const PreparedDescriptionPointer &description)
+PreparedDescriptionPointer ServiceTable::expect(const ServiceListener *listener,
+                                                const QString &instance,
+                                                const PreparedDescriptionPointer &description)
 {
-    find(listener->path, listener)->asked[instance].expected = description;
+    return std::exchange(find(listener->path, listener)->asked[instance].expected, description);
 }
 
 QStringList ServiceTable::askedBy(const ServiceListener *listener)

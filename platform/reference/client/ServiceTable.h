@@ -33,15 +33,17 @@ public:
     ///
     /// @returns whether the service is new, so that its owner must be asked for
     bool addListener(ServiceListener *listener);
-    void removeListener(const ServiceListener *listener);
+    /// @returns what it expected of its instances; see expect()
+    QVector<PreparedDescriptionPointer> removeListener(const ServiceListener *listener);
 
     /// Remembers that a listener, which was added, asks for an instance: signals that name it reach
     /// it first.
     ///
     /// @returns what the fetch will very likely bring, as expect() left it; null when nothing did
     PreparedDescriptionPointer noteAsked(const ServiceListener *listener, const QString &instance);
-    void expect(const ServiceListener *listener, const QString &instance,
-                const PreparedDescriptionPointer &description);
+    /// @returns what was expected before. Freeing it may take long: let go of it without the lock
+    PreparedDescriptionPointer expect(const ServiceListener *listener, const QString &instance,
+                                      const PreparedDescriptionPointer &description);
     QStringList askedBy(const ServiceListener *listener);
 
     /// Remembers that the listener's service kept an instance to itself: the listener hears when it
