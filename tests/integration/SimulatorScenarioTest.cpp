@@ -24,6 +24,8 @@ private Q_SLOTS:
     void aStepThatCannotBeRunIsNamed_data();
     void aStepThatCannotBeRunIsNamed();
     void aStepThatFailsInItsTimeIsReportedAndTheOthersGoOn();
+    void whatAScenarioNamesIsLookedForWhenItIsLoaded();
+    void aKeyThatLooksLikeAKnownOneIsReportedAndKept();
     void aBrokenScenarioEndsTheSimulator();
     void theNameOfTheControlServiceIsTakenOnce();
 
@@ -159,6 +161,57 @@ void SimulatorScenarioTest::aStepThatFailsInItsTimeIsReportedAndTheOthersGoOn()
     QVERIFY2(simulator->waitForError("step late: done"), simulator->process().report());
     QVERIFY(simulator->process().errors().contains(
         "step lost: key \"source\": no file publishes \"a/b/c\""));
+}
+
+void SimulatorScenarioTest::whatAScenarioNamesIsLookedForWhenItIsLoaded()
+{
+    VERIFY_COMMAND(simulator->startScenario(QString(R"({"format":"process-data-scenario/1","steps":[
+            {"do":"vanish","module":"%1s"},
+            {"name":"lost","do":"reply-never","source":"%1/Controler/1"},
+            {"name":"good","do":"retype","source":"%1/Controller/1","leaf":"level","type":"int8"},
+            {"name":"none","do":"retype","source":"%1/Controller/1","leaf":"Level","type":"int8"}]})")
+                                                .arg(module)));
+    const QList<QByteArray> lines = simulator->process().errors().trimmed().split('\n');
+    QVERIFY2(lines.size() == 3, simulator->process().report());
+    const auto ends = [this](QByteArray text) { return text.replace('@', module.toUtf8()); };
+    QVERIFY2(lines.at(0).endsWith(ends("scenario.json: step 1 would fail: key \"module\": no file "
+                                       "publishes \"@s\"; did you mean \"@\"?")),
+             lines.at(0));
+    QVERIFY2(
+        lines.at(1).endsWith(ends("scenario.json: step lost would fail: key \"source\": no file "
+                                  "publishes \"@/Controler/1\"; did you mean "
+                                  "\"@/Controller/1\"?")),
+        lines.at(1));
+    QVERIFY2(lines.at(2).endsWith(ends("scenario.json: step none would fail: key \"leaf\": "
+                                       "@/Controller/1 has no leaf \"Level\"; did you mean "
+                                       "\"level\"?")),
+             lines.at(2));
+}
+
+void SimulatorScenarioTest::aKeyThatLooksLikeAKnownOneIsReportedAndKept()
+{
+    const QString other = uniqueModule();
+    VERIFY_COMMAND(simulator->publish(
+        other, description({leaf("level", "int32", {{"readonly", true}, {"colour", "red"}})})));
+    VERIFY_COMMAND(simulator->start({"--control"}));
+    SelectorHandlerProcessValue handler({selectorUrl(other, "level")}, nullptr);
+
+    QCOMPARE(handler.getProperty("readonly", 0), QVariant(true));
+    QVERIFY(handler.setValue(ProcessValue(3), 0));
+    // Vanishing and returning brings nothing new.
+    VERIFY_COMMAND(
+        simulator->call("RunInline", QString(R"({"do":"vanish","module":"%1"})").arg(other)));
+    VERIFY_COMMAND(simulator->call(
+        "RunInline", QString(R"({"name":"back","do":"return","module":"%1"})").arg(other)));
+    QVERIFY2(simulator->waitForError("step back: done"), simulator->process().report());
+
+    const QByteArray errors = simulator->process().errors();
+    QVERIFY2(errors.contains(other.toUtf8()
+                             + ".pdd: leaf \"level\": unknown key \"readonly\"; did "
+                               "you mean \"readOnly\"?\n"),
+             errors);
+    QCOMPARE(errors.count("unknown key"), 1);
+    removeLeftBuffers(other);
 }
 
 void SimulatorScenarioTest::aBrokenScenarioEndsTheSimulator()

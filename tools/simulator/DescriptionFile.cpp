@@ -2,6 +2,9 @@
 // Reading and checking of description files.
 #include "DescriptionFile.h"
 
+#include "DoubtfulKeys.h"
+#include "SpellingHint.h"
+
 #include <QFile>
 #include <QJsonDocument>
 
@@ -19,7 +22,9 @@ bool readName(const QJsonObject &document, const QString &key, QString &name, QS
 {
     const QJsonValue value = document.value(key);
     if (!value.isString()) {
-        error = QStringLiteral("the key \"%1\" must be there and hold a text").arg(key);
+        const QString problem
+            = QStringLiteral("the key \"%1\" must be there and hold a text").arg(key);
+        error = value.isUndefined() ? withLookAlike(problem, key, document.keys()) : problem;
         return false;
     }
     name = value.toString();
@@ -82,6 +87,7 @@ bool parseDescriptionFile(const QString &fileName, const QByteArray &content,
         error = QStringLiteral("%1: %2").arg(fileName, problem);
         return false;
     }
+    parsed.doubts = doubtfulKeys(document);
     parsed.description = withoutSimulation(document);
     result = std::move(parsed);
     return true;

@@ -9,6 +9,7 @@
 #include <QByteArray>
 #include <QJsonObject>
 #include <QString>
+#include <QStringList>
 
 #include <memory>
 #include <vector>
@@ -25,6 +26,7 @@ struct DescriptionFile
 {
     SourceName source;
     QJsonObject description; ///< as it is published: without the simulation keys
+    QStringList doubts; ///< a sentence for each unknown key that looks like a known one
     std::vector<MovingLeaf> movingLeaves; ///< in document order; leaves without "simulate" stay out
 };
 

@@ -6,6 +6,7 @@
 #include "FetchFaults.h"
 #include "SimulatedSource.h"
 #include "SimulatorLog.h"
+#include "SpellingHint.h"
 
 #include <algorithm>
 #include <csignal>
@@ -77,11 +78,15 @@ bool FaultRunner::check(const ScenarioStep &step, QString &error) const
         names.append(source->source().toString());
     }
     if (!step.module.isEmpty() && !modules.contains(step.module)) {
-        error = QStringLiteral("key \"module\": no file publishes \"%1\"").arg(step.module);
+        error
+            = withHint(QStringLiteral("key \"module\": no file publishes \"%1\"").arg(step.module),
+                       step.module, modules);
         return false;
     }
     if (!step.source.isEmpty() && !names.contains(step.source)) {
-        error = QStringLiteral("key \"source\": no file publishes \"%1\"").arg(step.source);
+        error
+            = withHint(QStringLiteral("key \"source\": no file publishes \"%1\"").arg(step.source),
+                       step.source, names);
         return false;
     }
     if (step.leaf.isEmpty()) {
@@ -89,7 +94,9 @@ bool FaultRunner::check(const ScenarioStep &step, QString &error) const
     }
     const QStringList leaves = find(step.source)->leafPaths();
     if (!leaves.contains(step.leaf)) {
-        error = QStringLiteral("key \"leaf\": %1 has no leaf \"%2\"").arg(step.source, step.leaf);
+        error = withHint(
+            QStringLiteral("key \"leaf\": %1 has no leaf \"%2\"").arg(step.source, step.leaf),
+            step.leaf, leaves);
         return false;
     }
     return true;

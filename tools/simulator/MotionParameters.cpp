@@ -2,6 +2,8 @@
 // Typed, checked access to the keys of a "simulate" object.
 #include "MotionParameters.h"
 
+#include "SpellingHint.h"
+
 #include <QJsonArray>
 
 MotionParameters::MotionParameters(const LeafTemplate &leaf)
@@ -11,7 +13,7 @@ MotionParameters::MotionParameters(const LeafTemplate &leaf)
 
 double MotionParameters::number(const QString &key, double defaultValue)
 {
-    known.insert(key);
+    known.append(key);
     const QJsonValue json = leaf.simulate.value(key);
     if (json.isUndefined()) {
         return defaultValue;
@@ -35,7 +37,7 @@ double MotionParameters::positive(const QString &key, std::optional<double> defa
 {
     const double fallback = defaultValue.value_or(1);
     if (!defaultValue && !contains(key)) {
-        known.insert(key);
+        known.append(key);
         fail(key, QStringLiteral("is missing"));
         return fallback;
     }
@@ -49,7 +51,7 @@ double MotionParameters::positive(const QString &key, std::optional<double> defa
 
 QString MotionParameters::requiredText(const QString &key)
 {
-    known.insert(key);
+    known.append(key);
     const QJsonValue json = leaf.simulate.value(key);
     if (!json.isString() || json.toString().isEmpty()) {
         fail(key, contains(key) ? QStringLiteral("must be a text") : QStringLiteral("is missing"));
@@ -70,7 +72,7 @@ QVariant MotionParameters::value(const QString &key, const QJsonValue &json)
 
 QVariant MotionParameters::requiredValue(const QString &key)
 {
-    known.insert(key);
+    known.append(key);
     if (!contains(key)) {
         fail(key, QStringLiteral("is missing"));
         return {};
@@ -80,7 +82,7 @@ QVariant MotionParameters::requiredValue(const QString &key)
 
 QVector<QVariant> MotionParameters::requiredValues(const QString &key)
 {
-    known.insert(key);
+    known.append(key);
     QVector<QVariant> results;
     const QJsonValue json = leaf.simulate.value(key);
     const QJsonArray array = json.toArray();
@@ -108,8 +110,9 @@ QString MotionParameters::error()
     for (const QString &key : keys) {
         if (!known.contains(key)) {
             fail(key,
-                 QStringLiteral("is unknown for kind \"%1\"")
-                     .arg(leaf.simulate.value(QLatin1String("kind")).toString()));
+                 withHint(QStringLiteral("is unknown for kind \"%1\"")
+                              .arg(leaf.simulate.value(QLatin1String("kind")).toString()),
+                          key, known));
         }
     }
     return firstError;

@@ -5,8 +5,8 @@
 
 #include "LeafTemplate.h"
 
-#include <QSet>
 #include <QString>
+#include <QStringList>
 #include <QVariant>
 
 #include <optional>
@@ -40,7 +40,7 @@ private:
     QVariant value(const QString &key, const QJsonValue &json);
 
     const LeafTemplate &leaf;
-    QSet<QString> known{QStringLiteral("kind")};
+    QStringList known{QStringLiteral("kind")}; ///< in the order in which they were asked for
     QString firstError;
 };
 

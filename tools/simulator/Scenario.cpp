@@ -3,6 +3,7 @@
 #include "Scenario.h"
 
 #include "ScenarioKeys.h"
+#include "SpellingHint.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -62,7 +63,7 @@ bool readScenario(const QJsonObject &object, Scenario &scenario, QString &error)
     const QStringList present = object.keys();
     for (const QString &key : present) {
         if (!known.contains(key)) {
-            error = QStringLiteral("unknown key \"%1\"").arg(key);
+            error = withHint(QStringLiteral("unknown key \"%1\"").arg(key), key, known);
             return false;
         }
     }

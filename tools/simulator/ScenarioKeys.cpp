@@ -3,6 +3,7 @@
 #include "ScenarioKeys.h"
 
 #include "FaultTable.h"
+#include "SpellingHint.h"
 
 #include <QRegularExpression>
 
@@ -114,17 +115,22 @@ private:
 bool checkKeys(const QJsonObject &object, const FaultKeys &keys, const QString &what,
                QString &error)
 {
+    const QStringList present = object.keys();
     for (const QString &key : keys.required) {
         if (!object.contains(key)) {
-            error = QStringLiteral("key \"%1\" is missing: \"%2\" needs it").arg(key, what);
+            error = withLookAlike(
+                QStringLiteral("key \"%1\" is missing: \"%2\" needs it").arg(key, what), key,
+                present);
             return false;
         }
     }
-    const QStringList always{QStringLiteral("name"), QStringLiteral("at"), QStringLiteral("do")};
-    const QStringList present = object.keys();
+    const QStringList known
+        = QStringList{QStringLiteral("name"), QStringLiteral("at"), QStringLiteral("do")}
+        + keys.required + keys.optional;
     for (const QString &key : present) {
-        if (!always.contains(key) && !keys.required.contains(key) && !keys.optional.contains(key)) {
-            error = QStringLiteral("unknown key \"%1\" for \"%2\"").arg(key, what);
+        if (!known.contains(key)) {
+            error = withHint(QStringLiteral("unknown key \"%1\" for \"%2\"").arg(key, what), key,
+                             known);
             return false;
         }
     }

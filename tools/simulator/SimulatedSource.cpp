@@ -40,6 +40,7 @@ bool SimulatedSource::publish(QString &error)
     if (!parseDescriptionFile(name, published, file, error)) {
         return false;
     }
+    report(file.doubts);
     QString problem;
     publisher = ProcessDataPublisher::createFromText(
         file.source.module, file.source.object, file.source.instance,
@@ -162,13 +163,29 @@ void SimulatedSource::reload()
 bool SimulatedSource::replace(const QByteArray &newContent, QString &error)
 {
     DescriptionFile file;
-    if (!parseDescriptionFile(name, newContent, file, error) || !apply(file, newContent, error)) {
+    if (!parseDescriptionFile(name, newContent, file, error)) {
+        return false;
+    }
+    report(file.doubts);
+    if (!apply(file, newContent, error)) {
         return false;
     }
     published = newContent;
     current = std::move(file);
     current.movingLeaves.clear();
     return true;
+}
+
+// Before the file is taken: what looks strange may be the reason for which it is refused.
+void SimulatedSource::report(const QStringList &newDoubts)
+{
+    if (newDoubts == doubts) {
+        return;
+    }
+    doubts = newDoubts;
+    for (const QString &doubt : qAsConst(doubts)) {
+        qCWarning(simulator).noquote() << QStringLiteral("%1: %2").arg(name, doubt);
+    }
 }
 
 bool SimulatedSource::apply(DescriptionFile &file, const QByteArray &newContent, QString &error)

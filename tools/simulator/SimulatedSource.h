@@ -69,6 +69,7 @@ private:
     bool start(QString &error);
     bool publish(QString &error);
     bool replace(const QByteArray &newContent, QString &error);
+    void report(const QStringList &newDoubts);
     ProcessDataPublisher::FirstValues firstValues(DescriptionFile &file);
     void step(ProcessDataPublisher &to);
     void publishFirstValues(ProcessDataPublisher &to);
@@ -79,6 +80,7 @@ private:
     QByteArray content; ///< last seen, also when it was refused
     QByteArray published; ///< what is published: the file, or what a step made of it
     bool missing = false;
+    QStringList doubts; ///< reported last
     DescriptionFile current; ///< without its motions, which the tracks hold
     QElapsedTimer clock;
     std::vector<Track> tracks;

@@ -62,6 +62,7 @@ bool Simulator::readScenario(QString &error)
 
 int Simulator::startFaults(QString &error)
 {
+    checkScenario();
     control = std::make_unique<ControlService>(scenario, faults);
     if (!control->start(error)) {
         return ExitNotReachable;
@@ -72,6 +73,18 @@ int Simulator::startFaults(QString &error)
         }
     }
     return ExitAllGood;
+}
+
+// Not refused: a leaf may come with a change of its file.
+void Simulator::checkScenario() const
+{
+    for (const ScenarioStep &step : scenario.steps) {
+        QString problem;
+        if (!faults.check(step, problem)) {
+            qCWarning(simulator).noquote() << QStringLiteral("%1: step %2 would fail: %3")
+                                                  .arg(options.scenario, step.name, problem);
+        }
+    }
 }
 
 void Simulator::play(const ScenarioStep &step)

@@ -37,6 +37,7 @@ private:
     bool startServices(QString &error);
     bool readScenario(QString &error);
     int startFaults(QString &error);
+    void checkScenario() const;
     void play(const ScenarioStep &step);
     void step();
     void reload();

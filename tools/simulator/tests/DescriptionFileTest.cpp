@@ -28,6 +28,8 @@ private Q_SLOTS:
     void simulationKeysAreNotPublished();
     void whatIsWrongIsNamed_data();
     void whatIsWrongIsNamed();
+    void aKeyThatLooksLikeAKnownOneIsDoubted_data();
+    void aKeyThatLooksLikeAKnownOneIsDoubted();
     void aMissingFileIsNamed();
     void onlyPropertiesMayDifferInTheSameLayout_data();
     void onlyPropertiesMayDifferInTheSameLayout();
@@ -68,6 +70,10 @@ void DescriptionFileTest::whatIsWrongIsNamed_data()
         << QByteArray("{\n  \"module\": x}") << "f.pdd: line 2, column 13: illegal number";
     QTest::newRow("no module") << QByteArray("{}")
                                << "f.pdd: the key \"module\" must be there and hold a text";
+    QTest::newRow("a misspelt module")
+        << QByteArray(R"({"Module": "M"})")
+        << "f.pdd: the key \"module\" must be there and hold a text; "
+           "\"Module\" looks like it";
     QTest::newRow("an instance that is a number")
         << QByteArray(R"({"module": "M", "object": "O", "instance": 1})")
         << "f.pdd: the key \"instance\" must be there and hold a text";
@@ -86,6 +92,54 @@ void DescriptionFileTest::whatIsWrongIsNamed()
     QVERIFY(!parseDescriptionFile("f.pdd", content, file, error));
 
     QCOMPARE(error, expected);
+}
+
+void DescriptionFileTest::aKeyThatLooksLikeAKnownOneIsDoubted_data()
+{
+    QTest::addColumn<QByteArray>("keys"); // of the leaf "speed"
+    QTest::addColumn<QStringList>("expected");
+
+    const auto doubt = [](const char *text) { return QStringList{text}; };
+    QTest::newRow("all known") << QByteArray(R"("readOnly": true)") << QStringList();
+    QTest::newRow("another case") << QByteArray(R"("readonly": true)")
+                                  << doubt(
+                                         "leaf \"drive/speed\": unknown key \"readonly\"; did you "
+                                         "mean \"readOnly\"?");
+    QTest::newRow("a capital") << QByteArray(R"("Type": 1)") << QStringList();
+    QTest::newRow("one letter")
+        << QByteArray(R"("minimun": 1)")
+        << doubt("leaf \"drive/speed\": unknown key \"minimun\"; did you mean "
+                 "\"minimum\"?");
+    QTest::newRow("a key of somebody else's") << QByteArray(R"("colour": "red")") << QStringList();
+    QTest::newRow("two keys")
+        << QByteArray(R"("maximun": 1, "SelectorType": "x")")
+        << QStringList{"leaf \"drive/speed\": unknown key \"SelectorType\"; did you mean "
+                       "\"selectorType\"?",
+                       "leaf \"drive/speed\": unknown key \"maximun\"; did you mean "
+                       "\"maximum\"?"};
+    QTest::newRow("the same key of several leaves")
+        << QByteArray(R"("minimun": 1}, {"name": "other", "type": "int8", "minimun": 2)")
+        << doubt(
+               "leaf \"drive/speed\" and 1 more: unknown key \"minimun\"; did you mean \"minimum\"?");
+    QTest::newRow("of a group and of the whole")
+        << QByteArray(R"("unit": "m"}], "Description": "x", "more": [{)")
+        << doubt("group \"drive\": unknown key \"Description\"; did you mean \"description\"?");
+}
+
+void DescriptionFileTest::aKeyThatLooksLikeAKnownOneIsDoubted()
+{
+    QFETCH(QByteArray, keys);
+    QFETCH(QStringList, expected);
+    const QByteArray text = R"({"module": "M", "object": "O", "instance": "", "elements": [
+        {"name": "drive", "elements": [{"name": "speed", "type": "int8", )"
+        + keys + "}]}]}";
+    DescriptionFile file;
+    QString error;
+
+    QVERIFY2(parseDescriptionFile("f.pdd", text, file, error), qPrintable(error));
+
+    QCOMPARE(file.doubts, expected);
+    QCOMPARE(file.description, object(text)); // all keys are kept
 }
 
 void DescriptionFileTest::aMissingFileIsNamed()
@@ -154,6 +208,7 @@ void DescriptionFileTest::theExamplesAreRight()
     QVERIFY2(leaves.size() >= fewest && leaves.size() <= most,
              qPrintable(QString::number(leaves.size())));
     QCOMPARE(int(parsed.movingLeaves.size()), leaves.size()); // every leaf shows a value
+    QCOMPARE(parsed.doubts, QStringList());
 }
 
 QTEST_APPLESS_MAIN(DescriptionFileTest)

@@ -208,9 +208,13 @@ void MotionTest::badParametersAreRefusedByName_data()
         << R"({"kind": "jump"})"
         << "simulate.kind \"jump\" is none of constant, counter, follow, "
            "ramp, randomWalk, sequence, sine, square";
-    QTest::newRow("an unknown key") << "int8"
-                                    << R"({"kind": "counter", "stepp": 1})"
-                                    << "simulate.stepp is unknown for kind \"counter\"";
+    QTest::newRow("an unknown key")
+        << "int8"
+        << R"({"kind": "counter", "stepp": 1})"
+        << "simulate.stepp is unknown for kind \"counter\"; did you mean \"step\"?";
+    QTest::newRow("a key that is like none") << "int8"
+                                             << R"({"kind": "counter", "colour": 1})"
+                                             << "simulate.colour is unknown for kind \"counter\"";
     QTest::newRow("a missing period") << "float64"
                                       << R"({"kind": "sine"})"
                                       << "simulate.period is missing";

@@ -108,7 +108,7 @@ void ScenarioTest::aRefusalNamesItsPlace_data()
     row("no steps", R"({"format":"process-data-scenario/1"})",
         "key \"steps\": an array of steps is expected");
     row("an unknown key", R"({"format":"process-data-scenario/1","steps":[],"step":[]})",
-        "unknown key \"step\"");
+        "unknown key \"step\"; did you mean \"steps\"?");
     stepRow("a step that is no object", "5", "a JSON object is expected");
     stepRow("no fault", "{}", "key \"do\": \"\" is none of kill, kill-in-write, ");
     stepRow("an unknown fault", R"({"do":"Kill"})", "key \"do\": \"Kill\" is none of ");
@@ -116,6 +116,10 @@ void ScenarioTest::aRefusalNamesItsPlace_data()
             "key \"module\" is missing: \"vanish\" needs it");
     stepRow("a key of another fault", R"({"do":"kill","module":"m"})",
             "unknown key \"module\" for \"kill\"");
+    stepRow("a key that is missing under its name", R"({"do":"vanish","modul":"m"})",
+            "key \"module\" is missing: \"vanish\" needs it; \"modul\" looks like it");
+    stepRow("a misspelt key", R"({"do":"reply-never","source":"m/o/i","Count":1})",
+            "unknown key \"Count\" for \"reply-never\"; did you mean \"count\"?");
     stepRow("an empty name", R"({"do":"kill","name":""})",
             "key \"name\": a text that is not empty is expected");
     stepRow("a name twice", R"({"do":"kill","name":"1"})",
