@@ -85,6 +85,24 @@ in_shell() {
     check "nothing is left" nothing_is_left
     check "it says so" grep -q 'nothing is left behind' "$work/shell"
 }
+# What its greeting promises.
+in_shell <<'SHELL'
+line='selector read processdata://PumpStation/Pump/1/plate/na'
+COMP_LINE=$line COMP_POINT=${#line} COMP_CWORD=2 COMP_WORDS=(${line}) COMP_WORDBREAKS=' '
+$(complete -p selector | sed 's/.*-F \([^ ]*\).*/\1/')
+echo "completed: ${COMPREPLY[*]}"
+for page in selector selector-read process-data-simulator; do
+    [[ -r ${MANPATH%%:*}/man1/$page.1 ]] && echo "page: $page"
+done
+! command -v man >/dev/null || man -w selector-read
+process-data-simulator --run 'vanish PumpStation, return PumpStation'
+SHELL
+for text in 'selector modules' 'selector browse -r' 'selector read PumpStation/' 'selector explain' 'selector doctor' \
+    'selector watch --table' 'completed: processdata://PumpStation/Pump/1/plate/name' 'page: selector-read' \
+    'page: selector$' 'page: process-data-simulator' 'return PumpStation: done'; do
+    check "the shell shows: $text" grep -q -- "$text" "$work/shell"
+done
+
 in_shell <<'SHELL'
 kill -KILL $(pgrep -P $PPID -f process-data-simulator)
 SHELL
