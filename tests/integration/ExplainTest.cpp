@@ -160,7 +160,7 @@ void ExplainTest::faultsOfTheTextAreToldWithoutABus_data()
     QTest::addColumn<QString>("selector");
     QTest::addColumn<QString>("step");
     QTest::addColumn<QString>("finding");
-    QTest::newRow("no scheme") << "Pump/Controller/1/speed"
+    QTest::newRow("no scheme") << "://Pump/Controller/1/speed"
                                << "text"
                                << "scheme and";
     QTest::newRow("no leaf") << "processdata://Pump/Controller/1"

@@ -6,6 +6,7 @@
 #include "Help.h"
 #include "InterruptExit.h"
 #include "MessageLog.h"
+#include "NearMiss.h"
 #include "ProcessDataAccess.h"
 #include "StandardStreams.h"
 #include "Utf8Text.h"
@@ -16,28 +17,6 @@
 #include <cstdio>
 
 namespace {
-
-QString overview()
-{
-    QString text = QStringLiteral("Usage: selector COMMAND [OPTIONS] [ARGUMENTS]\n"
-                                  "Reads and writes live process data by selector URL.\n"
-                                  "\n"
-                                  "Commands:\n");
-    for (const Command &command : commands()) {
-        text += QStringLiteral("  %1  %2\n").arg(command.name, -10).arg(command.summary);
-    }
-    return text
-        + QStringLiteral(
-               "\n"
-               "Options:\n"
-               "  -h, --help  print this and exit; behind a command, print the command's help\n"
-               "  --version   print the version and exit\n"
-               "\n"
-               "Environment:\n"
-               "  PROCESSDATA_BUS              system (default), session or a bus address\n"
-               "  PROCESSDATA_DBUS_TIMEOUT_MS  time limit of one call to a service (2000)\n"
-               "  NO_COLOR                     when set, no colour on a terminal either\n");
-}
 
 int usageError(const Console &console, const QString &text, const QString &help)
 {
@@ -81,26 +60,70 @@ int runCommand(const Command &command, const QStringList &arguments, Console &co
     return result == ExitUsage ? usageError(console, error, helpName) : result;
 }
 
-int run(const QStringList &arguments, Console &console)
+int unknownCommand(const QString &name, Console &console)
 {
-    const QString name = arguments.value(1);
-    if (name == QLatin1String("--help") || name == QLatin1String("-h")) {
+    const QString hint = didYouMean(name, commandNames() + QStringList{QStringLiteral("help")});
+    return usageError(console,
+                      hint.isEmpty() ? QStringLiteral("Unknown command %1.").arg(name)
+                                     : QStringLiteral("Unknown command %1; %2").arg(name, hint),
+                      QStringLiteral("selector"));
+}
+
+// selector help [COMMAND]
+int help(const QStringList &arguments, Console &console)
+{
+    CommandLine line;
+    QString error;
+    if (!parseCommandLine(arguments, {}, line, error)) {
+        return usageError(console, error, QStringLiteral("selector"));
+    }
+    if (line.arguments.size() > 1) {
+        return usageError(console,
+                          QStringLiteral("Unexpected argument %1.").arg(line.arguments.at(1)),
+                          QStringLiteral("selector"));
+    }
+    const QString name = line.arguments.value(0);
+    const Command *command = findCommand(name);
+    if (!name.isEmpty() && command == nullptr) {
+        return unknownCommand(name, console);
+    }
+    console.out << (command == nullptr ? overview() : helpOf(*command));
+    return ExitAllGood;
+}
+
+int withoutCommand(const QStringList &options, Console &console)
+{
+    CommandLine line;
+    QString error;
+    if (!parseCommandLine(options, {}, line, error)) {
+        return usageError(console, error, QStringLiteral("selector"));
+    }
+    if (line.has("help")) {
         console.out << overview();
         return ExitAllGood;
     }
-    if (name == QLatin1String("--version")) {
+    return usageError(console, QStringLiteral("No command given.\n\n") + commandList(),
+                      QStringLiteral("selector"));
+}
+
+int run(QStringList arguments, Console &console)
+{
+    arguments.removeFirst(); // the program's own name
+    if (arguments.value(0) == QLatin1String("--version")) {
         console.out << "selector " TOOLS_VERSION "\n";
         return ExitAllGood;
     }
-    if (name.isEmpty()) {
-        return usageError(console, QStringLiteral("No command given."), QStringLiteral("selector"));
+    const int position = commandPosition(arguments);
+    if (position < 0) {
+        return withoutCommand(arguments, console);
+    }
+    const QString name = arguments.takeAt(position);
+    if (name == QLatin1String("help")) {
+        return help(arguments, console);
     }
     const Command *command = findCommand(name);
-    if (command == nullptr) {
-        return usageError(console, QStringLiteral("Unknown command %1.").arg(name),
-                          QStringLiteral("selector"));
-    }
-    return runCommand(*command, arguments.mid(2), console);
+    return command == nullptr ? unknownCommand(name, console)
+                              : runCommand(*command, arguments, console);
 }
 
 // As UTF-8 in every locale: Qt would replace what the locale's own encoding does not have.

@@ -4,6 +4,7 @@
 #include "Entries.h"
 #include "ExitCode.h"
 #include "LiveLeaves.h"
+#include "NearMiss.h"
 #include "Snapshot.h"
 
 namespace {
@@ -20,6 +21,21 @@ Entry checkEntry(const CheckedLine &checked)
                        finding.isNone() ? QStringLiteral("ok") : finding.codeName(), finding.text,
                        line.label});
     return entry;
+}
+
+// Which leaves of the snapshot were probably meant, for the first few lines that name none.
+void addHints(const Snapshot &snapshot, QVector<CheckedLine> &checked)
+{
+    int hintsLeft = 20;
+    for (CheckedLine &one : checked) {
+        if (one.finding.code != Finding::NoSuchLeaf || hintsLeft-- <= 0) {
+            continue;
+        }
+        const SelectorUrlParts parts = parseSelectorUrl(one.line.url);
+        const QStringList paths = snapshot.sources().value(parts.source).byPath.keys();
+        const QString hint = didYouMean(parts.path, paths);
+        one.finding.text += hint.isEmpty() ? QString() : QStringLiteral("; ") + hint;
+    }
 }
 
 int run(const CommandLine &line, const Console &console, QString &usage)
@@ -41,6 +57,7 @@ int run(const CommandLine &line, const Console &console, QString &usage)
         checked = checkLines(lines, [&snapshot](int /*position*/, const SelectorUrlParts &parts) {
             return snapshot.find(parts);
         });
+        addHints(snapshot, checked);
     } else {
         if (!busIsReachable(console)) {
             return ExitNotReachable;

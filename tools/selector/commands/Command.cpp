@@ -27,6 +27,35 @@ const Command *findCommand(const QString &name)
     return found == all.end() ? nullptr : &*found;
 }
 
+QStringList commandNames()
+{
+    QStringList names;
+    for (const Command &command : commands()) {
+        names.append(command.name);
+    }
+    return names;
+}
+
+int commandPosition(const QStringList &arguments)
+{
+    QVector<Option> options = commonOptions();
+    for (const Command &command : commands()) {
+        options += command.options;
+    }
+    for (int i = 0; i < arguments.size(); ++i) {
+        const QString &word = arguments.at(i);
+        if (!word.startsWith(QLatin1Char('-')) || word.size() == 1 || isNumber(word)) {
+            return i;
+        }
+        const bool valueFollows
+            = std::any_of(options.begin(), options.end(), [&](const Option &option) {
+                  return !option.value().isEmpty() && option.spellings().contains(word);
+              });
+        i += valueFollows ? 1 : 0;
+    }
+    return -1;
+}
+
 bool fetchModules(const Console &console, QString &providerList, ExitCode &exitCode)
 {
     QString error;

@@ -40,6 +40,13 @@ const QVector<Command> &commands();
 /// Null for an unknown name.
 const Command *findCommand(const QString &name);
 
+/// The name of each, in the same order.
+QStringList commandNames();
+
+/// Where the name of the command stands among the arguments of the program: options, and values of
+/// those that take one, may stand before it. -1 when there is none.
+int commandPosition(const QStringList &arguments);
+
 /// Each in a file of its own.
 Command modulesCommand();
 Command browseCommand();

@@ -2,17 +2,20 @@
 // Parses the arguments of a subcommand.
 #include "CommandLine.h"
 
+#include "Duration.h"
+#include "NearMiss.h"
+
 #include <QCommandLineParser>
 #include <QRegularExpression>
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 
 namespace {
 
 constexpr int longestInterval = 3600000; // milliseconds
 constexpr double longestTimeout = 86400; // seconds
-constexpr int millisecondsPerSecond = 1000;
 
 // A value such as -5 is not an option, though the parser would take it for one.
 const QChar numberMark(0xE000);
@@ -55,6 +58,17 @@ bool chooseFormat(CommandLine &line, QString &error)
     return false;
 }
 
+// What the option takes in place of a text that is not even a time; empty when it is one.
+QString wantedTime(const Option &option, const QString &value, double &milliseconds)
+{
+    const bool seconds = option.kind == Option::Seconds;
+    const auto time = millisecondsFromText(value, seconds ? millisecondsPerSecond : 1);
+    milliseconds = time.value_or(0);
+    return time ? QString()
+                : QStringLiteral("a number of %1, or one with its unit: ms, s, min, h or d")
+                      .arg(seconds ? QStringLiteral("seconds") : QStringLiteral("milliseconds"));
+}
+
 // Numbers get the form in which they are kept.
 bool accept(const Option &option, QString &value, QString &error)
 {
@@ -71,17 +85,22 @@ bool accept(const Option &option, QString &value, QString &error)
         }
         return !value.isEmpty();
     case Option::Seconds:
-        number = value.toDouble(&ok);
-        number = number <= longestTimeout ? number * millisecondsPerSecond : 0;
-        range = QStringLiteral("above 0 and at most %1 seconds").arg(longestTimeout);
+        range = wantedTime(option, value, number);
+        if (range.isEmpty()) {
+            number = number <= longestTimeout * millisecondsPerSecond ? number : 0;
+            range = QStringLiteral("above 0 and at most %1 seconds").arg(longestTimeout);
+        }
         break;
     case Option::Milliseconds:
+        range = wantedTime(option, value, number);
+        if (range.isEmpty()) {
+            number = number <= longestInterval && number == std::floor(number) ? number : 0;
+            range = QStringLiteral("1 to %1").arg(longestInterval);
+        }
+        break;
     case Option::Count:
-        const int highest
-            = option.kind == Option::Count ? std::numeric_limits<int>::max() : longestInterval;
         number = value.toInt(&ok);
-        number = number <= highest ? number : 0;
-        range = QStringLiteral("1 to %1").arg(highest);
+        range = QStringLiteral("1 to %1").arg(std::numeric_limits<int>::max());
     }
     if (!ok || !(number > 0) || qRound(number) < 1) {
         error = QStringLiteral("--%1 must be %2, not \"%3\"").arg(option.name(), range, value);
@@ -89,6 +108,24 @@ bool accept(const Option &option, QString &value, QString &error)
     }
     value = QString::number(qRound(number));
     return true;
+}
+
+// The parser's reason, and which option was probably meant.
+QString withOption(const QCommandLineParser &parser, const QVector<Option> &options)
+{
+    QString reason = parser.errorText();
+    const QString unknown = parser.unknownOptionNames().value(0);
+    QStringList known;
+    for (const Option &option : options) {
+        known.append(QStringLiteral("--") + option.name());
+    }
+    const QString hint
+        = unknown.size() > 1 ? didYouMean(QStringLiteral("--") + unknown, known) : QString();
+    if (!hint.isEmpty()) {
+        reason.chop(reason.endsWith(QLatin1Char('.')) ? 1 : 0);
+        reason += QStringLiteral("; ") + hint;
+    }
+    return reason;
 }
 
 } // namespace
@@ -132,7 +169,7 @@ bool parseCommandLine(const QStringList &arguments, const QVector<Option> &optio
         parser.addOption({names, QString(), option.value()});
     }
     if (!parser.parse(QStringList{QStringLiteral("selector")} + withMarkedNumbers(arguments))) {
-        error = parser.errorText();
+        error = withOption(parser, all);
         return false;
     }
     CommandLine parsed;

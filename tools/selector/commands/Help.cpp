@@ -93,6 +93,33 @@ QString beginningOf(const Command &command)
 
 } // namespace
 
+QString commandList()
+{
+    QString text = QStringLiteral("Commands:\n");
+    for (const Command &command : commands()) {
+        text += QStringLiteral("  %1  %2\n").arg(command.name, -10).arg(command.summary);
+    }
+    return text;
+}
+
+QString overview()
+{
+    return QStringLiteral("Usage: selector [OPTIONS] COMMAND [OPTIONS] [ARGUMENTS]\n"
+                          "       selector help [COMMAND]\n"
+                          "Reads and writes live process data by selector URL.\n"
+                          "\n")
+        + commandList()
+        + QStringLiteral("\nOptions of all commands, before or behind the command:\n")
+        + listOf(commonOptions())
+        + QStringLiteral(
+               "  --version        print the version and exit; without a command\n"
+               "\n"
+               "Environment:\n"
+               "  PROCESSDATA_BUS              system (default), session or a bus address\n"
+               "  PROCESSDATA_DBUS_TIMEOUT_MS  time limit of one call to a service (2000)\n"
+               "  NO_COLOR                     when set, no colour on a terminal either\n");
+}
+
 QString helpOf(const Command &command)
 {
     return QLatin1String(command.usage) + QStringLiteral("\nOptions:\n") + listOf(command.options)

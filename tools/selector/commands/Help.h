@@ -5,6 +5,12 @@
 
 #include "Command.h"
 
+/// What --help prints without a command.
+QString overview();
+
+/// The commands, one a line.
+QString commandList();
+
 /// What --help prints behind a command.
 QString helpOf(const Command &command);
 

@@ -23,20 +23,11 @@ QStringList split(const char *words)
     return QString::fromLatin1(words).split(QLatin1Char(' '), Qt::SkipEmptyParts);
 }
 
-QStringList spellings(const Option &option)
-{
-    QStringList result{QStringLiteral("--") + option.name()};
-    if (!option.letter().isEmpty()) {
-        result.append(QLatin1Char('-') + option.letter());
-    }
-    return result;
-}
-
 Offer offerOfOptions(const QVector<Option> &options, const QString &typed)
 {
     QStringList all;
     for (const Option &option : options) {
-        all += spellings(option);
+        all += option.spellings();
     }
     all.sort();
     return matching(all, typed);
@@ -46,7 +37,7 @@ Offer offerOfOptions(const QVector<Option> &options, const QString &typed)
 const Option *optionWithValue(const QVector<Option> &options, const QString &spelling)
 {
     const auto found = std::find_if(options.begin(), options.end(), [&](const Option &option) {
-        return !option.value().isEmpty() && spellings(option).contains(spelling);
+        return !option.value().isEmpty() && option.spellings().contains(spelling);
     });
     return found == options.end() ? nullptr : &*found;
 }
@@ -67,13 +58,20 @@ Offer offerOfArgument(const Arguments &takes, int position, const QString &typed
                                           : Offer{takes.kind, {}};
 }
 
-Offer offerOfCommands(const QString &typed)
+// The command's name, or an option of all commands in front of it.
+Offer offerBeforeCommand(const QStringList &line, const QString &typed)
 {
-    QStringList names;
-    for (const Command &command : commands()) {
-        names.append(command.name);
+    const QVector<Option> options = commonOptions();
+    const Option *open = line.isEmpty() ? nullptr : optionWithValue(options, line.constLast());
+    if (open != nullptr) {
+        return offerOfValue(*open, typed);
     }
-    return matching(names + split("--help --version"), typed);
+    if (typed.startsWith(QLatin1Char('-'))) {
+        Offer offer = offerOfOptions(options, typed);
+        offer.words += matching({QStringLiteral("--version")}, typed).words;
+        return offer;
+    }
+    return matching(commandNames() + split("help --help --version"), typed);
 }
 
 } // namespace
@@ -81,10 +79,15 @@ Offer offerOfCommands(const QString &typed)
 Offer offerFor(QStringList line)
 {
     const QString typed = line.takeLast();
-    if (line.isEmpty()) {
-        return offerOfCommands(typed);
+    const int place = commandPosition(line);
+    if (place < 0) {
+        return offerBeforeCommand(line, typed);
     }
-    const Command *command = findCommand(line.takeFirst());
+    const QString name = line.takeAt(place);
+    if (name == QLatin1String("help")) {
+        return line.isEmpty() ? matching(commandNames(), typed) : Offer();
+    }
+    const Command *command = findCommand(name);
     if (command == nullptr) {
         return {};
     }

@@ -2,8 +2,27 @@
 // selector modules: who offers selectors.
 #include "Command.h"
 #include "ModuleEntries.h"
+#include "NearMiss.h"
 
 namespace {
+
+// Says which type was probably meant, of those that modules offer and that are usual.
+void hintAtType(const QString &type, const QString &list, const Console &console)
+{
+    QStringList known{QStringLiteral("AnalogSelector"), QStringLiteral("DigitalSelector")};
+    const QVector<Module> all = modulesOfList(list);
+    for (const Module &module : all) {
+        for (const QString &selector : module.selectorTypes) {
+            known.append(selector.section(QLatin1Char('/'), -1));
+        }
+    }
+    const QString hint = didYouMean(type, known);
+    if (!hint.isEmpty()) {
+        printReason(QString(),
+                    QStringLiteral("no module offers the type \"%1\"; %2").arg(type, hint),
+                    console);
+    }
+}
 
 int run(const CommandLine &line, const Console &console, QString &usage)
 {
@@ -27,7 +46,11 @@ int run(const CommandLine &line, const Console &console, QString &usage)
     for (const Module &module : modules) {
         report.entries.append(moduleEntry(module));
     }
-    return printReport(report, console);
+    const int result = printReport(report, console);
+    if (line.has("type") && modules.isEmpty()) {
+        hintAtType(type, list, console);
+    }
+    return result;
 }
 
 } // namespace

@@ -19,6 +19,15 @@ QString Option::value() const
     return QString::fromLatin1(head).section(QStringLiteral("--"), 1).section(QLatin1Char(' '), 1);
 }
 
+QStringList Option::spellings() const
+{
+    QStringList result{QStringLiteral("--") + name()};
+    if (!letter().isEmpty()) {
+        result.append(QLatin1Char('-') + letter());
+    }
+    return result;
+}
+
 const QVector<Option> &commonOptions()
 {
     static const QVector<Option> options{

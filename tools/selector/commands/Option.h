@@ -15,8 +15,8 @@ struct Option
         Name, ///< not empty
         File, ///< not empty; shells offer files
         Count, ///< 1 to the largest int
-        Milliseconds, ///< 1 to an hour
-        Seconds, ///< above 0, at most a day, fractions too; kept as milliseconds
+        Milliseconds, ///< 1 to an hour; another unit may stand behind it
+        Seconds, ///< above 0, at most a day, fractions and other units too; kept as milliseconds
     };
 
     const char *head; ///< as the help shows it: "--dry-run", or "-f, --file FILE"
@@ -28,6 +28,7 @@ struct Option
     QString name() const; ///< "file"
     QString letter() const; ///< "f"; empty without
     QString value() const; ///< "FILE"; empty when it takes none
+    QStringList spellings() const; ///< "--file" and "-f"
 };
 
 /// Those of every command.
@@ -36,7 +37,9 @@ const QVector<Option> &commonOptions();
 /// What several commands have alike.
 inline constexpr Option timeoutOption{
     "--timeout S", "seconds for all calls together; else 2 for each call",
-    "Fractions are allowed. PROCESSDATA_DBUS_TIMEOUT_MS changes the 2 seconds.", Option::Seconds};
+    "Fractions are allowed, and another unit: 500ms, 2min. PROCESSDATA_DBUS_TIMEOUT_MS changes the "
+    "2 seconds.",
+    Option::Seconds};
 inline constexpr Option urlFileOption{
     "-f, --file FILE",
     "also read selectors from FILE (- is standard input), one a line;\n"

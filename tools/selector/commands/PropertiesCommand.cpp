@@ -39,7 +39,8 @@ int run(const CommandLine &line, const Console &console, QString &usage)
     Report report{QStringLiteral("selector.properties/1"), propertiesColumns(), {}, valueColumn};
     for (int i = 0; i < selectors.size(); ++i) {
         const FoundLeaf leaf = leaves.find(i);
-        PropertiesResult result{selectors.at(i).url, {}, leaf.finding, selectors.at(i).label};
+        PropertiesResult result{
+            selectors.at(i).url, {}, leaf.finding, selectors.at(i).label, leaf.properties.keys()};
         if (names.isEmpty()) {
             result.properties = allProperties(leaf.properties);
         } else if (leaf.finding.isNone()) {

@@ -4,6 +4,7 @@
 
 #include "ConfigurationAndProcessDataDefinitions.h"
 #include "Counted.h"
+#include "NearMiss.h"
 
 using ProcessDataAccess::Result;
 
@@ -241,9 +242,26 @@ Finding SelectorExaminer::explain(const QString &url)
     if (source.found.reason.isNone()
         && (parts.path.isNull() || !source.paths.contains(parts.path))) {
         return {Finding::NoSuchLeaf,
-                QStringLiteral("%1 has no such leaf").arg(parts.source.toString())};
+                QStringLiteral("%1 has no such leaf").arg(parts.source.toString())
+                    + leafHint(source, parts.path)};
     }
     return source.found.reason;
+}
+
+// For the first few alone: looking through many leaves again and again takes longer than people
+// wait.
+QString SelectorExaminer::leafHint(const Source &source, const QString &path)
+{
+    constexpr int mostHints = 20;
+    constexpr int mostLeaves = 10000;
+    if (hints >= mostHints || source.paths.size() > mostLeaves) {
+        return {};
+    }
+    ++hints;
+    QStringList paths = source.paths.values();
+    paths.sort();
+    const QString hint = didYouMean(path, paths);
+    return hint.isEmpty() ? QString() : QStringLiteral("; ") + hint;
 }
 
 Finding SelectorExaminer::explainRefusal(const QString &url)

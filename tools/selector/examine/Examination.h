@@ -68,7 +68,10 @@ private:
 
     const Source &sourceOf(const SourceName &name);
 
+    QString leafHint(const Source &source, const QString &path);
+
     QMap<SourceName, Source> sources;
+    int hints = 0; ///< given so far
 };
 
 #endif

@@ -3,6 +3,7 @@
 #include "SystemChecks.h"
 
 #include "Counted.h"
+#include "NearMiss.h"
 
 namespace {
 
@@ -94,6 +95,14 @@ void checkRegisteredTypes(const ModuleState &module, const SystemState &state,
     }
 }
 
+// What to do about a module that nobody knows, and which one was probably meant.
+QString unknownModuleAdvice(const QString &name, const SystemState &state)
+{
+    const QString hint = didYouMean(name, state.services.modules);
+    return (hint.isEmpty() ? QString() : hint + QLatin1Char(' '))
+        + QStringLiteral("start its service, or fix the name");
+}
+
 void checkModule(const ModuleState &module, const SystemState &state,
                  QVector<DoctorFinding> &findings)
 {
@@ -106,7 +115,7 @@ void checkModule(const ModuleState &module, const SystemState &state,
                  : state.registry.isOk()
                  ? QStringLiteral("neither on the bus nor registered")
                  : QStringLiteral("not on the bus; the registry did not answer"),
-             QStringLiteral("start its service, or fix the name")}));
+             unknownModuleAdvice(module.name, state)}));
     } else if (!module.onBus) {
         findings.append(DoctorFinding::error(
             check, module.name,

@@ -3,6 +3,7 @@
 #include "Entries.h"
 
 #include "ErrorTypeText.h"
+#include "NearMiss.h"
 #include "ValueText.h"
 
 namespace {
@@ -38,6 +39,13 @@ QString propertyText(const QVariant &value)
 {
     const QJsonValue json = propertyJson(value);
     return json.isArray() || json.isObject() ? propertyToText(json) : valueToText(value);
+}
+
+// Which property was probably meant, behind a reason.
+QString propertyHint(const QString &name, const PropertiesResult &result)
+{
+    const QString hint = didYouMean(name, result.known);
+    return hint.isEmpty() ? QString() : QStringLiteral("; ") + hint;
 }
 
 } // namespace
@@ -200,13 +208,17 @@ Entry propertiesEntry(const PropertiesResult &result)
         } else {
             missing.append(property.first);
             rows.append({selector, property.first, QString(),
-                         QStringLiteral("the leaf has no such property"), result.label});
+                         QStringLiteral("the leaf has no such property")
+                             + propertyHint(property.first, result),
+                         result.label});
         }
     }
     if (finding.isNone() && !missing.isEmpty()) {
-        finding = {Finding::NoSuchProperty,
-                   QStringLiteral("the leaf has no property \"%1\"")
-                       .arg(missing.join(QLatin1String("\", \"")))};
+        finding = {
+            Finding::NoSuchProperty,
+            QStringLiteral("the leaf has no property \"%1\"")
+                    .arg(missing.join(QLatin1String("\", \"")))
+                + (missing.size() == 1 ? propertyHint(missing.constFirst(), result) : QString())};
     }
     Entry entry = urlEntry(result.url, result.label, finding);
     if (result.finding.isNone()) {

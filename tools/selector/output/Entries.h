@@ -59,6 +59,7 @@ struct PropertiesResult
     QVector<QPair<QString, QVariant>> properties; ///< an invalid value: the leaf has none
     Finding finding; ///< why there is no leaf
     QString label = {};
+    QStringList known = {}; ///< names of all properties that the leaf has
 };
 
 QVector<Column> propertiesColumns();

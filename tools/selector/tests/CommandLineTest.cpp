@@ -24,6 +24,8 @@ private Q_SLOTS:
     void everyOptionIsTaken();
     void defaultsHold();
     void negativeNumbersAreValues();
+    void timesMayHaveUnits_data();
+    void timesMayHaveUnits();
     void wrongUsageIsNamed_data();
     void wrongUsageIsNamed();
     void optionsOfOtherCommandsAreUnknown();
@@ -87,6 +89,37 @@ void CommandLineTest::negativeNumbersAreValues()
     QCOMPARE(int(line.format), int(Format::Json));
 }
 
+void CommandLineTest::timesMayHaveUnits_data()
+{
+    QTest::addColumn<QString>("interval");
+    QTest::addColumn<QString>("timeout");
+    QTest::addColumn<int>("milliseconds");
+    QTest::newRow("bare") << "2000"
+                          << "2" << 2000;
+    QTest::newRow("ms") << "250ms"
+                        << "250ms" << 250;
+    QTest::newRow("s") << "1.5s"
+                       << "1.5s" << 1500;
+    QTest::newRow("min") << "2min"
+                         << "2min" << 120000;
+    QTest::newRow("h") << "1h"
+                       << "1h" << 3600000;
+}
+
+void CommandLineTest::timesMayHaveUnits()
+{
+    QFETCH(const QString, interval);
+    QFETCH(const QString, timeout);
+    QFETCH(const int, milliseconds);
+    CommandLine line;
+    QString error;
+    QVERIFY2(
+        parseCommandLine({"--interval", interval, "--timeout", timeout}, manyOptions, line, error),
+        qPrintable(error));
+    QCOMPARE(line.number("interval"), milliseconds);
+    QCOMPARE(line.number("timeout"), milliseconds);
+}
+
 void CommandLineTest::wrongUsageIsNamed_data()
 {
     QTest::addColumn<QStringList>("arguments");
@@ -106,7 +139,17 @@ void CommandLineTest::wrongUsageIsNamed_data()
         << "--timeout must be above 0 and at most 86400 seconds, not \"-1\"";
     QTest::newRow("time without number")
         << QStringList{"--timeout", "soon"}
-        << "--timeout must be above 0 and at most 86400 seconds, not \"soon\"";
+        << "--timeout must be a number of seconds, or one with its unit: ms, s, min, h or d, not "
+           "\"soon\"";
+    QTest::newRow("a unit that is not known")
+        << QStringList{"--interval", "5m"}
+        << "--interval must be a number of milliseconds, or one with its unit: ms, s, min, h or d, "
+           "not \"5m\"";
+    QTest::newRow("too long with its unit")
+        << QStringList{"--timeout", "2d"}
+        << "--timeout must be above 0 and at most 86400 seconds, not \"2d\"";
+    QTest::newRow("part of a millisecond")
+        << QStringList{"--interval", "1.5"} << "--interval must be 1 to 3600000, not \"1.5\"";
     QTest::newRow("too long a time")
         << QStringList{"--timeout", "1e9"}
         << "--timeout must be above 0 and at most 86400 seconds, not \"1e9\"";
@@ -133,6 +176,9 @@ void CommandLineTest::wrongUsageIsNamed_data()
     QTest::newRow("values only and JSON")
         << QStringList{"-j", "--quiet"} << "--quiet and --format exclude each other";
     QTest::newRow("an unknown option") << QStringList{"--fast"} << "Unknown option 'fast'.";
+    QTest::newRow("a mistyped option")
+        << QStringList{"--timoeut", "5"} << "Unknown option 'timoeut'; did you mean \"--timeout\"?";
+    QTest::newRow("an unknown letter") << QStringList{"-x"} << "Unknown option 'x'.";
     QTest::newRow("an option without value")
         << QStringList{"--count"} << "Missing value after '--count'.";
 }

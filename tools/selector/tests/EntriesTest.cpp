@@ -45,6 +45,7 @@ private Q_SLOTS:
     void propertyRowsAreAsDocumented();
     void aLeafRowNamesAccess();
     void peopleSeeFewerDigits();
+    void aMistypedPropertyIsAskedFor();
     void aLabelStandsInPlaceOfTheUrlForPeople();
 };
 
@@ -223,6 +224,15 @@ void EntriesTest::peopleSeeFewerDigits()
     const Cell cell = readEntry({"u", value(1404.8874733332314), speed, {}}).rows.first().at(1);
     QCOMPARE(cell.text, QString("1404.887473"));
     QCOMPARE(cell.machineText, QString("1404.8874733332314"));
+}
+
+void EntriesTest::aMistypedPropertyIsAskedFor()
+{
+    const Entry entry
+        = propertiesEntry({"u", {{"unti", QVariant()}}, {}, {}, {"minimum", "unit", "type"}});
+    QCOMPARE(csvOf(entry, propertiesColumns()),
+             QString("u,unti,,\"the leaf has no such property; did you mean \"\"unit\"\"?\","));
+    QCOMPARE(entry.reason, QString("the leaf has no property \"unti\"; did you mean \"unit\"?"));
 }
 
 void EntriesTest::aLabelStandsInPlaceOfTheUrlForPeople()

@@ -36,6 +36,7 @@ class HelpTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void theOverviewListsCommandsAndOptions();
     void eachCommandExplainsItsOptions();
     void aHelpHasItsOptionsInColumns();
     void aPageHasItsOptionsInFull();
@@ -43,6 +44,21 @@ private Q_SLOTS:
     void eachCommandHasAPageThatNamesItsFlags();
     void theCompletionKnowsEverything();
 };
+
+void HelpTest::theOverviewListsCommandsAndOptions()
+{
+    const QString text = overview();
+    for (const Command &command : commands()) {
+        QVERIFY2(commandList().contains("  " + command.name), qPrintable(command.name));
+    }
+    QVERIFY2(text.contains(commandList()), qPrintable(text));
+    for (const Option &option : commonOptions()) {
+        QVERIFY2(option.text[0] == 0 || text.contains(option.head), option.head);
+    }
+    for (const QString &line : text.split('\n')) {
+        QVERIFY2(line.size() <= 80, qPrintable(line));
+    }
+}
 
 void HelpTest::eachCommandExplainsItsOptions()
 {

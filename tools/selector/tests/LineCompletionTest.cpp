@@ -23,8 +23,17 @@ void LineCompletionTest::linesGoOn_data()
     };
     const auto nothing = [&](const char *line) { offers(line, Arguments::Words); };
     offers("w", Arguments::Words, "write watch");
-    offers("-", Arguments::Words, "--help --version");
-    offers("--v", Arguments::Words, "--version");
+    offers("h", Arguments::Words, "help");
+    offers("-", Arguments::Words,
+           "--format --help --json --no-legend --verbose -h -j -v --version");
+    offers("--v", Arguments::Words, "--verbose --version");
+    offers("-j w", Arguments::Words, "write watch");
+    offers("--format c", Arguments::Words, "csv");
+    offers("--format csv w", Arguments::Words, "write watch");
+    offers("--format csv read a", Arguments::Url);
+    offers("--timeout 3 browse ", Arguments::Place);
+    offers("help w", Arguments::Words, "write watch");
+    nothing("help write w");
     nothing("nonsense --");
     offers(
         "read -", Arguments::Words,

@@ -74,6 +74,7 @@ class SystemChecksTest : public QObject
 
 private Q_SLOTS:
     void aHealthySystemHasOneGoodFindingForEachCheck();
+    void aMistypedModuleIsAskedFor();
     void anInstanceMayHoldASlash();
     void answersThatFailAreToldApart_data();
     void answersThatFailAreToldApart();
@@ -98,6 +99,21 @@ void SystemChecksTest::aHealthySystemHasOneGoodFindingForEachCheck()
     }
     QCOMPARE(checks,
              (QStringList{"bus", "services", "registry", "sources", "buffers", "permissions"}));
+}
+
+void SystemChecksTest::aMistypedModuleIsAskedFor()
+{
+    SystemState state = healthy();
+    ModuleState unknown;
+    unknown.name = "Pmup";
+    state.modules.append(unknown);
+    QStringList advice;
+    const QVector<DoctorFinding> findings = checkSystem(state);
+    for (const DoctorFinding &finding : findings) {
+        advice += finding.finding.advice;
+    }
+    QVERIFY2(advice.contains("did you mean \"Pump\"? start its service, or fix the name"),
+             qPrintable(advice.join('\n')));
 }
 
 void SystemChecksTest::anInstanceMayHoldASlash()

@@ -28,8 +28,10 @@ expect() {
     fi
 }
 
-expect "selector " "modules browse read write watch properties explain doctor check snapshot diff apply complete --help --version"
+expect "selector " "modules browse read write watch properties explain doctor check snapshot diff apply complete help --help --version"
 expect "selector w" "write watch"
+expect "selector -j w" "write watch"
+expect "selector help ex" "explain"
 expect "selector read --fo" "--format"
 expect "selector read --format " "table json csv"
 expect "selector read --format c" "csv"
