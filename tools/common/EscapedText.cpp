@@ -10,6 +10,7 @@ namespace {
 
 constexpr int hexadecimal = 16;
 constexpr uint firstOfTwoBytes = 0x80; // what a shell's printf would take \x for
+const QLatin1String emptyText("\\c"); // for which a shell's printf prints nothing, too
 const QLatin1String shortNames("nrt\\");
 const QLatin1String shortMeanings("\n\r\t\\");
 
@@ -70,6 +71,9 @@ bool takeEscape(const QString &spelled, int &at, uint &character)
 
 QString escapedText(const QString &text)
 {
+    if (text.isEmpty()) {
+        return emptyText;
+    }
     QString result;
     const QVector<uint> characters = text.toUcs4();
     for (int i = 0; i < characters.size(); ++i) {
@@ -85,6 +89,10 @@ QString escapedText(const QString &text)
 bool textFromEscapes(const QString &spelled, QString &text, QString &error)
 {
     QString result;
+    if (spelled == emptyText) {
+        text = result;
+        return true;
+    }
     for (int i = 0; i < spelled.size(); ++i) {
         if (spelled.at(i) != QLatin1Char('\\')) {
             result += spelled.at(i);

@@ -6,7 +6,7 @@
 #include <QString>
 
 /// Spells a text so that it fits on one line, shows all that is in it, and is spelled by no other
-/// text: a backslash as \\, line feed, carriage return and tab as \n, \r and \t; other characters
+/// text: an empty text as \c; a backslash as \\, line feed, carriage return and tab as \n, \r and \t; other characters
 /// that are not seen, and a blank at either end, as \xHH below U+0080, \uHHHH, or \UHHHHHHHH beyond
 /// U+FFFF.
 QString escapedText(const QString &text);

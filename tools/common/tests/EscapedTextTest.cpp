@@ -11,6 +11,7 @@ class EscapedTextTest : public QObject
 private Q_SLOTS:
     void hostileTextsComeBackAsTheyWere_data();
     void hostileTextsComeBackAsTheyWere();
+    void anEmptySpellingIsAnEmptyText();
     void noTwoTextsAreSpelledAlike();
     void aBackslashThatBeginsNoEscapeIsRefused_data();
     void aBackslashThatBeginsNoEscapeIsRefused();
@@ -23,7 +24,7 @@ void EscapedTextTest::hostileTextsComeBackAsTheyWere_data()
     const auto row = [](const char *name, const QString &text, const QString &spelled) {
         QTest::newRow(name) << text << spelled;
     };
-    row("nothing", "", "");
+    row("nothing", "", "\\c");
     row("plain", QString::fromUtf8("Pumpe Süd 3/4\""), QString::fromUtf8("Pumpe Süd 3/4\""));
     row("a backslash", "\\", "\\\\");
     row("what looks like a line feed", "\\n", "\\\\n");
@@ -55,6 +56,15 @@ void EscapedTextTest::hostileTextsComeBackAsTheyWere()
     QCOMPARE(back, text);
 }
 
+// As a person writes it.
+void EscapedTextTest::anEmptySpellingIsAnEmptyText()
+{
+    QString text = "untouched";
+    QString error;
+    QVERIFY(textFromEscapes("", text, error));
+    QCOMPARE(text, QString(""));
+}
+
 void EscapedTextTest::noTwoTextsAreSpelledAlike()
 {
     QHash<QString, QString> texts; // by spelling
@@ -81,6 +91,7 @@ void EscapedTextTest::aBackslashThatBeginsNoEscapeIsRefused_data()
     QTest::addColumn<int>("place");
     QTest::newRow("at the end") << "a\\" << 2;
     QTest::newRow("another letter") << "\\q" << 1;
+    QTest::newRow("nothing, and more") << "\\ca" << 1;
     QTest::newRow("one digit") << "\\x1" << 1;
     QTest::newRow("no digit") << "ab\\xg1" << 3;
     QTest::newRow("a sign") << "\\x+1" << 1;

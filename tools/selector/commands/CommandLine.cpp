@@ -39,16 +39,26 @@ QStringList unmarked(QStringList texts)
     return texts;
 }
 
-bool chooseFormat(CommandLine &line, QString &error)
+// "a, b or c"
+QString choice(const QStringList &names)
 {
-    static const QStringList names{QStringLiteral("table"), QStringLiteral("json"),
-                                   QStringLiteral("csv")}; // in the order of Format
+    return QStringList(names.mid(0, names.size() - 1)).join(QLatin1String(", "))
+        + QStringLiteral(" or ") + names.constLast();
+}
+
+bool chooseFormat(const QVector<Option> &options, CommandLine &line, QString &error)
+{
+    const auto format = std::find_if(options.begin(), options.end(), [](const Option &option) {
+        return option.name() == QLatin1String("format");
+    });
+    // In the order of Format.
+    const QStringList names = QString::fromLatin1(format->words).split(QLatin1Char(' '));
     const QString name
         = line.has("format") ? line.text("format") : names.at(line.has("json") ? 1 : 0);
     if (line.has("json") && name != names.at(1)) {
         error = QStringLiteral("-j and --format %1 exclude each other").arg(name);
     } else if (!names.contains(name)) {
-        error = QStringLiteral("--format must be table, json or csv, not \"%1\"").arg(name);
+        error = QStringLiteral("--format must be %1, not \"%2\"").arg(choice(names), name);
     } else if (line.has("quiet") && (line.has("format") || line.has("json"))) {
         error = QStringLiteral("--quiet and --format exclude each other");
     } else {
@@ -161,7 +171,7 @@ int CommandLine::number(const char *option, int otherwise) const
 bool parseCommandLine(const QStringList &arguments, const QVector<Option> &options,
                       CommandLine &line, QString &error)
 {
-    const QVector<Option> all = commonOptions() + options;
+    const QVector<Option> all = commonOptions(options) + options;
     QCommandLineParser parser;
     for (const Option &option : all) {
         QStringList names{option.letter(), option.name()};
@@ -189,7 +199,7 @@ bool parseCommandLine(const QStringList &arguments, const QVector<Option> &optio
             || std::all_of(values->begin(), values->end(),
                            [&](QString &value) { return accept(option, value, error); });
     };
-    if (!chooseFormat(parsed, error) || !std::all_of(all.begin(), all.end(), isGood)) {
+    if (!chooseFormat(all, parsed, error) || !std::all_of(all.begin(), all.end(), isGood)) {
         return false;
     }
     line = parsed;

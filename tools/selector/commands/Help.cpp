@@ -123,7 +123,7 @@ QString overview()
 QString helpOf(const Command &command)
 {
     return QLatin1String(command.usage) + QStringLiteral("\nOptions:\n") + listOf(command.options)
-        + listOf(commonOptions())
+        + listOf(commonOptions(command.options))
         + QStringLiteral(
                "\n"
                "Exit codes: 0 all good, 1 something failed (its row says why), 2 wrong usage, 3 the\n"
@@ -135,7 +135,8 @@ QString helpOf(const Command &command)
 QString manualPage(QString text, const Command *command)
 {
     QString options;
-    const auto all = (command == nullptr ? QVector<Option>() : command->options) + commonOptions();
+    const auto own = command == nullptr ? QVector<Option>() : command->options;
+    const auto all = own + commonOptions(own);
     for (const Option &option : all) {
         options += roffOf(option);
     }

@@ -91,7 +91,7 @@ Offer offerFor(QStringList line)
     if (command == nullptr) {
         return {};
     }
-    const QVector<Option> options = commonOptions() + command->options;
+    const QVector<Option> options = commonOptions(command->options) + command->options;
     const Option *open = nullptr; // waits for its value
     int position = 0;
     for (const QString &word : qAsConst(line)) {

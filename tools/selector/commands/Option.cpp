@@ -2,6 +2,8 @@
 // The parts of an option's head, and the options of every command.
 #include "Option.h"
 
+#include <algorithm>
+
 QString Option::name() const
 {
     return QString::fromLatin1(head)
@@ -44,4 +46,17 @@ const QVector<Option> &commonOptions()
          "With file, line and function."},
         {"-h, --help", "print this and exit", "The help is the usage in short."}};
     return options;
+}
+
+QVector<Option> commonOptions(const QVector<Option> &own)
+{
+    QVector<Option> result;
+    for (const Option &option : commonOptions()) {
+        const bool replaced = std::any_of(
+            own.begin(), own.end(), [&](const Option &one) { return one.name() == option.name(); });
+        if (!replaced) {
+            result.append(option);
+        }
+    }
+    return result;
 }

@@ -34,6 +34,9 @@ struct Option
 /// Those of every command.
 const QVector<Option> &commonOptions();
 
+/// The same but for those that a command has itself.
+QVector<Option> commonOptions(const QVector<Option> &own);
+
 /// What several commands have alike.
 inline constexpr Option timeoutOption{
     "--timeout S", "seconds for all calls together; else 2 for each call",
@@ -50,7 +53,8 @@ inline constexpr Option urlFileOption{
 inline constexpr Option quietOption{
     "-q, --quiet", "print values only, one a line; an empty line where there is none",
     "Values are exact, and there is no header. Reasons go to standard error as ever. Backslashes "
-    "and what is not seen are escaped, as write --escapes reads it. Not with --format."};
+    "and what is not seen are escaped, as write --escapes reads it; a text that is empty is \\c. Not "
+    "with --format."};
 inline constexpr char knownProperties[]
     = "type unit readOnly minimum maximum description selectorType";
 

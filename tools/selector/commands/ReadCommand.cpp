@@ -25,8 +25,11 @@ int run(const CommandLine &line, const Console &console, QString &usage)
     SelectorExaminer examiner;
     Report report{QStringLiteral("selector.read/1"), readColumns(), {}, valueColumn};
     for (int i = 0; i < urls.size(); ++i) {
-        ReadResult result{
-            urls.at(i), values.at(i), propertiesOf(handler, i), {}, selectors.at(i).label};
+        const QJsonObject properties = propertiesOf(handler, i);
+        if (line.has("writable") && properties.value(QLatin1String("readOnly")).toBool()) {
+            continue;
+        }
+        ReadResult result{urls.at(i), values.at(i), properties, {}, selectors.at(i).label};
         if (result.value.isMissing()) {
             result.finding = examiner.explain(result.url);
         }
@@ -45,7 +48,14 @@ Command readCommand()
         "Usage: selector read [OPTIONS] [NAME=]SELECTOR...\n"
         "Prints the current value of each selector with unit, error type and local time. A\n"
         "SELECTOR is a URL, or one without processdata://; NAME stands in its place in the table.\n",
-        {urlFileOption, quietOption, timeoutOption},
+        {{"--writable", "leave out leaves that are read-only"},
+         {"--format FORMAT",
+          "table (default), json, csv, or pairs: one selector and its value a\n"
+          "line, as apply and write -f read them; -j is --format json",
+          "FORMATS in selector(1) describes them.", Option::Text, "table json csv pairs"},
+         urlFileOption,
+         quietOption,
+         timeoutOption},
         "\nExample: selector read PumpStation/Pump/1/drive/speed\n",
         {Arguments::Url, Arguments::many},
         run};

@@ -7,17 +7,18 @@
 
 namespace {
 
-bool readSelectorFile(const QString &name, LineForm form, QVector<ListLine> &selectors,
-                      QString &error)
+bool readSelectorFile(const QString &name, const CommandLine &line, bool withValues,
+                      QVector<ListLine> &selectors, QString &error)
 {
     QString text;
     if (!readTextFile(name, text, error)) {
         return false;
     }
     QTextStream stream(&text);
-    const QVector<ListLine> lines = readListLines(stream, form);
+    QVector<ListLine> lines;
     QString problem;
-    if (form == LineForm::UrlAndValue && !haveValues(lines, problem)) {
+    if (!readListLines(stream, line.has("escapes") ? Escapes::All : Escapes::Marked, lines, problem)
+        || (withValues && !haveValues(lines, problem))) {
         error = QStringLiteral("%1: %2").arg(
             isStandardInput(name) ? QStringLiteral("standard input") : name, problem);
         return false;
@@ -55,14 +56,14 @@ bool collectSelectors(const CommandLine &line, LineForm form, QVector<ListLine> 
         selectors.append(withValues ? listLine(0, typed, line.arguments.at(i + 1))
                                     : listLine(0, typed));
     }
-    const QStringList files = line.texts("file");
-    for (const QString &file : files) {
-        if (!readSelectorFile(file, form, selectors, error)) {
-            return false;
-        }
-    }
     if (line.has("escapes") && !readEscapes(selectors, error)) {
         return false;
+    }
+    const QStringList files = line.texts("file");
+    for (const QString &file : files) {
+        if (!readSelectorFile(file, line, withValues, selectors, error)) {
+            return false;
+        }
     }
     if (selectors.isEmpty()) {
         error = QStringLiteral("No selector given.");

@@ -6,10 +6,15 @@
 #include "CommandLine.h"
 #include "ListFile.h"
 
+/// What each selector is given with.
+enum class LineForm {
+    Url, ///< nothing; a value in a file is left out of account
+    UrlAndValue,
+};
+
 /// Collects what the arguments name, then what the files (- for standard input) name, in their
 /// order, each with its label and in full.
 ///
-/// @param form   with values each selector has one
 /// @param error  receives one sentence, also when there is no selector at all
 bool collectSelectors(const CommandLine &line, LineForm form, QVector<ListLine> &selectors,
                       QString &error);

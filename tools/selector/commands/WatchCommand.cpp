@@ -144,7 +144,7 @@ Command watchCommand()
           "alike. Those that do not fit on the terminal are counted in its last line."},
          {"-q, --quiet", "print values only, one a line as they change, no announcements",
           "Values are exact, and there is no header. Backslashes and what is not seen are "
-          "escaped, as write --escapes reads it. Not with --format, --timestamps or --plot."},
+          "escaped, as write --escapes reads it; a text that is empty is \\c. Not with --format, --timestamps or --plot."},
          urlFileOption},
         "Watch also: 0 when EXPR held, 4 when the time limit came before EXPR or --count,\n"
         "130 after SIGINT; otherwise the latest line of each selector decides.\n"

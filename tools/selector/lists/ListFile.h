@@ -24,14 +24,20 @@ struct ListLine
 ListLine listLine(int number, const QString &typed);
 ListLine listLine(int number, const QString &typed, const QString &value);
 
-/// What a line holds.
-enum class LineForm {
-    Url, ///< nothing else
-    UrlAndValue, ///< perhaps blanks and a value
+/// Which values are spelled with escapes, as EscapedText.h has them.
+enum class Escapes {
+    Marked, ///< those of lines that begin with -e and a blank
+    All,
 };
 
-/// Empty lines and lines that begin with # are left out.
-QVector<ListLine> readListLines(QTextStream &stream, LineForm form = LineForm::UrlAndValue);
+/// Adds the lines of a list; empty ones and those that begin with # are left out.
+///
+/// @param error  receives the number of the first line whose value is not spelled as it should be
+bool readListLines(QTextStream &stream, Escapes escapes, QVector<ListLine> &lines, QString &error);
+
+/// The line that reads back as this one: label, URL and value, with -e before them where the value
+/// could not stand as it is.
+QString listText(const ListLine &line);
 
 /// Adds the lines of a file.
 ///

@@ -41,6 +41,22 @@ QString propertyText(const QVariant &value)
     return json.isArray() || json.isObject() ? propertyToText(json) : valueToText(value);
 }
 
+Cell valueCell(const QString &text, const QString &machineText)
+{
+    Cell cell(text, machineText);
+    cell.holdsValue = true;
+    return cell;
+}
+
+// What is not a good value is a comment there, so that nobody takes it for one.
+QString pairOf(const ReadResult &result, const ReadRow &row)
+{
+    if (row.state == Entry::Good) {
+        return listText({0, result.url, valueToText(result.value.value), true, result.label});
+    }
+    return QStringLiteral("# %1: %2").arg(printable(result.url), printable(row.note));
+}
+
 // Which property was probably meant, behind a reason.
 QString propertyHint(const QString &name, const PropertiesResult &result)
 {
@@ -130,7 +146,8 @@ ReadRow readRow(const ReadResult &result)
         row.state = result.value.isMissing() ? Entry::Failed : Entry::Doubtful;
     }
     if (row.state == Entry::Good || row.state == Entry::Doubtful) {
-        row.value = Cell(valueToShortText(result.value.value), valueToText(result.value.value));
+        const QVariant &value = result.value.value;
+        row.value = valueCell(valueToShortText(value), valueToText(value));
         row.timestamp = result.value.timestamp;
     }
     row.unit = textOf(result.properties, "unit");
@@ -165,6 +182,7 @@ Entry readEntry(const ReadResult &result)
     entry.rows.append({selectorCell(result.url, result.label), row.value, row.unit, row.error,
                        Cell(timeToText(row.timestamp), timeToIsoText(row.timestamp)), row.note,
                        result.label});
+    entry.pair = pairOf(result, row);
     return entry;
 }
 
@@ -203,8 +221,8 @@ Entry propertiesEntry(const PropertiesResult &result)
     for (const auto &property : result.properties) {
         if (property.second.isValid()) {
             properties.insert(property.first, propertyJson(property.second));
-            rows.append(
-                {selector, property.first, propertyText(property.second), QString(), result.label});
+            const QString text = propertyText(property.second);
+            rows.append({selector, property.first, valueCell(text, text), QString(), result.label});
         } else {
             missing.append(property.first);
             rows.append({selector, property.first, QString(),

@@ -165,6 +165,15 @@ QString renderCsv(const Report &report, bool legend)
     return text;
 }
 
+QString renderPairs(const Report &report)
+{
+    QString text;
+    for (const Entry &entry : report.entries) {
+        text += entry.pair + QLatin1Char('\n');
+    }
+    return text;
+}
+
 QString renderJson(const Report &report, bool pretty)
 {
     QJsonArray results;
@@ -227,6 +236,8 @@ QString render(const Report &report, const Style &style)
         return renderJson(report, style.pretty);
     case Format::Csv:
         return renderCsv(report, style.legend);
+    case Format::Pairs:
+        return renderPairs(report);
     case Format::Table:
         break;
     }
@@ -274,5 +285,6 @@ QString renderCsvLine(const QStringList &fields)
 
 QString renderQuietLine(const Cell &cell)
 {
-    return escapedText(cell.machineText);
+    return cell.machineText.isEmpty() && !cell.holdsValue ? QString()
+                                                          : escapedText(cell.machineText);
 }

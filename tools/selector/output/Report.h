@@ -15,6 +15,7 @@ enum class Format {
     Table, ///< for people
     Json, ///< one document; one object a line where results come over time
     Csv, ///< with a header line, fields quoted where needed (RFC 4180, lines end in LF)
+    Pairs, ///< a selector and its value a line, as files of values have them
 };
 
 /// One cell: for people, and for CSV where that differs.
@@ -33,6 +34,7 @@ struct Cell
 
     QString text;
     QString machineText;
+    bool holdsValue = false; ///< when it is empty, it is an empty text and not nothing
 };
 
 using Row = QVector<Cell>;
@@ -68,6 +70,7 @@ struct Entry
     ExitCode failure = ExitSomeFailed; ///< what it means for a script when it is not good
     QJsonObject json;
     QVector<Row> rows;
+    QString pair; ///< its line of Format::Pairs
 
     /// What it means for a script.
     ExitCode exitCode() const;
@@ -118,7 +121,8 @@ QString renderTableHeader(const QVector<Column> &columns, const QVector<int> &wi
 /// One line of CSV without its end.
 QString renderCsvLine(const QStringList &fields);
 
-/// What --quiet leaves of a cell, without the end of its line: its exact text, with escapes.
+/// What --quiet leaves of a cell, without the end of its line: its exact text, with escapes;
+/// nothing of one that holds none.
 QString renderQuietLine(const Cell &cell);
 
 #endif

@@ -127,6 +127,8 @@ void CommandLineTest::wrongUsageIsNamed_data()
 
     QTest::newRow("an unknown format")
         << QStringList{"--format", "xml"} << "--format must be table, json or csv, not \"xml\"";
+    QTest::newRow("a format of another command")
+        << QStringList{"--format", "pairs"} << "--format must be table, json or csv, not \"pairs\"";
     QTest::newRow("an empty format")
         << QStringList{"--format="} << "--format must be table, json or csv, not \"\"";
     QTest::newRow("two formats at once")

@@ -27,6 +27,14 @@ const QJsonObject served{
                                                     {"readOnly", true},
                                                     {"offset", 256}}}}}}}};
 
+QVector<ListLine> linesOf(QString text)
+{
+    QTextStream stream(&text);
+    QVector<ListLine> lines;
+    QString error;
+    return readListLines(stream, Escapes::Marked, lines, error) ? lines : QVector<ListLine>();
+}
+
 } // namespace
 
 class LeafCheckTest : public QObject
@@ -87,13 +95,11 @@ void LeafCheckTest::eachLineIsJudged()
     QFETCH(QString, code);
     QFETCH(QString, text);
     const Snapshot snapshot = loaded();
-    QString line = QTest::currentDataTag();
-    QTextStream stream(&line);
 
-    const auto checked
-        = checkLines(readListLines(stream), [&](int position, const SelectorUrlParts &parts) {
-              return position == 0 ? snapshot.find(parts) : FoundLeaf();
-          });
+    const auto checked = checkLines(linesOf(QTest::currentDataTag()),
+                                    [&](int position, const SelectorUrlParts &parts) {
+                                        return position == 0 ? snapshot.find(parts) : FoundLeaf();
+                                    });
 
     QCOMPARE(checked.size(), 1);
     QCOMPARE(checked.first().finding.codeName(), code);
@@ -103,13 +109,12 @@ void LeafCheckTest::eachLineIsJudged()
 void LeafCheckTest::anEarlierLineIsNamed()
 {
     const Snapshot snapshot = loaded();
-    QString list("# one\nprocessdata://M/O/1/speed\nprocessdata://M/O/1/speed?deactivated\n\n"
-                 "processdata://M/O/1/%73peed\nprocessdata://M/O/1/speed\n");
-    QTextStream stream(&list);
+    const QString list("# one\nprocessdata://M/O/1/speed\nprocessdata://M/O/1/speed?deactivated\n\n"
+                       "processdata://M/O/1/%73peed\nprocessdata://M/O/1/speed\n");
 
     QStringList found;
     for (const CheckedLine &one :
-         checkLines(readListLines(stream), [&](int /*position*/, const SelectorUrlParts &parts) {
+         checkLines(linesOf(list), [&](int /*position*/, const SelectorUrlParts &parts) {
              return snapshot.find(parts);
          })) {
         found.append(QString("%1 %2").arg(one.line.number).arg(one.finding.text));
@@ -122,10 +127,9 @@ void LeafCheckTest::anEarlierLineIsNamed()
 
 void LeafCheckTest::listsAreReadWithTheirLineNumbers()
 {
-    QString list("\n# note\n  a \t b  c \n\nx\n");
-    QTextStream stream(&list);
+    const QString list("\n# note\n  a \t b  c \n\nx\n");
 
-    const QVector<ListLine> lines = readListLines(stream);
+    const QVector<ListLine> lines = linesOf(list);
 
     QCOMPARE(lines.size(), 2);
     QCOMPARE(lines.first().number, 3);

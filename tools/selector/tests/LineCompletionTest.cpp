@@ -37,8 +37,10 @@ void LineCompletionTest::linesGoOn_data()
     nothing("nonsense --");
     offers(
         "read -", Arguments::Words,
-        "--file --format --help --json --no-legend --quiet --timeout --verbose --width -f -h -j -q -v");
-    offers("read --format=", Arguments::Words, "--format=table --format=json --format=csv");
+        "--file --format --help --json --no-legend --quiet --timeout --verbose --width --writable "
+        "-f -h -j -q -v");
+    offers("read --format=", Arguments::Words,
+           "--format=table --format=json --format=csv --format=pairs");
     nothing("read --quiet=");
     offers("modules --type=D", Arguments::Words, "--type=DigitalSelector");
     offers("check --against=r", Arguments::File);

@@ -105,7 +105,10 @@ void ReportTest::quietLeavesOneValueOfEachRow()
     report.quietColumn = 1;
     report.entries[0].rows.append(
         {QString("a"), QString("two\nlines, C:\\n"), QString(), QString()});
-    QCOMPARE(render(report, style), QString("1.50001\ntwo\\nlines, C:\\\\n\n\n"));
+    Cell empty{QString()};
+    empty.holdsValue = true;
+    report.entries[0].rows.append({QString("a"), empty, QString(), QString()});
+    QCOMPARE(render(report, style), QString("1.50001\ntwo\\nlines, C:\\\\n\n\\c\n\n"));
 }
 
 void ReportTest::quietNamesLeaveOutFailuresAndFurtherRows()

@@ -9,6 +9,14 @@ namespace {
 
 const QString pump("processdata://P/O/1/");
 
+QVector<ListLine> linesOf(QString text, Escapes escapes = Escapes::Marked)
+{
+    QTextStream stream(&text);
+    QVector<ListLine> lines;
+    QString error;
+    return readListLines(stream, escapes, lines, error) ? lines : QVector<ListLine>();
+}
+
 } // namespace
 
 class SelectorListTest : public QObject
@@ -18,6 +26,9 @@ class SelectorListTest : public QObject
 private Q_SLOTS:
     void linesAreReadWithoutComments();
     void valuesAreTheRestOfTheLine();
+    void markedValuesAreSpelledWithEscapes();
+    void linesReadBackAsTheyWereWritten_data();
+    void linesReadBackAsTheyWereWritten();
     void aLineWithoutValueIsNamed();
     void argumentsComeBeforeTheFiles();
     void labelsAreTakenFromArgumentsAndFiles();
@@ -29,33 +40,92 @@ private Q_SLOTS:
 
 void SelectorListTest::linesAreReadWithoutComments()
 {
-    QString text("# pumps\n\n  P/O/1/a  \r\n#b\nprocessdata://P/O/1/c?deactivated\n");
-    QTextStream stream(&text);
+    const QString text("# pumps\n\n  P/O/1/a  \r\n#b\nprocessdata://P/O/1/c?deactivated\n");
 
-    const QVector<ListLine> selectors = readListLines(stream, LineForm::Url);
+    const QVector<ListLine> selectors = linesOf(text);
 
     QCOMPARE(urlsOf(selectors), QVector<QString>({pump + "a", pump + "c?deactivated"}));
 }
 
 void SelectorListTest::valuesAreTheRestOfTheLine()
 {
-    QString text("P/O/1/a \t two words  \nP/O/1/b\t-5\n");
-    QTextStream stream(&text);
+    const QString text("P/O/1/a \t two words  \nP/O/1/b\t-5\n");
 
-    const QVector<ListLine> selectors = readListLines(stream);
+    const QVector<ListLine> selectors = linesOf(text);
 
     QCOMPARE(urlsOf(selectors), QVector<QString>({pump + "a", pump + "b"}));
     QCOMPARE(selectors.at(0).value, QString("two words"));
     QCOMPARE(selectors.at(1).value, QString("-5"));
 }
 
+void SelectorListTest::markedValuesAreSpelledWithEscapes()
+{
+    const QString text("-e a x\\ny\n-e\tb \\c\nc x\\ny\n-e name=d\n-ef 1\n");
+    QVector<ListLine> lines = linesOf(text);
+    QStringList found;
+    for (const ListLine &line : qAsConst(lines)) {
+        found.append(line.label + '|' + line.url.mid(14) + '|' + line.value);
+    }
+    QCOMPARE(found, QStringList({"|a|x\ny", "|b|", "|c|x\\ny", "name|d|", "|-ef|1"}));
+    QVERIFY(lines.at(1).hasValue && !lines.at(3).hasValue);
+    QCOMPARE(linesOf("c x\\ny", Escapes::All).constFirst().value, QString("x\ny"));
+
+    QString wrong("a 1\n-e b \\q\n");
+    QTextStream stream(&wrong);
+    QString error;
+    QVERIFY(!readListLines(stream, Escapes::Marked, lines, error));
+    QVERIFY2(error.startsWith("line 2: the value \"\\q\" of processdata://b has a backslash at "),
+             qPrintable(error));
+}
+
+void SelectorListTest::linesReadBackAsTheyWereWritten_data()
+{
+    QTest::addColumn<QString>("value");
+    QTest::addColumn<QString>("line");
+    const auto row = [](const char *name, const QString &value, const char *line) {
+        QTest::newRow(name) << value << QString::fromUtf8(line);
+    };
+    row("a number", "-1.5", "processdata://P/O/1/a -1.5");
+    row("words", "two  words", "processdata://P/O/1/a two  words");
+    row("a comment sign", "# 5", "processdata://P/O/1/a # 5");
+    row("what looks like a mark", "-e x", "processdata://P/O/1/a -e x");
+    row("what looks like a label", "a=b", "processdata://P/O/1/a a=b");
+    row("backslashes", "C:\\new\\c", "processdata://P/O/1/a C:\\new\\c");
+    row("an empty text", "", "-e processdata://P/O/1/a \\c");
+    row("lines", "a\nb\r\n", "-e processdata://P/O/1/a a\\nb\\r\\n");
+    row("a line and a backslash", "\\n\n", "-e processdata://P/O/1/a \\\\n\\n");
+    row("blanks at both ends", " a ", "-e processdata://P/O/1/a \\x20a\\x20");
+    row("a tab before it", "\ta", "-e processdata://P/O/1/a \\ta");
+    row("a byte-order mark", QString(QChar(0xfeff)), "-e processdata://P/O/1/a \\ufeff");
+    row("a blank beyond ASCII", QString(QChar(0xa0)) + "a",
+        "processdata://P/O/1/a \xc2\xa0"
+        "a");
+}
+
+void SelectorListTest::linesReadBackAsTheyWereWritten()
+{
+    QFETCH(QString, value);
+    QFETCH(QString, line);
+
+    QCOMPARE(listText({0, pump + "a", value, true, ""}), line);
+    const QVector<ListLine> back = linesOf(line);
+    QCOMPARE(back.size(), 1);
+    QCOMPARE(back.first().url, pump + "a");
+    QCOMPARE(back.first().value.toUcs4(), value.toUcs4());
+
+    const ListLine named{0, pump + "a b", value, true, "name"};
+    const ListLine again = linesOf(listText(named)).value(0);
+    QCOMPARE(again.label, QString("name"));
+    QCOMPARE(again.url, pump + "a%20b");
+    QCOMPARE(again.value.toUcs4(), value.toUcs4());
+}
+
 void SelectorListTest::aLineWithoutValueIsNamed()
 {
-    QString text("# comment\na 1\nP/O/1/b\n");
-    QTextStream stream(&text);
+    const QString text("# comment\na 1\nP/O/1/b\n");
     QString error;
 
-    QVERIFY(!haveValues(readListLines(stream), error));
+    QVERIFY(!haveValues(linesOf(text), error));
 
     QCOMPARE(error, QString("line 3: no value for processdata://P/O/1/b"));
 }

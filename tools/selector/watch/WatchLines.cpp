@@ -108,6 +108,7 @@ QString WatchLines::header() const
     case Format::Csv:
         return (timestamps ? QStringLiteral("seen,") : QString())
             + QStringLiteral("event,time,url,value,unit,error,note,indices,label\n");
+    case Format::Pairs: // of other commands
     case Format::Table:
         break;
     }
