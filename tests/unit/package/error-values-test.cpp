@@ -7,7 +7,7 @@
 
 int main()
 {
-    // The bare platform calls every URL invalid, so nothing is ever read.
+    // Neither is a URL, so nothing is ever read.
     SelectorHandlerProcessValue handler({QStringLiteral("a"), QStringLiteral("b")}, nullptr);
     ProcessValue::made = 0;
     ProcessValue::copied = 0;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // All platforms that show neither who runs their services nor their buffers.
+#include "Counted.h"
 #include "DescriptionLeaves.h"
 #include "PlatformDetails.h"
 #include "ProcessDataManager.h"
@@ -47,8 +48,10 @@ Result fetchServices(Services &services, QString &errorMessage)
 {
     services = Services();
     services.managersShown = false;
-    const Result result = ProcessDataAccess::fetchRunningModules(services.modules, errorMessage);
+    QString problem;
+    const Result result = ProcessDataAccess::fetchRunningModules(services.modules, problem);
     if (result != Result::NotSupported) {
+        errorMessage = problem;
         return result;
     }
     services.listed = false;
@@ -87,7 +90,7 @@ Buffer inspectBuffer(const QString &description)
 
 QStringList bufferTexts(const Buffer &buffer)
 {
-    return {QStringLiteral("%1 leaves").arg(buffer.leafCount), hidden(), hidden(), hidden(),
+    return {counted(buffer.leafCount, "leaf", "leaves"), hidden(), hidden(), hidden(),
             QStringLiteral("its publisher lives")};
 }
 

@@ -67,6 +67,7 @@ bool fetchModules(const Console &console, QString &providerList, ExitCode &exitC
     console.err.flush();
     exitCode = result == Result::TimedOut ? ExitTimeLimit
         : result == Result::Denied        ? ExitDenied
+        : result == Result::NotSupported  ? ExitSomeFailed
                                           : ExitNotReachable;
     return false;
 }

@@ -46,10 +46,13 @@ bool findOwner(Examination &found)
     return answer.isOk();
 }
 
-// Whether the service that was asked for names has this one.
+// Whether the service that was asked for names has this one, or there is nobody to ask.
 bool isListed(const QString &name, const QStringList &names, const Answer &answer,
               Examination &found, const QString &problem, const QString &advice)
 {
+    if (answer.result == Result::NotSupported) {
+        return true;
+    }
     if (!answer.isOk()) {
         failUnanswered(found, Step::Object, answer);
         return false;

@@ -1,122 +1,65 @@
 // SPDX-License-Identifier: MIT
-// A platform that declares nothing beyond the contract and reaches nothing: only to be linked
-// against.
+// A platform that declares next to nothing beyond the contract: names, URLs, connectors. Without a
+// device (BareDevice.h) it reaches nothing.
+#include "BareDevice.h"
 #include "ConfigurationAndProcessDataDefinitions.h"
-#include "ConfigurationAndProcessDataParser.h"
 #include "DBusPendingReply.h"
 #include "DBusProcessDescriptionConnector.h"
 #include "JsonFunctions.h"
-#include "ProcessDataManager.h"
-#include "ProcessDataValue.h"
-#include "ProcessValue.h"
 #include "PropertyManagerConst.h"
 #include "SelectorUrlHandler.h"
 #include "SystemInformationManagerRegistryDefinitions.h"
 #include "SystemStatusManagerDBusConnector.h"
 
-namespace {
-const QString name = QStringLiteral("bare");
-} // namespace
-
-int ProcessValue::made = 0;
-int ProcessValue::copied = 0;
-ProcessValue::ProcessValue(ProcessDataDefinitions::ErrorTypes errorType)
-    : errorType(errorType)
-{
-    ++made;
-}
-ProcessValue::~ProcessValue() = default;
-ProcessValue::ProcessValue(const ProcessValue &other)
-    : value(other.value)
-    , errorType(other.errorType)
-{
-    ++copied;
-}
-ProcessValue &ProcessValue::operator=(const ProcessValue &other) = default;
-
-ConfigurationAndProcessDataBase::ConfigurationAndProcessDataBase() = default;
-ConfigurationAndProcessDataBase::~ConfigurationAndProcessDataBase() = default;
-ConfigurationAndProcessDataBase::ProcessDataValueSharedPointer
-ConfigurationAndProcessDataBase::getLeafProcessDataValue(const QString &)
-{
-    return {};
-}
-QVariant ConfigurationAndProcessDataBase::readLeafProperty(const QString &)
-{
-    return {};
-}
-bool ConfigurationAndProcessDataBase::hasLeafProperty(const QString &)
-{
-    return false;
-}
-
-ProcessDataValue::ProcessDataValue() = default;
-ProcessDataValue::~ProcessDataValue() = default;
-bool ProcessDataValue::getValue(ProcessValue &, bool) const
-{
-    return false;
-}
-bool ProcessDataValue::setValue(const ProcessValue &)
-{
-    return false;
-}
-
-ConfigurationAndProcessDataParser::ConfigurationAndProcessDataParser() = default;
-ConfigurationAndProcessDataParser::~ConfigurationAndProcessDataParser() = default;
-bool ConfigurationAndProcessDataParser::frameToByteArray(
-    const QSharedPointer<ConfigurationAndProcessDataBase> &, QByteArray &,
-    QJsonDocument::JsonFormat) const
-{
-    return false;
-}
+#include <QJsonDocument>
+#include <QUrl>
 
 const QString &ConfigurationAndProcessDataDefinitions::getKeyDataPropertyReadOnly()
 {
-    return name;
+    static const QString text = QStringLiteral("readOnly");
+    return text;
 }
 const QString &ConfigurationAndProcessDataDefinitions::getKeyDataPropertySelectorTypeList()
 {
-    return name;
+    static const QString text = QStringLiteral("selectorTypeList");
+    return text;
 }
 const QString &ConfigurationAndProcessDataDefinitions::getSelectorUrlSchemeProcessData()
 {
-    return name;
+    static const QString text = QStringLiteral("processdata");
+    return text;
 }
 const QString &SystemInformationManagerRegistryDefinitions::getKeyModuleName()
 {
-    return name;
+    static const QString text = QStringLiteral("module");
+    return text;
 }
 const QString &SystemInformationManagerRegistryDefinitions::getKeyAdditionalData()
 {
-    return name;
+    static const QString text = QStringLiteral("additional");
+    return text;
 }
 const QString &PropertyManagerConst::getProcessDataDescriptionFileExtension()
 {
-    return name;
+    static const QString text = QStringLiteral("bare");
+    return text;
 }
 
-SharedMemory::SharedMemory() = default;
-SharedMemory::~SharedMemory() = default;
-ProcessDataManager::ProcessDataManager() = default;
-ProcessDataManager::~ProcessDataManager() = default;
-QSharedPointer<ConfigurationAndProcessDataBase>
-ProcessDataManager::createProcessDataFromJson(const QVariant &, const QString &,
-                                              InitTypeSharedMemory)
+SelectorUrlHandler::SelectorUrlHandler(const QString &selectorUrl)
 {
-    return {};
-}
-bool ProcessDataManager::isBufferValid() const
-{
-    return false;
-}
-
-SelectorUrlHandler::SelectorUrlHandler(const QString &)
-{
+    parts[0] = selectorUrl.section(QStringLiteral("://"), 0, 0);
+    const QString place
+        = selectorUrl.section(QStringLiteral("://"), 1).section(QLatin1Char('?'), 0, 0);
+    for (int i = 0; i < 3; ++i) {
+        parts[i + 1] = QUrl::fromPercentEncoding(place.section(QLatin1Char('/'), i, i).toUtf8());
+    }
+    parts[4] = selectorUrl;
+    deactivated = selectorUrl.endsWith(QLatin1String("?deactivated"));
 }
 SelectorUrlHandler::~SelectorUrlHandler() = default;
 bool SelectorUrlHandler::isValid() const
 {
-    return false;
+    return !parts[1].isEmpty() && !parts[2].isEmpty();
 }
 QString SelectorUrlHandler::getScheme() const
 {
@@ -140,7 +83,7 @@ QString SelectorUrlHandler::getUrl() const
 }
 bool SelectorUrlHandler::isSelectorDeactivated() const
 {
-    return false;
+    return deactivated;
 }
 
 ErrorContainer::ErrorContainer()
@@ -155,19 +98,23 @@ QDebug operator<<(QDebug debug, const ErrorContainer &)
     return debug << "error";
 }
 
-DBusReply::DBusReply() = default;
+DBusReply::DBusReply(const QVariant &value, const QString &error)
+    : value(value)
+    , error(error)
+{
+}
 DBusReply::~DBusReply() = default;
 bool DBusReply::isError() const
 {
-    return true;
+    return !error.isEmpty();
 }
 QString DBusReply::getErrorMessage() const
 {
-    return name;
+    return error;
 }
 QVariant DBusReply::getValue() const
 {
-    return {};
+    return value;
 }
 
 DBusPendingReply::DBusPendingReply() = default;
@@ -181,19 +128,29 @@ DBusConnectorBase::DBusConnectorBase() = default;
 DBusConnectorBase::~DBusConnectorBase() = default;
 bool DBusConnectorBase::isDBusInterfaceValid() const
 {
-    return false;
+    return BareDevice::isThere();
 }
-DBusProcessDescriptionConnector::DBusProcessDescriptionConnector() = default;
+DBusProcessDescriptionConnector::DBusProcessDescriptionConnector(const QString &module,
+                                                                 const QString &object)
+    : module(module)
+    , object(object)
+{
+}
 DBusProcessDescriptionConnector::~DBusProcessDescriptionConnector() = default;
 QSharedPointer<DBusProcessDescriptionConnector>
-DBusProcessDescriptionConnector::createAndConnect(const QString &, const QString &)
+DBusProcessDescriptionConnector::createAndConnect(const QString &module, const QString &object)
 {
-    return {};
+    return QSharedPointer<DBusProcessDescriptionConnector>(
+        BareDevice::isThere() ? new DBusProcessDescriptionConnector(module, object) : nullptr);
 }
-DBusReply DBusProcessDescriptionConnector::getProcessDataDescription(const QString &,
+DBusReply DBusProcessDescriptionConnector::getProcessDataDescription(const QString &instance,
                                                                      const QString &) const
 {
-    return {};
+    const QJsonObject found = BareDevice::description(module, object, instance);
+    if (found.isEmpty()) {
+        return {{}, QStringLiteral("it has no such instance")};
+    }
+    return {QJsonDocument(found).toJson(), {}};
 }
 QSharedPointer<DBusPendingReply>
 DBusProcessDescriptionConnector::getProcessDataDescriptionAsynchron(const QString &,
@@ -206,7 +163,8 @@ SystemStatusManagerDBusConnector::~SystemStatusManagerDBusConnector() = default;
 QSharedPointer<SystemStatusManagerDBusConnector>
 SystemStatusManagerDBusConnector::createAndConnect()
 {
-    return {};
+    return QSharedPointer<SystemStatusManagerDBusConnector>(
+        BareDevice::isThere() ? new SystemStatusManagerDBusConnector : nullptr);
 }
 
 bool readJsonValue(const QString &, const QJsonObject &, QJsonValue &)

@@ -3,6 +3,8 @@
 #ifndef CONFIGURATIONANDPROCESSDATABASE_H
 #define CONFIGURATIONANDPROCESSDATABASE_H
 
+#include <QHash>
+#include <QJsonObject>
 #include <QSharedPointer>
 #include <QString>
 #include <QVariant>
@@ -21,6 +23,12 @@ public:
 
 protected:
     ConfigurationAndProcessDataBase();
+    QJsonObject properties;
+
+private:
+    friend class ConfigurationAndProcessDataParser;
+    friend class ProcessDataManager;
+    QHash<QString, ProcessDataValueSharedPointer> leaves;
 };
 
 #endif

@@ -27,7 +27,10 @@ Q_SIGNALS:
     void propertyChanged(const QString &instanceName);
 
 private:
-    DBusProcessDescriptionConnector();
+    DBusProcessDescriptionConnector(const QString &module, const QString &object);
+
+    const QString module;
+    const QString object;
 };
 
 #endif

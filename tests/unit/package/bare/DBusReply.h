@@ -17,7 +17,10 @@ public:
 
 private:
     friend class DBusProcessDescriptionConnector;
-    DBusReply();
+    DBusReply(const QVariant &value, const QString &error);
+
+    const QVariant value;
+    const QString error;
 };
 
 #endif

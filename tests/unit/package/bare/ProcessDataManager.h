@@ -6,6 +6,7 @@
 #include "ConfigurationAndProcessDataBase.h"
 #include "SharedMemory.h"
 
+#include <QJsonArray>
 #include <QMutex>
 
 class ProcessDataManager
@@ -21,6 +22,8 @@ public:
     bool isBufferValid() const;
 
 private:
+    void addLeaves(const QJsonArray &elements, const QString &prefix);
+
     QSharedPointer<ConfigurationAndProcessDataBase> root;
     SharedMemory segment;
     QString name;

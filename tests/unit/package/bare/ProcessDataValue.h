@@ -15,7 +15,9 @@ public:
     bool setValue(const ProcessValue &value);
 
 private:
+    friend class ProcessDataManager;
     ProcessDataValue();
+    QString key;
 };
 
 #endif

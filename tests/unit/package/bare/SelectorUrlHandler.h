@@ -21,6 +21,7 @@ public:
 
 private:
     QString parts[5];
+    bool deactivated = false;
 };
 
 #endif
