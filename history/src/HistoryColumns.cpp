@@ -43,8 +43,11 @@ QVariant HistoryColumns::read(const QSqlQuery &query, int column, bool sqlite)
 {
     if (sqlite) {
         // The driver gives NULL as a null text, and never a text otherwise: none is stored.
-        const QVariant value = query.value(column);
-        return value.userType() == QMetaType::QString ? QVariant() : value;
+        QVariant value = query.value(column);
+        if (value.userType() == QMetaType::QString) {
+            return {};
+        }
+        return value;
     }
     for (int i = column; i < column + 3; ++i) {
         if (!query.isNull(i)) {

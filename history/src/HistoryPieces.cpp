@@ -49,7 +49,7 @@ HistoryPieces::HistoryPieces(HistoryConnection &connection, const HistoryGrid &g
 {
     const QString ends = QStringLiteral("SELECT %1 FROM samples WHERE series = ? AND time >= ? AND "
                                         "time < ? ORDER BY time %2, turn %2 LIMIT 1");
-    const QString columns = HistorySamples::columns(connection.isSqlite());
+    const QString columns = StoredSample::columns(connection.isSqlite());
     oldest.prepare(ends.arg(columns, QStringLiteral("ASC")));
     newest.prepare(ends.arg(columns, QStringLiteral("DESC")));
 }
@@ -143,25 +143,24 @@ bool HistoryPieces::scan(qint64 from, qint64 until)
     query.exec(
         QStringLiteral("SELECT %1 FROM samples WHERE series = %2 AND time >= %3 AND time < %4 "
                        "ORDER BY time, turn")
-            .arg(HistorySamples::columns(sqlite))
+            .arg(StoredSample::columns(sqlite))
             .arg(series)
             .arg(from)
             .arg(until));
-    qint64 index = -1;
     Part *part = nullptr;
+    qint64 end = from; // of the piece that it is
     while (query.next()) {
-        HistorySample sample = HistorySamples::read(query, type, sqlite);
-        const qint64 place = grid.index(sample.time);
-        if (part == nullptr || place != index) {
-            index = place;
+        StoredSample sample = StoredSample::read(query, sqlite);
+        if (part == nullptr || sample.time >= end) {
+            const qint64 index = grid.index(sample.time);
             part = &parts[index];
+            end = grid.pieceUntil(index);
         }
         if (part->sum.count++ == 0) {
             part->first = sample;
         }
         qint64 rank = 0;
-        if (sample.errorType == ProcessDataDefinitions::NoError
-            && HistoryValueCodec::rank(type, sample.value, &rank)) {
+        if (sample.isGood() && HistoryValueCodec::storedRank(type, sample.value, &rank)) {
             part->sum.addNumber(rank, HistoryValueCodec::number(type, rank), sample.time);
         }
         part->last = std::move(sample);
@@ -176,7 +175,7 @@ bool HistoryPieces::findEnds(qint64 index, Part &part)
     return findEnd(oldest, from, until, &part.first) && findEnd(newest, from, until, &part.last);
 }
 
-bool HistoryPieces::findEnd(QSqlQuery &query, qint64 from, qint64 until, HistorySample *end)
+bool HistoryPieces::findEnd(QSqlQuery &query, qint64 from, qint64 until, StoredSample *end)
 {
     const bool sqlite = connection.isSqlite();
     query.bindValue(0, series);
@@ -184,7 +183,7 @@ bool HistoryPieces::findEnd(QSqlQuery &query, qint64 from, qint64 until, History
     query.bindValue(2, until);
     query.exec();
     if (query.next()) {
-        *end = HistorySamples::read(query, type, sqlite);
+        *end = StoredSample::read(query, sqlite);
     }
     const bool done = connection.note(query);
     query.finish();
@@ -196,10 +195,10 @@ void HistoryPieces::merge(qint64 index, const Part &part)
     HistoryPiece &piece = found[index];
     const HistorySummary &sum = part.sum;
     if (piece.count == 0 || part.first.time < piece.first.time) {
-        piece.first = part.first;
+        piece.first = part.first.decoded(type);
     }
     if (piece.count == 0 || part.last.time >= piece.last.time) {
-        piece.last = part.last;
+        piece.last = part.last.decoded(type);
     }
     piece.from = grid.pieceFrom(index);
     piece.until = grid.pieceUntil(index);
@@ -223,17 +222,26 @@ void HistoryPieces::merge(qint64 index, const Part &part)
     piece.numbers += sum.numbers;
 }
 
-QString HistorySamples::columns(bool sqlite)
+// Two numbers in one column: the database's driver takes its time for each.
+QString StoredSample::columns(bool sqlite)
 {
-    return QStringLiteral("time, error, late, ") + HistoryColumns::value(sqlite);
+    return QStringLiteral("time, error * %1 + late, ")
+               .arg(sqlite ? QStringLiteral("2") : QStringLiteral("2::bigint"))
+        + HistoryColumns::value(sqlite);
 }
 
-HistorySample HistorySamples::read(const QSqlQuery &query, HistoryType type, bool sqlite)
+StoredSample StoredSample::read(const QSqlQuery &query, bool sqlite)
 {
-    HistorySample sample;
-    sample.time = query.value(0).toLongLong();
-    sample.errorType = ProcessDataDefinitions::ErrorTypes(query.value(1).toInt());
-    sample.late = query.value(2).toInt() != 0;
-    sample.value = HistoryValueCodec::decode(type, HistoryColumns::read(query, 3, sqlite));
-    return sample;
+    return {query.value(0).toLongLong(), query.value(1).toLongLong(),
+            HistoryColumns::read(query, 2, sqlite)};
+}
+
+ProcessDataDefinitions::ErrorTypes StoredSample::errorType() const
+{
+    return ProcessDataDefinitions::ErrorTypes((marks - (marks & 1)) / 2);
+}
+
+HistorySample StoredSample::decoded(HistoryType type) const
+{
+    return {time, HistoryValueCodec::decode(type, value), errorType(), (marks & 1) != 0};
 }

@@ -25,6 +25,24 @@ struct HistoryGrid
     qint64 pieceUntil(qint64 index) const;
 };
 
+/// A sample as its columns hold it: most are only counted and compared.
+struct StoredSample
+{
+    qint64 time = 0;
+    qint64 marks = 0; ///< error type and lateness
+    QVariant value;
+
+    /// What a select of samples needs for read().
+    static QString columns(bool sqlite);
+    static StoredSample read(const QSqlQuery &query, bool sqlite);
+
+    bool isGood() const { return errorType() == ProcessDataDefinitions::NoError; }
+    HistorySample decoded(HistoryType type) const;
+
+private:
+    ProcessDataDefinitions::ErrorTypes errorType() const;
+};
+
 /// Collects series after series of one selector.
 class HistoryPieces
 {
@@ -38,8 +56,8 @@ private:
     struct Part ///< of one series in one piece
     {
         HistorySummary sum;
-        HistorySample first;
-        HistorySample last;
+        StoredSample first;
+        StoredSample last;
         bool hasEnds = true; ///< no summary is in it: first and last were met
     };
 
@@ -48,7 +66,7 @@ private:
                        std::map<qint64, HistorySummary> *summaries);
     bool scan(qint64 from, qint64 until);
     bool findEnds(qint64 index, Part &part);
-    bool findEnd(QSqlQuery &query, qint64 from, qint64 until, HistorySample *end);
+    bool findEnd(QSqlQuery &query, qint64 from, qint64 until, StoredSample *end);
     void merge(qint64 index, const Part &part);
 
     HistoryConnection &connection;
@@ -60,13 +78,5 @@ private:
     std::map<qint64, Part> parts;
     std::map<qint64, HistoryPiece> found;
 };
-
-namespace HistorySamples {
-
-/// What a select of samples needs for read(): time, error, late and the value.
-QString columns(bool sqlite);
-HistorySample read(const QSqlQuery &query, HistoryType type, bool sqlite);
-
-} // namespace HistorySamples
 
 #endif

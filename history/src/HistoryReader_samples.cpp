@@ -13,7 +13,7 @@ bool HistoryReader::Private::samples(const QVector<StoredSeries> &all, qint64 fr
     std::vector<std::unique_ptr<HistorySample>> heads(size_t(all.size()));
     const auto advance = [&](size_t i) {
         heads[i] = queries[i].next() ? std::make_unique<HistorySample>(
-                       HistorySamples::read(queries[i], all.at(int(i)).series.type, sqlite))
+                       StoredSample::read(queries[i], sqlite).decoded(all.at(int(i)).series.type))
                                      : nullptr;
     };
     for (int i = 0; i < all.size(); ++i) {
@@ -21,7 +21,7 @@ bool HistoryReader::Private::samples(const QVector<StoredSeries> &all, qint64 fr
         queries.back().exec(
             QStringLiteral("SELECT %1 FROM samples WHERE series = %2 AND time >= %3 AND "
                            "time < %4 ORDER BY time, turn")
-                .arg(HistorySamples::columns(sqlite))
+                .arg(StoredSample::columns(sqlite))
                 .arg(all.at(i).id)
                 .arg(from)
                 .arg(until));
@@ -67,12 +67,12 @@ bool HistoryReader::sampleBefore(const QString &selector, qint64 time, HistorySa
             QSqlQuery query = d->connection->query();
             query.exec(QStringLiteral("SELECT %1 FROM samples WHERE series = %2 AND time < %3 "
                                       "ORDER BY time DESC, turn DESC LIMIT 1")
-                           .arg(HistorySamples::columns(sqlite))
+                           .arg(StoredSample::columns(sqlite))
                            .arg(stored.id)
                            .arg(time));
             if (query.next()) {
                 const HistorySample sample
-                    = HistorySamples::read(query, stored.series.type, sqlite);
+                    = StoredSample::read(query, sqlite).decoded(stored.series.type);
                 if (!any || sample.time >= found->time) {
                     *found = sample;
                     any = true;

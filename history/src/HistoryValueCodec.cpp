@@ -195,6 +195,21 @@ bool HistoryValueCodec::rank(HistoryType type, const QVariant &value, qint64 *ra
     return true;
 }
 
+bool HistoryValueCodec::storedRank(HistoryType type, const QVariant &stored, qint64 *rank)
+{
+    // The most frequent ones, whose values are stored as they are.
+    if (type == HistoryType::Float64 && stored.userType() == QMetaType::Double) {
+        const double number = stored.toDouble();
+        *rank = rankOf(number);
+        return !std::isnan(number);
+    }
+    if (type == HistoryType::Int64 && stored.userType() == QMetaType::LongLong) {
+        *rank = stored.toLongLong();
+        return true;
+    }
+    return HistoryValueCodec::rank(type, decode(type, stored), rank);
+}
+
 QVariant HistoryValueCodec::ranked(HistoryType type, qint64 rank)
 {
     switch (type) {

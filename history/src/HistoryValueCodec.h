@@ -26,6 +26,8 @@ QVariant decode(HistoryType type, const QVariant &stored);
 /// A number whose order is that of the values, for types with an order; false for a NaN, for text and
 /// bytes and for an invalid value.
 bool rank(HistoryType type, const QVariant &value, qint64 *rank);
+/// The same of a value as it is stored.
+bool storedRank(HistoryType type, const QVariant &stored, qint64 *rank);
 /// The value with that rank.
 QVariant ranked(HistoryType type, qint64 rank);
 /// Nearest double, for means.
