@@ -87,7 +87,7 @@ in_shell() {
 }
 # What its greeting promises.
 in_shell <<'SHELL'
-line='selector read processdata://PumpStation/Pump/1/plate/na'
+line='selector read PumpStation/Pump/1/plate/na'
 COMP_LINE=$line COMP_POINT=${#line} COMP_CWORD=2 COMP_WORDS=(${line}) COMP_WORDBREAKS=' '
 $(complete -p selector | sed 's/.*-F \([^ ]*\).*/\1/')
 echo "completed: ${COMPREPLY[*]}"
@@ -96,10 +96,11 @@ for page in selector selector-read process-data-simulator; do
 done
 ! command -v man >/dev/null || man -w selector-read
 process-data-simulator --run 'vanish PumpStation, return PumpStation'
+selector read -q PumpStation/Pump/1/plate/name
 SHELL
 for text in 'selector modules' 'selector browse -r' 'selector read PumpStation/' 'selector explain' 'selector doctor' \
-    'selector watch --table' 'completed: processdata://PumpStation/Pump/1/plate/name' 'page: selector-read' \
-    'page: selector$' 'page: process-data-simulator' 'return PumpStation: done'; do
+    'selector watch --table' 'completed: PumpStation/Pump/1/plate/name' 'page: selector-read' \
+    'page: selector$' 'page: process-data-simulator' 'return PumpStation: done' 'Pump station'; do
     check "the shell shows: $text" grep -q -- "$text" "$work/shell"
 done
 
