@@ -164,8 +164,8 @@ bool readWords(const QVector<Word> &words, TypedStep &step, QString &error)
         return parseScenarioStep(QJsonDocument(json).toJson(), step.step, error);
     }
     const QString placeKey = placeKeyOf(first.value);
-    for (const Word &word : words.mid(1)) {
-        if (!insertWord(word, placeKey, json, error)) {
+    for (int i = 1; i < words.size(); ++i) {
+        if (!insertWord(words.at(i), placeKey, json, error)) {
             return false;
         }
     }
