@@ -62,6 +62,8 @@ void SelectorContractTest::outputKeepsItsSchema_data()
     QTest::newRow("properties") << QStringList{"properties", good, none, name};
     QTest::newRow("no such property") << QStringList{"properties", "--property", "unit", name};
     QTest::newRow("watch") << QStringList{"watch", "--count", "3", good, idle, none};
+    QTest::newRow("watch by rows")
+        << QStringList{"watch", "--wide", "--every", "20", "--count", "2", good, idle, none};
     QTest::newRow("explain") << QStringList{"explain", good};
     QTest::newRow("explain a failure") << QStringList{"explain", none};
     QTest::newRow("doctor") << QStringList{"doctor", "MODULE", "NotHere"};

@@ -24,6 +24,9 @@ private Q_SLOTS:
     void aTerminationEndsWithTheStateOfTheSelectors();
     void aChartIsPrintedOnceWithoutATerminal();
     void selectorsWithoutALineDoNotCountAtTheEnd();
+    void aRowHasAColumnForEachSelector();
+    void smallChangesAreLeftOut();
+    void anOldValueIsStale();
 
 private:
     QStringList arguments(const QStringList &more) const
@@ -142,6 +145,20 @@ void SelectorWatchTest::aWrongConditionIsWrongUsage_data()
         << QStringList{"--until", ""} << QByteArray("place 1: a selector or a value is missing");
     QTest::newRow("a chart as JSON")
         << QStringList{"--plot", "--format", "json"} << QByteArray("--plot draws for people");
+    QTest::newRow("a table in place as CSV")
+        << QStringList{"--table", "--format", "csv"} << QByteArray("--table draws for people");
+    QTest::newRow("two views") << QStringList{"--table", "--wide"}
+                               << QByteArray("--table has no --wide.");
+    QTest::newRow("a deadband of rows")
+        << QStringList{"--wide", "--deadband", "1"} << QByteArray("--wide has no --deadband.");
+    QTest::newRow("ticks without rows")
+        << QStringList{"--every", "100"} << QByteArray("--every goes with --wide");
+    QTest::newRow("a deadband that is not a number")
+        << QStringList{"--deadband", "x"} << QByteArray("--deadband must be a number such as 0.5");
+    QTest::newRow("a share of a range that the leaf does not have")
+        << QStringList{"--deadband", "0.5%"} << QByteArray("/speed has no minimum and maximum");
+    QTest::newRow("a time compared with a value")
+        << QStringList{"--until", "speed>5s"} << QByteArray("a time can be compared with an age()");
 }
 
 void SelectorWatchTest::aWrongConditionIsWrongUsage()
@@ -204,7 +221,8 @@ void SelectorWatchTest::aChartIsPrintedOnceWithoutATerminal()
     QVERIFY2(client.output().startsWith("speed  900.5 1/min\n"), client.report().constData());
     QVERIFY2(client.output().contains("\non  true\n"), client.report().constData());
     QCOMPARE(client.output().count("***\n"), 2);
-    QCOMPARE(client.output().count('\n'), 20);
+    QCOMPARE(client.output().count('\n'), 21); // with the axis
+    QVERIFY2(client.output().endsWith("now|\n"), client.report().constData());
     QVERIFY2(!client.output().contains('\x1b'), client.report().constData());
 }
 
@@ -213,6 +231,57 @@ void SelectorWatchTest::selectorsWithoutALineDoNotCountAtTheEnd()
     ChildProcess client(SELECTOR, arguments({"--count", "1"}));
     QVERIFY(client.run());
     QVERIFY2(client.exitCode() == 0 && client.errors().isEmpty(), client.report());
+}
+
+void SelectorWatchTest::aRowHasAColumnForEachSelector()
+{
+    const QStringList wide
+        = QStringList{"watch", "--wide", "--every", "20", "--count", "2"} + urls();
+    ChildProcess csv(SELECTOR, wide + QStringList{"--format", "csv"});
+    VERIFY_RUN(csv, 0);
+    const QList<QByteArray> lines = csv.output().split('\n');
+    QCOMPARE(lines.at(0), "time," + selectorUrl(module, "speed").toUtf8() + ",on");
+    QVERIFY2(lines.at(1).endsWith(",900.5,true"), csv.report());
+    QVERIFY2(lines.at(2).endsWith(",900.5,true"), csv.report());
+    QCOMPARE(lines.size(), 4);
+    QVERIFY(lines.at(1) != lines.at(2)); // each has its own tick
+
+    ChildProcess json(SELECTOR,
+                      wide + QStringList{"--format", "json", selectorUrl(module, "none")});
+    VERIFY_RUN(json, 1);
+    QVERIFY2(json.output().contains("\"values\":[900.5,true,null]"), json.report());
+    QVERIFY2(json.errors().contains("no such leaf"), json.report());
+}
+
+void SelectorWatchTest::smallChangesAreLeftOut()
+{
+    ChildProcess client(SELECTOR, arguments({"--deadband", "1.5", "--format", "csv"}));
+    QVERIFY(client.start());
+    QVERIFY2(!client.waitForLineWith(",true,").isNull(), client.report().constData());
+    VERIFY_COMMAND(publisher->publish("speed", 902));
+    VERIFY_COMMAND(publisher->publish("running", false)); // a later look than the one at 902
+    QVERIFY2(!client.waitForLineWith(",false,").isNull(), client.report().constData());
+    VERIFY_COMMAND(publisher->publish("speed", 902.25));
+    QVERIFY2(!client.waitForLineWith(",902.25,").isNull(), client.report().constData());
+    QVERIFY2(!client.output().contains(",902,"), client.report().constData());
+}
+
+void SelectorWatchTest::anOldValueIsStale()
+{
+    ChildProcess watch(SELECTOR,
+                       arguments({"--max-age", "0.2", "--format", "json", "--timeout", "60",
+                                  "--until", "age(speed)>1.5s && age(on)>0.2s"}));
+    QVERIFY(watch.start());
+    QVERIFY2(!watch.waitForLineWith("\"code\":\"stale\"").isNull(), watch.report().constData());
+    QVERIFY(watch.waitForEnd());
+    QVERIFY2(watch.exitCode() == 0, watch.report().constData());
+
+    ChildProcess read(SELECTOR, {"read", "--max-age", "1", selectorUrl(module, "speed")});
+    VERIFY_RUN(read, 1);
+    QVERIFY2(read.output().contains(" 900.5 ") && read.output().contains("older than 1 s"),
+             read.report());
+    ChildProcess fresh(SELECTOR, {"read", "--max-age", "3600", selectorUrl(module, "speed")});
+    VERIFY_RUN(fresh, 0);
 }
 
 QTEST_GUILESS_MAIN(SelectorWatchTest)

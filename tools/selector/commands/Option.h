@@ -55,6 +55,11 @@ inline constexpr Option quietOption{
     "Values are exact, and there is no header. Reasons go to standard error as ever. Backslashes "
     "and what is not seen are escaped, as write --escapes reads it; a text that is empty is \\c. Not "
     "with --format."};
+inline constexpr Option maximumAgeOption{
+    "--max-age S", "take values older than S seconds for stale, a failure",
+    "A stale value is shown, with the status doubtful and the code stale. The time of a value is that "
+    "of its publication, so this needs publishers that refresh what does not change.",
+    Option::Seconds};
 inline constexpr char knownProperties[]
     = "type unit readOnly minimum maximum description selectorType";
 

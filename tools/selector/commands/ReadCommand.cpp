@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 // selector read: current values.
+#include "AgeText.h"
 #include "Command.h"
 #include "Entries.h"
 #include "ExitCode.h"
 #include "LiveLeaves.h"
+#include "MaximumAge.h"
 #include "SelectorList.h"
 
 namespace {
@@ -23,6 +25,8 @@ int run(const CommandLine &line, const Console &console, QString &usage)
     SelectorHandlerProcessValue handler(urls, nullptr);
     const QVector<ProcessValue> values = handler.getValues();
     SelectorExaminer examiner;
+    const MaximumAge maximumAge(line.number("max-age"));
+    const qint64 now = currentTime();
     Report report{QStringLiteral("selector.read/1"), readColumns(), {}, valueColumn};
     for (int i = 0; i < urls.size(); ++i) {
         const QJsonObject properties = propertiesOf(handler, i);
@@ -32,6 +36,8 @@ int run(const CommandLine &line, const Console &console, QString &usage)
         ReadResult result{urls.at(i), values.at(i), properties, {}, selectors.at(i).label};
         if (result.value.isMissing()) {
             result.finding = examiner.explain(result.url);
+        } else {
+            result.finding = maximumAge.judge(result.value, now);
         }
         report.entries.append(readEntry(result));
     }
@@ -54,6 +60,7 @@ Command readCommand()
           "line, as apply and write -f read them; -j is --format json",
           "FORMATS in selector(1) describes them.", Option::Text, "table json csv pairs"},
          urlFileOption,
+         maximumAgeOption,
          quietOption,
          timeoutOption},
         "\nExample: selector read PumpStation/Pump/1/drive/speed\n",

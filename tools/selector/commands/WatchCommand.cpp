@@ -16,6 +16,8 @@
 
 namespace {
 
+constexpr int usualTick = 1000; // milliseconds between two rows
+
 enum class End {
     Finished, // as many lines as wanted, or the condition
     TimeLimit,
@@ -54,18 +56,79 @@ int verdict(End end, const Watcher &watcher, const CommandLine &line, const Cons
     return watcher.exitCode();
 }
 
-int run(const CommandLine &line, const Console &console, QString &usage)
+// Two options that do not go together, in the order in which they are looked at.
+struct Clash
 {
-    QVector<ListLine> selectors;
-    if (!collectSelectors(line, LineForm::Url, selectors, usage)) {
-        return ExitUsage;
-    }
-    if (line.has("plot") && line.format != Format::Table) {
-        usage = QStringLiteral("--plot draws for people; it has no --format json or csv.");
-        return ExitUsage;
+    const char *option;
+    const char *other;
+};
+
+constexpr Clash clashes[]{{"plot", "table"},      {"plot", "wide"},        {"table", "wide"},
+                          {"quiet", "table"},     {"quiet", "wide"},       {"plot", "deadband"},
+                          {"table", "deadband"},  {"wide", "deadband"},    {"wide", "interval"},
+                          {"wide", "timestamps"}, {"wide", "changes-only"}};
+
+bool optionsFit(const CommandLine &line, QString &usage)
+{
+    for (const char *view : {"plot", "table"}) {
+        if (line.has(view) && line.format != Format::Table) {
+            usage = QStringLiteral("--%1 draws for people; it has no --format json or csv.")
+                        .arg(QLatin1String(view));
+            return false;
+        }
     }
     if (line.has("quiet") && (line.has("plot") || line.has("timestamps"))) {
         usage = QStringLiteral("--quiet has no --plot and no --timestamps.");
+        return false;
+    }
+    for (const Clash &clash : clashes) {
+        if (line.has(clash.option) && line.has(clash.other)) {
+            usage = QStringLiteral("--%1 has no --%2.")
+                        .arg(QLatin1String(clash.option), QLatin1String(clash.other));
+            return false;
+        }
+    }
+    if (line.has("every") && !line.has("wide")) {
+        usage = QStringLiteral("--every goes with --wide; else --interval says how often to look.");
+        return false;
+    }
+    return true;
+}
+
+bool takeOptions(const CommandLine &line, WatchOptions &options, QString &usage)
+{
+    if (!optionsFit(line, usage)) {
+        return false;
+    }
+    options.view = line.has("plot") ? WatchOptions::Plot
+        : line.has("table")         ? WatchOptions::Table
+        : line.has("wide")          ? WatchOptions::Wide
+                                    : WatchOptions::Lines;
+    options.interval = line.has("wide") ? line.number("every", usualTick)
+                                        : line.number("interval", options.interval);
+    options.count = line.number("count");
+    options.timestamps = line.has("timestamps");
+    options.changesOnly = line.has("changes-only");
+    options.maximumAge = MaximumAge(line.number("max-age"));
+    if (line.has("deadband")) {
+        const std::optional<Deadband> deadband = Deadband::fromText(line.text("deadband"));
+        if (!deadband) {
+            usage = QStringLiteral("--deadband must be a number such as 0.5, or a share of the "
+                                   "range such as 0.5%, not \"%1\"")
+                        .arg(line.text("deadband"));
+            return false;
+        }
+        options.deadband = *deadband;
+    }
+    return true;
+}
+
+int run(const CommandLine &line, const Console &console, QString &usage)
+{
+    QVector<ListLine> selectors;
+    WatchOptions options;
+    if (!collectSelectors(line, LineForm::Url, selectors, usage)
+        || !takeOptions(line, options, usage)) {
         return ExitUsage;
     }
     const QVector<WatchTarget> targets = watchTargets(selectors);
@@ -81,11 +144,18 @@ int run(const CommandLine &line, const Console &console, QString &usage)
     if (!busIsReachable(console)) {
         return ExitNotReachable;
     }
+    Console output = console;
+    // No cell of a row says why it is empty.
+    output.silentReasons = output.silentReasons && options.view != WatchOptions::Wide;
     // Until it is made, signals end the process.
-    Watcher watcher(targets,
-                    {line.number("interval", WatchOptions().interval), line.number("count"),
-                     line.has("timestamps"), line.has("changes-only"), line.has("plot")},
-                    until, console);
+    Watcher watcher(targets, options, until, output);
+    const QStringList withoutRange = watcher.withoutRange();
+    if (!withoutRange.isEmpty()) {
+        usage = QStringLiteral("--deadband %1 is a share of the range, and %2 has no minimum and "
+                               "maximum; give a number instead")
+                    .arg(line.text("deadband"), withoutRange.constFirst());
+        return ExitUsage;
+    }
     const UnixSignals signalsOfSystem;
     QTimer limit;
     limit.setSingleShot(true);
@@ -122,29 +192,53 @@ Command watchCommand()
         "follow when it comes up. Ends on SIGINT and SIGTERM.\n",
         {{"--until EXPR",
           "end when EXPR holds: speed>1000, running==true, changed(speed),\n"
-          "'state==\"ready\" && !(#1<5 || #2>=7)'; a selector is called by the\n"
-          "last part of its URL, by NAME=, or by #POSITION (0 is the first);\n"
-          "changed alone: any selector",
+          "age(speed)>5s, 'state==\"ready\" && !(#1<5 || #2>=7)'; a selector is\n"
+          "called by the last part of its URL, by NAME=, or by #POSITION (0 is\n"
+          "the first); changed alone: any selector",
           "It may hold at the beginning; the exit status is 0. See CONDITIONS."},
          {"--timeout S", "end after S seconds", "Also while services hang.", Option::Seconds},
          {"--count N", "end after N lines (the header not counted)", "", Option::Count},
          {"--interval MS", "milliseconds between two looks at the values (200)",
           "1 to 3600000; or with a unit, as in 1s.", Option::Milliseconds},
+         maximumAgeOption,
          {"--changes-only", "leave out what each selector holds at the beginning"},
+         {"--deadband D",
+          "leave out changes of D or less, in the value's unit; D% is a share\n"
+          "of the leaf's minimum to maximum",
+          "A number is compared with the one of the line before, so that a slow drift shows. A change "
+          "of error type always shows, as does any change of what is not a number. A leaf without "
+          "minimum and maximum has no share."},
          {"--timestamps", "begin each line with the time at which it was printed",
           "It is local time, in the column and key seen; the other time is the value's own."},
+         {"--table",
+          "keep one row a selector in place; q quits, / filters the rows;\n"
+          "without a terminal one table at the end",
+          "What has changed stands out for a second. Behind / type a part of the names that are wanted; "
+          "Enter keeps the filter, Esc clears it. Rows that do not fit are counted in the last line. "
+          "Each look at the values counts as a line. Ctrl-Z gives the terminal back until the job goes "
+          "on."},
          {"--plot",
-          "draw a moving line chart of each selector instead of lines; without\n"
-          "a terminal one chart at the end",
+          "draw a moving line chart of each selector instead of lines; q quits;\n"
+          "without a terminal one chart at the end",
           "Charts are scaled to what they show; each look at the values is one step and counts "
-          "as a line. Times without a good number are gaps. Braille patterns draw eight dots a "
+          "as a line. Below them stands how long ago each step was. Times without a good number are "
+          "gaps. Braille patterns draw eight dots a "
           "character where the terminal is one of UTF-8 and not the kernel's own console, * "
           "elsewhere. A terminal that cannot move its cursor has one chart at the end, too. "
           "Charts are called by the last part of their URL, and by more of it where several end "
           "alike. Those that do not fit on the terminal are counted in its last line."},
+         {"--wide",
+          "print one row an instant with one column a selector, good values\n"
+          "alone; each row counts as a line",
+          "The columns of CSV are time and the selectors, by label or URL. JSON has the array values, "
+          "with null for what is not good, and errorTypes beside it. The time is that of the tick: "
+          "ticks do not drift, and one that comes too late, because a service hangs, is left out."},
+         {"--every MS", "with --wide, milliseconds between two rows (1000)",
+          "1 to 3600000; or with a unit, as in 1s.", Option::Milliseconds},
          {"-q, --quiet", "print values only, one a line as they change, no announcements",
           "Values are exact, and there is no header. Backslashes and what is not seen are "
-          "escaped, as write --escapes reads it; a text that is empty is \\c. Not with --format, --timestamps or --plot."},
+          "escaped, as write --escapes reads it; a text that is empty is \\c. Not with --format, "
+          "--timestamps, --plot, --table or --wide."},
          urlFileOption},
         "Watch also: 0 when EXPR held, 4 when the time limit came before EXPR or --count,\n"
         "130 after SIGINT; otherwise the latest line of each selector decides.\n"

@@ -35,6 +35,7 @@ public:
         TimeLimit, ///< a service did not answer in time
         Denied, ///< permission is missing
         NotSupported, ///< the platform has no list that would be needed
+        Stale, ///< a value that is older than wanted
         BusOutOfReach, // from here on findings about the system alone
         NotReady,
         NotRegistered,

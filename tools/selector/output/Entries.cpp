@@ -64,6 +64,18 @@ QString propertyHint(const QString &name, const PropertiesResult &result)
     return hint.isEmpty() ? QString() : QStringLiteral("; ") + hint;
 }
 
+// That a lost value is old, too, says how long it has been lost.
+QString noteOf(const ReadResult &result)
+{
+    QStringList texts;
+    if (result.finding.text.isEmpty() || result.finding.code == Finding::Stale) {
+        texts.append(explainErrorType(result.value.errorType));
+    }
+    texts.append(result.finding.text);
+    texts.removeAll(QString());
+    return texts.join(QStringLiteral("; "));
+}
+
 } // namespace
 
 QString stateName(Entry::State state)
@@ -89,6 +101,7 @@ Entry::State stateOf(const Finding &finding)
     case Finding::Deactivated:
         return Entry::Skipped;
     case Finding::Duplicate:
+    case Finding::Stale:
         return Entry::Doubtful;
     default:
         return Entry::Failed;
@@ -152,8 +165,7 @@ ReadRow readRow(const ReadResult &result)
     }
     row.unit = textOf(result.properties, "unit");
     row.error = errorTypeName(result.value.errorType);
-    row.note = result.finding.text.isEmpty() ? explainErrorType(result.value.errorType)
-                                             : result.finding.text;
+    row.note = noteOf(result);
     return row;
 }
 

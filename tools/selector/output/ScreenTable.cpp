@@ -70,7 +70,8 @@ void ScreenTable::takeWidth(int column, int least)
     for (const QString &cell : cells) {
         longest = std::max(longest, cell.size());
     }
-    const bool shown = longest > 0 || least > 0 || rows.isEmpty();
+    const bool shown = columns.at(column).place != Column::CsvAlone
+        && (longest > 0 || least > 0 || rows.isEmpty());
     widths.append(shown ? std::max({longest, least, titleOf(columns.at(column)).size()}) : 0);
 }
 

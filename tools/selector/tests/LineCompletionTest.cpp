@@ -37,7 +37,7 @@ void LineCompletionTest::linesGoOn_data()
     nothing("nonsense --");
     offers(
         "read -", Arguments::Words,
-        "--file --format --help --json --no-legend --quiet --timeout --verbose --width --writable "
+        "--file --format --help --json --max-age --no-legend --quiet --timeout --verbose --width --writable "
         "-f -h -j -q -v");
     offers("read --format=", Arguments::Words,
            "--format=table --format=json --format=csv --format=pairs");

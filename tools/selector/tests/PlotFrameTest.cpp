@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Charts are told apart by their titles, and those that do not fit are counted.
 #include "PlotFrame.h"
+#include "TimeAxis.h"
 
 #include <QtTest>
 
@@ -34,6 +35,8 @@ private Q_SLOTS:
     void aFrameHoldsAllChartsThatFit();
     void chartsThatDoNotFitAreCounted_data();
     void chartsThatDoNotFitAreCounted();
+    void theTimeAxisSaysHowLongAgoItWas();
+    void theTimeAxisTakesOneLine();
 };
 
 void PlotFrameTest::noTwoChartsHaveOneTitle_data()
@@ -76,11 +79,11 @@ void PlotFrameTest::noTwoChartsHaveOneTitle()
 
 void PlotFrameTest::aFrameHoldsAllChartsThatFit()
 {
-    QCOMPARE(plotFrame(panels(2), 40, 6, false).size(), 6);
-    QCOMPARE(titlesIn(plotFrame(panels(2), 40, 6, false)), QStringList({"chart0", "chart1"}));
-    QCOMPARE(plotFrame(panels(1), 40, 100, false).size(), 20);
-    QCOMPARE(plotFrame(panels(30), 40, 0, false).size(), 300); // not a terminal
-    QCOMPARE(plotFrame({}, 40, 6, false), QStringList());
+    QCOMPARE(plotFrame(panels(2), {}, {40, 6, false}).size(), 6);
+    QCOMPARE(titlesIn(plotFrame(panels(2), {}, {40, 6, false})), QStringList({"chart0", "chart1"}));
+    QCOMPARE(plotFrame(panels(1), {}, {40, 100, false}).size(), 20);
+    QCOMPARE(plotFrame(panels(30), {}, {40, 0, false}).size(), 300); // not a terminal
+    QCOMPARE(plotFrame({}, {}, {40, 6, false}), QStringList());
 }
 
 void PlotFrameTest::chartsThatDoNotFitAreCounted_data()
@@ -98,12 +101,41 @@ void PlotFrameTest::chartsThatDoNotFitAreCounted()
     QFETCH(const int, lines);
     QFETCH(const int, shown);
 
-    const QStringList frame = plotFrame(panels(3), 60, lines, false);
+    const QStringList frame = plotFrame(panels(3), {}, {60, lines, false});
 
     QVERIFY2(frame.size() <= lines, qPrintable(frame.join('\n')));
     QCOMPARE(titlesIn(frame).size(), shown + 1); // with the line below
     QCOMPARE(frame.last(),
              QString("%1 of 3 charts do not fit; make the window higher").arg(3 - shown));
+}
+
+void PlotFrameTest::theTimeAxisSaysHowLongAgoItWas()
+{
+    const qint64 millisecond = 1000000;
+    QVector<qint64> times;
+    for (int i = 0; i < 100; ++i) {
+        times.append(i * 200 * millisecond);
+    }
+    QCOMPARE(timeAxis(times, 50, false),
+             QString("           -6.4 s|         -3.2 s|            now|"));
+    QCOMPARE(timeAxis(times, 50, true),
+             QString("            -13 s\u2575         -6.4 s\u2575            now\u2575"));
+    times.last() += 60 * 1000 * millisecond; // one look hung
+    QCOMPARE(timeAxis(times, 50, false),
+             QString("            -66 s|          -63 s|            now|"));
+    QCOMPARE(timeAxis({5}, 50, false), QString(46, ' ') + "now|");
+    QCOMPARE(timeAxis({0, 7300 * 1000 * millisecond}, 0, false).trimmed(), QString("now|"));
+}
+
+void PlotFrameTest::theTimeAxisTakesOneLine()
+{
+    const QStringList frame = plotFrame(panels(2), {1, 2}, {40, 7, false});
+    QCOMPARE(frame.size(), 7);
+    QVERIFY(frame.last().endsWith("now|"));
+    const QStringList low = plotFrame(panels(2), {1, 2}, {40, 6, false});
+    QCOMPARE(titlesIn(low).size(), 2); // one, and the line that counts the other
+    QVERIFY(low.at(low.size() - 2).endsWith("now|"));
+    QVERIFY(plotFrame(panels(2), {1, 2}, {40, 0, false}).last().endsWith("now|"));
 }
 
 QTEST_APPLESS_MAIN(PlotFrameTest)

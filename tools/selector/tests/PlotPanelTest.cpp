@@ -29,6 +29,8 @@ private Q_SLOTS:
     void onlyTheLatestSamplesAreShown();
     void aTimeWithoutANumberIsAGap();
     void aConstantRunsThroughTheMiddle();
+    void aSwitchHasItsOwnRange();
+    void aTitleThatDoesNotFitSaysSo();
     void nothingToShowIsStillAFrame();
     void extremesAndControlCharactersDoNoHarm();
 };
@@ -64,6 +66,23 @@ void PlotPanelTest::aConstantRunsThroughTheMiddle()
 {
     const QStringList lines = panelOf({50, 50}).render(14, 4, false);
     QCOMPARE(lines.mid(1), (QStringList{"        55 |", "           |**", "        45 |"}));
+}
+
+void PlotPanelTest::aSwitchHasItsOwnRange()
+{
+    PlotPanel panel = panelOf({1, 1, 0, 0, 1});
+    panel.setSwitch(true);
+    QCOMPARE(panel.render(17, 4, false).mid(1),
+             (QStringList{"      true |**  *", "           |  * *", "     false |  **"}));
+    PlotPanel constant = panelOf({1, 1});
+    constant.setSwitch(true);
+    QCOMPARE(constant.render(14, 3, false).mid(1), (QStringList{"      true |**", "     false |"}));
+}
+
+void PlotPanelTest::aTitleThatDoesNotFitSaysSo()
+{
+    QCOMPARE(panelOf({1450}).render(14, 3, false).first(), QString("speed  1450 1…"));
+    QCOMPARE(panelOf({1450}).render(17, 3, false).first(), QString("speed  1450 1/min"));
 }
 
 void PlotPanelTest::nothingToShowIsStillAFrame()

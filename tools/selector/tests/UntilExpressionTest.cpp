@@ -14,11 +14,11 @@ const QVector<WatchTarget> targets = watchTargets(
 
 QVector<WatchedValue> values()
 {
-    return {{1450.5, false},
-            {true, false},
+    return {{1450.5, false, 5.5},
+            {true, false, -0.5},
             {QString("north"), true},
             {QVariant::fromValue(1.8F), false},
-            {QVariant(), false},
+            {QVariant(), false, 7200.0},
             {QVariant(), false},
             {QVariant::fromValue<quint64>(18446744073709551615ULL), false}};
 }
@@ -90,6 +90,18 @@ void UntilExpressionTest::conditionsAreEvaluated_data()
     row("  speed > 1000&&on ", yes);
     row("true", yes);
     row("false || 0", no);
+    row("age(speed)>5s", yes);
+    row("age(speed)>5.5s", no);
+    row("age(speed)>=5500ms", yes);
+    row("age(speed)<0.1min", yes);
+    row("age(speed)>5", yes);
+    row("5s<age(speed)", yes);
+    row("age(#0) > 6s || age(lost) >= 2h", yes);
+    row("age(on)<0", yes);
+    row("age(speed)>age(on)", yes);
+    row("age(speed)", yes);
+    row("age(#2)>1s", unknown);
+    row("!(age(#2)>1s)", unknown);
 }
 
 void UntilExpressionTest::conditionsAreEvaluated()
@@ -126,6 +138,13 @@ void UntilExpressionTest::wrongConditionsNameTheirPlace_data()
     row("changed(5)", "place 10: changed() takes a selector");
     row("changed(speed", "place 14: \")\" is missing");
     row("on && && on", "place 7: a selector or a value is missing");
+    row("speed>5s", "place 9: a time can be compared with an age() only");
+    row("5s", "place 3: a time can be compared with an age() only");
+    row("age(5)>1s", "place 6: age() takes a selector");
+    row("age(age(speed))>1s", "place 15: age() takes a selector");
+    row("age(speed>1s", "place 10: \")\" is missing");
+    row("age>1s", "place 1: no selector is called \"age\"; texts stand in quotes");
+    row("age(speed)>1day", "place 12: \"1\" is not understood");
     row("'open", "place 1: \"'\" is not understood");
 }
 

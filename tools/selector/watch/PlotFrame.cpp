@@ -2,6 +2,8 @@
 // Titles and places of charts.
 #include "PlotFrame.h"
 
+#include "TimeAxis.h"
+
 #include <QHash>
 #include <QUrl>
 
@@ -73,27 +75,33 @@ QStringList plotTitles(const QVector<WatchTarget> &targets)
     return titles;
 }
 
-QStringList plotFrame(const QVector<PlotPanel> &panels, int width, int lines, bool dots)
+QStringList plotFrame(const QVector<PlotPanel> &panels, const QVector<qint64> &times,
+                      const PlotArea &area)
 {
     QStringList frame;
-    if (lines == 0) {
+    const QString axis = times.isEmpty() ? QString() : timeAxis(times, area.width, area.dots);
+    if (area.lines == 0) {
         for (const PlotPanel &panel : panels) {
-            frame += panel.render(width, usualPanel, dots);
+            frame += panel.render(area.width, usualPanel, area.dots);
         }
-        return frame;
+        return axis.isEmpty() ? frame : frame << axis;
     }
-    const bool all = panels.size() * smallestPanel <= lines;
-    const int shown = all ? panels.size() : (lines - 1) / smallestPanel;
+    const int room = area.lines - (axis.isEmpty() ? 0 : 1);
+    const bool all = panels.size() * smallestPanel <= room;
+    const int shown = all ? panels.size() : std::max(0, (room - 1) / smallestPanel);
     const int height
-        = std::clamp((all ? lines : lines - 1) / std::max(1, shown), smallestPanel, usualPanel * 2);
+        = std::clamp((all ? room : room - 1) / std::max(1, shown), smallestPanel, usualPanel * 2);
     for (int i = 0; i < shown; ++i) {
-        frame += panels.at(i).render(width, height, dots);
+        frame += panels.at(i).render(area.width, height, area.dots);
+    }
+    if (shown > 0 && !axis.isEmpty()) {
+        frame += axis;
     }
     if (!all) {
         frame += QStringLiteral("%1 of %2 charts do not fit; make the window higher")
                      .arg(panels.size() - shown)
                      .arg(panels.size())
-                     .left(std::max(1, width));
+                     .left(std::max(1, area.width));
     }
     return frame;
 }

@@ -10,9 +10,19 @@
 /// have that name, as much of their URLs' ends as tells them apart; for one selector twice a number.
 QStringList plotTitles(const QVector<WatchTarget> &targets);
 
-/// All charts, or as many as fit and a line that counts the others.
+/// Where charts are drawn.
+struct PlotArea
+{
+    int width = 80; ///< columns
+    int lines = 0; ///< there are; 0: as many as it takes
+    bool dots = false; ///< whether there are Braille patterns
+};
+
+/// All charts and, below them, an axis that says how long ago it was; or as many charts as fit and
+/// a line that counts the others.
 ///
-/// @param lines  there are; 0: as long as it takes
-QStringList plotFrame(const QVector<PlotPanel> &panels, int width, int lines, bool dots);
+/// @param times  of the samples that each panel has, in nanoseconds; none: no axis
+QStringList plotFrame(const QVector<PlotPanel> &panels, const QVector<qint64> &times,
+                      const PlotArea &area);
 
 #endif

@@ -2,7 +2,7 @@
 // Draws lines with characters.
 #include "PlotPanel.h"
 
-#include "Report.h"
+#include "ScreenColumns.h"
 #include "ValueText.h"
 
 #include <algorithm>
@@ -10,9 +10,7 @@
 
 namespace {
 
-constexpr int mostSamples = 4096; // more dots than any terminal has side by side
-constexpr int labelWidth = 10;
-constexpr int axisWidth = labelWidth + 2;
+constexpr int labelWidth = PlotPanel::axisWidth - 2;
 constexpr int labelDigits = 5;
 
 struct Range
@@ -85,9 +83,10 @@ QChar brailleCell(const Raster &raster, int row, int column)
     return cell == 0x2800 ? QChar(QLatin1Char(' ')) : QChar(cell);
 }
 
-QString label(double value)
+QString label(double value, bool isSwitch)
 {
-    const QString text = QString::number(value, 'g', labelDigits);
+    const QString text
+        = isSwitch ? valueToText(value > 0) : QString::number(value, 'g', labelDigits);
     return text.rightJustified(labelWidth);
 }
 
@@ -99,6 +98,11 @@ QString cells(const Raster &raster, int row, int columns, bool dots)
                       : QChar(QLatin1Char(raster.at(row).at(column) ? '*' : ' '));
     }
     return cells;
+}
+
+QString fitted(const QString &text, int width)
+{
+    return text.size() <= width ? text : text.left(std::max(0, width - 1)) + ellipsis;
 }
 
 QString withoutTrailingBlanks(QString line)
@@ -131,13 +135,13 @@ QStringList PlotPanel::render(int width, int height, bool dots) const
     const int rows = std::max(2, height - 1);
     const int across = dots ? columns * 2 : columns;
     const QVector<double> shown = samples.mid(std::max(0, samples.size() - across));
-    const Range range = rangeOf(shown);
+    const Range range = isSwitch ? Range() : rangeOf(shown);
     const Raster raster = draw(shown, range, across, dots ? rows * 4 : rows);
-    QStringList lines{printable(QStringLiteral("%1  %2").arg(name, note).trimmed()).left(width)};
+    QStringList lines{fitted(printable(QStringLiteral("%1  %2").arg(name, note).trimmed()), width)};
     for (int row = 0; row < rows; ++row) {
         QString line = QString(labelWidth, QLatin1Char(' '));
         if (row == 0 || row == rows - 1) {
-            line = label(row == 0 ? range.high : range.low);
+            line = label(row == 0 ? range.high : range.low, isSwitch);
         }
         line += dots ? QStringLiteral(" \u2502") : QStringLiteral(" |");
         lines.append(withoutTrailingBlanks(line + cells(raster, row, columns, dots)));

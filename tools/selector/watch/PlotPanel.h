@@ -11,7 +11,13 @@
 class PlotPanel
 {
 public:
+    static constexpr int mostSamples = 4096; ///< more dots than any terminal has side by side
+    static constexpr int axisWidth = 12; ///< columns before the line, with labels in them
+
     explicit PlotPanel(const QString &name);
+
+    /// Whether its values are true and false, which have a range of their own.
+    void setSwitch(bool is) { isSwitch = is; }
 
     /// @param sample   NaN: none at this time, which leaves a gap
     /// @param newNote  the value with its unit, or why there is none
@@ -26,6 +32,7 @@ public:
 private:
     const QString name;
     QString note;
+    bool isSwitch = false;
     QVector<double> samples;
 };
 

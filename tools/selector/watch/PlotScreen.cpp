@@ -3,75 +3,91 @@
 #include "PlotScreen.h"
 
 #include "PlotFrame.h"
-
-#include <QVector>
+#include "TerminalSize.h"
+#include "ValueText.h"
 
 #include <algorithm>
 
-#include <sys/ioctl.h>
-#include <unistd.h>
-
 namespace {
 
-constexpr int usualWidth = 80;
-
-struct Size
+bool isText(const QVariant &value)
 {
-    int width = usualWidth;
-    int height = 0; ///< 0: as long as it takes
-};
-
-Size terminalSize()
-{
-    struct winsize size = {};
-    if (::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col == 0 || size.ws_row == 0) {
-        return {};
-    }
-    return {size.ws_col, size.ws_row};
+    return value.userType() == QMetaType::QString || value.userType() == QMetaType::QByteArray;
 }
 
-bool localeIsUtf8()
+// NaN where there is none; a text that reads like a number is still none.
+double sampleOf(const LeafValue &value)
 {
-    for (const char *name : {"LC_ALL", "LC_CTYPE", "LANG"}) {
-        const QByteArray value = qgetenv(name).toLower();
-        if (!value.isEmpty()) {
-            return value.contains("utf-8") || value.contains("utf8");
-        }
-    }
-    return false;
+    bool isNumber = false;
+    const double sample = value.value.toDouble(&isNumber);
+    return isNumber && !isText(value.value) && value.isGood() ? sample : qQNaN();
+}
+
+QString noteOf(const ReadResult &result)
+{
+    const ReadRow row = readRow(result);
+    return row.state == Entry::Good
+        ? (valueToShortText(result.value.value) + QLatin1Char(' ') + row.unit).trimmed()
+        : row.note;
 }
 
 } // namespace
 
-PlotAbilities PlotAbilities::ofStandardOutput()
-{
-    const QByteArray terminal = qgetenv("TERM");
-    const bool moves
-        = ::isatty(STDOUT_FILENO) != 0 && !terminal.isEmpty() && terminal != QByteArray("dumb");
-    return {moves, moves && terminal != QByteArray("linux") && localeIsUtf8()};
-}
-
 PlotScreen::PlotScreen(const QVector<WatchTarget> &targets, const Console &console,
-                       const PlotAbilities &abilities)
+                       const TerminalAbilities &abilities)
     : console(console)
     , abilities(abilities)
 {
+    clock.start();
     const QStringList titles = plotTitles(targets);
     for (const QString &title : titles) {
         panels.append(PlotPanel(title));
     }
 }
 
+void PlotScreen::start()
+{
+    if (!abilities.moves) {
+        return;
+    }
+    terminal = std::make_unique<Terminal>(Terminal::Same);
+    connect(terminal.get(), &Terminal::disturbed, this, [this] {
+        drawnLines = 0; // others may have written below them
+        draw();
+    });
+    connect(terminal.get(), &Terminal::typed, this, [this](const QString &key) {
+        if (key == QLatin1String("q")) {
+            Q_EMIT left();
+        }
+    });
+}
+
+void PlotScreen::show(const QVector<ReadResult> &results, qint64 /*time*/)
+{
+    for (int i = 0; i < panels.size(); ++i) {
+        const LeafValue &value = results.at(i).value;
+        if (value.isGood()) {
+            panels[i].setSwitch(value.value.userType() == QMetaType::Bool);
+        }
+        panels[i].add(sampleOf(value), noteOf(results.at(i)));
+    }
+    times.append(clock.nsecsElapsed()); // nobody can set this clock
+    if (times.size() > PlotPanel::mostSamples) {
+        times.removeFirst();
+    }
+    draw();
+}
+
 QStringList PlotScreen::frame() const
 {
-    const Size size = terminalSize();
+    const TerminalSize size = TerminalSize::ofStandardOutput();
     // One line less than the terminal has: writing the last one would scroll.
-    return plotFrame(panels, size.width, std::max(0, size.height - 1), abilities.dots);
+    return plotFrame(panels, times, {size.width, std::max(0, size.height - 1), abilities.dots});
 }
 
 void PlotScreen::draw()
 {
-    if (!abilities.moves) {
+    if (!terminal) {
         return;
     }
     if (drawnLines > 0) {
@@ -89,6 +105,7 @@ void PlotScreen::draw()
 void PlotScreen::finish()
 {
     if (abilities.moves) {
+        terminal.reset();
         return;
     }
     const QStringList lines = frame();

@@ -5,37 +5,37 @@
 
 #include "Console.h"
 #include "PlotPanel.h"
+#include "Terminal.h"
+#include "TerminalAbilities.h"
 #include "WatchTargets.h"
+#include "WatchView.h"
 
-/// What the terminal can do.
-struct PlotAbilities
-{
-    bool moves = false; ///< it can move the cursor, so the chart is drawn over itself
-    bool dots = false; ///< it has Braille patterns
-
-    /// As the environment says: dots need a UTF-8 locale and more than the kernel's own console.
-    static PlotAbilities ofStandardOutput();
-};
+#include <QElapsedTimer>
 
 /// Panels one below the other. Without a terminal that can move its cursor the chart is printed
 /// once, at the end.
-class PlotScreen
+class PlotScreen : public WatchView
 {
+    Q_OBJECT
+
 public:
     PlotScreen(const QVector<WatchTarget> &targets, const Console &console,
-               const PlotAbilities &abilities);
+               const TerminalAbilities &abilities);
 
-    PlotPanel &panel(int index) { return panels[index]; }
-
-    void draw();
-    void finish();
+    void start() override;
+    void show(const QVector<ReadResult> &results, qint64 time) override;
+    void finish() override;
 
 private:
     QStringList frame() const;
+    void draw();
 
     QVector<PlotPanel> panels;
+    QVector<qint64> times; ///< of the samples, in nanoseconds since the beginning
+    QElapsedTimer clock;
     const Console console;
-    const PlotAbilities abilities;
+    const TerminalAbilities abilities;
+    std::unique_ptr<Terminal> terminal;
     int drawnLines = 0;
 };
 

@@ -83,7 +83,11 @@ UntilExpression::Truth truth(bool value)
 
 QVariant UntilExpression::valueOf(const Operand &operand, const QVector<WatchedValue> &values)
 {
-    return operand.selector < 0 ? operand.literal : values.value(operand.selector).value;
+    if (operand.selector < 0) {
+        return operand.literal;
+    }
+    const WatchedValue value = values.value(operand.selector);
+    return operand.isAge ? (value.age ? QVariant(*value.age) : QVariant()) : value.value;
 }
 
 UntilExpression::Truth UntilExpression::changed(const Operand &operand,

@@ -9,11 +9,14 @@
 #include <QVariant>
 #include <QVector>
 
+#include <optional>
+
 /// What a condition may know of one selector.
 struct WatchedValue
 {
     QVariant value; ///< invalid: none, or one with an error type
     bool changed = false; ///< at least once since the watch began
+    std::optional<double> age = {}; ///< seconds since it was published; nothing when it never was
 };
 
 /// A condition over the values of selectors:
@@ -23,11 +26,13 @@ struct WatchedValue
 ///     term      = "!" term | "(" condition ")" | "changed" [ "(" selector ")" ]
 ///               | operand [ ( "==" | "!=" | "<" | "<=" | ">" | ">=" ) operand ]
 ///     operand   = selector | number | "true" | "false" | 'text' | "text"
+///               | "age" "(" selector ")" | number ( "ms" | "s" | "min" | "h" )
 ///     selector  = NAME | "#" POSITION (0 is the first)
 ///
 /// An operand alone holds when it is true or a number other than 0. A comparison with a selector
 /// without a good value, or of a text with a number, is neither true nor false, nor is its
-/// opposite.
+/// opposite. An age is known of every value that was published, good or not, and compares with
+/// times; a number without unit counts seconds there.
 class UntilExpression
 {
 public:
@@ -49,6 +54,8 @@ private:
     {
         int selector = -1; ///< -1: the literal
         QVariant literal;
+        bool isAge = false; ///< of the selector
+        bool isTime = false; ///< the literal, with a unit; in seconds
     };
 
     struct Node

@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: MIT
 // Parses conditions.
+#include "Duration.h"
 #include "LeafType.h"
 #include "UntilExpression.h"
 
 #include <QRegularExpression>
+
+#include <algorithm>
 
 namespace {
 
@@ -11,7 +14,7 @@ constexpr int deepestNesting = 64;
 
 struct Token
 {
-    enum Kind { End, Sign, Number, Text, Position, Name };
+    enum Kind { End, Sign, Number, Time, Text, Position, Name };
 
     Kind kind = End;
     QString text; ///< without quotes and #
@@ -25,19 +28,17 @@ bool nextToken(const QString &text, int &position, Token &token)
         QStringLiteral("\\G\\s*(?<token>(?<sign>&&|\\|\\||[=!<>]=|[<>!()])"
                        "|(?<number>[-+]?(?:0[xX][0-9a-fA-F]+|(?:\\d+\\.?\\d*|\\.\\d+)"
                        "(?:[eE][-+]?\\d+)?)(?![\\p{L}\\p{N}_.]))"
+                       "|(?<time>(?:\\d+\\.?\\d*|\\.\\d+)(?:ms|s|min|h)(?![\\p{L}\\p{N}_.]))"
                        "|\"(?<double>[^\"]*)\"|'(?<single>[^']*)'"
                        "|\\#(?<position>\\d+)"
                        "|(?<name>[\\p{L}_][\\p{L}\\p{N}_.-]*)"
                        "|(?<end>$))"),
         QRegularExpression::UseUnicodePropertiesOption);
     static const QVector<QPair<QString, Token::Kind>> groups{
-        {QStringLiteral("sign"), Token::Sign},
-        {QStringLiteral("number"), Token::Number},
-        {QStringLiteral("double"), Token::Text},
-        {QStringLiteral("single"), Token::Text},
-        {QStringLiteral("position"), Token::Position},
-        {QStringLiteral("name"), Token::Name},
-        {QStringLiteral("end"), Token::End}};
+        {QStringLiteral("sign"), Token::Sign},   {QStringLiteral("number"), Token::Number},
+        {QStringLiteral("time"), Token::Time},   {QStringLiteral("double"), Token::Text},
+        {QStringLiteral("single"), Token::Text}, {QStringLiteral("position"), Token::Position},
+        {QStringLiteral("name"), Token::Name},   {QStringLiteral("end"), Token::End}};
     const QRegularExpressionMatch match = pattern.match(text, position);
     for (const auto &group : groups) {
         if (match.capturedStart(group.first) >= 0) {
@@ -160,6 +161,12 @@ private:
         return comparison();
     }
 
+    bool isFollowedBy(const char *sign) const
+    {
+        const Token &next = tokens.at(std::min(at + 1, tokens.size() - 1));
+        return next.kind == Token::Sign && next.text == QLatin1String(sign);
+    }
+
     int changed()
     {
         ++at;
@@ -190,19 +197,54 @@ private:
         for (const auto &sign : signsOfComparison) {
             if (take(sign.first)) {
                 node.kind = sign.second;
-                return operand(node.second) ? add(node) : -1;
+                return operand(node.second) && timesFit(node) ? add(node) : -1;
             }
         }
-        return add(node);
+        return timesFit(node) ? add(node) : -1;
+    }
+
+    // Of values nobody knows in which unit they would have to be.
+    bool timesFit(const E::Node &node)
+    {
+        const bool hasTime = node.first.isTime || node.second.isTime;
+        if (hasTime && !node.first.isAge && !node.second.isAge) {
+            fail(QStringLiteral("a time can be compared with an age() only"));
+            return false;
+        }
+        return true;
+    }
+
+    bool age(E::Operand &result)
+    {
+        at += 2; // the word and what opens
+        if (!operand(result)) {
+            return false;
+        }
+        if (result.selector < 0 || result.isAge) {
+            fail(QStringLiteral("age() takes a selector"));
+            return false;
+        }
+        result.isAge = true;
+        if (!take(")")) {
+            fail(QStringLiteral("\")\" is missing"));
+            return false;
+        }
+        return true;
     }
 
     bool operand(E::Operand &result)
     {
         const Token &token = current();
+        if (token.kind == Token::Name && token.text == QLatin1String("age") && isFollowedBy("(")) {
+            return age(result);
+        }
         bool good = true;
         switch (token.kind) {
         case Token::Number:
             good = number(token.text, result.literal);
+            break;
+        case Token::Time:
+            good = time(token.text, result);
             break;
         case Token::Text:
             result.literal = token.text;
@@ -233,6 +275,19 @@ private:
         }
         fail(QStringLiteral("\"%1\" %2").arg(text, problem));
         return false;
+    }
+
+    bool time(const QString &text, E::Operand &result)
+    {
+        const std::optional<double> milliseconds
+            = millisecondsFromText(text, millisecondsPerSecond);
+        if (!milliseconds) {
+            fail(QStringLiteral("\"%1\" is not a time such as 500ms, 5s, 2min or 1h").arg(text));
+            return false;
+        }
+        result.literal = *milliseconds / millisecondsPerSecond;
+        result.isTime = true;
+        return true;
     }
 
     bool position(const QString &text, int &selector)

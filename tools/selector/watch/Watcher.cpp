@@ -2,20 +2,14 @@
 // Polling, change signals and the end of a watch.
 #include "Watcher.h"
 
-#include "ValueText.h"
-
-#include <QDateTime>
+#include "AgeText.h"
+#include "WatchViews.h"
 
 #include <numeric>
 
 namespace {
 
-constexpr qint64 nanosecondsPerMillisecond = 1000000;
-
-qint64 now()
-{
-    return QDateTime::currentMSecsSinceEpoch() * nanosecondsPerMillisecond;
-}
+constexpr double nanosecondsPerSecond = 1e9;
 
 // What stands in the column of the selectors.
 QVector<QString> shownNames(const QVector<WatchTarget> &targets)
@@ -32,15 +26,28 @@ QVector<QString> shownNames(const QVector<WatchTarget> &targets)
 Watcher::Watcher(const QVector<WatchTarget> &targets, const WatchOptions &options,
                  const std::optional<UntilExpression> &until, const Console &console)
     : handler(nullptr)
+    , options(options)
     , lines(shownNames(targets), console.style, options.timestamps)
     , console(console)
+    , ticks(options.interval)
     , until(until)
-    , changesOnly(options.changesOnly)
-    , wantedLines(options.count)
+    , view(makeView(options.view, targets, console))
 {
-    if (options.plot) {
-        screen = std::make_unique<PlotScreen>(targets, console, PlotAbilities::ofStandardOutput());
+    connectSignals();
+    for (const WatchTarget &target : targets) {
+        Selector selector;
+        selector.latest.url = target.url;
+        selector.latest.label = target.label;
+        selectors.append(selector);
     }
+    handler.setSelectorUrls(urlsOf(targets));
+    for (int i = 0; i < selectors.size(); ++i) {
+        selectors[i].latest.properties = propertiesOf(handler, i);
+    }
+}
+
+void Watcher::connectSignals()
+{
     connect(&handler,
             qOverload<QVector<int>>(&SelectorHandlerProcessValue::processDataDescriptionChanged),
             this, [this](const QVector<int> &indices) {
@@ -50,62 +57,59 @@ Watcher::Watcher(const QVector<WatchTarget> &targets, const WatchOptions &option
             [this](const QVector<int> &indices) {
                 announce(QStringLiteral("propertyChanged"), indices);
             });
-    connect(&timer, &QTimer::timeout, this, &Watcher::poll);
-    timer.setInterval(options.interval);
-    for (const WatchTarget &target : targets) {
-        Selector selector;
-        selector.url = target.url;
-        selector.label = target.label;
-        selectors.append(selector);
+    connect(&ticks, &SteadyTicks::ticked, this, &Watcher::look);
+    if (view) {
+        connect(view.get(), &WatchView::left, this, &Watcher::end);
     }
-    handler.setSelectorUrls(urlsOf(targets));
-    for (int i = 0; i < selectors.size(); ++i) {
-        selectors[i].properties = propertiesOf(handler, i);
+}
+
+QStringList Watcher::withoutRange() const
+{
+    QStringList urls;
+    for (const Selector &selector : selectors) {
+        const QJsonObject &properties = selector.latest.properties;
+        if (!properties.isEmpty() && !options.deadband.of(properties)) {
+            urls.append(selector.latest.url);
+        }
     }
+    return urls;
 }
 
 void Watcher::start()
 {
-    if (!screen) {
+    if (view) {
+        view->start();
+    } else {
         console.out << lines.header();
     }
-    if (!flush()) {
-        return;
+    if (flush()) {
+        ticks.start();
     }
-    timer.start();
-    poll();
 }
 
-void Watcher::poll()
+void Watcher::look(qint64 time)
 {
     const QVector<ProcessValue> values = handler.getValues();
+    const qint64 now = currentTime(); // what ages count from; a tick keeps to its own clock
     SelectorExaminer examiner; // one for all: a service is asked once
     for (int i = 0; i < values.size() && !hasEnded(); ++i) {
-        read(i, values.at(i), examiner);
+        read(i, values.at(i), now, examiner);
     }
-    if (screen) {
-        plot();
-    }
-    checkCondition();
+    showView(time);
+    checkCondition(now);
 }
 
-void Watcher::plot()
+void Watcher::showView(qint64 time)
 {
-    for (int i = 0; i < selectors.size(); ++i) {
-        const Selector &selector = selectors.at(i);
-        bool isNumber = false;
-        double sample = selector.value.value.toDouble(&isNumber);
-        // A text that reads like a number is still none.
-        isNumber = isNumber && selector.value.value.userType() != QMetaType::QString
-            && selector.value.value.userType() != QMetaType::QByteArray && selector.value.isGood();
-        sample = isNumber ? sample : qQNaN();
-        const QString unit = selector.properties.value(QLatin1String("unit")).toString();
-        const QString value = selector.failure == ExitAllGood
-            ? valueToShortText(selector.value.value) + QLatin1Char(' ') + unit
-            : selector.reason;
-        screen->panel(i).add(sample, value.trimmed());
+    if (!view || hasEnded()) {
+        return;
     }
-    screen->draw();
+    QVector<ReadResult> results;
+    results.reserve(selectors.size());
+    for (const Selector &selector : qAsConst(selectors)) {
+        results.append(selector.latest);
+    }
+    view->show(results, time);
     if (flush()) {
         countLine();
     }
@@ -113,13 +117,13 @@ void Watcher::plot()
 
 void Watcher::finish()
 {
-    timer.stop();
-    if (screen) {
-        screen->finish();
+    ticks.stop();
+    if (view) {
+        view->finish();
     }
 }
 
-void Watcher::checkCondition()
+void Watcher::checkCondition(qint64 now)
 {
     if (!until || met || resultsAreLost()) {
         return;
@@ -127,44 +131,59 @@ void Watcher::checkCondition()
     QVector<WatchedValue> values;
     values.reserve(selectors.size());
     for (const Selector &selector : qAsConst(selectors)) {
-        values.append({selector.value.isGood() ? selector.value.value : QVariant(),
-                       selector.seen == Seen::Changed});
+        const LeafValue &value = selector.latest.value;
+        const bool isGood = value.isGood() && selector.latest.finding.isNone();
+        WatchedValue watched{isGood ? value.value : QVariant(), selector.seen == Seen::Changed, {}};
+        if (value.timestamp != 0) {
+            watched.age = double(now - value.timestamp) / nanosecondsPerSecond;
+        }
+        values.append(watched);
     }
     if (until->evaluate(values) == UntilExpression::True) {
         met = true;
-        timer.stop();
-        Q_EMIT finished();
+        end();
     }
 }
 
-void Watcher::read(int index, const LeafValue &value, SelectorExaminer &examiner)
+Finding Watcher::findingOf(Selector &selector, qint64 now, SelectorExaminer &examiner) const
+{
+    const bool missing = selector.latest.value.isMissing();
+    const bool examine = selector.examine;
+    selector.examine = !missing;
+    if (!missing) {
+        return options.maximumAge.judge(selector.latest.value, now);
+    }
+    // Asking the services anew each time would cost a call for each selector.
+    return examine ? examiner.explain(selector.latest.url) : selector.latest.finding;
+}
+
+bool Watcher::isWorthTelling(const Selector &selector) const
+{
+    const LeafValue &value = selector.latest.value;
+    return selector.seen == Seen::Never || value.errorType != selector.told.errorType
+        || selector.latest.finding.text != selector.toldReason
+        || Deadband::isExceeded(selector.told.value, value.value,
+                                options.deadband.of(selector.latest.properties).value_or(0));
+}
+
+void Watcher::read(int index, const LeafValue &value, qint64 now, SelectorExaminer &examiner)
 {
     Selector &selector = selectors[index];
-    const bool missing = value.isMissing();
-    Finding finding;
-    if (missing) {
-        // Asking the services anew each time would cost a call for each selector.
-        finding = selector.examine ? examiner.explain(selector.url) : selector.finding;
-    }
-    selector.examine = !missing;
-    const bool same = selector.seen != Seen::Never && value.errorType == selector.value.errorType
-        && value.value == selector.value.value && finding.text == selector.finding.text;
-    if (same) {
+    selector.latest.value = value;
+    selector.latest.finding = findingOf(selector, now, examiner);
+    if (!isWorthTelling(selector)) {
         return;
     }
     const bool first = selector.seen == Seen::Never;
     selector.seen = first ? Seen::Unchanged : Seen::Changed;
-    selector.value = value;
-    selector.finding = finding;
-    const ReadResult result{selector.url, value, selector.properties, finding, selector.label};
-    const Entry entry = readEntry(result);
+    selector.told = value;
+    selector.toldReason = selector.latest.finding.text;
+    const Entry entry = readEntry(selector.latest);
     selector.failure = entry.exitCode();
-    selector.reason = entry.reason;
-    if (!screen && !(first && changesOnly)) {
-        print(lines.value(index, result, now()));
+    if (!view && !(first && options.changesOnly)) {
+        print(lines.value(index, selector.latest, currentTime()));
     }
-    if (selector.failure != ExitAllGood && !resultsAreLost()
-        && !(screen && console.silentReasons)) {
+    if (selector.failure != ExitAllGood && !resultsAreLost()) {
         printReason(entry.subject, entry.reason, console);
     }
 }
@@ -178,19 +197,20 @@ void Watcher::announce(const QString &signal, const QVector<int> &indices)
         }
         Selector &selector = selectors[index];
         selector.examine = true;
+        ReadResult &latest = selector.latest;
         const QJsonObject properties = propertiesOf(handler, index);
-        if (properties.isEmpty() && selector.properties.isEmpty()) {
-            continue; // it was not there and is not: at most the reason differs, which poll() shows
+        if (properties.isEmpty() && latest.properties.isEmpty()) {
+            continue; // it was not there and is not: at most the reason differs, which look() shows
         }
-        changes.append(compareProperties(index, selector.url, selector.properties, properties));
-        selector.properties = properties;
+        changes.append(compareProperties(index, latest.url, latest.properties, properties));
+        latest.properties = properties;
         selector.seen = selector.seen == Seen::Never ? Seen::Never : Seen::Changed;
     }
-    if (!changes.isEmpty() && !screen && !console.style.quiet) {
-        print(lines.signal(signal, changes, now()));
+    if (!changes.isEmpty() && !view && !console.style.quiet) {
+        print(lines.signal(signal, changes, currentTime()));
     }
-    if (!screen && !hasEnded()) {
-        poll();
+    if (!view && !hasEnded()) {
+        look(currentTime());
     }
 }
 
@@ -210,18 +230,22 @@ bool Watcher::flush()
     if (flushResults(console)) {
         return true;
     }
-    timer.stop();
-    Q_EMIT finished();
+    end();
     return false;
 }
 
 void Watcher::countLine()
 {
     ++printed;
-    if (wantedLines != 0 && isComplete()) {
-        timer.stop();
-        Q_EMIT finished();
+    if (options.count != 0 && isComplete()) {
+        end();
     }
+}
+
+void Watcher::end()
+{
+    ticks.stop();
+    Q_EMIT finished();
 }
 
 ExitCode Watcher::exitCode() const
@@ -238,10 +262,10 @@ bool Watcher::resultsAreLost() const
 
 bool Watcher::hasEnded() const
 {
-    return met || resultsAreLost() || (wantedLines != 0 && isComplete());
+    return met || resultsAreLost() || (options.count != 0 && isComplete());
 }
 
 bool Watcher::isComplete() const
 {
-    return printed >= wantedLines;
+    return printed >= options.count;
 }

@@ -4,13 +4,16 @@
 #define WATCHER_H
 
 #include "Console.h"
+#include "Deadband.h"
 #include "LiveLeaves.h"
-#include "PlotScreen.h"
+#include "MaximumAge.h"
+#include "SteadyTicks.h"
 #include "UntilExpression.h"
 #include "WatchLines.h"
+#include "WatchTargets.h"
+#include "WatchView.h"
 
 #include <QObject>
-#include <QTimer>
 
 #include <memory>
 #include <optional>
@@ -18,16 +21,26 @@
 /// What a person asks a watch for.
 struct WatchOptions
 {
+    /// How it is shown.
+    enum View {
+        Lines, ///< a line for each change
+        Plot,
+        Table,
+        Wide, ///< a row for each look
+    };
+
+    View view = Lines;
     int interval = 200; ///< milliseconds between two looks at the values
     int count = 0; ///< lines that end it; 0: no number does
     bool timestamps = false;
     bool changesOnly = false;
-    bool plot = false;
+    MaximumAge maximumAge;
+    Deadband deadband; ///< of lines
 };
 
 /// Reads all selectors regularly and prints those whose value, error type or reason differs from
-/// the line before; prints both change signals of the library as they come. With --plot draws
-/// charts instead of lines, and each look counts as a line.
+/// the line before; prints both change signals of the library as they come. A view other than lines
+/// shows all of them at each look, which counts as a line.
 ///
 /// Threads: the main thread, with a running event loop.
 class Watcher : public QObject
@@ -38,6 +51,9 @@ public:
     /// @param until  the condition that ends the watch; nothing: none does
     Watcher(const QVector<WatchTarget> &targets, const WatchOptions &options,
             const std::optional<UntilExpression> &until, const Console &console);
+
+    /// The selectors whose leaf has no range, though the deadband is a share of it.
+    QStringList withoutRange() const;
 
     /// What the latest lines of the selectors that have one mean for a script.
     ExitCode exitCode() const;
@@ -53,7 +69,7 @@ public:
 
     int lineCount() const { return printed; }
 
-    /// Prints what was kept for the end.
+    /// Gives the terminal back, if a view has it, and prints what was kept for the end.
     void finish();
 
     /// Prints the header and all selectors for the first time.
@@ -68,36 +84,36 @@ private:
 
     struct Selector
     {
-        QString url;
-        QString label;
-        QJsonObject properties;
-        LeafValue value;
-        Finding finding;
+        ReadResult latest;
+        LeafValue told; ///< as its latest line has it
+        QString toldReason; ///< likewise
         Seen seen = Seen::Never;
         bool examine = true; ///< whether its finding may differ from before
         ExitCode failure = ExitAllGood; ///< what its latest line means for a script
-        QString reason; ///< why it is not good
     };
 
-    void poll();
-    void read(int index, const LeafValue &value, SelectorExaminer &examiner);
+    void connectSignals();
+    void look(qint64 time);
+    Finding findingOf(Selector &selector, qint64 now, SelectorExaminer &examiner) const;
+    bool isWorthTelling(const Selector &selector) const;
+    void read(int index, const LeafValue &value, qint64 now, SelectorExaminer &examiner);
     void announce(const QString &signal, const QVector<int> &indices);
     void print(const QString &text);
     bool flush(); ///< ends the watch when it fails
     bool hasEnded() const;
     void countLine();
-    void checkCondition();
-    void plot();
+    void end();
+    void checkCondition(qint64 now);
+    void showView(qint64 time);
 
     SelectorHandlerProcessValue handler;
     QVector<Selector> selectors;
+    const WatchOptions options;
     const WatchLines lines;
     const Console console;
-    QTimer timer;
+    SteadyTicks ticks;
     const std::optional<UntilExpression> until;
-    std::unique_ptr<PlotScreen> screen; ///< null: lines are printed
-    const bool changesOnly;
-    const int wantedLines;
+    std::unique_ptr<WatchView> view; ///< null: lines are printed
     int printed = 0;
     bool met = false;
 };
