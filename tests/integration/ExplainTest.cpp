@@ -37,6 +37,8 @@ private Q_SLOTS:
     void aLeafThatWasNeverPublishedFailsAtItsValue();
     void tableAndCsvReadAsWritten_data();
     void tableAndCsvReadAsWritten();
+    void severalSelectorsAreWalkedOneByOne();
+    void ofSeveralSelectorsTheGravestFaultDecides();
 
 private:
     struct Outcome
@@ -336,21 +338,21 @@ leaf           skipped  -
 property       skipped  -
 value          skipped  -
 )");
-    QTest::newRow("csv") << "csv" << QByteArray(R"(step,result,finding,advice
-text,ok,well formed,
-scheme,failed,"the scheme is ""pdt""","process data has the scheme ""processdata"""
-module,skipped,,
-bus,skipped,,
-serviceOwner,skipped,,
-object,skipped,,
-description,skipped,,
-bufferFile,skipped,,
-permission,skipped,,
-layout,skipped,,
-liveness,skipped,,
-leaf,skipped,,
-property,skipped,,
-value,skipped,,
+    QTest::newRow("csv") << "csv" << QByteArray(R"(step,result,finding,advice,url,label
+text,ok,well formed,,pdt://Pump/Controller/1/a,
+scheme,failed,"the scheme is ""pdt""","process data has the scheme ""processdata""",pdt://Pump/Controller/1/a,
+module,skipped,,,pdt://Pump/Controller/1/a,
+bus,skipped,,,pdt://Pump/Controller/1/a,
+serviceOwner,skipped,,,pdt://Pump/Controller/1/a,
+object,skipped,,,pdt://Pump/Controller/1/a,
+description,skipped,,,pdt://Pump/Controller/1/a,
+bufferFile,skipped,,,pdt://Pump/Controller/1/a,
+permission,skipped,,,pdt://Pump/Controller/1/a,
+layout,skipped,,,pdt://Pump/Controller/1/a,
+liveness,skipped,,,pdt://Pump/Controller/1/a,
+leaf,skipped,,,pdt://Pump/Controller/1/a,
+property,skipped,,,pdt://Pump/Controller/1/a,
+value,skipped,,,pdt://Pump/Controller/1/a,
 )");
 }
 
@@ -364,6 +366,46 @@ void ExplainTest::tableAndCsvReadAsWritten()
     QCOMPARE(client.errors(),
              QByteArray("selector: pdt://Pump/Controller/1/a: scheme: the scheme is \"pdt\"; "
                         "process data has the scheme \"processdata\"\n"));
+}
+
+void ExplainTest::severalSelectorsAreWalkedOneByOne()
+{
+    const QStringList urls{url("speed"), url("idle"), url("speed") + "?deactivated"};
+    ChildProcess client(SELECTOR, QStringList{"explain", "-j"} + urls);
+    QVERIFY(client.run());
+    QCOMPARE(client.exitCode(), 1);
+    const QJsonArray results
+        = QJsonDocument::fromJson(client.output()).object()["results"].toArray();
+    QCOMPARE(results.size(), urls.size() * allSteps.size());
+    for (int i = 0; i < results.size(); ++i) {
+        QCOMPARE(results.at(i)["url"].toString(), urls.at(i / allSteps.size()));
+        QCOMPARE(results.at(i)["step"].toString(), allSteps.at(i % allSteps.size()));
+    }
+
+    ChildProcess table(SELECTOR, {"explain", "a=" + url("speed"), url("idle")});
+    QVERIFY(table.run());
+    QStringList headings;
+    const QStringList lines = QString::fromUtf8(table.output()).split('\n');
+    for (int i = 0; i + 1 < lines.size(); ++i) {
+        if (lines.at(i + 1).startsWith("STEP ")) {
+            headings.append(lines.at(i));
+        }
+    }
+    QCOMPARE(headings, (QStringList{"a=" + url("speed"), url("idle")}));
+}
+
+void ExplainTest::ofSeveralSelectorsTheGravestFaultDecides()
+{
+    const QString broken = "processdata://Pump/Controller/1/a%zz";
+    ChildProcess client(SELECTOR, {"explain", url("speed"), broken});
+    QVERIFY(client.run());
+    QCOMPARE(client.exitCode(), 1);
+    bus->stop();
+    for (const QStringList &urls : {QStringList{url("speed"), broken}, {broken, url("speed")}}) {
+        ChildProcess withoutBus(SELECTOR, QStringList{"explain"} + urls);
+        QVERIFY(withoutBus.run());
+        QCOMPARE(withoutBus.exitCode(), 3);
+    }
 }
 
 QTEST_GUILESS_MAIN(ExplainTest)

@@ -88,8 +88,9 @@ void SelectorCompletionTest::shellsOfferOnlyWhatIsAccepted_data()
                                          << "MODULE/Controller/\n";
     QTest::newRow("browse takes one place") << "browse MODULE/Controller/1 MOD"
                                             << "";
-    QTest::newRow("explain takes one URL") << "explain processdata://MODULE/Controller/1/drive/on p"
-                                           << "";
+    QTest::newRow("explain takes several URLs")
+        << "explain processdata://MODULE/Controller/1/drive/on processdata://MODULE/"
+        << "processdata://MODULE/Controller/\n";
     QTest::newRow("write takes a value") << "write processdata://MODULE/Controller/1/drive/on p"
                                          << "";
     QTest::newRow("write takes a second URL")

@@ -3,11 +3,11 @@
 #include "Command.h"
 #include "Entries.h"
 #include "Explanation.h"
-#include "SelectorText.h"
+#include "SelectorList.h"
 
 namespace {
 
-Entry stepEntry(const SelectorText &selector, Step step, const Explanation &explanation)
+Entry stepEntry(const ListLine &selector, Step step, const Explanation &explanation)
 {
     const QString name = QString::fromLatin1(stepNames[int(step)].name);
     const QString key = QString::fromLatin1(stepNames[int(step)].key);
@@ -37,27 +37,61 @@ Entry stepEntry(const SelectorText &selector, Step step, const Explanation &expl
     if (!advice.isEmpty()) {
         entry.json.insert(QStringLiteral("advice"), advice);
     }
-    entry.rows.append({Cell(name, key), result, text, advice});
+    entry.rows.append({Cell(name, key), result, text, advice, selector.url, selector.label});
     return entry;
+}
+
+Report emptyReport()
+{
+    return {QStringLiteral("selector.explain/1"),
+            columnsOf("step result finding advice url| label|"),
+            {}};
+}
+
+void addSteps(const ListLine &selector, const Explanation &explanation, Report &report)
+{
+    for (int step = 0; step < int(Step::None); ++step) {
+        report.entries.append(stepEntry(selector, Step(step), explanation));
+    }
+}
+
+// A system out of reach says more than whatever is wrong with a text.
+ExitCode gravest(ExitCode one, ExitCode other)
+{
+    return one == ExitNotReachable || other == ExitNotReachable ? ExitNotReachable
+                                                                : graver(one, other);
+}
+
+void printHeading(const ListLine &selector, const Console &console)
+{
+    const QString name = selector.label.isEmpty() ? QString() : selector.label + QLatin1Char('=');
+    console.out << asTitle(printable(name + selector.url), console.style.colour) << '\n';
 }
 
 int run(const CommandLine &line, const Console &console, QString &usage)
 {
-    if (line.arguments.size() != 1) {
-        usage = line.arguments.isEmpty()
-            ? QStringLiteral("No selector given.")
-            : QStringLiteral("Unexpected argument %1.").arg(line.arguments.at(1));
+    QVector<ListLine> selectors;
+    if (!collectSelectors(line, LineForm::Url, selectors, usage)) {
         return ExitUsage;
     }
-    const SelectorText selector = selectorText(line.arguments.constFirst());
-    const Explanation explanation = explainSelector(selector.url, line.texts("property"));
-    Report report{
-        QStringLiteral("selector.explain/1"), columnsOf("step result finding advice"), {}};
-    for (int step = 0; step < int(Step::None); ++step) {
-        report.entries.append(stepEntry(selector, Step(step), explanation));
+    // In a table of all nobody could see which step is whose.
+    const bool apart = console.style.format == Format::Table && selectors.size() > 1;
+    Report report = emptyReport();
+    ExitCode exitCode = ExitAllGood;
+    for (const ListLine &selector : qAsConst(selectors)) {
+        const Explanation explanation = explainSelector(selector.url, line.texts("property"));
+        addSteps(selector, explanation, report);
+        exitCode = gravest(exitCode, explanation.finding.exitCode());
+        if (apart) {
+            printHeading(selector, console);
+            printReport(report, console);
+            report = emptyReport();
+        }
     }
-    printReport(report, console);
-    return explanation.finding.exitCode();
+    if (!apart) {
+        printReport(report, console);
+    }
+    return exitCode;
 }
 
 } // namespace
@@ -67,15 +101,16 @@ Command explainCommand()
     return {
         QStringLiteral("explain"),
         QStringLiteral("say why a selector does or does not work"),
-        "Usage: selector explain [OPTIONS] SELECTOR\n"
-        "Walks the way of the selector step by step: text, scheme, module, bus, service owner,\n"
+        "Usage: selector explain [OPTIONS] SELECTOR...\n"
+        "Walks the way of each selector step by step: text, scheme, module, bus, service owner,\n"
         "object, description, buffer file, permission, layout, liveness, leaf, property, value.\n"
         "The first step that fails says what is wrong and what to do; the rest is skipped.\n",
         {{"--property NAME", "the leaf must have this property; may be given several times", "",
           Option::Name, knownProperties},
+         urlFileOption,
          timeoutOption},
         "\nExample: selector explain "
         "PumpStation/Pump/1/drive/speed\n",
-        {Arguments::Url, 1},
+        {Arguments::Url, Arguments::many},
         run};
 }

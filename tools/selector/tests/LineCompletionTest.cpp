@@ -61,7 +61,7 @@ void LineCompletionTest::linesGoOn_data()
     nothing("browse a ");
     offers("explain ", Arguments::Url);
     offers("explain --property unit a", Arguments::Url);
-    nothing("explain a ");
+    offers("explain a b", Arguments::Url);
     offers("write a", Arguments::UrlAndValue);
     offers("write x=a", Arguments::UrlAndValue);
     nothing("write a ");
