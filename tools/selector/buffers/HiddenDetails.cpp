@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // All platforms that show neither who runs their services nor their buffers.
 #include "Counted.h"
-#include "DescriptionLeaves.h"
+#include "DescriptionEdits.h"
 #include "PlatformDetails.h"
 #include "ProcessDataManager.h"
 #include "PropertyManagerConst.h"

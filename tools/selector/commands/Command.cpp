@@ -2,6 +2,7 @@
 // The table of subcommands and what they share.
 #include "Command.h"
 
+#include "Catalog.h"
 #include "MessageLog.h"
 #include "ProcessDataAccess.h"
 #include "SystemStatusManagerDBusConnector.h"
@@ -56,20 +57,20 @@ int commandPosition(const QStringList &arguments)
     return -1;
 }
 
-bool fetchModules(const Console &console, QString &providerList, ExitCode &exitCode)
+bool askModules(Catalog &catalog, const Console &console, ExitCode &exitCode)
 {
-    QString error;
-    const Result result = ProcessDataAccess::fetchProviderList(providerList, error);
-    if (result == Result::Ok) {
-        return true;
+    const CatalogAnswer answer = catalog.askModules();
+    const QString &said = answer.isOk() ? catalog.note() : answer.text;
+    if (!said.isEmpty()) {
+        console.err << "selector: " << printable(said) << '\n';
+        console.err.flush();
     }
-    console.err << "selector: " << printable(error) << '\n';
-    console.err.flush();
-    exitCode = result == Result::TimedOut ? ExitTimeLimit
-        : result == Result::Denied        ? ExitDenied
-        : result == Result::NotSupported  ? ExitSomeFailed
-                                          : ExitNotReachable;
-    return false;
+    exitCode = answer.isOk()                    ? ExitAllGood
+        : answer.result == Result::TimedOut     ? ExitTimeLimit
+        : answer.result == Result::Denied       ? ExitDenied
+        : answer.result == Result::NotSupported ? ExitSomeFailed
+                                                : ExitNotReachable;
+    return answer.isOk();
 }
 
 bool busIsReachable(const Console &console)

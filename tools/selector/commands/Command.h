@@ -9,6 +9,8 @@
 
 #include <limits>
 
+class Catalog;
+
 /// What the arguments of a command are, for shells.
 struct Arguments
 {
@@ -62,10 +64,11 @@ Command diffCommand();
 Command applyCommand();
 Command completeCommand();
 
-/// Fetches the list of registered providers; prints the reason when it cannot be had.
+/// Asks for the modules; prints the reason when they cannot be had, and a note when there is no
+/// registry to name them.
 ///
-/// @param exitCode  receives what that means for a script
-bool fetchModules(const Console &console, QString &providerList, ExitCode &exitCode);
+/// @param exitCode  receives what a failure means for a script
+bool askModules(Catalog &catalog, const Console &console, ExitCode &exitCode);
 
 /// Whether the bus can be reached; prints the reason when not.
 bool busIsReachable(const Console &console);

@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: MIT
 // selector complete: candidates for shells from the live system.
+#include "Catalog.h"
 #include "Command.h"
 #include "Completion.h"
-#include "DescriptionLeaves.h"
 #include "ExitCode.h"
 #include "LineCompletion.h"
-#include "ModuleList.h"
 
 #include <QRegularExpression>
 
@@ -16,19 +15,14 @@ constexpr int patience = 500; // milliseconds that a person at the keyboard may 
 
 QStringList modules()
 {
-    QStringList names;
-    fetchModuleNames(names);
-    return names;
+    return Catalog().moduleNames();
 }
 
 QStringList leafPaths(const QStringList &source)
 {
-    QString description;
-    QString error;
-    ProcessDataAccess::fetchDescription(source.at(0), source.at(1), source.at(2), description,
-                                        error);
+    Catalog catalog;
     QStringList paths;
-    const QVector<DescribedLeaf> leaves = leavesBelow(description, QString());
+    const auto &leaves = catalog.source({source.at(0), source.at(1), source.at(2)}).leaves;
     for (const DescribedLeaf &leaf : leaves) {
         paths.append(leaf.path);
     }
@@ -39,22 +33,20 @@ QStringList leafPaths(const QStringList &source)
 QStringList candidates(const TypedPlace &place, bool isUrl)
 {
     const QString slash = QStringLiteral("/");
-    QStringList names;
-    QString error;
+    Catalog catalog;
     switch (place.names.size()) {
     case 0:
         return completions(place, modules(), slash);
     case 1:
-        ProcessDataAccess::fetchObjects(place.names.at(0), names, error);
-        return completions(place, names, slash);
+        return completions(place, catalog.objectNames(place.names.at(0)), slash);
     case 2:
-        ProcessDataAccess::fetchInstances(place.names.at(0), place.names.at(1), names, error);
-        return completions(place, names, isUrl ? slash : QString());
+        return completions(place, catalog.instanceNames(place.names.at(0), place.names.at(1)),
+                           isUrl ? slash : QString());
     default:
         break;
     }
     const QString group = QStringList(place.names.mid(namesOfSource)).join(QLatin1Char('/'));
-    names = namesBelow(leafPaths(place.names), group);
+    const QStringList names = namesBelow(leafPaths(place.names), group);
     return completions(place, isUrl ? names : names.filter(slash), QString());
 }
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // selector snapshot: descriptions and values of sources into files.
+#include "CatalogFindings.h"
 #include "Command.h"
 #include "Entries.h"
 #include "ExactJson.h"
@@ -9,19 +10,22 @@
 #include "LiveLeaves.h"
 #include "OutputFile.h"
 #include "Snapshot.h"
-#include "SourceList.h"
 #include "ValueText.h"
 
 #include <QDir>
 
+#include <algorithm>
 #include <cerrno>
+#include <iterator>
 
 namespace {
 
 struct ChosenSource
 {
-    ListedSource source;
-    QString group; ///< empty for all of it
+    QString place; ///< for people
+    SourceName name;
+    Finding finding; ///< why it is not known
+    SelectorPattern chosen; ///< leaves of it
 };
 
 struct SavedSource
@@ -56,7 +60,16 @@ QHash<QString, QJsonValue> goodValues(const SourceName &source,
     return result;
 }
 
-SavedSource save(const SourceName &name, const QString &group, const QDir &directory)
+QVector<DescribedLeaf> chosenLeaves(const QString &description, const SelectorPattern &chosen)
+{
+    QVector<DescribedLeaf> leaves;
+    const auto all = leavesBelow(description, QString());
+    std::copy_if(all.begin(), all.end(), std::back_inserter(leaves),
+                 [&chosen](const DescribedLeaf &leaf) { return chosen.matchesLeaf(leaf.path); });
+    return leaves;
+}
+
+SavedSource save(const SourceName &name, const SelectorPattern &chosen, const QDir &directory)
 {
     SavedSource saved;
     const Examination source = examine(name);
@@ -64,11 +77,11 @@ SavedSource save(const SourceName &name, const QString &group, const QDir &direc
     if (!saved.finding.isNone()) {
         return saved;
     }
-    const QVector<DescribedLeaf> leaves = leavesBelow(source.description, group);
-    if (leaves.isEmpty() && !group.isEmpty()) {
-        saved.finding
-            = {Finding::NoSuchLeaf,
-               QStringLiteral("%1 has no leaf at or below \"%2\"").arg(name.toString(), group)};
+    const QVector<DescribedLeaf> leaves = chosenLeaves(source.description, chosen);
+    if (leaves.isEmpty() && !chosen.path.isEmpty()) {
+        saved.finding = {Finding::NoSuchLeaf,
+                         QStringLiteral("%1 has no leaf at or below \"%2\"")
+                             .arg(name.toString(), chosen.pathText())};
         return saved;
     }
     const QHash<QString, QJsonValue> values = goodValues(name, leaves);
@@ -76,7 +89,7 @@ SavedSource save(const SourceName &name, const QString &group, const QDir &direc
     saved.values = values.size();
     saved.file = directory.filePath(snapshotFileName(name));
     const QByteArray text
-        = exactText(snapshotOf(rewritableObject(source.description.toUtf8()), values, group));
+        = exactText(snapshotOf(rewritableObject(source.description.toUtf8()), values, chosen));
     QString problem;
     if (!writeWholeFile(saved.file, text, problem)) {
         saved.finding = {Finding::NotWritten, QStringLiteral("%1: %2").arg(saved.file, problem)};
@@ -84,9 +97,9 @@ SavedSource save(const SourceName &name, const QString &group, const QDir &direc
     return saved;
 }
 
-Entry snapshotEntry(const SourceName &name, const SavedSource &saved)
+Entry snapshotEntry(const QString &place, const SavedSource &saved)
 {
-    Entry entry = entryOf(name.toString(), saved.finding);
+    Entry entry = entryOf(place, saved.finding);
     entry.json.insert(QStringLiteral("source"), entry.subject);
     if (saved.finding.isNone()) {
         entry.json.insert(QStringLiteral("file"), saved.file);
@@ -100,12 +113,42 @@ Entry snapshotEntry(const SourceName &name, const SavedSource &saved)
     return entry;
 }
 
+// Of a place with stars only sources that have such leaves.
+void choose(Catalog &catalog, const SelectorPattern &place, const QString &text,
+            QVector<ChosenSource> &sources)
+{
+    const int before = sources.size();
+    const QVector<CatalogItem> items = catalog.items(place);
+    for (const CatalogItem &item : items) {
+        if (item.kind != CatalogItem::Source) {
+            if (!item.answer.isOk()) {
+                sources.append({item.name.toString(), item.name, findingOf(item.answer), place});
+            }
+            continue;
+        }
+        const auto isChosen
+            = [&place](const DescribedLeaf &leaf) { return place.matchesLeaf(leaf.path); };
+        bool wanted = true;
+        if (place.hasStars() && !place.path.isEmpty()) {
+            const CatalogSource &source = catalog.source(item.name);
+            wanted = !source.answer.isOk()
+                || std::any_of(source.leaves.begin(), source.leaves.end(), isChosen);
+        }
+        if (wanted) {
+            sources.append({item.name.toString(), item.name, {}, place});
+        }
+    }
+    if (sources.size() == before && place.hasStars()) {
+        sources.append({text, {}, missOf(catalog.match(place)), place});
+    }
+}
+
 int run(const CommandLine &line, const Console &console, QString &usage)
 {
-    QVector<BrowsePlace> places;
+    QVector<SelectorPattern> places;
     for (const QString &text : line.arguments) {
-        BrowsePlace place;
-        if (!parseBrowsePlace(text, place, usage)) {
+        SelectorPattern place;
+        if (!SelectorPattern::parse(text, place, usage)) {
             return ExitUsage;
         }
         places.append(place);
@@ -126,20 +169,19 @@ int run(const CommandLine &line, const Console &console, QString &usage)
     if (!busIsReachable(console)) {
         return ExitNotReachable;
     }
+    if (places.isEmpty()) {
+        places.append(SelectorPattern());
+    }
+    Catalog catalog;
     QVector<ChosenSource> sources;
-    Finding finding;
-    const QVector<BrowsePlace> chosen = places.isEmpty() ? QVector<BrowsePlace>{{}} : places;
-    for (const BrowsePlace &place : chosen) {
-        QVector<ListedSource> found;
-        const bool listed = listSources(place, found, finding);
-        for (const ListedSource &source : qAsConst(found)) {
-            sources.append({source, place.group});
+    for (int i = 0; i < places.size(); ++i) {
+        ExitCode exitCode = ExitAllGood;
+        const SelectorPattern &place = places.at(i);
+        const bool needsModules = place.level == SelectorPattern::System || !place.module.isName();
+        if (needsModules && !askModules(catalog, console, exitCode)) {
+            return exitCode;
         }
-        if (!listed) {
-            console.err << "selector: " << printable(finding.text) << '\n';
-            console.err.flush();
-            return finding.exitCode() == ExitSomeFailed ? ExitNotReachable : finding.exitCode();
-        }
+        choose(catalog, place, line.arguments.value(i), sources);
     }
     Report report{
         QStringLiteral("selector.snapshot/1"), columnsOf("source file leaves> values> note"), {}};
@@ -148,11 +190,11 @@ int run(const CommandLine &line, const Console &console, QString &usage)
             break;
         }
         SavedSource saved;
-        saved.finding = one.source.finding;
+        saved.finding = one.finding;
         if (saved.finding.isNone()) {
-            saved = save(one.source.name, one.group, QDir(output));
+            saved = save(one.name, one.chosen, QDir(output));
         }
-        report.entries.append(snapshotEntry(one.source.name, saved));
+        report.entries.append(snapshotEntry(one.place, saved));
     }
     return printReport(report, console);
 }

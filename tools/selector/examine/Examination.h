@@ -3,7 +3,7 @@
 #ifndef EXAMINATION_H
 #define EXAMINATION_H
 
-#include "DescriptionLeaves.h"
+#include "DescriptionEdits.h"
 #include "Finding.h"
 #include "PlatformDetails.h"
 #include "SelectorUrlParser.h"

@@ -13,14 +13,6 @@
 
 namespace {
 
-// Whether a path is that of a group, in it, or on the way to it.
-bool isOnTheWay(const QString &path, const QString &group)
-{
-    const QLatin1Char slash('/');
-    return group.isEmpty() || (path + slash).startsWith(group + slash)
-        || (group + slash).startsWith(path + slash);
-}
-
 QString escaped(const QString &name)
 {
     return QString::fromLatin1(QUrl::toPercentEncoding(name));
@@ -29,7 +21,7 @@ QString escaped(const QString &name)
 } // namespace
 
 QJsonObject snapshotOf(const QJsonObject &document, const QHash<QString, QJsonValue> &values,
-                       const QString &group)
+                       const SelectorPattern &chosen)
 {
     QJsonObject result = withElements(document, [&](const QString &path, QJsonObject &element) {
         element.remove(QLatin1String("offset"));
@@ -39,7 +31,8 @@ QJsonObject snapshotOf(const QJsonObject &document, const QHash<QString, QJsonVa
                            QJsonObject{{QStringLiteral("kind"), QStringLiteral("constant")},
                                        {QStringLiteral("value"), values.value(path)}});
         }
-        return isOnTheWay(path, group);
+        return element.contains(QLatin1String("elements")) ? chosen.leadsTo(path)
+                                                           : chosen.matchesLeaf(path);
     });
     result.remove(QLatin1String("buffer"));
     result.remove(QLatin1String("session"));

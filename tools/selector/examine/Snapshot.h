@@ -3,8 +3,9 @@
 #ifndef SNAPSHOT_H
 #define SNAPSHOT_H
 
-#include "DescriptionLeaves.h"
+#include "DescriptionEdits.h"
 #include "LeafCheck.h"
+#include "SelectorPattern.h"
 
 #include <QHash>
 #include <QMap>
@@ -39,10 +40,9 @@ private:
 ///
 /// @param document  as a service sends it
 /// @param values    by the leaves' paths; a leaf without one does not move and is never published
-/// @param group     path of a group or a leaf: only what is at or below it, within its groups; empty
-///                  for all
+/// @param chosen    only the leaves that its path means, within their groups
 QJsonObject snapshotOf(const QJsonObject &document, const QHash<QString, QJsonValue> &values,
-                       const QString &group = QString());
+                       const SelectorPattern &chosen = SelectorPattern());
 
 /// Name of the file of a source.
 QString snapshotFileName(const SourceName &source);

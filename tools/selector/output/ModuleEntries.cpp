@@ -27,6 +27,21 @@ Entry moduleEntry(const Module &module)
     return entry;
 }
 
+Entry moduleFailure(const Module &module, const Finding &finding)
+{
+    Entry entry = moduleEntry(module);
+    entry.state = Entry::Failed;
+    entry.failure = finding.exitCode();
+    entry.reason = finding.text;
+    entry.json.insert(QStringLiteral("status"), QStringLiteral("failed"));
+    entry.json.insert(QStringLiteral("code"), finding.codeName());
+    entry.json.insert(QStringLiteral("reason"), finding.text);
+    for (Row &row : entry.rows) {
+        row.last() = finding.text;
+    }
+    return entry;
+}
+
 QVector<Column> moduleColumns()
 {
     return columnsOf("module selectorType note");

@@ -41,20 +41,3 @@ QVector<Module> modulesOfType(const QString &providerList, const QString &type)
     }
     return modules;
 }
-
-Answer fetchModuleNames(QStringList &names)
-{
-    QString list;
-    Answer answer
-        = ask([&](QString &error) { return ProcessDataAccess::fetchProviderList(list, error); });
-    if (!answer.isOk()) {
-        return answer;
-    }
-    const QVector<Module> modules = modulesOfList(list);
-    for (const Module &module : modules) {
-        if (!module.name.isNull()) {
-            names.append(module.name);
-        }
-    }
-    return answer;
-}

@@ -3,8 +3,6 @@
 #ifndef MODULELIST_H
 #define MODULELIST_H
 
-#include "Finding.h"
-
 #include <QStringList>
 #include <QVector>
 
@@ -21,10 +19,5 @@ QVector<Module> modulesOfList(const QString &providerList);
 
 /// Modules that offer selectors of a type, with these selectors.
 QVector<Module> modulesOfType(const QString &providerList, const QString &type);
-
-/// Asks the registry for the names of its modules; what has none that can be read is left out.
-///
-/// Threads: any; blocks for a D-Bus call.
-Answer fetchModuleNames(QStringList &names);
 
 #endif

@@ -1,0 +1,265 @@
+// SPDX-License-Identifier: MIT
+// Asks again for what events speak of, and compares.
+#include "LiveCatalog.h"
+
+#include "DBusProcessDescriptionConnector.h"
+
+#include <algorithm>
+#include <utility>
+
+using ProcessDataAccess::Result;
+using ProcessDataAccess::SystemEvent;
+
+namespace {
+
+// Milliseconds.
+constexpr int firstRetry = 1000;
+constexpr int longestRetry = 60000;
+
+SelectorPattern everything()
+{
+    SelectorPattern pattern;
+    pattern.below = true;
+    return pattern;
+}
+
+QMap<QString, QStringList> typesByModule(const QVector<Module> &modules)
+{
+    QMap<QString, QStringList> types;
+    for (const Module &module : modules) {
+        types[module.name] += module.selectorTypes;
+    }
+    return types;
+}
+
+} // namespace
+
+LiveCatalog::LiveCatalog(const QVector<SelectorPattern> &patterns, QObject *parent)
+    : QObject(parent)
+    , patterns(patterns.isEmpty() ? QVector<SelectorPattern>{everything()} : patterns)
+    , turn(this)
+    , retry(this)
+    , needsModules(std::any_of(
+          this->patterns.begin(), this->patterns.end(), [](const SelectorPattern &pattern) {
+              return pattern.level == SelectorPattern::System || !pattern.module.isName();
+          }))
+{
+    known.setObjectHook(
+        [this](const QString &module, const QString &object) { listen(module, object); });
+    qRegisterMetaType<QVector<SourceName>>("QVector<SourceName>");
+    turn.setSingleShot(true);
+    turn.setInterval(0);
+    retry.setSingleShot(true);
+    retry.setInterval(firstRetry);
+    connect(&turn, &QTimer::timeout, this, &LiveCatalog::update);
+    connect(&retry, &QTimer::timeout, this, [this] {
+        retry.setInterval(std::min(2 * retry.interval(), longestRetry));
+        known.forgetFailures();
+        update();
+    });
+}
+
+LiveCatalog::~LiveCatalog()
+{
+    watch.reset();
+}
+
+CatalogAnswer LiveCatalog::start()
+{
+    if (!watch) {
+        // Called in a thread of the platform.
+        watch = ProcessDataAccess::watchSystem([this](const SystemEvent &event) {
+            QMetaObject::invokeMethod(
+                this, [this, event] { note(event); }, Qt::QueuedConnection);
+        });
+    }
+    known.forgetAll();
+    present = look();
+    return askModules();
+}
+
+CatalogAnswer LiveCatalog::askModules()
+{
+    return needsModules ? known.askModules() : CatalogAnswer();
+}
+
+QVector<SourceName> LiveCatalog::sources() const
+{
+    return present.keys().toVector();
+}
+
+void LiveCatalog::note(const SystemEvent &event)
+{
+    switch (event.kind) {
+    case SystemEvent::ServiceAppeared:
+    case SystemEvent::ServiceLost:
+        noteModule(event.module);
+        break;
+    case SystemEvent::ProvidersChanged:
+        modulesMayDiffer = true;
+        break;
+    case SystemEvent::BusLost:
+        busIsLost = true;
+        break;
+    case SystemEvent::BusFound:
+        busIsLost = false;
+        known.forgetAll();
+        break;
+    }
+    turn.start();
+}
+
+void LiveCatalog::noteModule(const QString &module)
+{
+    const bool wanted
+        = std::any_of(patterns.begin(), patterns.end(), [&module](const SelectorPattern &pattern) {
+              return pattern.matchesModule(module);
+          });
+    if (wanted) {
+        known.forgetModule(module);
+    }
+    modulesMayDiffer = modulesMayDiffer || !known.note().isEmpty(); // they are those that run
+}
+
+// A module that is registered with other selectors than before has other sources.
+void LiveCatalog::compareModules()
+{
+    if (!needsModules) {
+        return;
+    }
+    const QMap<QString, QStringList> before = typesByModule(known.modules());
+    known.forgetModules();
+    const QMap<QString, QStringList> now = typesByModule(known.modules());
+    for (auto module = now.begin(); module != now.end(); ++module) {
+        if (!before.contains(module.key()) || before.value(module.key()) != *module) {
+            known.forgetNames(module.key());
+        }
+    }
+}
+
+void LiveCatalog::noteAnnouncement(const SourceName &source)
+{
+    const bool wanted
+        = std::any_of(patterns.begin(), patterns.end(), [&source](const SelectorPattern &pattern) {
+              return pattern.matchesSource(source);
+          });
+    if (!wanted) {
+        return;
+    }
+    if (!known.knows(source)) {
+        known.forgetInstances(source.module, source.object);
+    }
+    known.forgetSource(source);
+    turn.start();
+}
+
+void LiveCatalog::update()
+{
+    if (busIsLost) {
+        return;
+    }
+    if (std::exchange(modulesMayDiffer, false)) {
+        compareModules();
+    }
+    tell(look());
+}
+
+QMap<SourceName, LiveCatalog::Seen> LiveCatalog::look()
+{
+    QMap<SourceName, Seen> now;
+    const CatalogAnswer modules = askModules();
+    bool isLate = modules.result == Result::TimedOut;
+    if (!modules.isOk()) {
+        now = present;
+    }
+    for (const SelectorPattern &pattern : patterns) {
+        const QVector<CatalogItem> all = known.items(pattern);
+        for (const CatalogItem &item : all) {
+            CatalogAnswer answer = item.answer;
+            if (item.kind == CatalogItem::Source) {
+                listen(item.name.module, item.name.object);
+                const CatalogSource &source = known.source(item.name);
+                answer = source.answer;
+                if (answer.result != Result::ServiceMissing) {
+                    now.insert(item.name, {answer, source.description});
+                }
+            } else if (!answer.isOk() && answer.result != Result::ServiceMissing) {
+                keepUnanswered(item, now);
+            }
+            isLate = isLate || answer.result == Result::TimedOut;
+        }
+    }
+    tryAgainLater(isLate);
+    return now;
+}
+
+// Sources of a service that gives no answer are not lost: their values are read from memory.
+void LiveCatalog::keepUnanswered(const CatalogItem &item, QMap<SourceName, Seen> &now) const
+{
+    for (auto source = present.begin(); source != present.end(); ++source) {
+        const SourceName &name = source.key();
+        const bool isIn = name.module == item.name.module
+            && (item.kind == CatalogItem::Module || name.object == item.name.object);
+        if (isIn) {
+            now.insert(name, {item.answer, source->description});
+        }
+    }
+}
+
+void LiveCatalog::listen(const QString &module, const QString &object)
+{
+    auto &connector = connectors[{module, object}];
+    if (!connector.isNull()) {
+        return;
+    }
+    connector = DBusProcessDescriptionConnector::createAndConnect(module, object);
+    if (connector.isNull()) {
+        return;
+    }
+    const auto hear = [this, module, object](const QString &instance) {
+        noteAnnouncement({module, object, instance});
+    };
+    connect(connector.data(), &DBusProcessDescriptionConnector::processDataDescriptionChanged, this,
+            hear);
+    connect(connector.data(), &DBusProcessDescriptionConnector::propertyChanged, this, hear);
+}
+
+void LiveCatalog::tell(const QMap<SourceName, Seen> &now)
+{
+    const QMap<SourceName, Seen> before = std::exchange(present, now);
+    QVector<SourceName> appeared;
+    QVector<SourceName> changed;
+    QVector<SourceName> lost;
+    for (auto source = now.begin(); source != now.end(); ++source) {
+        const auto old = before.find(source.key());
+        if (old == before.end()) {
+            appeared.append(source.key());
+        } else if (!(old->answer == source->answer) || old->description != source->description) {
+            changed.append(source.key());
+        }
+    }
+    for (auto source = before.begin(); source != before.end(); ++source) {
+        if (!now.contains(source.key())) {
+            lost.append(source.key());
+        }
+    }
+    if (!lost.isEmpty()) {
+        Q_EMIT sourcesLost(lost);
+    }
+    if (!appeared.isEmpty()) {
+        Q_EMIT sourcesAppeared(appeared);
+    }
+    if (!changed.isEmpty()) {
+        Q_EMIT sourcesChanged(changed);
+    }
+}
+
+void LiveCatalog::tryAgainLater(bool wanted)
+{
+    if (!wanted) {
+        retry.stop();
+        retry.setInterval(firstRetry);
+    } else if (!retry.isActive()) {
+        retry.start();
+    }
+}
