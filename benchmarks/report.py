@@ -46,6 +46,7 @@ def rows(run):
     setup = lambda name, leaves: run.time("set-up", name) / leaves
     change = lambda name: run.time("change", name, "real_time")
     sources = lambda count: run.time("sources", f"changeOfOneAmong/{count}", "real_time")
+    catalog = lambda name: run.time("catalog", name, "real_time")
     count = lambda what, n: run.counts[what, n]
     one = run.time("read-path", "oneValueBesideAnotherReader", "real_time")
 
@@ -102,6 +103,8 @@ def rows(run):
             change("floorChange"), "ns", 1.5),
         row("change with 10 sources against 1", sources(10), sources(1), "ns", None),
         row("change with 100 sources against 1", sources(100), sources(1), "ns", None),
+        row("first catalog of 100 sources with 100 leaves each, against their descriptions alone",
+            catalog("firstCatalog"), catalog("descriptionsAlone"), "ns", 1.5),
     ]
 
 

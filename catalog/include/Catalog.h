@@ -113,6 +113,9 @@ public:
     const CatalogSource &source(const SourceName &name);
 
     /// The leaves that a pattern means.
+    CatalogMatch find(const SelectorPattern &pattern);
+
+    /// The same with a hint when there are none.
     CatalogMatch match(const SelectorPattern &pattern);
 
     /// @name What may differ from now on is asked for again when it is needed.

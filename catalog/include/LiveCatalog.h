@@ -81,6 +81,8 @@ private:
     QTimer turn; // gathers what comes at once
     QTimer retry;
     const bool needsModules; // any pattern that does not spell its module out
+    const bool
+        needsObjects; // any that does not spell its object out: the registry tells of new ones
     bool modulesMayDiffer = false;
     bool busIsLost = false;
     std::unique_ptr<ProcessDataAccess::SystemWatch> watch; // ends first: it calls this object

@@ -64,6 +64,11 @@ struct SelectorPattern
     /// Whether any part has a star.
     bool hasStars() const;
 
+    /// Whether it takes a list of modules, or of a module's objects, to know what it means: the name
+    /// is not spelt out.
+    bool needsModules() const { return level < Module || !module.isName(); }
+    bool needsObjects() const { return needsModules() || level < Object || !object.isName(); }
+
     bool matchesModule(const QString &name) const;
     bool matchesObject(const QString &moduleName, const QString &objectName) const;
     bool matchesSource(const SourceName &name) const;

@@ -155,7 +155,7 @@ const CatalogSource &Catalog::source(const SourceName &name)
 
 QVector<CatalogItem> Catalog::items(const SelectorPattern &pattern)
 {
-    const bool spelt = pattern.level >= SelectorPattern::Module && pattern.module.isName();
+    const bool spelt = !pattern.needsModules();
     QVector<CatalogItem> found;
     const QStringList names = spelt ? QStringList(pattern.module.toString()) : moduleNames();
     for (const QString &module : names) {
@@ -171,8 +171,7 @@ QVector<CatalogItem> Catalog::items(const SelectorPattern &pattern)
 void Catalog::addModule(const SelectorPattern &pattern, const QString &module, bool spelt,
                         QVector<CatalogItem> &found)
 {
-    const bool objectSpelt
-        = spelt && pattern.level >= SelectorPattern::Object && pattern.object.isName();
+    const bool objectSpelt = spelt && !pattern.needsObjects();
     CatalogItem item{CatalogItem::Module, {module, {}, {}}, {}};
     if (objectSpelt) {
         found.append(item);

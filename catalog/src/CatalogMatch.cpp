@@ -76,10 +76,10 @@ bool maySpeakOfNames(const CatalogItem &item)
 
 } // namespace
 
-CatalogMatch Catalog::match(const SelectorPattern &pattern)
+CatalogMatch Catalog::find(const SelectorPattern &pattern)
 {
     CatalogMatch found;
-    if (pattern.level == SelectorPattern::System || !pattern.module.isName()) {
+    if (pattern.needsModules()) {
         const CatalogAnswer answer = askModules();
         if (!answer.isOk()) {
             found.failed.append({CatalogItem::Module, {}, answer});
@@ -101,6 +101,12 @@ CatalogMatch Catalog::match(const SelectorPattern &pattern)
             found.failed.append(item);
         }
     }
+    return found;
+}
+
+CatalogMatch Catalog::match(const SelectorPattern &pattern)
+{
+    CatalogMatch found = find(pattern);
     if (found.leaves.isEmpty()
         && std::all_of(found.failed.begin(), found.failed.end(), maySpeakOfNames)) {
         explainMiss(pattern, found);

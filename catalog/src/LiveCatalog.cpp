@@ -5,6 +5,7 @@
 #include "DBusProcessDescriptionConnector.h"
 
 #include <algorithm>
+#include <functional>
 #include <utility>
 
 using ProcessDataAccess::Result;
@@ -23,6 +24,11 @@ SelectorPattern everything()
     return pattern;
 }
 
+bool anyOf(const QVector<SelectorPattern> &patterns, bool (SelectorPattern::*question)() const)
+{
+    return std::any_of(patterns.begin(), patterns.end(), std::mem_fn(question));
+}
+
 QMap<QString, QStringList> typesByModule(const QVector<Module> &modules)
 {
     QMap<QString, QStringList> types;
@@ -39,10 +45,8 @@ LiveCatalog::LiveCatalog(const QVector<SelectorPattern> &patterns, QObject *pare
     , patterns(patterns.isEmpty() ? QVector<SelectorPattern>{everything()} : patterns)
     , turn(this)
     , retry(this)
-    , needsModules(std::any_of(
-          this->patterns.begin(), this->patterns.end(), [](const SelectorPattern &pattern) {
-              return pattern.level == SelectorPattern::System || !pattern.module.isName();
-          }))
+    , needsModules(anyOf(this->patterns, &SelectorPattern::needsModules))
+    , needsObjects(anyOf(this->patterns, &SelectorPattern::needsObjects))
 {
     known.setObjectHook(
         [this](const QString &module, const QString &object) { listen(module, object); });
@@ -118,13 +122,14 @@ void LiveCatalog::noteModule(const QString &module)
     if (wanted) {
         known.forgetModule(module);
     }
-    modulesMayDiffer = modulesMayDiffer || !known.note().isEmpty(); // they are those that run
+    // Without a registry the modules are those that run.
+    modulesMayDiffer = modulesMayDiffer || (needsModules && !known.note().isEmpty());
 }
 
 // A module that is registered with other selectors than before has other sources.
 void LiveCatalog::compareModules()
 {
-    if (!needsModules) {
+    if (!needsObjects) {
         return;
     }
     const QMap<QString, QStringList> before = typesByModule(known.modules());
@@ -169,6 +174,9 @@ QMap<SourceName, LiveCatalog::Seen> LiveCatalog::look()
     QMap<SourceName, Seen> now;
     const CatalogAnswer modules = askModules();
     bool isLate = modules.result == Result::TimedOut;
+    if (needsObjects) {
+        known.askModules(); // what later lists are compared with
+    }
     if (!modules.isOk()) {
         now = present;
     }

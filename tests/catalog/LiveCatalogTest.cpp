@@ -16,6 +16,7 @@ private Q_SLOTS:
     void cleanup();
     void sourcesComeGoAndChange();
     void aNewInstanceOfAKnownObjectIsFound();
+    void aNewObjectIsFoundByItsRegistration_data();
     void aNewObjectIsFoundByItsRegistration();
     void anAnnouncementOfTheSameIsNoChange();
     void nothingIsAskedWhileNothingChanges();
@@ -116,10 +117,18 @@ void LiveCatalogTest::aNewInstanceOfAKnownObjectIsFound()
     QTRY_COMPARE(told, QStringList({"came Pump/2"}));
 }
 
+void LiveCatalogTest::aNewObjectIsFoundByItsRegistration_data()
+{
+    QTest::addColumn<QString>("pattern");
+    QTest::newRow("everything") << "**";
+    QTest::newRow("a module") << "MODULE";
+}
+
 void LiveCatalogTest::aNewObjectIsFoundByItsRegistration()
 {
+    QFETCH(QString, pattern);
     VERIFY_COMMAND(create("Pump", "1", speed));
-    begin("**");
+    begin(pattern);
 
     VERIFY_COMMAND(
         create("Valve", "1", leaf("open", "bool", {{"selectorType", "DigitalSelector"}})));

@@ -34,6 +34,7 @@ target_compile_definitions(integration_selector_exit_codes_test PRIVATE
 add_selector_test(selector_golden)
 target_compile_definitions(integration_selector_golden_test PRIVATE
     GOLDEN="${CMAKE_CURRENT_SOURCE_DIR}/golden")
+add_selector_test(selector_patterns)
 add_selector_test(selector_script)
 add_selector_test(selector_values)
 add_selector_test(selector_output)

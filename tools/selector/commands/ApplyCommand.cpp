@@ -5,6 +5,7 @@
 #include "ExitCode.h"
 #include "InterruptExit.h"
 #include "LiveLeaves.h"
+#include "Selection.h"
 
 namespace {
 
@@ -24,7 +25,7 @@ int run(const CommandLine &line, const Console &console, QString &usage)
     if (!readListFile(file, lines, usage)) {
         return ExitUsage;
     }
-    if (!haveValues(lines, problem)) {
+    if (!haveValues(lines, problem) || !haveNoPatterns(lines, problem)) {
         usage = QStringLiteral("%1: %2").arg(file, problem);
         return ExitUsage;
     }

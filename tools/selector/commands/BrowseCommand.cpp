@@ -113,8 +113,7 @@ int run(const CommandLine &line, const Console &console, QString &usage)
     }
     Catalog catalog;
     ExitCode exitCode = ExitAllGood;
-    const bool needsModules = place.level == SelectorPattern::System || !place.module.isName();
-    if (needsModules && !askModules(catalog, console, exitCode)) {
+    if (place.needsModules() && !askModules(catalog, console, exitCode)) {
         return exitCode;
     }
     const bool tree = line.has("recursive");

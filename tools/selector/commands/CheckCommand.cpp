@@ -5,6 +5,7 @@
 #include "ExitCode.h"
 #include "LiveLeaves.h"
 #include "NearMiss.h"
+#include "Selection.h"
 #include "Snapshot.h"
 
 namespace {
@@ -38,36 +39,52 @@ void addHints(const Snapshot &snapshot, QVector<CheckedLine> &checked)
     }
 }
 
+QVector<CheckedLine> checkAgainst(const Snapshot &snapshot, const QVector<ListLine> &typed)
+{
+    Selection selection(typed, lookupIn(snapshot));
+    selection.expandGroups([&](int position) {
+        return snapshot.find(parseSelectorUrl(selection.lines().at(position).url)).finding.isNone();
+    });
+    QVector<CheckedLine> checked
+        = checkLines(selection.lines(), [&](int position, const SelectorUrlParts &parts) {
+              const Finding miss = selection.finding(position);
+              return miss.isNone() ? snapshot.find(parts) : FoundLeaf{miss, {}};
+          });
+    addHints(snapshot, checked);
+    return checked;
+}
+
+QVector<CheckedLine> checkLive(const QVector<ListLine> &typed)
+{
+    Catalog catalog;
+    Selection selection(typed, lookupIn(catalog));
+    const std::unique_ptr<LiveLeaves> leaves = findLeaves(selection);
+    return checkLines(selection.lines(), [&](int position, const SelectorUrlParts & /*parts*/) {
+        const Finding miss = selection.finding(position);
+        return miss.isNone() ? leaves->find(position) : FoundLeaf{miss, {}};
+    });
+}
+
 int run(const CommandLine &line, const Console &console, QString &usage)
 {
     if (line.arguments.size() != 1) {
         usage = QStringLiteral("Expected one FILE.");
         return ExitUsage;
     }
-    QVector<ListLine> lines;
+    QVector<ListLine> typed;
     Snapshot snapshot;
-    if (!readListFile(line.arguments.constFirst(), lines, usage)
+    if (!readListFile(line.arguments.constFirst(), typed, usage)
         || (line.has("against") && !Snapshot::load(line.text("against"), snapshot, usage))) {
         return ExitUsage;
     }
     Report report{
         QStringLiteral("selector.check/1"), columnsOf("line> url result note label|"), {}};
-    QVector<CheckedLine> checked;
-    if (line.has("against")) {
-        checked = checkLines(lines, [&snapshot](int /*position*/, const SelectorUrlParts &parts) {
-            return snapshot.find(parts);
-        });
-        addHints(snapshot, checked);
-    } else {
-        if (!busIsReachable(console)) {
-            return ExitNotReachable;
-        }
-        LiveLeaves leaves(lines);
-        checked = checkLines(lines, [&leaves](int position, const SelectorUrlParts & /*parts*/) {
-            return leaves.find(position);
-        });
+    const bool against = line.has("against");
+    if (!against && !busIsReachable(console)) {
+        return ExitNotReachable;
     }
-    for (const CheckedLine &one : qAsConst(checked)) {
+    const QVector<CheckedLine> checked = against ? checkAgainst(snapshot, typed) : checkLive(typed);
+    for (const CheckedLine &one : checked) {
         report.entries.append(checkEntry(one));
     }
     return printReport(report, console);

@@ -3,6 +3,7 @@
 #include "Command.h"
 #include "Entries.h"
 #include "Explanation.h"
+#include "Selection.h"
 #include "SelectorList.h"
 
 namespace {
@@ -41,6 +42,17 @@ Entry stepEntry(const ListLine &selector, Step step, const Explanation &explanat
     return entry;
 }
 
+// A pattern without a leaf has no steps to show.
+Entry missEntry(const ListLine &selector, const Finding &miss)
+{
+    Explanation explanation;
+    for (int i = 0; i < int(Step::Leaf); ++i) {
+        explanation.passed.append(QString());
+    }
+    explanation.finding = miss;
+    return stepEntry(selector, Step::Leaf, explanation);
+}
+
 Report emptyReport()
 {
     return {QStringLiteral("selector.explain/1"),
@@ -48,8 +60,13 @@ Report emptyReport()
             {}};
 }
 
-void addSteps(const ListLine &selector, const Explanation &explanation, Report &report)
+void addSteps(const ListLine &selector, const Finding &miss, const Explanation &explanation,
+              Report &report)
 {
+    if (!miss.isNone()) {
+        report.entries.append(missEntry(selector, miss));
+        return;
+    }
     for (int step = 0; step < int(Step::None); ++step) {
         report.entries.append(stepEntry(selector, Step(step), explanation));
     }
@@ -68,20 +85,43 @@ void printHeading(const ListLine &selector, const Console &console)
     console.out << asTitle(printable(name + selector.url), console.style.colour) << '\n';
 }
 
+QVector<Explanation> explainAll(const Selection &selection, const QStringList &properties)
+{
+    QVector<Explanation> explanations;
+    for (int i = 0; i < selection.lines().size(); ++i) {
+        const Finding miss = selection.finding(i);
+        explanations.append(miss.isNone() ? explainSelector(selection.lines().at(i).url, properties)
+                                          : Explanation{{}, miss});
+    }
+    return explanations;
+}
+
 int run(const CommandLine &line, const Console &console, QString &usage)
 {
-    QVector<ListLine> selectors;
-    if (!collectSelectors(line, LineForm::Url, selectors, usage)) {
+    QVector<ListLine> typed;
+    if (!collectSelectors(line, LineForm::Url, typed, usage)) {
         return ExitUsage;
     }
+    const QStringList properties = line.texts("property");
+    Catalog catalog;
+    Selection selection(typed, lookupIn(catalog));
+    QVector<Explanation> explanations = explainAll(selection, properties);
+    // Only what is neither a leaf nor in the way to one may be a group.
+    const auto isLeaf = [&explanations](int position) {
+        const Finding::Code code = explanations.at(position).finding.code;
+        return code != Finding::NoSuchLeaf && code != Finding::InvalidUrl;
+    };
+    if (selection.expandGroups(isLeaf)) {
+        explanations = explainAll(selection, properties);
+    }
     // In a table of all nobody could see which step is whose.
-    const bool apart = console.style.format == Format::Table && selectors.size() > 1;
+    const bool apart = console.style.format == Format::Table && explanations.size() > 1;
     Report report = emptyReport();
     ExitCode exitCode = ExitAllGood;
-    for (const ListLine &selector : qAsConst(selectors)) {
-        const Explanation explanation = explainSelector(selector.url, line.texts("property"));
-        addSteps(selector, explanation, report);
-        exitCode = gravest(exitCode, explanation.finding.exitCode());
+    for (int i = 0; i < explanations.size(); ++i) {
+        const ListLine &selector = selection.lines().at(i);
+        addSteps(selector, selection.finding(i), explanations.at(i), report);
+        exitCode = gravest(exitCode, explanations.at(i).finding.exitCode());
         if (apart) {
             printHeading(selector, console);
             printReport(report, console);

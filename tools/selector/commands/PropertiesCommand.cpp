@@ -4,6 +4,7 @@
 #include "Entries.h"
 #include "ExitCode.h"
 #include "LiveLeaves.h"
+#include "Selection.h"
 #include "SelectorList.h"
 
 #include <QMap>
@@ -23,14 +24,18 @@ constexpr int valueColumn = 2;
 
 int run(const CommandLine &line, const Console &console, QString &usage)
 {
-    QVector<ListLine> selectors;
-    if (!collectSelectors(line, LineForm::Url, selectors, usage)) {
+    QVector<ListLine> typed;
+    if (!collectSelectors(line, LineForm::Url, typed, usage)) {
         return ExitUsage;
     }
     if (!busIsReachable(console)) {
         return ExitNotReachable;
     }
-    LiveLeaves leaves(selectors);
+    Catalog catalog;
+    Selection selection(typed, lookupIn(catalog));
+    const std::unique_ptr<LiveLeaves> live = findLeaves(selection);
+    LiveLeaves &leaves = *live;
+    const QVector<ListLine> &selectors = selection.lines();
     const QStringList names = line.texts("property");
     QMap<QString, QVector<QVariant>> wanted;
     for (const QString &name : names) {
@@ -38,7 +43,8 @@ int run(const CommandLine &line, const Console &console, QString &usage)
     }
     Report report{QStringLiteral("selector.properties/1"), propertiesColumns(), {}, valueColumn};
     for (int i = 0; i < selectors.size(); ++i) {
-        const FoundLeaf leaf = leaves.find(i);
+        const Finding miss = selection.finding(i);
+        const FoundLeaf leaf = miss.isNone() ? leaves.find(i) : FoundLeaf{miss, {}};
         PropertiesResult result{
             selectors.at(i).url, {}, leaf.finding, selectors.at(i).label, leaf.properties.keys()};
         if (names.isEmpty()) {

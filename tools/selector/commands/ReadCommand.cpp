@@ -6,6 +6,7 @@
 #include "ExitCode.h"
 #include "LiveLeaves.h"
 #include "MaximumAge.h"
+#include "Selection.h"
 #include "SelectorList.h"
 
 namespace {
@@ -14,30 +15,36 @@ constexpr int valueColumn = 1;
 
 int run(const CommandLine &line, const Console &console, QString &usage)
 {
-    QVector<ListLine> selectors;
-    if (!collectSelectors(line, LineForm::Url, selectors, usage)) {
+    QVector<ListLine> typed;
+    if (!collectSelectors(line, LineForm::Url, typed, usage)) {
         return ExitUsage;
     }
     if (!busIsReachable(console)) {
         return ExitNotReachable;
     }
-    const QVector<QString> urls = urlsOf(selectors);
-    SelectorHandlerProcessValue handler(urls, nullptr);
+    Catalog catalog;
+    Selection selection(typed, lookupIn(catalog));
+    SelectorHandlerProcessValue handler(urlsOf(selection.lines()), nullptr);
+    if (selection.expandGroups([&](int i) { return hasLeaf(handler, i); })) {
+        handler.setSelectorUrls(urlsOf(selection.lines()));
+    }
+    const QVector<ListLine> &selectors = selection.lines();
     const QVector<ProcessValue> values = handler.getValues();
     SelectorExaminer examiner;
     const MaximumAge maximumAge(line.number("max-age"));
     const qint64 now = currentTime();
     Report report{QStringLiteral("selector.read/1"), readColumns(), {}, valueColumn};
-    for (int i = 0; i < urls.size(); ++i) {
+    for (int i = 0; i < selectors.size(); ++i) {
         const QJsonObject properties = propertiesOf(handler, i);
         if (line.has("writable") && properties.value(QLatin1String("readOnly")).toBool()) {
             continue;
         }
-        ReadResult result{urls.at(i), values.at(i), properties, {}, selectors.at(i).label};
-        if (result.value.isMissing()) {
-            result.finding = examiner.explain(result.url);
-        } else {
+        ReadResult result{selectors.at(i).url, values.at(i), properties, selection.finding(i),
+                          selectors.at(i).label};
+        if (!result.value.isMissing()) {
             result.finding = maximumAge.judge(result.value, now);
+        } else if (result.finding.isNone()) {
+            result.finding = examiner.explain(result.url);
         }
         report.entries.append(readEntry(result));
     }
@@ -53,7 +60,8 @@ Command readCommand()
         QStringLiteral("print current values"),
         "Usage: selector read [OPTIONS] [NAME=]SELECTOR...\n"
         "Prints the current value of each selector with unit, error type and local time. A\n"
-        "SELECTOR is a URL, or one without processdata://; NAME stands in its place in the table.\n",
+        "SELECTOR is a URL, or one without processdata://; NAME stands in its place in the table.\n"
+        "A group, a source or a pattern ('PumpStation/*/1/**') stands for all its leaves.\n",
         {{"--writable", "leave out leaves that are read-only"},
          {"--format FORMAT",
           "table (default), json, csv, or pairs: one selector and its value a\n"

@@ -177,8 +177,7 @@ int run(const CommandLine &line, const Console &console, QString &usage)
     for (int i = 0; i < places.size(); ++i) {
         ExitCode exitCode = ExitAllGood;
         const SelectorPattern &place = places.at(i);
-        const bool needsModules = place.level == SelectorPattern::System || !place.module.isName();
-        if (needsModules && !askModules(catalog, console, exitCode)) {
+        if (place.needsModules() && !askModules(catalog, console, exitCode)) {
             return exitCode;
         }
         choose(catalog, place, line.arguments.value(i), sources);

@@ -3,7 +3,9 @@
 #include "Command.h"
 #include "Counted.h"
 #include "ExitCode.h"
+#include "Selection.h"
 #include "SelectorList.h"
+#include "SystemStatusManagerDBusConnector.h"
 #include "UnixSignals.h"
 #include "UntilExpression.h"
 #include "Watcher.h"
@@ -13,6 +15,7 @@
 
 #include <algorithm>
 #include <csignal>
+#include <memory>
 
 namespace {
 
@@ -54,6 +57,45 @@ int verdict(End end, const Watcher &watcher, const CommandLine &line, const Cons
         return end == End::TimeLimit ? ExitTimeLimit : ExitSomeFailed;
     }
     return watcher.exitCode();
+}
+
+bool parseUntil(const CommandLine &line, const QVector<WatchTarget> &targets,
+                std::optional<UntilExpression> &until, QString &problem)
+{
+    if (line.has("until")) {
+        until.emplace();
+        return UntilExpression::parse(line.text("until"), targets, *until, problem);
+    }
+    return true;
+}
+
+QVector<WatchTarget> targetsOf(const Selection &selection)
+{
+    QVector<WatchTarget> targets = watchTargets(selection.lines());
+    for (int i = 0; i < targets.size(); ++i) {
+        targets[i].miss = selection.finding(i);
+    }
+    return targets;
+}
+
+// Null with a condition that does not fit the selectors.
+std::unique_ptr<Watcher> makeWatcher(const CommandLine &line, const QVector<ListLine> &typed,
+                                     const WatchOptions &options, const Console &console,
+                                     QString &problem)
+{
+    Catalog catalog;
+    Selection selection(typed, lookupIn(catalog));
+    std::optional<UntilExpression> until;
+    bool parsed = parseUntil(line, targetsOf(selection), until, problem);
+    auto watcher = std::make_unique<Watcher>(targetsOf(selection), options, until, console);
+    if (selection.expandGroups([&watcher](int i) { return hasLeaf(watcher->values(), i); })) {
+        parsed = parseUntil(line, targetsOf(selection), until, problem);
+        watcher = std::make_unique<Watcher>(targetsOf(selection), options, until, console);
+    }
+    if (!parsed) {
+        watcher.reset();
+    }
+    return watcher;
 }
 
 // Two options that do not go together, in the order in which they are looked at.
@@ -131,16 +173,15 @@ int run(const CommandLine &line, const Console &console, QString &usage)
         || !takeOptions(line, options, usage)) {
         return ExitUsage;
     }
-    const QVector<WatchTarget> targets = watchTargets(selectors);
-    std::optional<UntilExpression> until;
-    if (line.has("until")) {
-        until.emplace();
-        if (!UntilExpression::parse(line.text("until"), targets, *until, usage)) {
-            return ExitUsage;
-        }
-    }
     QElapsedTimer clock;
     clock.start();
+    // A condition may speak of leaves that only a running system has; what needs none is wrong
+    // without one, too.
+    std::optional<UntilExpression> until;
+    if (SystemStatusManagerDBusConnector::createAndConnect().isNull()
+        && !parseUntil(line, watchTargets(selectors), until, usage)) {
+        return ExitUsage;
+    }
     if (!busIsReachable(console)) {
         return ExitNotReachable;
     }
@@ -148,8 +189,11 @@ int run(const CommandLine &line, const Console &console, QString &usage)
     // No cell of a row says why it is empty.
     output.silentReasons = output.silentReasons && options.view != WatchOptions::Wide;
     // Until it is made, signals end the process.
-    Watcher watcher(targets, options, until, output);
-    const QStringList withoutRange = watcher.withoutRange();
+    const std::unique_ptr<Watcher> watcher = makeWatcher(line, selectors, options, output, usage);
+    if (!watcher) {
+        return ExitUsage;
+    }
+    const QStringList withoutRange = watcher->withoutRange();
     if (!withoutRange.isEmpty()) {
         usage = QStringLiteral("--deadband %1 is a share of the range, and %2 has no minimum and "
                                "maximum; give a number instead")
@@ -168,15 +212,15 @@ int run(const CommandLine &line, const Console &console, QString &usage)
         end = number == SIGINT ? End::Interrupted : End::Terminated;
         QCoreApplication::quit();
     });
-    QObject::connect(&watcher, &Watcher::finished, qApp, &QCoreApplication::quit,
+    QObject::connect(watcher.get(), &Watcher::finished, qApp, &QCoreApplication::quit,
                      Qt::QueuedConnection);
-    watcher.start();
+    watcher->start();
     if (line.has("timeout")) {
         limit.start(std::max(0, line.number("timeout") - static_cast<int>(clock.elapsed())));
     }
     QCoreApplication::exec();
-    watcher.finish();
-    return verdict(end, watcher, line, console);
+    watcher->finish();
+    return verdict(end, *watcher, line, console);
 }
 
 } // namespace

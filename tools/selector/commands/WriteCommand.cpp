@@ -4,6 +4,7 @@
 #include "Entries.h"
 #include "ExitCode.h"
 #include "LiveLeaves.h"
+#include "Selection.h"
 #include "SelectorList.h"
 
 namespace {
@@ -11,7 +12,8 @@ namespace {
 int run(const CommandLine &line, const Console &console, QString &usage)
 {
     QVector<ListLine> selectors;
-    if (!collectSelectors(line, LineForm::UrlAndValue, selectors, usage)) {
+    if (!collectSelectors(line, LineForm::UrlAndValue, selectors, usage)
+        || !haveNoPatterns(selectors, usage)) {
         return ExitUsage;
     }
     if (!busIsReachable(console)) {

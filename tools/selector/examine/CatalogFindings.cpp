@@ -11,18 +11,21 @@ Finding findingOf(const CatalogAnswer &answer)
 
 Finding missOf(const CatalogMatch &match)
 {
+    const QString advice = QStringLiteral("selector browse -r shows what is there");
     switch (match.missing) {
     case CatalogMatch::Module:
-        return {Finding::ServiceMissing, match.hint};
+        return {Finding::ServiceMissing, match.hint, advice};
     case CatalogMatch::Object:
     case CatalogMatch::Instance:
-        return {Finding::NoSuchInstance, match.hint};
+        return {Finding::NoSuchInstance, match.hint, advice};
     case CatalogMatch::Path:
-        return {Finding::NoSuchLeaf, match.hint};
+        return {Finding::NoSuchLeaf, match.hint, advice};
     case CatalogMatch::None:
         break;
     }
-    return match.failed.isEmpty() ? Finding() : findingOf(match.failed.constFirst().answer);
+    return match.failed.isEmpty()
+        ? Finding(Finding::NoSuchLeaf, QStringLiteral("nothing matches"), advice)
+        : findingOf(match.failed.constFirst().answer);
 }
 
 QHash<QString, QJsonObject> exactProperties(const CatalogSource &source)

@@ -11,6 +11,11 @@ QJsonObject propertiesOf(SelectorHandlerProcessValue &handler, int position)
     return exactObject(handler.getPropertyAsJsonString(position).toUtf8());
 }
 
+bool hasLeaf(SelectorHandlerProcessValue &handler, int position)
+{
+    return !propertiesOf(handler, position).isEmpty();
+}
+
 QVector<LeafValue> valuesOf(const SourceName &source, const QVector<DescribedLeaf> &leaves)
 {
     QVector<QString> urls;

@@ -11,6 +11,9 @@
 /// round are strings of digits.
 QJsonObject propertiesOf(SelectorHandlerProcessValue &handler, int position);
 
+/// Whether there is a leaf at a position, by what the handler knows; asks nobody.
+bool hasLeaf(SelectorHandlerProcessValue &handler, int position);
+
 /// The values of a source's leaves, in their order.
 QVector<LeafValue> valuesOf(const SourceName &source, const QVector<DescribedLeaf> &leaves);
 

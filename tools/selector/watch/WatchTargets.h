@@ -3,6 +3,7 @@
 #ifndef WATCHTARGETS_H
 #define WATCHTARGETS_H
 
+#include "Finding.h"
 #include "ListFile.h"
 
 /// A selector and the name that an expression or a chart gives it.
@@ -11,6 +12,7 @@ struct WatchTarget
     QString name; ///< its label, or else the last segment of its URL, decoded
     QString url;
     QString label; ///< empty without
+    Finding miss = {}; ///< why a pattern has no leaf; None for a selector
 };
 
 QVector<WatchTarget> watchTargets(const QVector<ListLine> &selectors);

@@ -38,6 +38,7 @@ Watcher::Watcher(const QVector<WatchTarget> &targets, const WatchOptions &option
         Selector selector;
         selector.latest.url = target.url;
         selector.latest.label = target.label;
+        selector.miss = target.miss;
         selectors.append(selector);
     }
     handler.setSelectorUrls(urlsOf(targets));
@@ -154,7 +155,9 @@ Finding Watcher::findingOf(Selector &selector, qint64 now, SelectorExaminer &exa
         return options.maximumAge.judge(selector.latest.value, now);
     }
     // Asking the services anew each time would cost a call for each selector.
-    return examine ? examiner.explain(selector.latest.url) : selector.latest.finding;
+    return !selector.miss.isNone() ? selector.miss
+        : examine                  ? examiner.explain(selector.latest.url)
+                                   : selector.latest.finding;
 }
 
 bool Watcher::isWorthTelling(const Selector &selector) const

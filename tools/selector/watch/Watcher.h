@@ -69,6 +69,9 @@ public:
 
     int lineCount() const { return printed; }
 
+    /// Has the selectors in the order of the targets.
+    SelectorHandlerProcessValue &values() { return handler; }
+
     /// Gives the terminal back, if a view has it, and prints what was kept for the end.
     void finish();
 
@@ -87,6 +90,7 @@ private:
         ReadResult latest;
         LeafValue told; ///< as its latest line has it
         QString toldReason; ///< likewise
+        Finding miss; ///< why there is none
         Seen seen = Seen::Never;
         bool examine = true; ///< whether its finding may differ from before
         ExitCode failure = ExitAllGood; ///< what its latest line means for a script
