@@ -167,7 +167,7 @@ void SimulatorScenarioTest::whatAScenarioNamesIsLookedForWhenItIsLoaded()
 {
     VERIFY_COMMAND(simulator->startScenario(QString(R"({"format":"process-data-scenario/1","steps":[
             {"do":"vanish","module":"%1s"},
-            {"name":"lost","do":"reply-never","source":"%1/Controler/1"},
+            {"name":"lost","do":"reply-never","source":"%1/Controllr/1"},
             {"name":"good","do":"retype","source":"%1/Controller/1","leaf":"level","type":"int8"},
             {"name":"none","do":"retype","source":"%1/Controller/1","leaf":"Level","type":"int8"}]})")
                                                 .arg(module)));
@@ -179,7 +179,7 @@ void SimulatorScenarioTest::whatAScenarioNamesIsLookedForWhenItIsLoaded()
              lines.at(0));
     QVERIFY2(
         lines.at(1).endsWith(ends("scenario.json: step lost would fail: key \"source\": no file "
-                                  "publishes \"@/Controler/1\"; did you mean "
+                                  "publishes \"@/Controllr/1\"; did you mean "
                                   "\"@/Controller/1\"?")),
         lines.at(1));
     QVERIFY2(lines.at(2).endsWith(ends("scenario.json: step none would fail: key \"leaf\": "

@@ -107,20 +107,20 @@ void DescriptionFileTest::aKeyThatLooksLikeAKnownOneIsDoubted_data()
                                          "mean \"readOnly\"?");
     QTest::newRow("a capital") << QByteArray(R"("Type": 1)") << QStringList();
     QTest::newRow("one letter")
-        << QByteArray(R"("minimun": 1)")
-        << doubt("leaf \"drive/speed\": unknown key \"minimun\"; did you mean "
+        << QByteArray(R"("minimom": 1)")
+        << doubt("leaf \"drive/speed\": unknown key \"minimom\"; did you mean "
                  "\"minimum\"?");
     QTest::newRow("a key of somebody else's") << QByteArray(R"("colour": "red")") << QStringList();
     QTest::newRow("two keys")
-        << QByteArray(R"("maximun": 1, "SelectorType": "x")")
+        << QByteArray(R"("maximumm": 1, "SelectorType": "x")")
         << QStringList{"leaf \"drive/speed\": unknown key \"SelectorType\"; did you mean "
                        "\"selectorType\"?",
-                       "leaf \"drive/speed\": unknown key \"maximun\"; did you mean "
+                       "leaf \"drive/speed\": unknown key \"maximumm\"; did you mean "
                        "\"maximum\"?"};
     QTest::newRow("the same key of several leaves")
-        << QByteArray(R"("minimun": 1}, {"name": "other", "type": "int8", "minimun": 2)")
+        << QByteArray(R"("minimom": 1}, {"name": "other", "type": "int8", "minimom": 2)")
         << doubt(
-               "leaf \"drive/speed\" and 1 more: unknown key \"minimun\"; did you mean \"minimum\"?");
+               "leaf \"drive/speed\" and 1 more: unknown key \"minimom\"; did you mean \"minimum\"?");
     QTest::newRow("of a group and of the whole")
         << QByteArray(R"("unit": "m"}], "Description": "x", "more": [{)")
         << doubt("group \"drive\": unknown key \"Description\"; did you mean \"description\"?");

@@ -116,8 +116,8 @@ void ScenarioTest::aRefusalNamesItsPlace_data()
             "key \"module\" is missing: \"vanish\" needs it");
     stepRow("a key of another fault", R"({"do":"kill","module":"m"})",
             "unknown key \"module\" for \"kill\"");
-    stepRow("a key that is missing under its name", R"({"do":"vanish","modul":"m"})",
-            "key \"module\" is missing: \"vanish\" needs it; \"modul\" looks like it");
+    stepRow("a key that is missing under its name", R"({"do":"vanish","modulle":"m"})",
+            "key \"module\" is missing: \"vanish\" needs it; \"modulle\" looks like it");
     stepRow("a misspelt key", R"({"do":"reply-never","source":"m/o/i","Count":1})",
             "unknown key \"Count\" for \"reply-never\"; did you mean \"count\"?");
     stepRow("an empty name", R"({"do":"kill","name":""})",
