@@ -187,7 +187,9 @@ bool readScenarioStep(const QJsonObject &object, ScenarioStep &step, QString &er
         known.sort();
         reader.refuse(
             "do",
-            QStringLiteral("\"%1\" is none of %2").arg(what, known.join(QStringLiteral(", "))));
+            withHint(
+                QStringLiteral("\"%1\" is none of %2").arg(what, known.join(QStringLiteral(", "))),
+                what, known));
         return false;
     }
     if (!checkKeys(object, *fault, what, error)) {

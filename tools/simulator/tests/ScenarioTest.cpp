@@ -111,7 +111,11 @@ void ScenarioTest::aRefusalNamesItsPlace_data()
         "unknown key \"step\"; did you mean \"steps\"?");
     stepRow("a step that is no object", "5", "a JSON object is expected");
     stepRow("no fault", "{}", "key \"do\": \"\" is none of kill, kill-in-write, ");
-    stepRow("an unknown fault", R"({"do":"Kill"})", "key \"do\": \"Kill\" is none of ");
+    stepRow(
+        "an unknown fault", R"({"do":"Kill"})",
+        "key \"do\": \"Kill\" is none of kill, kill-in-write, permissions, reply-error, "
+        "reply-huge, reply-late, reply-never, reply-normally, reply-text, return, retype, storm, "
+        "vanish; did you mean \"kill\"?");
     stepRow("a missing key", R"({"do":"vanish"})",
             "key \"module\" is missing: \"vanish\" needs it");
     stepRow("a key of another fault", R"({"do":"kill","module":"m"})",
