@@ -96,11 +96,16 @@ for page in selector selector-read process-data-simulator; do
 done
 ! command -v man >/dev/null || man -w selector-read
 process-data-simulator --run 'vanish PumpStation, return PumpStation'
+selector browse -r
 selector read -q PumpStation/Pump/1/plate/name
+selector watch --table PumpStation/Pump/1/drive/setpoint PumpStation/Pump/1/drive/speed --count 2
+selector explain PumpStation/Pump/1/drive/nonsense
+selector doctor
 SHELL
 for text in 'selector modules' 'selector browse -r' 'selector read PumpStation/' 'selector explain' 'selector doctor' \
     'selector watch --table' 'completed: PumpStation/Pump/1/plate/name' 'page: selector-read' \
-    'page: selector$' 'page: process-data-simulator' 'return PumpStation: done' 'Pump station'; do
+    'page: selector$' 'page: process-data-simulator' 'return PumpStation: done' 'Pump station' '^ *speed .*float64' 'drive/setpoint .*1450' \
+    'leaf .*failed' '3 instances with'; do
     check "the shell shows: $text" grep -q -- "$text" "$work/shell"
 done
 
