@@ -3,6 +3,7 @@
 #include "BusErrors.h"
 
 #include <QDBusError>
+#include <QLoggingCategory>
 #include <QtTest>
 
 #include <dbus/dbus.h>
@@ -14,6 +15,7 @@ class BusErrorsTest : public QObject
 private Q_SLOTS:
     void longExplanationsOfTheBusAreOneSentence_data();
     void longExplanationsOfTheBusAreOneSentence();
+    void theirOwnWordsAreForThoseWhoAsk();
 };
 
 void BusErrorsTest::longExplanationsOfTheBusAreOneSentence_data()
@@ -31,8 +33,15 @@ void BusErrorsTest::longExplanationsOfTheBusAreOneSentence_data()
     QTest::newRow("a service that ended")
         << errors + "NoReply"
         << "Message recipient disconnected from message bus without replying"
-        << "Message recipient disconnected from message bus without replying "
-           "(org.freedesktop.DBus.Error.NoReply)";
+        << "it ended before it answered (org.freedesktop.DBus.Error.NoReply)";
+    QTest::newRow("a service that nobody runs")
+        << errors + "ServiceUnknown"
+        << "The name com.orvalis.ProcessData.Pump was not provided by any .service files"
+        << "nobody owns the service's name (org.freedesktop.DBus.Error.ServiceUnknown)";
+    QTest::newRow("a name that nobody owns")
+        << errors + "NameHasNoOwner"
+        << "Could not get owner of name 'com.orvalis.ProcessData.Pump': no such name"
+        << "nobody owns the service's name (org.freedesktop.DBus.Error.NameHasNoOwner)";
     QTest::newRow("refused by the policy")
         << errors + "AccessDenied"
         << "Rejected send message, 2 matched rules; type=\"method_call\", sender=\":1.3\" "
@@ -59,6 +68,29 @@ void BusErrorsTest::longExplanationsOfTheBusAreOneSentence()
     const WireMessage call = Wire::call("a.b", "/c", "d.e", "F");
     dbus_message_set_serial(call.get(), 1); // as one that was sent
     QCOMPARE(BusErrors::text(Wire::reply(call, BusAnswer::error(name, given))), text);
+}
+
+void BusErrorsTest::theirOwnWordsAreForThoseWhoAsk()
+{
+    static QStringList logged;
+    const auto previous = qInstallMessageHandler(
+        [](QtMsgType, const QMessageLogContext &, const QString &text) { logged.append(text); });
+    const auto explain = [] {
+        return BusErrors::reason("org.freedesktop.DBus.Error.NoReply",
+                                 "Did not receive a reply. So");
+    };
+    const QString unasked = explain();
+    const QStringList before = logged;
+    QLoggingCategory::setFilterRules("processdata.bus.original.debug=true");
+    const QString asked = explain();
+    QLoggingCategory::setFilterRules(QString());
+    qInstallMessageHandler(previous);
+
+    QCOMPARE(unasked, QString("no answer came in time"));
+    QCOMPARE(asked, unasked);
+    QCOMPARE(before, QStringList());
+    QCOMPARE(logged,
+             QStringList("org.freedesktop.DBus.Error.NoReply: Did not receive a reply. So"));
 }
 
 QTEST_GUILESS_MAIN(BusErrorsTest)

@@ -4,6 +4,7 @@
 
 #include "PrintableText.h"
 
+#include <QLoggingCategory>
 #include <QMutex>
 
 #include <cstdio>
@@ -68,6 +69,9 @@ void MessageLog::install(const QString &program, const QString &category, Level 
         log.program = program;
         log.category = category;
         log.level = level;
+    }
+    if (level == AllMessages) {
+        QLoggingCategory::setFilterRules(QStringLiteral("processdata.*.debug=true"));
     }
     qInstallMessageHandler(handleMessage);
 }

@@ -3,25 +3,48 @@
 #include "BusErrors.h"
 
 #include <QHash>
+#include <QLoggingCategory>
 
 #include <dbus/dbus.h>
 
 namespace {
 
-// Both begin so in all releases; they name possible causes, or every field of the message.
-const QLatin1String noReplyAtLength("Did not receive a reply");
-const QLatin1String refusalAtLength("Rejected ");
+// What was said before it was put in our words; for whoever asks for it.
+Q_LOGGING_CATEGORY(originalText, "processdata.bus.original", QtInfoMsg)
+
+struct Sentence
+{
+    BusErrors::Kind kind;
+    const char *beginning; ///< of what bus library and daemon say, in all releases
+    const char *ours;
+};
+
+// They name possible causes, every field of the message, or files that start services.
+constexpr Sentence sentences[]{
+    {BusErrors::Kind::TimedOut, "Did not receive a reply", "no answer came in time"},
+    {BusErrors::Kind::TimedOut, "Message recipient disconnected", "it ended before it answered"},
+    {BusErrors::Kind::Denied, "Rejected ",
+     "the policy of the bus does not let this user send that"},
+    {BusErrors::Kind::ServiceMissing, "The name ", "nobody owns the service's name"},
+    {BusErrors::Kind::ServiceMissing, "Could not get owner of name",
+     "nobody owns the service's name"},
+};
+
+QString reasonOf(const QString &name, const QString &given)
+{
+    const BusErrors::Kind kind = BusErrors::kindOf(name);
+    for (const Sentence &sentence : sentences) {
+        if (kind == sentence.kind && given.startsWith(QLatin1String(sentence.beginning))) {
+            qCDebug(originalText).noquote() << name + QStringLiteral(":") << given;
+            return QString::fromLatin1(sentence.ours);
+        }
+    }
+    return given;
+}
 
 QString textOf(const QString &name, const QString &given)
 {
-    const BusErrors::Kind kind = BusErrors::kindOf(name);
-    QString reason = given;
-    if (kind == BusErrors::Kind::TimedOut && given.startsWith(noReplyAtLength)) {
-        reason = QStringLiteral("no answer came in time");
-    } else if (kind == BusErrors::Kind::Denied && given.startsWith(refusalAtLength)) {
-        reason = QStringLiteral("the policy of the bus does not let this user send that");
-    }
-    return QStringLiteral("%1 (%2)").arg(reason, name);
+    return QStringLiteral("%1 (%2)").arg(reasonOf(name, given), name);
 }
 }
 
@@ -40,6 +63,11 @@ BusErrors::Kind BusErrors::kindOf(const QString &name)
         {QStringLiteral(DBUS_ERROR_DISCONNECTED), Kind::Disconnected},
     };
     return kinds.value(name, Kind::Other);
+}
+
+QString BusErrors::reason(const QString &name, const QString &given)
+{
+    return reasonOf(name, given);
 }
 
 QString BusErrors::text(const QDBusMessage &answer)

@@ -31,6 +31,9 @@ inline Kind kindOf(const QDBusMessage &answer)
 /// explain at length is said in one sentence of ours; what a service says is left as it is.
 QString text(const QDBusMessage &answer);
 
+/// The same without the name, for connections that cannot be made.
+QString reason(const QString &name, const QString &given);
+
 /// The same for an answer to a service's own call; null when the connection was lost.
 QString text(const WireMessage &answer);
 }

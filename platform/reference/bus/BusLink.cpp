@@ -3,6 +3,7 @@
 #include "BusLink.h"
 
 #include "BusCall.h"
+#include "BusErrors.h"
 #include "BusLog.h"
 #include "BusNames.h"
 #include "BusThread.h"
@@ -62,7 +63,7 @@ bool greetBus(const QDBusConnection &connection, QString &error)
     if (answer.type() == QDBusMessage::ReplyMessage) {
         return true;
     }
-    error = answer.errorMessage();
+    error = BusErrors::reason(answer.errorName(), answer.errorMessage());
     return false;
 }
 
@@ -175,7 +176,8 @@ bool BusLink::connectNow(QString &error)
         && hook(fresh, disconnected, this, SLOT(handleDisconnected()))
         && (!choice.needsGreeting() || greetBus(fresh, refusal));
     if (!ready || !fresh.isConnected()) {
-        error = refusal.isEmpty() ? fresh.lastError().message() : refusal;
+        const QDBusError failure = fresh.lastError();
+        error = refusal.isEmpty() ? BusErrors::reason(failure.name(), failure.message()) : refusal;
         if (error.isEmpty()) {
             error = QStringLiteral("the connection was closed at once");
         }
