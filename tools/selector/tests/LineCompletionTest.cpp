@@ -25,7 +25,7 @@ void LineCompletionTest::linesGoOn_data()
     offers("w", Arguments::Words, "write watch");
     offers("h", Arguments::Words, "help");
     offers("-", Arguments::Words,
-           "--format --help --json --no-legend --verbose -h -j -v --version");
+           "--format --help --json --no-legend --verbose --width -h -j -v --version");
     offers("--v", Arguments::Words, "--verbose --version");
     offers("-j w", Arguments::Words, "write watch");
     offers("--format c", Arguments::Words, "csv");

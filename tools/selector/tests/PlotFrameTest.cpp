@@ -54,7 +54,13 @@ void PlotFrameTest::noTwoChartsHaveOneTitle_data()
         << QStringList{"1/drive/speed", "2/drive/speed", "fan/speed"};
     QTest::newRow("one name in two modules")
         << QVector<QString>{"processdata://A/Pump/1/speed", "processdata://B/Pump/1/speed"}
-        << QStringList{"A/Pump/1/speed", "B/Pump/1/speed"};
+        << QStringList{"A/\u2026/speed", "B/\u2026/speed"};
+    QTest::newRow("one name in two instances of one build")
+        << QVector<QString>{pump + "1/drive/speed", pump + "2/drive/speed", pump + "2/level"}
+        << QStringList{"1/\u2026/speed", "2/\u2026/speed", "level"};
+    QTest::newRow("a short title that another chart has as its name")
+        << QVector<QString>{pump + "1/speed", pump + "2/speed", pump + "2/1%2Fspeed"}
+        << QStringList{"1/speed", "2/speed", "2/1/speed"};
     QTest::newRow("one selector twice")
         << QVector<QString>{pump + "1/speed", pump + "1/speed"}
         << QStringList{"PumpStation/Pump/1/speed #1", "PumpStation/Pump/1/speed #2"};

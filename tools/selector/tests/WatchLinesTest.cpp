@@ -40,6 +40,7 @@ class WatchLinesTest : public QObject
 private Q_SLOTS:
     void initTestCase();
     void tablesHaveFixedColumns();
+    void linesForAScreenAreShort();
     void csvHasOneFormForAllEvents();
     void jsonIsOneObjectALine();
     void timestampsStandInFrontOfEachLine();
@@ -70,6 +71,26 @@ void WatchLinesTest::tablesHaveFixedColumns()
             "2026-01-01 14:00:00.123  processdata://M/O/1/b             -  -       NoValue    not there\n"));
     QCOMPARE(lines.signal("propertyChanged", changes(), noon),
              QString("2026-01-01 14:00:00.123  propertyChanged [0, 1]: 0 unit V -> mV; 1 lost\n"));
+}
+
+void WatchLinesTest::linesForAScreenAreShort()
+{
+    const qint64 day = 86400 * qint64(1000000000);
+    Style screen;
+    screen.width = 60;
+    const WatchLines lines(urls, screen);
+
+    QCOMPARE(lines.header(),
+             QString("processdata://M/O/1/…\n"
+                     "TIME          URL         VALUE  UNIT    ERROR      NOTE\n"));
+    QCOMPARE(lines.value(0, good(), noon),
+             QString("14:00:00.123  a               5  V       NoError\n"));
+    QCOMPARE(lines.value(0, good(), noon + day),
+             QString("2026-01-01 14:00:00.123  a               5  V       NoError\n"));
+    QCOMPARE(lines.value(1, bad(), noon),
+             QString("14:00:00.123  b                          NoValue\n    not there\n"));
+    QCOMPARE(lines.signal("propertyChanged", changes(), noon),
+             QString("14:00:00.123  propertyChanged [0, 1]: 0 unit V -> mV; 1 lost\n"));
 }
 
 void WatchLinesTest::csvHasOneFormForAllEvents()

@@ -5,9 +5,11 @@
 #include "TimeAxis.h"
 
 #include <QHash>
+#include <QSet>
 #include <QUrl>
 
 #include <algorithm>
+#include <iterator>
 
 namespace {
 
@@ -21,16 +23,50 @@ QStringList segmentsOf(const WatchTarget &target)
     return place.split(QLatin1Char('/'));
 }
 
-// The last segments of a URL, decoded; a label stands before them.
+QString decoded(const QString &segments)
+{
+    return QUrl::fromPercentEncoding(segments.toUtf8());
+}
+
+// A label stands before the end of its URL.
+QString withLabel(const WatchTarget &target, const QString &end)
+{
+    return target.name == decoded(segmentsOf(target).last())
+        ? end
+        : QStringLiteral("%1 (%2)").arg(target.name, end);
+}
+
 QString longerTitle(const WatchTarget &target, int count)
 {
     const QStringList segments = segmentsOf(target);
-    const QString end
-        = QUrl::fromPercentEncoding(QStringList(segments.mid(std::max(0, segments.size() - count)))
-                                        .join(QLatin1Char('/'))
-                                        .toUtf8());
-    const QString last = QUrl::fromPercentEncoding(segments.last().toUtf8());
-    return target.name == last ? end : QStringLiteral("%1 (%2)").arg(target.name, end);
+    const QStringList end = segments.mid(std::max(0, segments.size() - count));
+    return withLabel(target, decoded(end.join(QLatin1Char('/'))));
+}
+
+// With the segment at a distance from the last one; an ellipsis stands for those between.
+QString titleWith(const WatchTarget &target, int distance)
+{
+    const QStringList segments = segmentsOf(target);
+    const QString between = distance == 1 ? QStringLiteral("/") : QStringLiteral("/\u2026/");
+    return withLabel(target,
+                     decoded(segments.value(segments.size() - 1 - distance)) + between
+                         + decoded(segments.last()));
+}
+
+// The shortest titles with one further segment for targets of one name; empty when no segment
+// alone tells all of them apart.
+QStringList shortTitles(const QVector<WatchTarget> &alike, int longest)
+{
+    for (int distance = 1; distance < longest; ++distance) {
+        QStringList titles;
+        for (const WatchTarget &target : alike) {
+            titles.append(titleWith(target, distance));
+        }
+        if (QSet<QString>(titles.begin(), titles.end()).size() == alike.size()) {
+            return titles;
+        }
+    }
+    return {};
 }
 
 QHash<QString, int> countsOf(const QStringList &titles)
@@ -66,6 +102,15 @@ QStringList plotTitles(const QVector<WatchTarget> &targets)
         titles.append(target.name);
         longest = std::max(longest, segmentsOf(target).size());
     }
+    const QStringList names = titles;
+    tellApart(titles, [&](int i) {
+        QVector<WatchTarget> alike;
+        std::copy_if(targets.begin(), targets.end(), std::back_inserter(alike),
+                     [&](const WatchTarget &target) { return target.name == names.at(i); });
+        const int place = int(std::count(names.begin(), names.begin() + i, names.at(i)));
+        const QStringList telling = shortTitles(alike, longest);
+        return telling.isEmpty() ? names.at(i) : telling.at(place);
+    });
     for (int count = 2; count <= longest; ++count) {
         if (!tellApart(titles, [&](int i) { return longerTitle(targets.at(i), count); })) {
             return titles;

@@ -7,7 +7,8 @@
 #include "WatchTargets.h"
 
 /// Titles of the charts, one for each target and all different: the target's name; where several
-/// have that name, as much of their URLs' ends as tells them apart; for one selector twice a number.
+/// have that name, the one part of their URLs that tells all of them apart, or as much of the ends of
+/// their URLs as it takes; for one selector twice a number.
 QStringList plotTitles(const QVector<WatchTarget> &targets);
 
 /// Where charts are drawn.

@@ -2,6 +2,8 @@
 // Renders the lines of selector watch.
 #include "WatchLines.h"
 
+#include "ScreenColumns.h"
+#include "ScreenRowLayout.h"
 #include "ValueText.h"
 
 #include <QJsonArray>
@@ -12,6 +14,7 @@
 namespace {
 
 constexpr int timeWidth = 23;
+constexpr int clockWidth = 12; // without the date
 constexpr int valueWidth = 12;
 constexpr int unitWidth = 6;
 constexpr int errorWidth = 9;
@@ -68,14 +71,21 @@ WatchLines::WatchLines(const QVector<QString> &names, const Style &style, bool t
     , timestamps(timestamps)
     , columns(columnsOf("time url value> unit error note"))
 {
+    const bool screen = style.width > 0;
+    QStringList shown = names.toList();
+    if (screen) {
+        screenNames = ScreenNames::of(shown);
+        shown = screenNames.rests;
+    }
     int urlWidth = 3;
-    for (const QString &name : names) {
+    for (const QString &name : qAsConst(shown)) {
         urlWidth = std::max(urlWidth, printable(name).size());
     }
-    widths = {timeWidth, urlWidth, valueWidth, unitWidth, errorWidth, 0};
+    const int widthOfTime = screen ? clockWidth : timeWidth;
+    widths = {widthOfTime, urlWidth, valueWidth, unitWidth, errorWidth, 0};
     if (timestamps) {
         columns.prepend({QStringLiteral("seen")});
-        widths.prepend(timeWidth);
+        widths.prepend(widthOfTime);
     }
 }
 
@@ -99,20 +109,52 @@ QString WatchLines::csvLine(QStringList fields, qint64 now) const
 
 QString WatchLines::header() const
 {
-    if (!style.legend || style.quiet) {
+    if (style.quiet || style.format == Format::Json) {
         return {};
     }
-    switch (style.format) {
-    case Format::Json:
-        return {};
-    case Format::Csv:
-        return (timestamps ? QStringLiteral("seen,") : QString())
-            + QStringLiteral("event,time,url,value,unit,error,note,indices,label\n");
-    case Format::Pairs: // of other commands
-    case Format::Table:
-        break;
+    if (style.format == Format::Csv) {
+        const QString seen = timestamps ? QStringLiteral("seen,") : QString();
+        return style.legend
+            ? seen + QStringLiteral("event,time,url,value,unit,error,note,indices,label\n")
+            : QString();
     }
-    return renderTableHeader(columns, widths, style.colour) + QLatin1Char('\n');
+    const QString above = screenNames.common.isEmpty()
+        ? QString()
+        : printable(screenNames.common) + ellipsis + QLatin1Char('\n');
+    return style.legend
+        ? above + renderTableHeader(columns, widths, style.colour) + QLatin1Char('\n')
+        : above;
+}
+
+QString WatchLines::shownTime(qint64 time, qint64 now) const
+{
+    const QString text = timeToText(time);
+    const QString date = text.section(QLatin1Char(' '), 0, 0);
+    const bool isToday = timeToText(now).startsWith(date);
+    return style.width > 0 && isToday ? text.section(QLatin1Char(' '), 1) : text;
+}
+
+QString WatchLines::tableLine(Row cells, Entry::State state) const
+{
+    if (style.width == 0) {
+        return renderTableLine(columns, widths, cells, state, style.colour) + QLatin1Char('\n');
+    }
+    const QString note = printable(cells.takeLast().text);
+    ScreenRowLayout layout(style.width);
+    for (int i = 0; i < cells.size(); ++i) {
+        layout.add(printable(cells.at(i).text), widths.at(i), columns.at(i).alignRight, false);
+    }
+    if (note.isEmpty() || layout.hasRoomFor(note)) {
+        layout.add(note, 0, false, false);
+    } else {
+        layout.addSentence(note);
+    }
+    QString text;
+    const QStringList lines = layout.lines();
+    for (const QString &line : lines) {
+        text += inColourOf(state, line, style.colour) + QLatin1Char('\n');
+    }
+    return text;
 }
 
 QString WatchLines::value(int index, const ReadResult &result, qint64 now) const
@@ -135,13 +177,13 @@ QString WatchLines::value(int index, const ReadResult &result, qint64 now) const
                         QString::number(index), result.label},
                        now);
     }
-    Row cells{timeToText(time), selectorCell(result.url, result.label),
-              row.value,        row.unit,
-              row.error,        row.note};
+    const Cell name = style.width > 0 ? Cell(screenNames.rests.at(index))
+                                      : selectorCell(result.url, result.label);
+    Row cells{shownTime(time, now), name, row.value, row.unit, row.error, row.note};
     if (timestamps) {
-        cells.prepend(timeToText(now));
+        cells.prepend(shownTime(now, now));
     }
-    return renderTableLine(columns, widths, cells, row.state, style.colour) + QLatin1Char('\n');
+    return tableLine(cells, row.state);
 }
 
 QString WatchLines::signal(const QString &signal, const QVector<SelectorChange> &changes,
@@ -175,6 +217,6 @@ QString WatchLines::signal(const QString &signal, const QVector<SelectorChange> 
                        now);
     }
     return printable(QStringLiteral("%1  %2 [%3]: %4")
-                         .arg(timeToText(now), signal, numbers.join(QLatin1String(", ")), note))
+                         .arg(shownTime(now, now), signal, numbers.join(QLatin1String(", ")), note))
         + QLatin1Char('\n');
 }

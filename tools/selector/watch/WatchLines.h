@@ -5,6 +5,7 @@
 
 #include "Entries.h"
 #include "Report.h"
+#include "ScreenNames.h"
 
 #include <QJsonObject>
 #include <QString>
@@ -32,7 +33,8 @@ struct SelectorChange
 SelectorChange compareProperties(int index, const QString &url, const QJsonObject &before,
                                  const QJsonObject &after);
 
-/// Renders lines one by one, in one format.
+/// Renders lines one by one, in one format. Lines for a screen have no more of each name than tells
+/// it apart, no date of this day, and notes that do not fit below them.
 class WatchLines
 {
 public:
@@ -52,11 +54,14 @@ public:
 private:
     QString jsonLine(QJsonObject object, qint64 now) const;
     QString csvLine(QStringList fields, qint64 now) const;
+    QString tableLine(Row cells, Entry::State state) const;
+    QString shownTime(qint64 time, qint64 now) const;
 
     const Style style;
     const bool timestamps;
     QVector<Column> columns;
     QVector<int> widths;
+    ScreenNames screenNames; ///< of a screen
 };
 
 #endif
