@@ -13,7 +13,8 @@ QJsonObject propertiesOf(SelectorHandlerProcessValue &handler, int position)
 
 bool hasLeaf(SelectorHandlerProcessValue &handler, int position)
 {
-    return !propertiesOf(handler, position).isEmpty();
+    // What stands for no leaf, an empty object or null, names no property.
+    return handler.getPropertyAsJsonString(position).contains(QLatin1Char('"'));
 }
 
 QVector<LeafValue> valuesOf(const SourceName &source, const QVector<DescribedLeaf> &leaves)
