@@ -92,7 +92,7 @@ void SelectorCheckTest::aListIsCheckedAgainstTheSystem()
     const QString expected
         = QString("line,url,result,note,label\n"
                   "2,%1,ok,,\n"
-                  "3,%2,noSuchLeaf,%3 has no such leaf,\n"
+                  "3,%2,noSuchLeaf,\"%3 has no such leaf; did you mean \"\"speed\"\"?\",\n"
                   "4,%4,readOnly,the leaf is read-only,\n"
                   "5,%5,deactivated,deactivated,\n"
                   "6,processdata://nonsense,invalidUrl,")

@@ -58,7 +58,12 @@ void SelectorContractTest::outputKeepsItsSchema_data()
     QTest::newRow("browse leaves") << QStringList{"browse", "MODULE/Controller/1"};
     QTest::newRow("browse nothing") << QStringList{"browse", "MODULE/Controller/1/none"};
     QTest::newRow("read") << QStringList{"read", good, idle, none, good + "?deactivated", "x"};
-    QTest::newRow("write") << QStringList{"write", good, "2", name, "x", none, "1", idle, "x"};
+    QTest::newRow("read with labels") << QStringList{"read", "a=" + good, "b=" + none};
+    QTest::newRow("watch with labels") << QStringList{"watch", "--count", "1", "a=" + good};
+    QTest::newRow("properties with labels") << QStringList{"properties", "a=" + good};
+    QTest::newRow("explain with a label") << QStringList{"explain", "a=" + good};
+    QTest::newRow("write") << QStringList{"write", "--verify", "a=" + good, "2",  name,
+                                          "x",     none,       "1",         idle, "x"};
     QTest::newRow("properties") << QStringList{"properties", good, none, name};
     QTest::newRow("no such property") << QStringList{"properties", "--property", "unit", name};
     QTest::newRow("watch") << QStringList{"watch", "--count", "3", good, idle, none};

@@ -15,6 +15,7 @@ private Q_SLOTS:
     void listsAreReadFromPipes_data();
     void listsAreReadFromPipes();
     void aListMayComeInPieces();
+    void severalListsAreReadInTheirOrder();
     void aListThatCannotBeReadIsNamed_data();
     void aListThatCannotBeReadIsNamed();
 };
@@ -39,7 +40,7 @@ void SelectorInputTest::listsAreReadFromPipes_data()
     } commands[] = {{"read", "\"$0\" read -q -f", "$1", "2\n"},
                     {"watch", "\"$0\" watch -q --count 1 -f", "$1", "2\n"},
                     {"properties", "\"$0\" properties -q --property unit -f", "$1", "1/min\n"},
-                    {"write", "\"$0\" write --no-legend --format csv -f", "$1 3", "written,,\n"},
+                    {"write", "\"$0\" write --no-legend --format csv -f", "$1 3", "written,,2,\n"},
                     {"check", "\"$0\" check --no-legend --format csv", "$1 3", ",ok,,\n"},
                     {"apply", "\"$0\" apply --no-legend --format csv", "$1 3", "written,,\n"}};
     for (const auto &command : commands) {
@@ -76,6 +77,17 @@ void SelectorInputTest::aListMayComeInPieces()
                          SELECTOR, selectorUrl(module, "speed")});
     QVERIFY(client.run());
     QCOMPARE(client.output().simplified(), QByteArray("3000 1 2"));
+}
+
+void SelectorInputTest::severalListsAreReadInTheirOrder()
+{
+    ChildProcess client(
+        "bash",
+        {"-c",
+         "echo \"b=$1\" | \"$0\" read -j a=\"$1\" -f - -f <(echo \"c=$1 5\") | jq -r '.results[].label'",
+         SELECTOR, selectorUrl(module, "speed")});
+    QVERIFY(client.run());
+    QVERIFY2(client.output() == "a\nb\nc\n", client.report());
 }
 
 void SelectorInputTest::aListThatCannotBeReadIsNamed_data()

@@ -9,6 +9,16 @@
 
 namespace {
 
+constexpr int mostUnasked = 10; // values
+
+bool isWanted(const QVector<ApplyItem> &items, const CommandLine &line, const Console &console)
+{
+    const int count = valuesToWrite(items);
+    return count <= mostUnasked || line.has("dry-run") || line.has("yes")
+        || isConfirmed(QStringLiteral("selector: %1 values will be written. Go on?").arg(count),
+                       console);
+}
+
 int run(const CommandLine &line, const Console &console, QString &usage)
 {
     if (line.arguments.size() != 1) {
@@ -45,6 +55,11 @@ int run(const CommandLine &line, const Console &console, QString &usage)
         item.before = before.at(i);
         items.append(item);
     }
+    if (!isWanted(items, line, console)) {
+        console.err << "selector: nothing was written\n";
+        console.err.flush();
+        return ExitSomeFailed;
+    }
     // The values of a file: all, none, or as many as the report says.
     const InterruptHold hold;
     apply(items, {line.has("dry-run"), line.has("verify"), line.has("rollback")}, leaves.handler());
@@ -75,6 +90,8 @@ Command applyCommand()
          {"--rollback", "when anything fails, set back what was written, the last one first",
           "A leaf without a good value before cannot be set back. Clients may see the values in "
           "between: this is not a transaction."},
+         {"--yes", "do not ask on a terminal before more than ten values are written",
+          "Without a terminal nothing is asked."},
          timeoutOption},
         "\nExample: selector apply recipe.txt --verify --rollback\n",
         {Arguments::File, 1},

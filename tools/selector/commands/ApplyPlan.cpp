@@ -83,15 +83,8 @@ void verifyAll(QVector<ApplyItem> &items, SelectorHandlerProcessValue &handler)
         if (item.verdict != ApplyItem::Written) {
             continue;
         }
-        const LeafValue now = handler.getValue(i);
-        if (now.isGood() && now.value == item.checked.value) {
-            item.verdict = ApplyItem::Verified;
-        } else {
-            item.verdict = ApplyItem::Failed;
-            item.finding = {Finding::NotVerified,
-                            QStringLiteral("reads back as %1 (%2)")
-                                .arg(valueToText(now.value), errorTypeName(now.errorType))};
-        }
+        item.finding = readBack(handler, i, item.checked.value);
+        item.verdict = item.finding.isNone() ? ApplyItem::Verified : ApplyItem::Failed;
     }
 }
 
@@ -161,7 +154,41 @@ Entry::State stateOfItem(const ApplyItem &item)
     return Entry::Failed;
 }
 
+// Not by == alone: NaN differs from itself.
+bool areSame(const QVariant &one, const QVariant &other)
+{
+    return one == other || valueToText(one) == valueToText(other);
+}
+
 } // namespace
+
+int valuesToWrite(const QVector<ApplyItem> &items)
+{
+    int count = 0;
+    for (const ApplyItem &item : items) {
+        if (!item.checked.finding.isNone() && !isDeactivated(item)) {
+            return 0;
+        }
+        count += isDeactivated(item) ? 0 : 1;
+    }
+    return count;
+}
+
+Finding readBack(SelectorHandlerProcessValue &handler, int position, const QVariant &written)
+{
+    const LeafValue now = handler.getValue(position);
+    if (now.isGood() && areSame(now.value, written)) {
+        return {};
+    }
+    return {Finding::NotVerified,
+            QStringLiteral("reads back as %1 (%2)")
+                .arg(valueToText(now.value), errorTypeName(now.errorType))};
+}
+
+QVariant goodValue(const LeafValue &value)
+{
+    return value.isGood() ? value.value : QVariant();
+}
 
 void apply(QVector<ApplyItem> &items, const ApplyOptions &options,
            SelectorHandlerProcessValue &handler)
@@ -195,7 +222,7 @@ Entry applyEntry(const ApplyItem &item)
 {
     const ListLine &line = item.checked.line;
     const QVariant &value = item.checked.value;
-    const QVariant before = item.before.isGood() ? item.before.value : QVariant();
+    const QVariant before = goodValue(item.before);
     const QString verdict = verdictName(item.verdict);
     Entry entry = lineEntry(line, item.finding, stateOfItem(item));
     entry.json.insert(QStringLiteral("result"), verdict);

@@ -37,6 +37,15 @@ struct ApplyOptions
     bool rollback = false;
 };
 
+/// How many values would be written; 0 when something is wrong with the list.
+int valuesToWrite(const QVector<ApplyItem> &items);
+
+/// Whether a leaf holds what was written to it: NotVerified, and what it holds, when not.
+Finding readBack(SelectorHandlerProcessValue &handler, int position, const QVariant &written);
+
+/// The value alone when it is good; else nothing.
+QVariant goodValue(const LeafValue &value);
+
 /// Nothing is written unless the whole list is right; the first write that fails ends the writing.
 /// With verify each written leaf is read back once all are written. With rollback a failure sets
 /// back what was written, last first. A signal that an InterruptHold of the caller keeps back fails

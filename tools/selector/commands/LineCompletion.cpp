@@ -2,6 +2,8 @@
 // Finds what may stand at the end of a command line.
 #include "LineCompletion.h"
 
+#include "SelectorList.h"
+
 #include <algorithm>
 
 namespace {
@@ -97,7 +99,11 @@ Offer offerFor(QStringList line)
     for (const QString &word : qAsConst(line)) {
         const bool isOption
             = word.startsWith(QLatin1Char('-')) && word.size() > 1 && !isNumber(word);
-        position += open == nullptr && !isOption ? 1 : 0;
+        if (open == nullptr && !isOption) {
+            const bool isPair = command->takes.kind == Arguments::UrlAndValue && position % 2 == 0
+                && valueIn(word) >= 0;
+            position += isPair ? 2 : 1;
+        }
         open = open == nullptr ? optionWithValue(options, word) : nullptr;
     }
     if (open != nullptr) {

@@ -40,21 +40,42 @@ bool readEscapes(QVector<ListLine> &selectors, QString &error)
     return true;
 }
 
+// SELECTOR VALUE or SELECTOR=VALUE, one after the other.
+bool takePairs(const QStringList &arguments, QVector<ListLine> &selectors, QString &error)
+{
+    for (int i = 0; i < arguments.size(); ++i) {
+        const QString &typed = arguments.at(i);
+        const int value = valueIn(typed);
+        if (value >= 0) {
+            selectors.append(listLine(0, typed.left(value - 1), typed.mid(value)));
+        } else if (i + 1 < arguments.size()) {
+            selectors.append(listLine(0, typed, arguments.at(++i)));
+        } else {
+            error = QStringLiteral("No value for %1.").arg(typed);
+            return false;
+        }
+    }
+    return true;
+}
+
 } // namespace
+
+int valueIn(const QString &argument)
+{
+    const int slash = argument.indexOf(QLatin1Char('/'));
+    const int equals = slash < 0 ? -1 : argument.indexOf(QLatin1Char('='), slash);
+    return equals < 0 ? -1 : equals + 1;
+}
 
 bool collectSelectors(const CommandLine &line, LineForm form, QVector<ListLine> &selectors,
                       QString &error)
 {
     const bool withValues = form == LineForm::UrlAndValue;
-    const int step = withValues ? 2 : 1;
-    if (line.arguments.size() % step != 0) {
-        error = QStringLiteral("No value for %1.").arg(line.arguments.constLast());
+    if (withValues && !takePairs(line.arguments, selectors, error)) {
         return false;
     }
-    for (int i = 0; i < line.arguments.size(); i += step) {
-        const QString &typed = line.arguments.at(i);
-        selectors.append(withValues ? listLine(0, typed, line.arguments.at(i + 1))
-                                    : listLine(0, typed));
+    for (int i = 0; i < line.arguments.size() && !withValues; ++i) {
+        selectors.append(listLine(0, line.arguments.at(i)));
     }
     if (line.has("escapes") && !readEscapes(selectors, error)) {
         return false;

@@ -19,4 +19,8 @@ enum class LineForm {
 bool collectSelectors(const CommandLine &line, LineForm form, QVector<ListLine> &selectors,
                       QString &error);
 
+/// Where the value begins in SELECTOR=VALUE, as write takes it: behind the first "=" that follows a
+/// "/". -1 when there is none. A "=" in a name is spelled %3D there.
+int valueIn(const QString &argument);
+
 #endif

@@ -8,7 +8,29 @@
 
 #include <QIODevice>
 
+#include <cerrno>
 #include <unistd.h>
+
+namespace {
+
+// Without QFile, which would not read on behind an end of the list that came from the same terminal.
+QByteArray readLineOfTerminal()
+{
+    QByteArray line;
+    char character = 0;
+    for (;;) {
+        const ssize_t count = ::read(STDIN_FILENO, &character, 1);
+        if (count < 0 && errno == EINTR) {
+            continue;
+        }
+        if (count != 1 || character == '\n') {
+            return line;
+        }
+        line += character;
+    }
+}
+
+} // namespace
 
 int printReport(const Report &report, const Console &console)
 {
@@ -33,6 +55,17 @@ bool flushResults(const Console &console)
 QString lostResultsReason(const Console &console)
 {
     return QStringLiteral("standard output: %1").arg(console.out.device()->errorString());
+}
+
+bool isConfirmed(const QString &question, const Console &console)
+{
+    if (::isatty(STDIN_FILENO) == 0 || ::isatty(STDERR_FILENO) == 0) {
+        return true;
+    }
+    console.err << question << " [y/N] ";
+    console.err.flush();
+    const QByteArray answer = readLineOfTerminal().trimmed().toLower();
+    return answer == "y" || answer == "yes";
 }
 
 void printReason(const QString &subject, const QString &reason, const Console &console)

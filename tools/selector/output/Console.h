@@ -29,6 +29,12 @@ bool flushResults(const Console &console);
 /// The system's reason, after flushResults() has failed.
 QString lostResultsReason(const Console &console);
 
+/// Asks on the terminal and waits for the answer.
+///
+/// @returns whether it is yes; true also where nobody can be asked, because standard input or
+///          standard error is not a terminal
+bool isConfirmed(const QString &question, const Console &console);
+
 /// Prints one reason on standard error.
 void printReason(const QString &subject, const QString &reason, const Console &console);
 

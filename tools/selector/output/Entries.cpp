@@ -41,10 +41,11 @@ QString propertyText(const QVariant &value)
     return json.isArray() || json.isObject() ? propertyToText(json) : valueToText(value);
 }
 
-Cell valueCell(const QString &text, const QString &machineText)
+// An empty text is a value, too.
+Cell valueCell(const QString &text, const QString &machineText, bool holdsValue = true)
 {
     Cell cell(text, machineText);
-    cell.holdsValue = true;
+    cell.holdsValue = holdsValue;
     return cell;
 }
 
@@ -160,7 +161,7 @@ ReadRow readRow(const ReadResult &result)
     }
     if (row.state == Entry::Good || row.state == Entry::Doubtful) {
         const QVariant &value = result.value.value;
-        row.value = valueCell(valueToShortText(value), valueToText(value));
+        row.value = valueCell(valueToShortText(value), valueToText(value), value.isValid());
         row.timestamp = result.value.timestamp;
     }
     row.unit = textOf(result.properties, "unit");
@@ -200,7 +201,7 @@ Entry readEntry(const ReadResult &result)
 
 QVector<Column> writeColumns()
 {
-    return columnsOf("url value> unit result note label|");
+    return columnsOf("url before>+ value> unit result note label|");
 }
 
 Entry writeEntry(const WriteResult &result)
@@ -208,12 +209,14 @@ Entry writeEntry(const WriteResult &result)
     Entry entry = urlEntry(result.url, result.label, result.finding);
     copyText(result.properties, "type", entry.json);
     copyText(result.properties, "unit", entry.json);
+    entry.json.insert(QStringLiteral("before"), valueToJson(result.before));
     entry.json.insert(QStringLiteral("value"),
                       result.value.isValid() ? valueToJson(result.value) : QJsonValue(result.text));
     const QString shown = result.value.isValid() ? valueToText(result.value) : result.text;
-    const QString verdict
-        = entry.state == Entry::Good ? QStringLiteral("written") : stateName(entry.state);
-    entry.rows.append({selectorCell(result.url, result.label), shown,
+    const QString good = result.verified ? QStringLiteral("verified") : QStringLiteral("written");
+    const QString verdict = entry.state == Entry::Good ? good : stateName(entry.state);
+    entry.rows.append({selectorCell(result.url, result.label),
+                       Cell(valueToShortText(result.before), valueToText(result.before)), shown,
                        textOf(result.properties, "unit"), verdict, entry.reason, result.label});
     return entry;
 }

@@ -47,6 +47,8 @@ struct WriteResult
     QJsonObject properties;
     Finding finding; ///< None when it was written
     QString label = {};
+    QVariant before = {}; ///< what the leaf held; invalid: nothing good
+    bool verified = false; ///< it was read back as well
 };
 
 QVector<Column> writeColumns();

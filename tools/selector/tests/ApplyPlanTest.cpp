@@ -71,6 +71,8 @@ class ApplyPlanTest : public QObject
 private Q_SLOTS:
     void allIsWrittenInOrder();
     void aDryRunWritesNothing();
+    void valuesToWriteAreCounted();
+    void whatIsNotANumberReadsBackAsSuch();
     void oneWrongLineLeavesAllUnwritten();
     void aDeactivatedLineIsLeftOut();
     void aRefusedWriteEndsTheWriting();
@@ -105,6 +107,35 @@ void ApplyPlanTest::aDryRunWritesNothing()
 
     QCOMPARE(verdicts(list), (QStringList{"checked", "checked"}));
     QCOMPARE(leaves.calls, QStringList());
+}
+
+void ApplyPlanTest::valuesToWriteAreCounted()
+{
+    ScriptedLeaves leaves({1, 2, 3});
+    auto list = items({10, 20, 30}, leaves);
+    QCOMPARE(valuesToWrite(list), 3);
+    list[0].checked.finding = {Finding::Deactivated, "deactivated"};
+    QCOMPARE(valuesToWrite(list), 2);
+    list[1].checked.finding = {Finding::ReadOnly, "the leaf is read-only"};
+    QCOMPARE(valuesToWrite(list), 0);
+}
+
+void ApplyPlanTest::whatIsNotANumberReadsBackAsSuch()
+{
+    class NanLeaf : public ScriptedLeaves
+    {
+    public:
+        NanLeaf()
+            : ScriptedLeaves({0})
+        {
+        }
+        ProcessValue getValue(int /*index*/) override
+        {
+            return ProcessValue(QVariant(qQNaN()), ProcessDataDefinitions::NoError, 1);
+        }
+    } leaf;
+    QCOMPARE(readBack(leaf, 0, qQNaN()).code, Finding::None);
+    QCOMPARE(readBack(leaf, 0, 1.0).code, Finding::NotVerified);
 }
 
 void ApplyPlanTest::oneWrongLineLeavesAllUnwritten()

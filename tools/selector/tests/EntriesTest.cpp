@@ -133,17 +133,17 @@ void EntriesTest::writeRowsAreAsDocumented_data()
     QTest::addColumn<QString>("json");
 
     QTest::newRow("written")
-        << QVariant(10.0) << int(Finding::None) << "u,10,1/min,written,,"
-        << R"({"status":"ok","type":"float64","unit":"1/min","url":"u","value":10})";
+        << QVariant(10.0) << int(Finding::None) << "u,10,1/min,written,,9.5,"
+        << R"({"before":9.5,"status":"ok","type":"float64","unit":"1/min","url":"u","value":10})";
     QTest::newRow("refused by its text")
-        << QVariant() << int(Finding::ValueRefused) << "u,1e1,1/min,failed,why,"
-        << R"({"code":"valueRefused","reason":"why","status":"failed","type":"float64","unit":"1/min","url":"u","value":"1e1"})";
+        << QVariant() << int(Finding::ValueRefused) << "u,1e1,1/min,failed,why,9.5,"
+        << R"({"before":9.5,"code":"valueRefused","reason":"why","status":"failed","type":"float64","unit":"1/min","url":"u","value":"1e1"})";
     QTest::newRow("read-only")
-        << QVariant() << int(Finding::ReadOnly) << "u,1e1,1/min,failed,why,"
-        << R"({"code":"readOnly","reason":"why","status":"failed","type":"float64","unit":"1/min","url":"u","value":"1e1"})";
+        << QVariant() << int(Finding::ReadOnly) << "u,1e1,1/min,failed,why,9.5,"
+        << R"({"before":9.5,"code":"readOnly","reason":"why","status":"failed","type":"float64","unit":"1/min","url":"u","value":"1e1"})";
     QTest::newRow("deactivated")
-        << QVariant() << int(Finding::Deactivated) << "u,1e1,1/min,skipped,why,"
-        << R"({"code":"deactivated","reason":"why","status":"skipped","type":"float64","unit":"1/min","url":"u","value":"1e1"})";
+        << QVariant() << int(Finding::Deactivated) << "u,1e1,1/min,skipped,why,9.5,"
+        << R"({"before":9.5,"code":"deactivated","reason":"why","status":"skipped","type":"float64","unit":"1/min","url":"u","value":"1e1"})";
 }
 
 void EntriesTest::writeRowsAreAsDocumented()
@@ -154,8 +154,8 @@ void EntriesTest::writeRowsAreAsDocumented()
     QFETCH(QString, json);
     const auto found = static_cast<Finding::Code>(code);
 
-    const Entry entry
-        = writeEntry({"u", written, "1e1", speed, {found, found == Finding::None ? "" : "why"}});
+    const Entry entry = writeEntry(
+        {"u", written, "1e1", speed, {found, found == Finding::None ? "" : "why"}, {}, 9.5});
 
     QCOMPARE(csvOf(entry, writeColumns()), csv);
     QCOMPARE(jsonOf(entry), json);
@@ -250,8 +250,8 @@ void EntriesTest::aLabelStandsInPlaceOfTheUrlForPeople()
                      "on    true  -     NoError  2026-01-01 14:00:00.123\n"));
     QCOMPARE(read.subject, QString("u"));
 
-    const Entry write = writeEntry({"u", true, "1", {}, {}, "on"});
-    QCOMPARE(csvOf(write, writeColumns()), QString("u,true,,written,,on"));
+    const Entry write = writeEntry({"u", true, "1", {}, {}, "on", {}, true});
+    QCOMPARE(csvOf(write, writeColumns()), QString("u,true,,verified,,,on"));
     QVERIFY(table(write, writeColumns()).contains("\non "));
     const Entry properties = propertiesEntry({"u", {{"unit", "bar"}}, {}, "on"});
     QCOMPARE(csvOf(properties, propertiesColumns()), QString("u,unit,bar,,on"));

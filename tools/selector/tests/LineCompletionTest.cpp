@@ -67,6 +67,8 @@ void LineCompletionTest::linesGoOn_data()
     nothing("write a ");
     offers("write a 1 b", Arguments::UrlAndValue);
     offers("write a -1 b", Arguments::UrlAndValue);
+    offers("write a/b=1 b", Arguments::UrlAndValue);
+    nothing("write a/b=1 b ");
     nothing("write -f list a 1 b 2");
     offers("snapshot a b", Arguments::Place);
     offers("doctor ", Arguments::Module);

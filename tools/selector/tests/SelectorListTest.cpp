@@ -32,6 +32,8 @@ private Q_SLOTS:
     void aLineWithoutValueIsNamed();
     void argumentsComeBeforeTheFiles();
     void labelsAreTakenFromArgumentsAndFiles();
+    void aValueMayStandBehindAnEqualsSign_data();
+    void aValueMayStandBehindAnEqualsSign();
     void aFileThatIsNotUtf8IsRefusedWithItsLine();
     void aValueInAFileKeepsWhatIsNotABlank();
     void escapesAreReadWhereTheyAreAskedFor();
@@ -169,6 +171,47 @@ void SelectorListTest::labelsAreTakenFromArgumentsAndFiles()
         texts += {selector.label, selector.value};
     }
     QCOMPARE(texts, QStringList({"name", "x=5", "", "", "on", "x=5"}));
+}
+
+void SelectorListTest::aValueMayStandBehindAnEqualsSign_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QStringList>("found"); // label, path and value of each
+    QTest::newRow("one") << QStringList{"P/O/1/a=5"} << QStringList{"", "a", "5"};
+    QTest::newRow("a URL") << QStringList{pump + "a=5"} << QStringList{"", "a", "5"};
+    QTest::newRow("an empty value") << QStringList{"P/O/1/a="} << QStringList{"", "a", ""};
+    QTest::newRow("a value with the sign")
+        << QStringList{"P/O/1/a=b=c/d=e"} << QStringList{"", "a", "b=c/d=e"};
+    QTest::newRow("a label") << QStringList{"x=P/O/1/a=5"} << QStringList{"x", "a", "5"};
+    QTest::newRow("a label and a value of its own")
+        << QStringList{"x=P/O/1/a", "y=P/O/1/b=5"} << QStringList{"x", "a", "y=P/O/1/b=5"};
+    QTest::newRow("both forms") << QStringList{"P/O/1/a=5", "P/O/1/b", "6", "P/O/1/c=7"}
+                                << QStringList{"", "a", "5", "", "b", "6", "", "c", "7"};
+    QTest::newRow("deactivated") << QStringList{"P/O/1/a?deactivated=5"}
+                                 << QStringList{"", "a?deactivated", "5"};
+    QTest::newRow("a sign in a name")
+        << QStringList{"P/O/1/a%3Db=5"} << QStringList{"", "a%3Db", "5"};
+}
+
+void SelectorListTest::aValueMayStandBehindAnEqualsSign()
+{
+    QFETCH(const QStringList, arguments);
+    QFETCH(const QStringList, found);
+    CommandLine line;
+    line.arguments = arguments;
+    QVector<ListLine> selectors;
+    QString error;
+    QVERIFY2(collectSelectors(line, LineForm::UrlAndValue, selectors, error), qPrintable(error));
+    QStringList texts;
+    for (const ListLine &selector : qAsConst(selectors)) {
+        texts += {selector.label, selector.url.mid(pump.size()), selector.value};
+    }
+    QCOMPARE(texts, found);
+
+    // Only write takes values there.
+    selectors.clear();
+    QVERIFY(collectSelectors(line, LineForm::Url, selectors, error));
+    QCOMPARE(selectors.size(), arguments.size());
 }
 
 void SelectorListTest::aFileThatIsNotUtf8IsRefusedWithItsLine()
