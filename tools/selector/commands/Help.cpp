@@ -8,6 +8,7 @@
 
 namespace {
 
+constexpr int screenWidth = 80;
 constexpr int usualColumn = 19;
 constexpr int blanksOfHead = 4; // two on each side
 
@@ -28,6 +29,54 @@ int columnOf(const QVector<Option> &options)
     return column;
 }
 
+// The same words in lines that fit. Lines that all fit already stay as they are.
+QStringList fitted(const QStringList &lines, int width)
+{
+    if (std::all_of(lines.begin(), lines.end(),
+                    [width](const QString &line) { return line.size() <= width; })) {
+        return lines;
+    }
+    QStringList result(QString{});
+    const QStringList words
+        = lines.join(QLatin1Char(' ')).split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    for (const QString &word : words) {
+        QString &last = result.last();
+        if (last.isEmpty()) {
+            last = word;
+        } else if (last.size() + 1 + word.size() <= width) {
+            last += QLatin1Char(' ') + word;
+        } else {
+            result.append(word);
+        }
+    }
+    return result;
+}
+
+// Paragraphs of prose that fit the screen; what a reader may type keeps its lines.
+QString fittedProse(const QString &text)
+{
+    QStringList paragraphs;
+    const QStringList all = text.split(QStringLiteral("\n\n"));
+    for (const QString &paragraph : all) {
+        QStringList lines = paragraph.split(QLatin1Char('\n'));
+        const bool ends = paragraph.endsWith(QLatin1Char('\n'));
+        if (ends) {
+            lines.removeLast(); // what follows the end of the last line
+        }
+        const bool isExample = paragraph.trimmed().startsWith(QLatin1String("Example:"));
+        int typed = isExample ? lines.size() : 0;
+        while (typed < lines.size()
+               && (lines.at(typed).startsWith(QLatin1String("Usage:"))
+                   || lines.at(typed).startsWith(QLatin1Char(' ')))) {
+            ++typed;
+        }
+        const QStringList prose = fitted(lines.mid(typed), screenWidth);
+        paragraphs.append((lines.mid(0, typed) + prose).join(QLatin1Char('\n'))
+                          + (ends ? QStringLiteral("\n") : QString()));
+    }
+    return paragraphs.join(QStringLiteral("\n\n"));
+}
+
 QString listOf(const QVector<Option> &options)
 {
     const int column = columnOf(options);
@@ -36,7 +85,9 @@ QString listOf(const QVector<Option> &options)
     for (const Option &option : options) {
         const QString head = QStringLiteral("  %1  ").arg(QLatin1String(option.head));
         if (*option.text != '\0') {
-            text += head.leftJustified(column) + linesOf(option).join(nextLine) + QLatin1Char('\n');
+            const int width = screenWidth - std::max(column, head.size());
+            text += head.leftJustified(column) + fitted(linesOf(option), width).join(nextLine)
+                + QLatin1Char('\n');
         }
     }
     return text;
@@ -122,14 +173,14 @@ QString overview()
 
 QString helpOf(const Command &command)
 {
-    return QLatin1String(command.usage) + QStringLiteral("\nOptions:\n") + listOf(command.options)
-        + listOf(commonOptions(command.options))
+    return fittedProse(QLatin1String(command.usage)) + QStringLiteral("\nOptions:\n")
+        + listOf(command.options) + listOf(commonOptions(command.options))
         + QStringLiteral(
                "\n"
-               "Exit codes: 0 all good, 1 something failed (its row says why), 2 wrong usage, 3 the\n"
-               "system is out of reach, 4 no answer within the time limit, 5 permission is missing,\n"
-               "130 interrupted.\n")
-        + QLatin1String(command.ending);
+               "Exit codes: 0 all good, 1 something failed (its row says why), 2 wrong usage,\n"
+               "3 the system is out of reach, 4 no answer within the time limit, 5 permission\n"
+               "is missing, 130 interrupted.\n")
+        + fittedProse(QLatin1String(command.ending));
 }
 
 QString manualPage(QString text, const Command *command)

@@ -38,6 +38,7 @@ class HelpTest : public QObject
 private Q_SLOTS:
     void theOverviewListsCommandsAndOptions();
     void eachCommandExplainsItsOptions();
+    void everyHelpFitsAScreenOf80Columns();
     void aHelpHasItsOptionsInColumns();
     void aPageHasItsOptionsInFull();
     void theManPageNamesEverything();
@@ -73,6 +74,18 @@ void HelpTest::eachCommandExplainsItsOptions()
         for (const QString &option : qAsConst(options)) {
             QVERIFY2(help.contains(option), qPrintable(command.name + ' ' + option));
         }
+    }
+}
+
+void HelpTest::everyHelpFitsAScreenOf80Columns()
+{
+    for (const Command &command : commands()) {
+        const QStringList lines = helpOf(command).split('\n');
+        for (const QString &line : lines) {
+            QVERIFY2(line.size() <= 80, qPrintable(command.name + ": " + line));
+        }
+        QVERIFY2(lines.contains("Options:") && lines.indexOf("") < lines.indexOf("Options:"),
+                 qPrintable(command.name));
     }
 }
 
