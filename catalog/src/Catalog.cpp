@@ -71,8 +71,8 @@ const Catalog::Providers &Catalog::providers()
         for (const QString &name : qAsConst(running)) {
             list->modules.append({name, {}});
         }
-        list->note = QStringLiteral("no list of providers (%1); these are the modules whose "
-                                    "services run")
+        list->note = QStringLiteral("these are the modules whose services run; there is no list of "
+                                    "providers: %1")
                          .arg(reason);
     }
     return *list;

@@ -90,6 +90,7 @@ std::unique_ptr<Watcher> makeWatcher(const CommandLine &line, const QVector<List
     auto watcher = std::make_unique<Watcher>(targetsOf(selection), options, until, console);
     if (selection.expandGroups([&watcher](int i) { return hasLeaf(watcher->values(), i); })) {
         parsed = parseUntil(line, targetsOf(selection), until, problem);
+        watcher.reset(); // it has the terminal
         watcher = std::make_unique<Watcher>(targetsOf(selection), options, until, console);
     }
     if (!parsed) {
