@@ -16,6 +16,7 @@ private Q_SLOTS:
     void aFilterIsTyped();
     void rowsThatDoNotFitAreCountedAfterAResize();
     void aStoppedTableGivesTheTerminalBack();
+    void aStoppedTableCanBeEnded();
     void everyEndGivesTheTerminalBack_data();
     void everyEndGivesTheTerminalBack();
     void aTableIsPrintedOnceWithoutATerminal();
@@ -134,6 +135,20 @@ void SelectorTerminalTest::aStoppedTableGivesTheTerminalBack()
     VERIFY_COMMAND(terminal->waitFor(
         [](const QStringList &seen) { return seen.last().startsWith("prompt>"); }));
     QCOMPARE(terminal->state("cursor_flag"), QByteArray("1"));
+}
+
+void SelectorTerminalTest::aStoppedTableCanBeEnded()
+{
+    VERIFY_COMMAND(terminal->run(QString("%1 watch --table %2").arg(SELECTOR, urls().join(' '))));
+    VERIFY_COMMAND(terminal->waitForText("q quits, / filters"));
+    VERIFY_COMMAND(terminal->type({"C-z"}));
+    VERIFY_COMMAND(terminal->waitForText("Stopped"));
+
+    VERIFY_COMMAND(terminal->run("kill %1; while kill -0 %1; do :; done; echo 'has ''ended'"));
+
+    VERIFY_COMMAND(terminal->waitForText("has ended"));
+    QCOMPARE(terminal->state("alternate_on"), QByteArray("0"));
+    QVERIFY(terminal->lines().filter("q quits").isEmpty());
 }
 
 void SelectorTerminalTest::everyEndGivesTheTerminalBack_data()

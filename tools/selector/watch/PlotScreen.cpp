@@ -87,7 +87,7 @@ QStringList PlotScreen::frame() const
 
 void PlotScreen::draw()
 {
-    if (!terminal) {
+    if (!terminal || !terminal->isOurs()) {
         return;
     }
     if (drawnLines > 0) {

@@ -65,7 +65,7 @@ void TableScreen::drawAnew()
 
 void TableScreen::draw()
 {
-    if (!terminal) {
+    if (!terminal || !terminal->isOurs()) {
         return;
     }
     const TerminalSize size = TerminalSize::ofStandardOutput();

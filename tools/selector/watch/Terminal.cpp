@@ -30,6 +30,8 @@ struct termios modesBefore = {};
 struct termios modesOfKeys = {};
 volatile std::sig_atomic_t hasKeys = 0;
 volatile std::sig_atomic_t ownScreen = 0;
+volatile std::sig_atomic_t isAway = 0; // given back while the process is stopped
+volatile std::sig_atomic_t goesOn = 0; // after a stop: the terminal must be taken again
 volatile std::sig_atomic_t endAsked = 0;
 volatile std::sig_atomic_t writeEnd = -1;
 
@@ -41,24 +43,35 @@ void writeAll(const char *text)
     }
 }
 
+bool isForeground()
+{
+    return ::tcgetpgrp(STDIN_FILENO) == ::getpgrp();
+}
+
+// In the background it waits for its turn: the system stops the process.
 void take()
 {
     if (hasKeys != 0) {
-        ::tcsetattr(STDIN_FILENO, TCSANOW, &modesOfKeys); // waits in the background for its turn
+        ::tcsetattr(STDIN_FILENO, TCSANOW, &modesOfKeys);
     }
     if (ownScreen != 0) {
         writeAll(enterOwn);
     }
+    isAway = 0;
 }
 
 void giveBack()
 {
+    if (isAway != 0) {
+        return;
+    }
     if (ownScreen != 0) {
         writeAll(leaveOwn);
     }
-    if (hasKeys != 0) {
+    if (hasKeys != 0 && isForeground()) {
         ::tcsetattr(STDIN_FILENO, TCSANOW, &modesBefore);
     }
+    isAway = 1;
 }
 
 void install(int signalNumber, void (*handler)(int), int flags)
@@ -73,21 +86,21 @@ void install(int signalNumber, void (*handler)(int), int flags)
 void handleNote(int signalNumber)
 {
     const int error = errno;
-    if (signalNumber == SIGCONT) {
-        take();
-    }
-    if (::write(writeEnd, "n", 1) < 0) { // full: then a note is waiting already
-        errno = error;
+    goesOn = goesOn != 0 || signalNumber == SIGCONT ? 1 : 0;
+    if (::write(writeEnd, "n", 1) < 0) {
+        errno = error; // full: a note is waiting already
     }
     errno = error;
 }
 
+// Whoever ends a stopped process lets it go on, too; so the terminal is not taken here again, where
+// that could stop it once more.
 void handleStop(int signalNumber)
 {
     const int error = errno;
     giveBack();
     install(signalNumber, SIG_DFL, 0);
-    ::raise(signalNumber); // goes on with SIGCONT, whose handler takes the terminal again
+    static_cast<void>(::raise(signalNumber));
     install(signalNumber, handleStop, SA_RESTART | SA_NODEFER);
     errno = error;
 }
@@ -111,7 +124,7 @@ void handleEnd(int signalNumber)
             return;
         }
         install(signalNumber, SIG_DFL, 0);
-        ::raise(signalNumber);
+        static_cast<void>(::raise(signalNumber));
     }
 }
 
@@ -123,7 +136,7 @@ bool isIgnored(int signalNumber)
 
 bool takeModes()
 {
-    if (::tcgetpgrp(STDIN_FILENO) != ::getpgrp() || ::tcgetattr(STDIN_FILENO, &modesBefore) != 0) {
+    if (!isForeground() || ::tcgetattr(STDIN_FILENO, &modesBefore) != 0) {
         return false;
     }
     modesOfKeys = modesBefore;
@@ -145,6 +158,7 @@ Terminal::Terminal(Screen screen)
         connect(notes.get(), &QSocketNotifier::activated, this, &Terminal::readNotes);
     }
     endAsked = 0;
+    goesOn = 0;
     hasKeys = takeModes() ? 1 : 0;
     ownScreen = screen == Own ? 1 : 0;
     for (Ending &ending : endings) {
@@ -194,6 +208,11 @@ Terminal::~Terminal()
     }
 }
 
+bool Terminal::isOurs() const
+{
+    return isAway == 0;
+}
+
 void Terminal::readKeys()
 {
     std::array<char, 256> bytes{};
@@ -218,5 +237,12 @@ void Terminal::readNotes()
 {
     std::array<char, 64> bytes{};
     while (::read(readEnd, bytes.data(), bytes.size()) > 0) { }
+    if (endAsked != 0) {
+        return;
+    }
+    if (goesOn != 0) {
+        goesOn = 0;
+        take();
+    }
     Q_EMIT disturbed();
 }

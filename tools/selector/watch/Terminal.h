@@ -31,6 +31,9 @@ public:
     explicit Terminal(Screen screen);
     ~Terminal() override;
 
+    /// False after a stop, until the terminal is taken again: then nothing may be drawn.
+    bool isOurs() const;
+
 Q_SIGNALS:
     /// @param key  as KeyDecoder has it
     void typed(const QString &key);

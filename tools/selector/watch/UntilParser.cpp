@@ -3,53 +3,13 @@
 #include "Duration.h"
 #include "LeafType.h"
 #include "UntilExpression.h"
-
-#include <QRegularExpression>
+#include "UntilTokens.h"
 
 #include <algorithm>
 
 namespace {
 
 constexpr int deepestNesting = 64;
-
-struct Token
-{
-    enum Kind { End, Sign, Number, Time, Text, Position, Name };
-
-    Kind kind = End;
-    QString text; ///< without quotes and #
-    int place = 1; ///< 1-based, for people
-};
-
-// False at a character that begins nothing.
-bool nextToken(const QString &text, int &position, Token &token)
-{
-    static const QRegularExpression pattern(
-        QStringLiteral("\\G\\s*(?<token>(?<sign>&&|\\|\\||[=!<>]=|[<>!()])"
-                       "|(?<number>[-+]?(?:0[xX][0-9a-fA-F]+|(?:\\d+\\.?\\d*|\\.\\d+)"
-                       "(?:[eE][-+]?\\d+)?)(?![\\p{L}\\p{N}_.]))"
-                       "|(?<time>(?:\\d+\\.?\\d*|\\.\\d+)(?:ms|s|min|h)(?![\\p{L}\\p{N}_.]))"
-                       "|\"(?<double>[^\"]*)\"|'(?<single>[^']*)'"
-                       "|\\#(?<position>\\d+)"
-                       "|(?<name>[\\p{L}_][\\p{L}\\p{N}_.-]*)"
-                       "|(?<end>$))"),
-        QRegularExpression::UseUnicodePropertiesOption);
-    static const QVector<QPair<QString, Token::Kind>> groups{
-        {QStringLiteral("sign"), Token::Sign},   {QStringLiteral("number"), Token::Number},
-        {QStringLiteral("time"), Token::Time},   {QStringLiteral("double"), Token::Text},
-        {QStringLiteral("single"), Token::Text}, {QStringLiteral("position"), Token::Position},
-        {QStringLiteral("name"), Token::Name},   {QStringLiteral("end"), Token::End}};
-    const QRegularExpressionMatch match = pattern.match(text, position);
-    for (const auto &group : groups) {
-        if (match.capturedStart(group.first) >= 0) {
-            token = {group.second, match.captured(group.first),
-                     match.capturedStart(QStringLiteral("token")) + 1};
-            position = match.capturedEnd();
-            return true;
-        }
-    }
-    return false;
-}
 
 } // namespace
 
@@ -66,7 +26,7 @@ public:
     bool parse(const QString &text, QString &error)
     {
         if (!readTokens(text) || condition() < 0
-            || (current().kind != Token::End
+            || (current().kind != UntilToken::End
                 && fail(QStringLiteral("unexpected \"%1\"").arg(current().text)) < 0)) {
             error = fault;
             return false;
@@ -81,7 +41,7 @@ private:
     {
         int position = 0;
         do {
-            Token token;
+            UntilToken token;
             if (!nextToken(text, position, token)) {
                 while (position < text.size() && text.at(position).isSpace()) {
                     ++position;
@@ -94,15 +54,16 @@ private:
                 return false;
             }
             tokens.append(token);
-        } while (tokens.constLast().kind != Token::End);
+        } while (tokens.constLast().kind != UntilToken::End);
         return true;
     }
 
-    const Token &current() const { return tokens.at(at); }
+    const UntilToken &current() const { return tokens.at(at); }
 
     bool take(const char *sign)
     {
-        const bool found = current().kind == Token::Sign && current().text == QLatin1String(sign);
+        const bool found
+            = current().kind == UntilToken::Sign && current().text == QLatin1String(sign);
         at += found ? 1 : 0;
         return found;
     }
@@ -155,7 +116,7 @@ private:
             return inner < 0 || take(")") ? inner : fail(QStringLiteral("\")\" is missing"));
         }
         // A selector of that name can still be had by its position or a label.
-        if (current().kind == Token::Name && current().text == QLatin1String("changed")) {
+        if (current().kind == UntilToken::Name && current().text == QLatin1String("changed")) {
             return changed();
         }
         return comparison();
@@ -163,8 +124,8 @@ private:
 
     bool isFollowedBy(const char *sign) const
     {
-        const Token &next = tokens.at(std::min(at + 1, tokens.size() - 1));
-        return next.kind == Token::Sign && next.text == QLatin1String(sign);
+        const UntilToken &next = tokens.at(std::min(at + 1, tokens.size() - 1));
+        return next.kind == UntilToken::Sign && next.text == QLatin1String(sign);
     }
 
     int changed()
@@ -234,29 +195,30 @@ private:
 
     bool operand(E::Operand &result)
     {
-        const Token &token = current();
-        if (token.kind == Token::Name && token.text == QLatin1String("age") && isFollowedBy("(")) {
+        const UntilToken &token = current();
+        if (token.kind == UntilToken::Name && token.text == QLatin1String("age")
+            && isFollowedBy("(")) {
             return age(result);
         }
         bool good = true;
         switch (token.kind) {
-        case Token::Number:
+        case UntilToken::Number:
             good = number(token.text, result.literal);
             break;
-        case Token::Time:
+        case UntilToken::Time:
             good = time(token.text, result);
             break;
-        case Token::Text:
+        case UntilToken::Text:
             result.literal = token.text;
             break;
-        case Token::Position:
+        case UntilToken::Position:
             good = position(token.text, result.selector);
             break;
-        case Token::Name:
+        case UntilToken::Name:
             good = name(token.text, result);
             break;
-        case Token::End:
-        case Token::Sign:
+        case UntilToken::End:
+        case UntilToken::Sign:
             fail(QStringLiteral("a selector or a value is missing"));
             good = false;
             break;
@@ -331,7 +293,7 @@ private:
 
     const QVector<WatchTarget> &targets;
     QVector<E::Node> &nodes;
-    QVector<Token> tokens;
+    QVector<UntilToken> tokens;
     int at = 0;
     int depth = 0;
     QString fault;
