@@ -166,7 +166,7 @@ private:
     bool modulesFor(const SelectorPattern &pattern, QStringList &names);
     bool namesBelow(SelectorPattern pattern, SelectorPattern::Level level, QStringList &names);
     bool leafPathsOf(const SelectorPattern &pattern, QStringList &paths);
-    void explainMiss(const SelectorPattern &pattern, CatalogMatch &match);
+    void explainMiss(const SelectorPattern &pattern, CatalogMatch &found);
 
     std::optional<Providers> list;
     QHash<QString, Names> objects; // by module
