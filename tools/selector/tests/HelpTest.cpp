@@ -39,6 +39,7 @@ private Q_SLOTS:
     void theOverviewListsCommandsAndOptions();
     void eachCommandExplainsItsOptions();
     void everyHelpFitsAScreenOf80Columns();
+    void anOptionTakesAValueEverywhereOrNowhere();
     void aHelpHasItsOptionsInColumns();
     void aPageHasItsOptionsInFull();
     void theManPageNamesEverything();
@@ -87,6 +88,27 @@ void HelpTest::everyHelpFitsAScreenOf80Columns()
         QVERIFY2(lines.contains("Options:") && lines.indexOf("") < lines.indexOf("Options:"),
                  qPrintable(command.name));
     }
+}
+
+// Else nobody could say where the command stands behind it.
+void HelpTest::anOptionTakesAValueEverywhereOrNowhere()
+{
+    QHash<QString, bool> takesValue;
+    for (const Command &command : commands()) {
+        for (const Option &option : commonOptions(command.options) + command.options) {
+            const QStringList spellings = option.spellings();
+            for (const QString &spelling : spellings) {
+                const bool takes = !option.value().isEmpty();
+                QVERIFY2(takesValue.value(spelling, takes) == takes,
+                         qPrintable(command.name + ' ' + spelling));
+                takesValue.insert(spelling, takes);
+            }
+        }
+    }
+    QVERIFY(takesValue.value("--format") && !takesValue.value("-j"));
+    QCOMPARE(commandPosition({"--format", "csv", "-j", "--timeout=3", "read", "x"}), 4);
+    QCOMPARE(commandPosition({"-f", "-", "read"}), 2);
+    QCOMPARE(commandPosition({"-j"}), -1);
 }
 
 void HelpTest::aHelpHasItsOptionsInColumns()
