@@ -176,7 +176,8 @@ Terminal::Terminal(Screen screen)
     escapeTimer.setSingleShot(true);
     escapeTimer.setInterval(escapeDelay);
     connect(&escapeTimer, &QTimer::timeout, this, [this] {
-        for (const QString &key : decoder.giveUp()) {
+        const QStringList left = decoder.giveUp();
+        for (const QString &key : left) {
             Q_EMIT typed(key);
         }
     });
