@@ -13,10 +13,11 @@ using ProcessDataAccess::Result;
 
 const QVector<Command> &commands()
 {
-    static const QVector<Command> table{
-        modulesCommand(),    browseCommand(),  readCommand(),    writeCommand(), watchCommand(),
-        propertiesCommand(), explainCommand(), doctorCommand(),  checkCommand(), snapshotCommand(),
-        diffCommand(),       applyCommand(),   completeCommand()};
+    static const QVector<Command> table
+        = QVector<Command>{modulesCommand(), browseCommand(),     readCommand(),    writeCommand(),
+                           watchCommand(),   propertiesCommand(), explainCommand(), doctorCommand(),
+                           checkCommand(),   snapshotCommand(),   diffCommand(),    applyCommand()}
+        + historyCommands() + QVector<Command>{completeCommand()};
     return table;
 }
 

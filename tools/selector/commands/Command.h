@@ -14,7 +14,7 @@ class Catalog;
 /// What the arguments of a command are, for shells.
 struct Arguments
 {
-    enum Kind { Words, Url, UrlAndValue, Place, Module, File };
+    enum Kind { Words, Url, UrlAndValue, FileAndUrls, Place, Module, File };
     static constexpr int many = std::numeric_limits<int>::max();
 
     Kind kind = Words;
@@ -63,6 +63,11 @@ Command snapshotCommand();
 Command diffCommand();
 Command applyCommand();
 Command completeCommand();
+Command historyCommand();
+Command recordCommand();
+
+/// Those of the history; none in a build without it.
+QVector<Command> historyCommands();
 
 /// Asks for the modules; prints the reason when they cannot be had, and a note when there is no
 /// registry to name them.

@@ -64,6 +64,7 @@ QStringList wordsOf(const Offer &offer, const QString &typed)
         return candidates(typedPlace(typed, false), false);
     case Arguments::Url:
     case Arguments::UrlAndValue:
+    case Arguments::FileAndUrls:
         break;
     }
     return candidates(typedPlace(typed, true), true);

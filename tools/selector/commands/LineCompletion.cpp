@@ -56,6 +56,9 @@ Offer offerOfArgument(const Arguments &takes, int position, const QString &typed
     if (position >= takes.most || isValue) {
         return {};
     }
+    if (takes.kind == Arguments::FileAndUrls) {
+        return {position == 0 ? Arguments::File : Arguments::Url, {}};
+    }
     return takes.kind == Arguments::Words ? matching(split(takes.words), typed)
                                           : Offer{takes.kind, {}};
 }

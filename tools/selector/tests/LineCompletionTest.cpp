@@ -23,7 +23,16 @@ void LineCompletionTest::linesGoOn_data()
     };
     const auto nothing = [&](const char *line) { offers(line, Arguments::Words); };
     offers("w", Arguments::Words, "write watch");
-    offers("h", Arguments::Words, "help");
+    const bool withHistory = !historyCommands().isEmpty();
+    offers("h", Arguments::Words, withHistory ? "history help" : "help");
+    if (withHistory) {
+        offers("record ", Arguments::File);
+        offers("record h.db ", Arguments::Url);
+        offers("record --every 1s h.db a b", Arguments::Url);
+        offers("history --database ", Arguments::File);
+        offers("history --database h.db ", Arguments::Url);
+        offers("history --aggregate m", Arguments::Words, "min max mean");
+    }
     offers("-", Arguments::Words,
            "--format --help --json --no-legend --verbose --width -h -j -v --version");
     offers("--v", Arguments::Words, "--verbose --version");

@@ -28,7 +28,9 @@ expect() {
     fi
 }
 
-expect "selector " "modules browse read write watch properties explain doctor check snapshot diff apply complete help --help --version"
+history=
+[[ $("$program" --help) != *"  history "* ]] || history="history record " # where it is built
+expect "selector " "modules browse read write watch properties explain doctor check snapshot diff apply ${history}complete help --help --version"
 expect "selector w" "write watch"
 expect "selector -j w" "write watch"
 expect "selector help ex" "explain"
