@@ -37,10 +37,10 @@ void SelectorTypingTest::mistypedWordsAreAskedFor_data()
     QTest::addColumn<QString>("errors");
     const QString hint("; did you mean \"%1\"?");
     const QString url("processdata://MODULE/Controller/1/");
-    QTest::newRow("a command") << QStringList{"raed", "x"} << 2
-                               << "Unknown command raed" + hint.arg("read");
+    QTest::newRow("a command") << QStringList{"reda", "x"} << 2
+                               << "Unknown command reda" + hint.arg("read");
     QTest::newRow("a command to be helped with")
-        << QStringList{"help", "wirte"} << 2 << "Unknown command wirte" + hint.arg("write");
+        << QStringList{"help", "wrrite"} << 2 << "Unknown command wrrite" + hint.arg("write");
     QTest::newRow("an option") << QStringList{"read", "--fromat", "csv", "x"} << 2
                                << "Unknown option 'fromat'" + hint.arg("--format");
     QTest::newRow("an option without command")

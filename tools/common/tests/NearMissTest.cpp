@@ -26,7 +26,7 @@ void NearMissTest::wordsThatComeNearAreFound_data()
     row("a letter left out", "sped", "speed name", "speed");
     row("a letter put in", "speeed", "speed name", "speed");
     row("a letter replaced", "spoed", "speed name", "speed");
-    row("two letters swapped", "raed", "read write", "read");
+    row("two letters swapped", "reda", "read write", "read");
     row("swapped at the end", "setponit", "setpoint", "setpoint");
     row("case alone", "SPEED", "speed", "speed");
     row("case alone, of a short word", "On", "on off", "on");

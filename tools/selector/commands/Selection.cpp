@@ -23,7 +23,7 @@ QString refusal()
                           "written (%2A is a star in a name)");
 }
 
-CatalogMatch matchIn(const Snapshot &snapshot, const SelectorPattern &pattern)
+CatalogMatch matchOf(const Snapshot &snapshot, const SelectorPattern &pattern)
 {
     CatalogMatch match;
     for (auto source = snapshot.sources().begin(); source != snapshot.sources().end(); ++source) {
@@ -54,7 +54,7 @@ PatternLookup lookupIn(Catalog &catalog)
 PatternLookup lookupIn(const Snapshot &snapshot)
 {
     return [&snapshot](const SelectorPattern &pattern, bool /*withHint*/) {
-        return matchIn(snapshot, pattern);
+        return matchOf(snapshot, pattern);
     };
 }
 
