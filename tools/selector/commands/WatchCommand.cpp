@@ -20,6 +20,46 @@
 
 namespace {
 
+constexpr Option tableOption{
+    "--table",
+    "keep one row a selector in place; q quits, / filters the rows;\n"
+    "without a terminal one table at the end",
+    "What has changed stands out for a second. Behind / type a part of the names that are wanted; "
+    "Enter keeps the filter, Esc clears it. Rows that do not fit are counted in the last line. "
+    "Each look at the values counts as a line. Ctrl-Z gives the terminal back until the job goes "
+    "on."};
+
+constexpr Option plotOption{
+    "--plot",
+    "draw a moving line chart of each selector instead of lines; q quits;\n"
+    "without a terminal one chart at the end",
+    "Charts are scaled to what they show; each look at the values is one step and counts "
+    "as a line. Below them stands how long ago each step was. Times without a good number are "
+    "gaps. Braille patterns draw eight dots a "
+    "character where the terminal is one of UTF-8 and not the kernel's own console, * "
+    "elsewhere. A terminal that cannot move its cursor has one chart at the end, too. "
+    "Charts are called by the last part of their URL, and by more of it where several end "
+    "alike. Those that do not fit on the terminal are counted in its last line."};
+
+constexpr Option wideOption{
+    "--wide",
+    "print one row an instant with one column a selector, good values\n"
+    "alone; each row counts as a line",
+    "The columns of CSV are time and the selectors, by label or URL. JSON has the array values, "
+    "with null for what is not good, and errorTypes beside it. The time is that of the tick: "
+    "ticks do not drift, and one that comes too late, because a service hangs, is left out."};
+
+constexpr Option everyOption{"--every MS", "with --wide, milliseconds between two rows (1000)",
+                             "1 to 3600000; or with a unit, as in 1s.", Option::Milliseconds};
+
+constexpr Option deadbandOption{
+    "--deadband D",
+    "leave out changes of D or less, in the value's unit; D% is a share\n"
+    "of the leaf's minimum to maximum",
+    "A number is compared with the one of the line before, so that a slow drift shows. A change "
+    "of error type always shows, as does any change of what is not a number. A leaf without "
+    "minimum and maximum has no share."};
+
 enum class End {
     Finished, // as many lines as wanted, or the condition
     TimeLimit,
@@ -179,39 +219,13 @@ Command watchCommand()
           "1 to 3600000; or with a unit, as in 1s.", Option::Milliseconds},
          maximumAgeOption,
          {"--changes-only", "leave out what each selector holds at the beginning"},
-         {"--deadband D",
-          "leave out changes of D or less, in the value's unit; D% is a share\n"
-          "of the leaf's minimum to maximum",
-          "A number is compared with the one of the line before, so that a slow drift shows. A change "
-          "of error type always shows, as does any change of what is not a number. A leaf without "
-          "minimum and maximum has no share."},
+         deadbandOption,
          {"--timestamps", "begin each line with the time at which it was printed",
           "It is local time, in the column and key seen; the other time is the value's own."},
-         {"--table",
-          "keep one row a selector in place; q quits, / filters the rows;\n"
-          "without a terminal one table at the end",
-          "What has changed stands out for a second. Behind / type a part of the names that are wanted; "
-          "Enter keeps the filter, Esc clears it. Rows that do not fit are counted in the last line. "
-          "Each look at the values counts as a line. Ctrl-Z gives the terminal back until the job goes "
-          "on."},
-         {"--plot",
-          "draw a moving line chart of each selector instead of lines; q quits;\n"
-          "without a terminal one chart at the end",
-          "Charts are scaled to what they show; each look at the values is one step and counts "
-          "as a line. Below them stands how long ago each step was. Times without a good number are "
-          "gaps. Braille patterns draw eight dots a "
-          "character where the terminal is one of UTF-8 and not the kernel's own console, * "
-          "elsewhere. A terminal that cannot move its cursor has one chart at the end, too. "
-          "Charts are called by the last part of their URL, and by more of it where several end "
-          "alike. Those that do not fit on the terminal are counted in its last line."},
-         {"--wide",
-          "print one row an instant with one column a selector, good values\n"
-          "alone; each row counts as a line",
-          "The columns of CSV are time and the selectors, by label or URL. JSON has the array values, "
-          "with null for what is not good, and errorTypes beside it. The time is that of the tick: "
-          "ticks do not drift, and one that comes too late, because a service hangs, is left out."},
-         {"--every MS", "with --wide, milliseconds between two rows (1000)",
-          "1 to 3600000; or with a unit, as in 1s.", Option::Milliseconds},
+         tableOption,
+         plotOption,
+         wideOption,
+         everyOption,
          {"-q, --quiet", "print values only, one a line as they change, no announcements",
           "Values are exact, and there is no header. Backslashes and what is not seen are "
           "escaped, as write --escapes reads it; a text that is empty is \\c. Not with --format, "

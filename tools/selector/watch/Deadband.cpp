@@ -11,7 +11,11 @@ constexpr double wholeRange = 100; // percent
 
 bool haveSameBits(double left, double right)
 {
-    return std::memcmp(&left, &right, sizeof left) == 0;
+    quint64 leftBits = 0;
+    quint64 rightBits = 0;
+    std::memcpy(&leftBits, &left, sizeof left);
+    std::memcpy(&rightBits, &right, sizeof right);
+    return leftBits == rightBits;
 }
 
 // Differences of 64-bit integers are formed without a sign: those of doubles would lose bits.
