@@ -36,12 +36,18 @@ Result fetchOwner(const QString &module, Owner &owner, QString &errorMessage)
 {
     owner = Owner();
     owner.service = module;
-    return ProcessDataAccess::isServed(module, errorMessage);
+    QString problem;
+    const Result result = ProcessDataAccess::isServed(module, problem);
+    if (result == Result::Ok || result == Result::NotSupported) {
+        return Result::Ok; // where nobody can tell, the description will show it
+    }
+    errorMessage = problem;
+    return result;
 }
 
 QString ownerText(const Owner &owner)
 {
-    return QStringLiteral("module %1 is served").arg(owner.service);
+    return QStringLiteral("module %1").arg(owner.service);
 }
 
 Result fetchServices(Services &services, QString &errorMessage)
