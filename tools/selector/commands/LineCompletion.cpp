@@ -66,7 +66,7 @@ Offer offerOfArgument(const Arguments &takes, int position, const QString &typed
 // The command's name, or an option of all commands in front of it.
 Offer offerBeforeCommand(const QStringList &line, const QString &typed)
 {
-    const QVector<Option> options = commonOptions();
+    const QVector<Option> &options = commonOptions();
     const Option *open = line.isEmpty() ? nullptr : optionWithValue(options, line.constLast());
     if (open != nullptr) {
         return offerOfValue(*open, typed);

@@ -56,7 +56,7 @@ QString listText(const ListLine &line)
 {
     QString url = line.url;
     url.replace(QLatin1Char(' '), QLatin1String("%20"));
-    const QString selector = line.label.isEmpty() ? url : line.label + QLatin1Char('=') + url;
+    QString selector = line.label.isEmpty() ? url : line.label + QLatin1Char('=') + url;
     if (!line.hasValue) {
         return selector;
     }
