@@ -175,9 +175,9 @@ void SelectorPatternsTest::theTreeIsDrawnWithValues()
     }
     QCOMPARE(lines,
              filledIn({"MODULE", "  Controller", "    1", "      drive",
-                       "        speed int32 1/min writable - 1450 NoError",
-                       "        running bool - writable - true NoError",
-                       "      alarm bool - writable - false NoError", ""}));
+                       "        speed int32 1/min writable 1450 NoError",
+                       "        running bool - writable true NoError",
+                       "      alarm bool - writable false NoError", ""}));
     QCOMPARE(run({"browse", "-r", "-q"}, 0), QByteArray("drive/speed\ndrive/running\nalarm\n"));
 }
 

@@ -33,6 +33,7 @@ public:
             report.columns.first().key = QStringLiteral("name");
         }
         if (view.values) {
+            report.columns.last().place = Column::CsvAlone; // descriptions leave no room for values
             report.columns += columnsOf("value> error");
         }
     }

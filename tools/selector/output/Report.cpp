@@ -138,7 +138,9 @@ Report forTable(Report report)
         report.columns.removeAt(i);
         for (Entry &entry : report.entries) {
             for (Row &row : entry.rows) {
-                row.removeAt(i);
+                if (i < row.size()) { // rows of a tree end with its names
+                    row.removeAt(i);
+                }
             }
         }
     }

@@ -50,8 +50,9 @@ void ScreenTable::takeTexts(int column)
     const ColumnKind kind = kindOf(columns.at(column));
     QStringList cells;
     for (const ScreenRow &row : rows) {
-        const Cell &cell = row.cells.at(column);
-        cells.append(shownText(cell, kind, style.now));
+        // Rows of a tree end with its names.
+        cells.append(column < row.cells.size() ? shownText(row.cells.at(column), kind, style.now)
+                                               : QString());
     }
     if (kind == ColumnKind::Name) {
         const ScreenNames names = ScreenNames::of(cells);

@@ -127,6 +127,20 @@ Report browseReport()
     return report;
 }
 
+// Rows of names end with them.
+Report browseTreeReport()
+{
+    Report report{"selector.browse/1", columnsOf("name type unit access description"), {}};
+    for (const char *name : {"PumpStation", "  Pump", "    1", "      drive"}) {
+        Entry entry;
+        entry.rows.append(Row{QString(name)});
+        report.entries.append(entry);
+    }
+    report.entries += entriesOf({{QString("        speed"), QString("float64"), QString("1/min"),
+                                  QString("read-only"), QString("Measured speed")}});
+    return report;
+}
+
 Report browseModuleReport()
 {
     return {"selector.browse/1", columnsOf("place module object instance note"),
@@ -275,6 +289,7 @@ void ScreenGoldenTest::tablesAreAsWritten_data()
     QTest::newRow("write") << writeReport();
     QTest::newRow("properties") << propertiesReport();
     QTest::newRow("browse") << browseReport();
+    QTest::newRow("browse-tree") << browseTreeReport();
     QTest::newRow("browse-module") << browseModuleReport();
     QTest::newRow("check") << checkReport();
     QTest::newRow("diff") << diffReport();
