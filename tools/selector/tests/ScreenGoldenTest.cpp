@@ -10,6 +10,8 @@
 
 #include <QtTest>
 
+Q_DECLARE_METATYPE(Report)
+
 namespace {
 
 const qint64 second = 1000000000;
@@ -333,8 +335,6 @@ void ScreenGoldenTest::noLineOfTheseTablesIsWiderThanItsScreen()
         }
     }
 }
-
-Q_DECLARE_METATYPE(Report)
 
 QTEST_APPLESS_MAIN(ScreenGoldenTest)
 #include "ScreenGoldenTest.moc"
