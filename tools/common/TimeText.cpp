@@ -150,7 +150,7 @@ bool readLocal(const QString &text, const WallTime &wall, qint64 &seconds, QStri
 
 qint64 secondsOfOffset(const QString &offset)
 {
-    const qint64 seconds = offset.mid(1, 2).toInt() * 3600 + offset.mid(4, 2).toInt() * 60;
+    const qint64 seconds = offset.midRef(1, 2).toInt() * 3600 + offset.midRef(4, 2).toInt() * 60;
     return offset.startsWith(QLatin1Char('-')) ? -seconds : seconds;
 }
 
