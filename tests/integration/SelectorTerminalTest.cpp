@@ -17,6 +17,7 @@ private Q_SLOTS:
     void rowsThatDoNotFitAreCountedAfterAResize();
     void aStoppedTableGivesTheTerminalBack();
     void aStoppedTableCanBeEnded();
+    void aTableThatNobodyCanLetGoOnIsNotStopped();
     void everyEndGivesTheTerminalBack_data();
     void everyEndGivesTheTerminalBack();
     void aTableIsPrintedOnceWithoutATerminal();
@@ -149,6 +150,17 @@ void SelectorTerminalTest::aStoppedTableCanBeEnded()
     VERIFY_COMMAND(terminal->waitForText("has ended"));
     QCOMPARE(terminal->state("alternate_on"), QByteArray("0"));
     QVERIFY(terminal->lines().filter("q quits").isEmpty());
+}
+
+// In the place of the shell it is in a process group that has lost whoever could control its jobs.
+void SelectorTerminalTest::aTableThatNobodyCanLetGoOnIsNotStopped()
+{
+    VERIFY_COMMAND(
+        terminal->run(QString("exec %1 watch --table %2").arg(SELECTOR, urls().join(' '))));
+    VERIFY_COMMAND(terminal->waitForText("q quits, / filters"));
+    VERIFY_COMMAND(terminal->type({"C-z", "/", "RUN"}));
+    VERIFY_COMMAND(terminal->waitForText("/RUN_"));
+    QCOMPARE(terminal->state("alternate_on"), QByteArray("1"));
 }
 
 void SelectorTerminalTest::everyEndGivesTheTerminalBack_data()

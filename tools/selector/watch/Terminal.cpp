@@ -94,7 +94,8 @@ void handleNote(int signalNumber)
 }
 
 // Whoever ends a stopped process lets it go on, too; so the terminal is not taken here again, where
-// that could stop it once more.
+// that could stop it once more. Where no shell could let it go on, the system does not stop it at all
+// and SIGCONT never comes: hence the note.
 void handleStop(int signalNumber)
 {
     const int error = errno;
@@ -102,6 +103,7 @@ void handleStop(int signalNumber)
     install(signalNumber, SIG_DFL, 0);
     static_cast<void>(::raise(signalNumber));
     install(signalNumber, handleStop, SA_RESTART | SA_NODEFER);
+    handleNote(SIGCONT);
     errno = error;
 }
 
