@@ -3,7 +3,11 @@
 #include "SystemTest.h"
 #include "TestTerminal.h"
 
+#include <QFile>
+#include <QTemporaryDir>
 #include <QTest>
+
+#include <csignal>
 
 class SelectorTerminalTest : public SystemTest
 {
@@ -20,6 +24,7 @@ private Q_SLOTS:
     void aTableThatNobodyCanLetGoOnIsNotStopped();
     void everyEndGivesTheTerminalBack_data();
     void everyEndGivesTheTerminalBack();
+    void aCrashGivesTheTerminalBack();
     void aTableIsPrintedOnceWithoutATerminal();
     void tablesFitTheTerminal();
 
@@ -204,6 +209,28 @@ void SelectorTerminalTest::everyEndGivesTheTerminalBack()
     const QString all = terminal->lines().join('\n');
     QVERIFY2(all.contains(end), qPrintable(all));
     QVERIFY2(!all.contains("-icanon") && !all.contains("-echo "), qPrintable(all));
+    QCOMPARE(terminal->state("alternate_on"), QByteArray("0"));
+    QCOMPARE(terminal->state("cursor_flag"), QByteArray("1"));
+}
+
+void SelectorTerminalTest::aCrashGivesTheTerminalBack()
+{
+    const QTemporaryDir folder;
+    VERIFY_COMMAND(terminal->run(
+        QString(
+            "sh -c 'sh -c \"echo \\$\\$ > %1; exec %2 watch --table %3\"; echo end $?; stty -a'")
+            .arg(folder.filePath("pid"), SELECTOR, urls().join(' '))));
+    VERIFY_COMMAND(terminal->waitForText("q quits, / filters"));
+    QFile file(folder.filePath("pid"));
+    QVERIFY(file.open(QIODevice::ReadOnly));
+
+    QCOMPARE(::kill(file.readAll().trimmed().toInt(), SIGABRT), 0);
+
+    VERIFY_COMMAND(terminal->waitFor([](const QStringList &seen) {
+        return !seen.filter(QRegularExpression("\\bicanon\\b")).isEmpty();
+    }));
+    const QString all = terminal->lines().join('\n');
+    QVERIFY2(all.contains("end 134") && !all.contains("-icanon"), qPrintable(all));
     QCOMPARE(terminal->state("alternate_on"), QByteArray("0"));
     QCOMPARE(terminal->state("cursor_flag"), QByteArray("1"));
 }

@@ -25,7 +25,14 @@ struct Ending
     struct sigaction before;
 };
 
-std::array<Ending, 4> endings{{{SIGINT, {}}, {SIGTERM, {}}, {SIGHUP, {}}, {SIGQUIT, {}}}};
+std::array<Ending, 8> endings{{{SIGINT, {}},
+                               {SIGTERM, {}},
+                               {SIGHUP, {}},
+                               {SIGQUIT, {}},
+                               {SIGPIPE, {}},
+                               {SIGABRT, {}},
+                               {SIGBUS, {}},
+                               {SIGSEGV, {}}}};
 struct termios modesBefore = {};
 struct termios modesOfKeys = {};
 volatile std::sig_atomic_t hasKeys = 0;
@@ -117,6 +124,11 @@ void handleEnd(int signalNumber)
     for (const Ending &ending : endings) {
         if (ending.number != signalNumber) {
             continue;
+        }
+        if ((ending.before.sa_flags & SA_SIGINFO) != 0) { // wants to know more than is known here
+            ::sigaction(signalNumber, &ending.before, nullptr);
+            static_cast<void>(::raise(signalNumber));
+            return;
         }
         const bool isHandled
             = ending.before.sa_handler != SIG_DFL && ending.before.sa_handler != SIG_IGN;
