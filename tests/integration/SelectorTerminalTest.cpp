@@ -25,6 +25,7 @@ private Q_SLOTS:
     void everyEndGivesTheTerminalBack_data();
     void everyEndGivesTheTerminalBack();
     void aCrashGivesTheTerminalBack();
+    void chartsStayInPlaceOnANarrowTerminal();
     void aTableIsPrintedOnceWithoutATerminal();
     void tablesFitTheTerminal();
 
@@ -233,6 +234,17 @@ void SelectorTerminalTest::aCrashGivesTheTerminalBack()
     QVERIFY2(all.contains("end 134") && !all.contains("-icanon"), qPrintable(all));
     QCOMPARE(terminal->state("alternate_on"), QByteArray("0"));
     QCOMPARE(terminal->state("cursor_flag"), QByteArray("1"));
+}
+
+void SelectorTerminalTest::chartsStayInPlaceOnANarrowTerminal()
+{
+    VERIFY_COMMAND(terminal->resize(12, 24)); // one column less than a chart takes
+    VERIFY_COMMAND(terminal->run("clear; " + watch("--plot")));
+    VERIFY_COMMAND(terminal->waitForText("speed  900"));
+    VERIFY_COMMAND(publisher->publish("speed", 5));
+    VERIFY_COMMAND(terminal->waitForText("speed  5"));
+    QVERIFY2(terminal->lines().filter(QRegularExpression("^speed  ")).size() == 1,
+             qPrintable(terminal->lines().join('\n')));
 }
 
 void SelectorTerminalTest::aTableIsPrintedOnceWithoutATerminal()

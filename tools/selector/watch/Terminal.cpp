@@ -17,6 +17,8 @@ constexpr int escapeDelay = 100; // milliseconds until Escape is a key of its ow
 
 const char *const enterOwn = "\x1b[?1049h\x1b[?25l\x1b[?7l";
 const char *const leaveOwn = "\x1b[?7h\x1b[?25h\x1b[?1049l";
+const char *const enterSame = "\x1b[?7l";
+const char *const leaveSame = "\x1b[?7h";
 
 // Signals that end the process, with what was there for them before.
 struct Ending
@@ -61,9 +63,7 @@ void take()
     if (hasKeys != 0) {
         ::tcsetattr(STDIN_FILENO, TCSANOW, &modesOfKeys);
     }
-    if (ownScreen != 0) {
-        writeAll(enterOwn);
-    }
+    writeAll(ownScreen != 0 ? enterOwn : enterSame);
     isAway = 0;
 }
 
@@ -72,9 +72,7 @@ void giveBack()
     if (isAway != 0) {
         return;
     }
-    if (ownScreen != 0) {
-        writeAll(leaveOwn);
-    }
+    writeAll(ownScreen != 0 ? leaveOwn : leaveSame);
     if (hasKeys != 0 && isForeground()) {
         ::tcsetattr(STDIN_FILENO, TCSANOW, &modesBefore);
     }

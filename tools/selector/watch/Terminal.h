@@ -12,7 +12,7 @@
 
 #include <memory>
 
-/// Takes keys one by one, unseen, and gives the terminal back as it was: at its end, on every signal
+/// Takes keys one by one, unseen, lets the terminal break no lines, and gives the terminal back as it was: at its end, on every signal
 /// that ends the process, and while the process is stopped (Ctrl-Z). Ctrl-C and Ctrl-Z stay signals.
 ///
 /// Where standard input is not a terminal, or that of another job, no keys come.
@@ -25,7 +25,7 @@ class Terminal : public QObject
 public:
     enum Screen {
         Same, ///< draws below what is there
-        Own, ///< a screen of its own, without cursor and without line breaks of the terminal
+        Own, ///< a screen of its own, without cursor
     };
 
     explicit Terminal(Screen screen);
