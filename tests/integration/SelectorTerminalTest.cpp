@@ -21,6 +21,7 @@ private Q_SLOTS:
     void rowsThatDoNotFitAreCountedAfterAResize();
     void aStoppedTableGivesTheTerminalBack();
     void aStoppedTableCanBeEnded();
+    void aTableInTheBackgroundWaitsForItsTurn();
     void aTableThatNobodyCanLetGoOnIsNotStopped();
     void everyEndGivesTheTerminalBack_data();
     void everyEndGivesTheTerminalBack();
@@ -156,6 +157,22 @@ void SelectorTerminalTest::aStoppedTableCanBeEnded()
     VERIFY_COMMAND(terminal->waitForText("has ended"));
     QCOMPARE(terminal->state("alternate_on"), QByteArray("0"));
     QVERIFY(terminal->lines().filter("q quits").isEmpty());
+}
+
+void SelectorTerminalTest::aTableInTheBackgroundWaitsForItsTurn()
+{
+    VERIFY_COMMAND(
+        terminal->run(QString("%1 watch --table %2 < /dev/null").arg(SELECTOR, urls().join(' '))));
+    VERIFY_COMMAND(terminal->waitForText("q quits, / filters"));
+    VERIFY_COMMAND(terminal->type({"C-z"}));
+    VERIFY_COMMAND(terminal->waitForText("Stopped"));
+
+    VERIFY_COMMAND(terminal->run("bg; until jobs -s | grep .; do :; done; echo 'it ''waits'"));
+
+    VERIFY_COMMAND(terminal->waitForText("it waits"));
+    QCOMPARE(terminal->state("alternate_on"), QByteArray("0"));
+    VERIFY_COMMAND(terminal->run("fg"));
+    VERIFY_COMMAND(terminal->waitForText("q quits, / filters"));
 }
 
 // In the place of the shell it is in a process group that has lost whoever could control its jobs.

@@ -42,6 +42,7 @@ volatile std::sig_atomic_t ownScreen = 0;
 volatile std::sig_atomic_t isAway = 0; // given back while the process is stopped
 volatile std::sig_atomic_t goesOn = 0; // after a stop: the terminal must be taken again
 volatile std::sig_atomic_t endAsked = 0;
+volatile std::sig_atomic_t wasInFront = 0; // at the start
 volatile std::sig_atomic_t writeEnd = -1;
 
 void writeAll(const char *text)
@@ -52,14 +53,20 @@ void writeAll(const char *text)
     }
 }
 
-bool isForeground()
+bool isForeground(int terminal)
 {
-    return ::tcgetpgrp(STDIN_FILENO) == ::getpgrp();
+    return ::tcgetpgrp(terminal) == ::getpgrp();
 }
 
-// In the background it waits for its turn: the system stops the process.
+// In the background it waits for its turn, as the system lets it wait that sets modes there.
 void take()
 {
+    if (wasInFront != 0 && !isForeground(STDOUT_FILENO)) {
+        static_cast<void>(::raise(SIGTTOU));
+        if (!isForeground(STDOUT_FILENO)) {
+            return;
+        }
+    }
     if (hasKeys != 0) {
         ::tcsetattr(STDIN_FILENO, TCSANOW, &modesOfKeys);
     }
@@ -73,7 +80,7 @@ void giveBack()
         return;
     }
     writeAll(ownScreen != 0 ? leaveOwn : leaveSame);
-    if (hasKeys != 0 && isForeground()) {
+    if (hasKeys != 0 && isForeground(STDIN_FILENO)) {
         ::tcsetattr(STDIN_FILENO, TCSANOW, &modesBefore);
     }
     isAway = 1;
@@ -148,7 +155,7 @@ bool isIgnored(int signalNumber)
 
 bool takeModes()
 {
-    if (!isForeground() || ::tcgetattr(STDIN_FILENO, &modesBefore) != 0) {
+    if (!isForeground(STDIN_FILENO) || ::tcgetattr(STDIN_FILENO, &modesBefore) != 0) {
         return false;
     }
     modesOfKeys = modesBefore;
@@ -172,6 +179,7 @@ Terminal::Terminal(Screen screen)
     endAsked = 0;
     goesOn = 0;
     hasKeys = takeModes() ? 1 : 0;
+    wasInFront = isForeground(STDOUT_FILENO) ? 1 : 0;
     ownScreen = screen == Own ? 1 : 0;
     for (Ending &ending : endings) {
         ::sigaction(ending.number, nullptr, &ending.before);
@@ -257,5 +265,7 @@ void Terminal::readNotes()
         goesOn = 0;
         take();
     }
-    Q_EMIT disturbed();
+    if (isOurs()) {
+        Q_EMIT disturbed();
+    }
 }
