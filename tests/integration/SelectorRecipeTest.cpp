@@ -24,6 +24,7 @@ private Q_SLOTS:
     void whatHasNoValueIsAComment();
     void onATerminalManyValuesAreAskedFor_data();
     void onATerminalManyValuesAreAskedFor();
+    void whatHoldsAfterTheAnswerIsSetBack();
 
 private:
     QByteArray run(const QStringList &arguments, int exitCode = 0,
@@ -247,6 +248,33 @@ void SelectorRecipeTest::onATerminalManyValuesAreAskedFor()
              terminal.report());
     QVERIFY2(terminal.output().contains("nothing was written") == refused, terminal.report());
     QCOMPARE(run({"read", "-q", selectorUrl(many, "a0")}), QByteArray(written ? "5\n" : "1\n"));
+}
+
+void SelectorRecipeTest::whatHoldsAfterTheAnswerIsSetBack()
+{
+    PublisherProcess publisher;
+    const QString many = module + "Many";
+    QJsonArray leaves;
+    QByteArray text;
+    for (int i = 0; i < 11; ++i) {
+        leaves.append(leaf("a" + QString::number(i), "int32"));
+        text += selectorUrl(many, "a" + QString::number(i)).toUtf8() + " 5\n";
+    }
+    VERIFY_COMMAND(publisher.serve(many, description(leaves)));
+    VERIFY_COMMAND(publisher.publish("a0", 1));
+    const QTemporaryDir folder;
+    QVERIFY(writeFile(folder.filePath("list"), text));
+    ChildProcess terminal(
+        "script", {"-qec", SELECTOR " apply --format csv " + folder.filePath("list"), "/dev/null"});
+    QVERIFY(terminal.start());
+    QVERIFY2(QTest::qWaitFor([&] { return terminal.output().contains("[y/N]"); }, 20000),
+             terminal.report());
+
+    VERIFY_COMMAND(publisher.publish("a0", 3));
+    terminal.write("y\n");
+
+    QVERIFY(terminal.waitForEnd());
+    QVERIFY2(terminal.output().contains("/a0,3,5,"), terminal.report());
 }
 
 BUS_TEST_MAIN(SelectorRecipeTest)

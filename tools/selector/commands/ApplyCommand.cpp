@@ -47,12 +47,10 @@ int run(const CommandLine &line, const Console &console, QString &usage)
         = checkLines(lines, [&leaves](int position, const SelectorUrlParts & /*parts*/) {
               return leaves.find(position);
           });
-    const QVector<ProcessValue> before = leaves.handler().getValues();
     QVector<ApplyItem> items;
-    for (int i = 0; i < checked.size(); ++i) {
+    for (const CheckedLine &one : checked) {
         ApplyItem item;
-        item.checked = checked.at(i);
-        item.before = before.at(i);
+        item.checked = one;
         items.append(item);
     }
     if (!isWanted(items, line, console)) {
@@ -62,6 +60,10 @@ int run(const CommandLine &line, const Console &console, QString &usage)
     }
     // The values of a file: all, none, or as many as the report says.
     const InterruptHold hold;
+    const QVector<ProcessValue> before = leaves.handler().getValues(); // the answer may take long
+    for (int i = 0; i < items.size(); ++i) {
+        items[i].before = before.at(i);
+    }
     apply(items, {line.has("dry-run"), line.has("verify"), line.has("rollback")}, leaves.handler());
     Report report{QStringLiteral("selector.apply/1"), applyColumns(), {}};
     for (const ApplyItem &item : qAsConst(items)) {
