@@ -98,6 +98,8 @@ void SelectorInputTest::aListThatCannotBeReadIsNamed_data()
     QTest::newRow("a closed standard input")
         << "-f - <&-" << QByteArray("standard input: Bad file descriptor");
     QTest::newRow("without end") << "-f /dev/zero" << QByteArray("/dev/zero: longer than 64 MiB");
+    QTest::newRow("a name that steers the terminal")
+        << "-f $'/no\\e[2J'" << QByteArray("/no\\x1b[2J: No such file");
     QTest::newRow("an empty pipe") << "-f <(:)" << QByteArray("No selector given.");
 }
 

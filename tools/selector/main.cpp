@@ -7,6 +7,7 @@
 #include "InterruptExit.h"
 #include "MessageLog.h"
 #include "NearMiss.h"
+#include "PrintableText.h"
 #include "ProcessDataAccess.h"
 #include "StandardStreams.h"
 #include "Utf8Text.h"
@@ -18,9 +19,15 @@
 
 namespace {
 
+// Some of the text may be from files.
 int usageError(const Console &console, const QString &text, const QString &help)
 {
-    console.err << "selector: " << text << "\nTry " << help << " --help.\n";
+    QStringList lines = text.split(QLatin1Char('\n'));
+    for (QString &line : lines) {
+        line = printable(line);
+    }
+    console.err << "selector: " << lines.join(QLatin1Char('\n')) << "\nTry " << help
+                << " --help.\n";
     return ExitUsage;
 }
 
