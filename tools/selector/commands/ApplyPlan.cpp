@@ -154,10 +154,10 @@ Entry::State stateOfItem(const ApplyItem &item)
     return Entry::Failed;
 }
 
-// Not by == alone: NaN differs from itself.
+// Not by ==: Qt takes numbers that are close for the same, -0 for 0, and NaN differs from itself.
 bool areSame(const QVariant &one, const QVariant &other)
 {
-    return one == other || valueToText(one) == valueToText(other);
+    return one.isValid() == other.isValid() && valueToText(one) == valueToText(other);
 }
 
 } // namespace

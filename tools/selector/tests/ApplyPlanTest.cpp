@@ -72,7 +72,8 @@ private Q_SLOTS:
     void allIsWrittenInOrder();
     void aDryRunWritesNothing();
     void valuesToWriteAreCounted();
-    void whatIsNotANumberReadsBackAsSuch();
+    void numbersReadBackExactly_data();
+    void numbersReadBackExactly();
     void oneWrongLineLeavesAllUnwritten();
     void aDeactivatedLineIsLeftOut();
     void aRefusedWriteEndsTheWriting();
@@ -120,22 +121,40 @@ void ApplyPlanTest::valuesToWriteAreCounted()
     QCOMPARE(valuesToWrite(list), 0);
 }
 
-void ApplyPlanTest::whatIsNotANumberReadsBackAsSuch()
+void ApplyPlanTest::numbersReadBackExactly_data()
 {
-    class NanLeaf : public ScriptedLeaves
+    QTest::addColumn<double>("written");
+    QTest::addColumn<double>("now");
+    QTest::addColumn<bool>("same");
+    QTest::newRow("the same") << 0.1 << 0.1 << true;
+    QTest::newRow("close") << 1200.0 << 1200.0000000001 << false;
+    QTest::newRow("negative zero") << 0.0 << -0.0 << false;
+    QTest::newRow("not a number twice") << qQNaN() << qQNaN() << true;
+    QTest::newRow("not a number") << 1.0 << qQNaN() << false;
+}
+
+void ApplyPlanTest::numbersReadBackExactly()
+{
+    QFETCH(const double, written);
+    QFETCH(const double, now);
+    QFETCH(const bool, same);
+    class Leaf : public ScriptedLeaves
     {
     public:
-        NanLeaf()
+        explicit Leaf(double value)
             : ScriptedLeaves({0})
+            , value(value)
         {
         }
         ProcessValue getValue(int /*index*/) override
         {
-            return ProcessValue(QVariant(qQNaN()), ProcessDataDefinitions::NoError, 1);
+            return ProcessValue(QVariant(value), ProcessDataDefinitions::NoError, 1);
         }
-    } leaf;
-    QCOMPARE(readBack(leaf, 0, qQNaN()).code, Finding::None);
-    QCOMPARE(readBack(leaf, 0, 1.0).code, Finding::NotVerified);
+
+    private:
+        const double value;
+    } leaf(now);
+    QCOMPARE(readBack(leaf, 0, written).code, same ? Finding::None : Finding::NotVerified);
 }
 
 void ApplyPlanTest::oneWrongLineLeavesAllUnwritten()
