@@ -29,6 +29,7 @@ private Q_SLOTS:
     void chartsStayInPlaceOnANarrowTerminal();
     void aTableIsPrintedOnceWithoutATerminal();
     void tablesFitTheTerminal();
+    void withoutATableReasonsAreSaid();
 
 private:
     // A shell that edits no lines leaves the terminal as it finds it, and says how that is.
@@ -284,6 +285,14 @@ void SelectorTerminalTest::tablesFitTheTerminal()
     QCOMPARE(lines.at(0), QString("processdata://%1/Controller/1/…").arg(module));
     QVERIFY2(lines.at(2).startsWith("speed    900.5  1/min  NoError"),
              qPrintable(lines.join('\n')));
+}
+
+void SelectorTerminalTest::withoutATableReasonsAreSaid()
+{
+    const QString none = selectorUrl(module, "none");
+    VERIFY_COMMAND(terminal->run(QString("clear; %1 read -q %2; echo end $?").arg(SELECTOR, none)));
+    VERIFY_COMMAND(terminal->waitForText("end 1"));
+    QCOMPARE(terminal->lines().filter("selector: " + none + ": ").size(), 1);
 }
 
 QTEST_GUILESS_MAIN(SelectorTerminalTest)

@@ -59,6 +59,7 @@ int runCommand(const Command &command, const QStringList &arguments, Console &co
     console.style.width = line.number("width", console.style.width);
     console.style.legend = !line.has("no-legend");
     console.style.quiet = line.has("quiet");
+    console.silentReasons = console.silentReasons && !console.style.quiet;
     exitOnInterrupt();
     const int result = command.run(line, console, error);
     if (wasInterrupted()) {
