@@ -15,6 +15,7 @@
 namespace {
 
 constexpr int longestInterval = 3600000; // milliseconds
+constexpr double leastPart = 1e-6; // of a millisecond
 constexpr double longestTimeout = 86400; // seconds
 
 // A value such as -5 is not an option, though the parser would take it for one.
@@ -104,7 +105,9 @@ bool accept(const Option &option, QString &value, QString &error)
     case Option::Milliseconds:
         range = wantedTime(option, value, number);
         if (range.isEmpty()) {
-            number = number <= longestInterval && number == std::floor(number) ? number : 0;
+            // 1.001 s are not quite 1001 ms in binary digits.
+            const bool whole = std::fabs(number - std::round(number)) < leastPart;
+            number = number <= longestInterval && whole ? std::round(number) : 0;
             range = QStringLiteral("1 to %1").arg(longestInterval);
         }
         break;

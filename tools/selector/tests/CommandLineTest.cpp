@@ -100,6 +100,8 @@ void CommandLineTest::timesMayHaveUnits_data()
                         << "250ms" << 250;
     QTest::newRow("s") << "1.5s"
                        << "1.5s" << 1500;
+    QTest::newRow("s with a part that has no end in binary digits") << "1.001s"
+                                                                    << "1.001s" << 1001;
     QTest::newRow("min") << "2min"
                          << "2min" << 120000;
     QTest::newRow("h") << "1h"

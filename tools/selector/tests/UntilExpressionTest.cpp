@@ -94,6 +94,8 @@ void UntilExpressionTest::conditionsAreEvaluated_data()
     row("age(speed)>5.5s", no);
     row("age(speed)>=5500ms", yes);
     row("age(speed)<0.1min", yes);
+    row("age(speed)<1d", yes);
+    row("age(speed)>0.5d", no);
     row("age(speed)>5", yes);
     row("5s<age(speed)", yes);
     row("age(#0) > 6s || age(lost) >= 2h", yes);

@@ -26,7 +26,7 @@ struct WatchedValue
 ///     term      = "!" term | "(" condition ")" | "changed" [ "(" selector ")" ]
 ///               | operand [ ( "==" | "!=" | "<" | "<=" | ">" | ">=" ) operand ]
 ///     operand   = selector | number | "true" | "false" | 'text' | "text"
-///               | "age" "(" selector ")" | number ( "ms" | "s" | "min" | "h" )
+///               | "age" "(" selector ")" | number ( "ms" | "s" | "min" | "h" | "d" )
 ///     selector  = NAME | "#" POSITION (0 is the first)
 ///
 /// An operand alone holds when it is true or a number other than 0. A comparison with a selector

@@ -244,7 +244,8 @@ private:
         const std::optional<double> milliseconds
             = millisecondsFromText(text, millisecondsPerSecond);
         if (!milliseconds) {
-            fail(QStringLiteral("\"%1\" is not a time such as 500ms, 5s, 2min or 1h").arg(text));
+            fail(
+                QStringLiteral("\"%1\" is not a time such as 500ms, 5s, 2min, 1h or 7d").arg(text));
             return false;
         }
         result.literal = *milliseconds / millisecondsPerSecond;

@@ -11,7 +11,7 @@ bool nextToken(const QString &text, int &position, UntilToken &token)
         QStringLiteral("\\G\\s*(?<token>(?<sign>&&|\\|\\||[=!<>]=|[<>!()])"
                        "|(?<number>[-+]?(?:0[xX][0-9a-fA-F]+|(?:\\d+\\.?\\d*|\\.\\d+)"
                        "(?:[eE][-+]?\\d+)?)(?![\\p{L}\\p{N}_.]))"
-                       "|(?<time>(?:\\d+\\.?\\d*|\\.\\d+)(?:ms|s|min|h)(?![\\p{L}\\p{N}_.]))"
+                       "|(?<time>(?:\\d+\\.?\\d*|\\.\\d+)(?:ms|s|min|h|d)(?![\\p{L}\\p{N}_.]))"
                        "|\"(?<double>[^\"]*)\"|'(?<single>[^']*)'"
                        "|\\#(?<position>\\d+)"
                        "|(?<name>[\\p{L}_][\\p{L}\\p{N}_.-]*)"
