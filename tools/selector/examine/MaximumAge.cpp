@@ -29,8 +29,10 @@ QString lengthText(int milliseconds)
 Finding MaximumAge::judge(const LeafValue &value, qint64 now) const
 {
     const bool hasTime = value.timestamp != 0;
+    // The age of an absurd time may be no number of nanoseconds.
+    const qint64 oldest = now - milliseconds * nanosecondsPerMillisecond;
     if (milliseconds == 0 || value.isMissing() || (!hasTime && !value.isGood())
-        || now - value.timestamp <= milliseconds * nanosecondsPerMillisecond) {
+        || value.timestamp >= oldest) {
         return {};
     }
     return {Finding::Stale, QStringLiteral("older than %1").arg(lengthText(milliseconds))};

@@ -43,6 +43,13 @@ QString ageText(qint64 timestamp, qint64 now)
     return whole > 0 ? lengthText(whole) : QStringLiteral("in ") + lengthText(-whole);
 }
 
+double ageInSeconds(qint64 timestamp, qint64 now)
+{
+    const qint64 seconds = now / nanosecondsPerSecond - timestamp / nanosecondsPerSecond;
+    const qint64 rest = now % nanosecondsPerSecond - timestamp % nanosecondsPerSecond;
+    return double(seconds) + double(rest) / double(nanosecondsPerSecond);
+}
+
 qint64 currentTime()
 {
     return QDateTime::currentMSecsSinceEpoch() * nanosecondsPerMillisecond;

@@ -11,6 +11,9 @@
 /// @param timestamp  0: none, which gives an empty text
 QString ageText(qint64 timestamp, qint64 now);
 
+/// The same as a number; negative when it is still to come.
+double ageInSeconds(qint64 timestamp, qint64 now);
+
 /// The time of this moment, with milliseconds as its finest step.
 qint64 currentTime();
 

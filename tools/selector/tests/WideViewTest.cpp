@@ -151,6 +151,9 @@ void WideViewTest::tooOldIsOlderThanWanted()
     QCOMPARE(MaximumAge(maximum).judge(lost, noon + age).text, text);
     const ProcessValue never(QVariant(), ProcessDataDefinitions::NotInitialized, 0);
     QVERIFY(MaximumAge(maximum).judge(never, noon).isNone());
+    const ProcessValue absurd(1, ProcessDataDefinitions::NoError,
+                              std::numeric_limits<qint64>::min());
+    QCOMPARE(MaximumAge(maximum).judge(absurd, noon).isNone(), maximum == 0);
 
     ReadResult result{"u", lost, {}, MaximumAge(maximum).judge(lost, noon + age)};
     const Entry entry = readEntry(result);

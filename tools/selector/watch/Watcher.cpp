@@ -9,8 +9,6 @@
 
 namespace {
 
-constexpr double nanosecondsPerSecond = 1e9;
-
 // What stands in the column of the selectors.
 QVector<QString> shownNames(const QVector<WatchTarget> &targets)
 {
@@ -136,7 +134,7 @@ void Watcher::checkCondition(qint64 now)
         const bool isGood = value.isGood() && selector.latest.finding.isNone();
         WatchedValue watched{isGood ? value.value : QVariant(), selector.seen == Seen::Changed, {}};
         if (value.timestamp != 0) {
-            watched.age = double(now - value.timestamp) / nanosecondsPerSecond;
+            watched.age = ageInSeconds(value.timestamp, now);
         }
         values.append(watched);
     }
