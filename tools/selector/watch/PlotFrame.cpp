@@ -9,7 +9,6 @@
 #include <QUrl>
 
 #include <algorithm>
-#include <iterator>
 
 namespace {
 
@@ -69,6 +68,27 @@ QStringList shortTitles(const QVector<WatchTarget> &alike, int longest)
     return {};
 }
 
+// By their places: the short titles of the targets whose name others have, too.
+QHash<int, QString> tellingTitles(const QVector<WatchTarget> &targets, int longest)
+{
+    QHash<QString, QVector<int>> places;
+    for (int i = 0; i < targets.size(); ++i) {
+        places[targets.at(i).name].append(i);
+    }
+    QHash<int, QString> telling;
+    for (const QVector<int> &ofName : qAsConst(places)) {
+        QVector<WatchTarget> alike;
+        for (const int place : ofName) {
+            alike.append(targets.at(place));
+        }
+        const QStringList titles = alike.size() > 1 ? shortTitles(alike, longest) : QStringList();
+        for (int i = 0; i < titles.size(); ++i) {
+            telling.insert(ofName.at(i), titles.at(i));
+        }
+    }
+    return telling;
+}
+
 QHash<QString, int> countsOf(const QStringList &titles)
 {
     QHash<QString, int> counts;
@@ -102,15 +122,8 @@ QStringList plotTitles(const QVector<WatchTarget> &targets)
         titles.append(target.name);
         longest = std::max(longest, segmentsOf(target).size());
     }
-    const QStringList names = titles;
-    tellApart(titles, [&](int i) {
-        QVector<WatchTarget> alike;
-        std::copy_if(targets.begin(), targets.end(), std::back_inserter(alike),
-                     [&](const WatchTarget &target) { return target.name == names.at(i); });
-        const int place = int(std::count(names.begin(), names.begin() + i, names.at(i)));
-        const QStringList telling = shortTitles(alike, longest);
-        return telling.isEmpty() ? names.at(i) : telling.at(place);
-    });
+    const QHash<int, QString> telling = tellingTitles(targets, longest);
+    tellApart(titles, [&](int i) { return telling.value(i, titles.at(i)); });
     for (int count = 2; count <= longest; ++count) {
         if (!tellApart(titles, [&](int i) { return longerTitle(targets.at(i), count); })) {
             return titles;

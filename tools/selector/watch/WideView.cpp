@@ -41,12 +41,12 @@ WideView::WideView(const QVector<WatchTarget> &targets, const Console &console)
     , console(console)
 {
     // A person finds the shortest names that tell them apart, a program what it asked for.
-    const QStringList titles = plotTitles(targets);
+    const bool forPeople = console.style.format == Format::Table;
+    const QStringList titles = forPeople ? plotTitles(targets) : QStringList();
     for (int i = 0; i < targets.size(); ++i) {
         const WatchTarget &target = targets.at(i);
-        const QString title = console.style.format == Format::Table
-            ? printable(titles.at(i))
-            : (target.label.isEmpty() ? target.url : target.label);
+        const QString title = forPeople ? printable(titles.at(i))
+                                        : (target.label.isEmpty() ? target.url : target.label);
         columns.append({title, true});
         widths.append(std::max(valueWidth, title.size()));
     }
