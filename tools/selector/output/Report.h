@@ -100,6 +100,7 @@ struct Style
     bool quiet = false; ///< values only
     int width = 0; ///< columns of the screen that a table is made for; 0: for pipes and files
     qint64 now = 0; ///< what ages on a screen count from, in nanoseconds since the epoch
+    bool breaks = false; ///< the screen would cut a line that is wider
 };
 
 /// Text in the colour of a state, when one is wanted.

@@ -32,15 +32,22 @@ void ScreenRowLayout::add(const QString &text, int cellWidth, bool alignRight, b
 
 void ScreenRowLayout::addWhole(const QString &text)
 {
-    breakLine();
-    line += text;
-    length += text.size();
+    const QStringList all = pieces(text);
+    for (const QString &piece : all) {
+        breakLine();
+        line += piece;
+        length += piece.size();
+    }
     next = width + gap;
 }
 
 void ScreenRowLayout::addSentence(const QString &text)
 {
-    const QStringList words = text.split(QLatin1Char(' '));
+    QStringList words;
+    const QStringList whole = text.split(QLatin1Char(' '));
+    for (const QString &word : whole) {
+        words += pieces(word);
+    }
     breakLine();
     for (const QString &word : words) {
         if (length > indent && length + 1 + word.size() > width) {
@@ -55,6 +62,22 @@ void ScreenRowLayout::addSentence(const QString &text)
 QStringList ScreenRowLayout::lines() const
 {
     return done + QStringList(line);
+}
+
+// All but the last one fill a line.
+QStringList ScreenRowLayout::pieces(const QString &text) const
+{
+    const int room = std::max(2, width - indent);
+    if (!breaks || text.size() <= room) {
+        return {text};
+    }
+    QStringList pieces;
+    for (int begin = 0; begin < text.size();) {
+        const bool pair = begin + room < text.size() && text.at(begin + room).isLowSurrogate();
+        pieces.append(text.mid(begin, pair ? room - 1 : room));
+        begin += pieces.constLast().size();
+    }
+    return pieces;
 }
 
 void ScreenRowLayout::breakLine()

@@ -11,9 +11,11 @@
 class ScreenRowLayout
 {
 public:
-    /// @param width  of the screen, in columns
-    explicit ScreenRowLayout(int width)
+    /// @param width   of the screen, in columns
+    /// @param breaks  whether texts that are wider than the screen are broken anywhere
+    explicit ScreenRowLayout(int width, bool breaks = false)
         : width(width)
+        , breaks(breaks)
     {
     }
 
@@ -27,7 +29,7 @@ public:
     /// Adds a sentence on lines of its own, which break at blanks.
     void addSentence(const QString &text);
 
-    /// Adds a text on a line of its own, as it is.
+    /// Adds a text on a line of its own, as it is, or on as many as it takes.
     void addWhole(const QString &text);
 
     /// At least one; all but the first are indented.
@@ -35,8 +37,10 @@ public:
 
 private:
     void breakLine();
+    QStringList pieces(const QString &text) const;
 
     const int width;
+    const bool breaks;
     QStringList done;
     QString line;
     int length = 0; ///< columns of the line

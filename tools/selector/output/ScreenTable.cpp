@@ -200,7 +200,7 @@ QStringList ScreenTable::lines(int row) const
     for (const QStringList &column : texts) {
         cells.append(column.at(row));
     }
-    ScreenRowLayout layout(style.width);
+    ScreenRowLayout layout(style.width, style.breaks);
     addCells(cells, rows.at(row).changed, layout);
     addProse(cells, rows.at(row).changed, layout);
     QStringList lines = layout.lines();

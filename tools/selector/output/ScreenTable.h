@@ -22,7 +22,7 @@ struct ScreenRow
 class ScreenTable
 {
 public:
-    /// @param style   its width, now and colour count
+    /// @param style   its width, breaks, now and colour count
     /// @param widest  widths of an earlier table that this one takes the place of, so that its
     ///                columns do not move; empty: none
     ScreenTable(const QVector<Column> &columns, const QVector<ScreenRow> &rows, const Style &style,

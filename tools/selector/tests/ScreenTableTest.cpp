@@ -54,6 +54,7 @@ private Q_SLOTS:
     void aChangedCellStandsOut();
     void namesAreShortenedOnlyWhileTheyDiffer();
     void aLongValueIsWholeAndMakesNoWideColumn();
+    void aScreenThatCutsGetsNoWiderLines();
     void columnsWithoutContentAreLeftOut();
     void columnsDoNotBecomeNarrower();
     void namesFromOutsideDoNotSteerTheTerminal();
@@ -184,6 +185,19 @@ void ScreenTableTest::aLongValueIsWholeAndMakesNoWideColumn()
                             screenOf(40));
     QCOMPARE(linesOf(table, 2),
              (QStringList{"a                1  V", "b                   m", "    " + text}));
+}
+
+void ScreenTableTest::aScreenThatCutsGetsNoWiderLines()
+{
+    Style style = screenOf(20);
+    style.breaks = true;
+    const QString word = "0123456789abcdef"; // as wide as a line with its indent
+    const ScreenTable table(columnsOf("url value> unit note"),
+                            {row({"p://A/B/1/b", word + word + "x", "m", "why " + word + "y z"})},
+                            style);
+    QCOMPARE(linesOf(table, 1),
+             (QStringList{"b                  m", "    " + word, "    " + word, "    x", "    why",
+                          "    " + word, "    y z"}));
 }
 
 void ScreenTableTest::columnsWithoutContentAreLeftOut()

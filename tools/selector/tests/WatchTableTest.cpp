@@ -56,6 +56,7 @@ private Q_SLOTS:
     void rowsKeepTheirPlace();
     void aChangeStandsOutForASecond();
     void rowsWithoutRoomAreCounted();
+    void aRowThatNeverFitsIsCut();
     void aFilterIsTypedKeptAndCleared();
     void qLeaves();
     void keysAreTakenApart_data();
@@ -106,6 +107,23 @@ void WatchTableTest::rowsWithoutRoomAreCounted()
     }
     QCOMPARE(table.frame(screen(), 1, 0),
              QStringList("3 of 3 rows do not fit; q quits, / filters"));
+}
+
+void WatchTableTest::aRowThatNeverFitsIsCut()
+{
+    WatchTable table(watchTargets({listLine(0, urls.at(0))}));
+    table.take({{urls.at(0),
+                 ProcessValue(QString(500, 'x'), ProcessDataDefinitions::NoError, noon),
+                 {},
+                 {}}},
+               0);
+    Style style = screen();
+    style.breaks = true;
+    const QStringList frame = table.frame(style, 7, 0);
+    QVERIFY(frame.at(2).startsWith("speed "));
+    QCOMPARE(frame.mid(3),
+             (QStringList{"    " + QString(56, 'x'), "    " + QString(56, 'x'), "    …",
+                          "q quits, / filters"}));
 }
 
 void WatchTableTest::aFilterIsTypedKeptAndCleared()

@@ -71,6 +71,7 @@ void TableScreen::draw()
     const TerminalSize size = TerminalSize::ofStandardOutput();
     Style style = console.style;
     style.width = size.width;
+    style.breaks = true;
     style.now = currentTime();
     const QStringList lines
         = table.frame(style, size.height > 0 ? size.height : usualHeight, clock.elapsed());

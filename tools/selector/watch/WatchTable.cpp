@@ -3,6 +3,7 @@
 #include "WatchTable.h"
 
 #include "KeyDecoder.h"
+#include "ScreenColumns.h"
 
 #include <QUrl>
 
@@ -106,9 +107,13 @@ QStringList WatchTable::frame(const Style &style, int height, qint64 moment)
     }
     const int room = std::max(0, height - 1);
     lines = lines.mid(0, room);
+    const int most = room - lines.size();
     int shown = 0;
     for (; shown < wanted.size(); ++shown) {
-        const QStringList ofRow = table.lines(shown);
+        QStringList ofRow = table.lines(shown);
+        if (ofRow.size() > most && most > 1) { // it would hide itself
+            ofRow = ofRow.mid(0, most - 1) << QStringLiteral("    ") + ellipsis;
+        }
         if (lines.size() + ofRow.size() > room) {
             break;
         }
