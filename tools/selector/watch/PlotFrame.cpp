@@ -30,7 +30,7 @@ QString decoded(const QString &segments)
 // A label stands before the end of its URL.
 QString withLabel(const WatchTarget &target, const QString &end)
 {
-    return target.name == decoded(segmentsOf(target).last())
+    return target.name == decoded(segmentsOf(target).constLast())
         ? end
         : QStringLiteral("%1 (%2)").arg(target.name, end);
 }
