@@ -4,6 +4,7 @@
 #include "BusTestMain.h"
 #include "PrivateBus.h"
 #include "ScriptedService.h"
+#include "ServiceOwnerClient.h"
 
 #include <QMutex>
 #include <QtTest>
@@ -77,6 +78,7 @@ private Q_SLOTS:
     void onlyTheRegistrySaysThatItsListChanged();
     void aRegistryThatIsThereIsToldOnceItIsHeard();
     void theBusGoesAndComesAndChangesAreHeardAgain();
+    void theBusIsFoundByACallToo();
     void anEndedWatchHearsNothing();
     void withoutABusThereIsNoWatch();
 
@@ -143,6 +145,27 @@ void SystemChangesTest::theBusGoesAndComesAndChangesAreHeardAgain()
         QVERIFY(manager.order(providerListSignal()) == "ok");
     }
     QTRY_VERIFY(heard.texts().count("providers") > signalCount);
+}
+
+void SystemChangesTest::theBusIsFoundByACallToo()
+{
+    Heard heard;
+    QVERIFY(heard.begun());
+    bus->stop();
+    QTRY_COMPARE(heard.texts(), QStringList({"bus lost"}));
+
+    const auto call = [] {
+        ServiceOwner owner;
+        QString error;
+        fetchServiceOwner("Pump", owner, error);
+    };
+    QVERIFY(bus->start());
+    call();
+
+    QTRY_VERIFY(heard.texts().contains("bus found"));
+    ScriptedService service;
+    QVERIFY(service.comeUp());
+    QTRY_VERIFY(heard.texts().contains("appeared Pump"));
 }
 
 void SystemChangesTest::anEndedWatchHearsNothing()

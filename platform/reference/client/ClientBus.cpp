@@ -60,8 +60,13 @@ void ClientBus::connectInBusThread()
 {
     QString error;
     const bool wasConnected = link.isConnected();
-    if (link.open(error) && !wasConnected && !setUp(error)) {
-        link.close();
+    if (link.open(error) && !wasConnected) {
+        if (setUp(error)) {
+            // Nobody watches at the first connection; later this one came before the link's own.
+            watchers.tell({SystemChange::BusFound, {}});
+        } else {
+            link.close();
+        }
     }
     const QMutexLocker lock(&mutex);
     lastError = error;
