@@ -8,7 +8,10 @@
 #include "SelectorUrlParser.h"
 #include "Snapshot.h"
 
+#include <algorithm>
 #include <utility>
+
+using ProcessDataAccess::Result;
 
 namespace {
 
@@ -42,6 +45,24 @@ CatalogMatch matchOf(const Snapshot &snapshot, const SelectorPattern &pattern)
     return match;
 }
 
+// A leaf whose value cannot be had is found as itself.
+bool isGroup(const CatalogMatch &match, const SelectorPattern &pattern)
+{
+    const bool isItself = match.leaves.size() == 1 && !pattern.path.isEmpty()
+        && match.leaves.constFirst().path == pattern.pathText();
+    return !match.leaves.isEmpty() && !isItself;
+}
+
+// Of a place above the groups nothing else says who gives no answer.
+bool isUnanswered(const CatalogMatch &match, const ListLine &line)
+{
+    const auto isSilent = [](const CatalogItem &item) {
+        return item.answer.result == Result::TimedOut || item.answer.result == Result::Denied;
+    };
+    return !parseSelectorUrl(line.url).valid
+        && std::any_of(match.failed.begin(), match.failed.end(), isSilent);
+}
+
 } // namespace
 
 PatternLookup lookupIn(Catalog &catalog)
@@ -65,13 +86,13 @@ Selection::Selection(const QVector<ListLine> &typed, PatternLookup lookup)
         SelectorPattern pattern;
         QString error;
         if (!holdsPattern(line.url) || isDeactivated(line)) {
-            append(line, {});
+            append(line, {}, Spelling::Typed);
         } else if (line.hasValue) {
-            append(line, {Finding::InvalidUrl, refusal()});
+            append(line, {Finding::InvalidUrl, refusal()}, Spelling::Typed);
         } else if (!SelectorPattern::parse(line.url, pattern, error)) {
             // What is wrong without its stars too is said as ever.
             const bool isUrl = textFinding(parseSelectorUrl(line.url)).isNone();
-            append(line, isUrl ? Finding(Finding::InvalidUrl, error) : Finding());
+            append(line, isUrl ? Finding(Finding::InvalidUrl, error) : Finding(), Spelling::Typed);
         } else {
             appendMatch(line, this->lookup(pattern, true));
         }
@@ -85,10 +106,11 @@ bool Selection::expandGroups(const std::function<bool(int position)> &isLeaf)
         const ListLine &line = selectors.at(i);
         SelectorPattern pattern;
         QString error;
-        if (findings.at(i).isNone() && !line.hasValue && !isDeactivated(line) && !isLeaf(i)
+        if (spellings.at(i) == Spelling::Typed && findings.at(i).isNone() && !line.hasValue
+            && !isDeactivated(line) && !isLeaf(i)
             && SelectorPattern::parse(line.url, pattern, error) && !pattern.hasStars()) {
             const CatalogMatch match = lookup(pattern, false);
-            if (!match.leaves.isEmpty()) {
+            if (isGroup(match, pattern) || isUnanswered(match, line)) {
                 groups.insert(i, match);
             }
         }
@@ -98,10 +120,11 @@ bool Selection::expandGroups(const std::function<bool(int position)> &isLeaf)
     }
     const QVector<ListLine> before = std::exchange(selectors, {});
     const QVector<Finding> why = std::exchange(findings, {});
+    const QVector<Spelling> how = std::exchange(spellings, {});
     for (int i = 0; i < before.size(); ++i) {
         const auto group = groups.find(i);
         if (group == groups.end()) {
-            append(before.at(i), why.at(i));
+            append(before.at(i), why.at(i), how.at(i));
         } else {
             appendMatch(before.at(i), *group);
         }
@@ -109,10 +132,11 @@ bool Selection::expandGroups(const std::function<bool(int position)> &isLeaf)
     return true;
 }
 
-void Selection::append(const ListLine &line, const Finding &finding)
+void Selection::append(const ListLine &line, const Finding &finding, Spelling spelling)
 {
     selectors.append(line);
     findings.append(finding);
+    spellings.append(spelling);
 }
 
 void Selection::appendMatch(const ListLine &line, const CatalogMatch &match)
@@ -121,10 +145,10 @@ void Selection::appendMatch(const ListLine &line, const CatalogMatch &match)
         ListLine found = line;
         found.url = leaf.url();
         found.label = match.leaves.size() == 1 ? line.label : QString(); // a label is one leaf's
-        append(found, {});
+        append(found, {}, Spelling::Found);
     }
     if (match.leaves.isEmpty() && (!match.hint.isEmpty() || match.failed.isEmpty())) {
-        append(line, missOf(match));
+        append(line, missOf(match), Spelling::Found);
         return;
     }
     for (const CatalogItem &item : match.failed) {
@@ -132,7 +156,7 @@ void Selection::appendMatch(const ListLine &line, const CatalogMatch &match)
         const QString place = item.toString();
         finding.text
             = place.isEmpty() ? finding.text : QStringLiteral("%1: %2").arg(place, finding.text);
-        append(line, finding);
+        append(line, finding, Spelling::Found);
     }
 }
 

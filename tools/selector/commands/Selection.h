@@ -46,12 +46,15 @@ public:
     Finding finding(int position) const { return findings.at(position); }
 
 private:
-    void append(const ListLine &line, const Finding &finding);
+    enum class Spelling { Typed, Found }; // what the system gave is not looked up again
+
+    void append(const ListLine &line, const Finding &finding, Spelling spelling);
     void appendMatch(const ListLine &line, const CatalogMatch &match);
 
     const PatternLookup lookup;
     QVector<ListLine> selectors;
     QVector<Finding> findings; // of each
+    QVector<Spelling> spellings; // likewise
 };
 
 /// The leaves of a selection, with the groups in it expanded.
