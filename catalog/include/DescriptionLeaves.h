@@ -16,7 +16,7 @@ struct DescribedLeaf
 /// How deep groups may lie in one another.
 constexpr int deepestDescriptionLevel = 64;
 
-/// Leaves in document order.
+/// Leaves in document order; without those whose path is longer than any selector URL.
 ///
 /// @param group  path of a group or a leaf; empty for all
 QVector<DescribedLeaf> leavesBelow(const QJsonObject &document, const QString &group);

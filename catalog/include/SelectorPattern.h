@@ -85,7 +85,10 @@ struct SelectorPattern
     QString pathText() const;
 };
 
-/// Names near to a wanted one, the nearest first, at most three.
+/// Whether a name is longer than anybody would read in a hint.
+bool isTooLongToSuggest(const QString &name);
+
+/// Names near to a wanted one, the nearest first, at most three, none too long to suggest.
 QStringList nearMisses(const NamePattern &wanted, const QStringList &names);
 
 #endif

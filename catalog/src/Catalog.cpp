@@ -31,6 +31,15 @@ template <typename Map> bool removeFailures(Map &map)
     return any;
 }
 
+QString noObjectText(const SourceName &source, const QJsonParseError &problem)
+{
+    const QString reason = problem.error == QJsonParseError::NoError
+        ? QStringLiteral("it is something else")
+        : problem.errorString();
+    return QStringLiteral("%1: the description is no JSON object: %2")
+        .arg(source.toString(), reason);
+}
+
 } // namespace
 
 QString CatalogItem::toString() const
@@ -147,7 +156,11 @@ const CatalogSource &Catalog::source(const SourceName &name)
             return ProcessDataAccess::fetchDescription(name.module, name.object, name.instance,
                                                        known->description, error);
         });
-        const QJsonDocument document = QJsonDocument::fromJson(known->description.toUtf8());
+        QJsonParseError problem;
+        const auto document = QJsonDocument::fromJson(known->description.toUtf8(), &problem);
+        if (known->answer.isOk() && !document.isObject()) {
+            known->answer = {Result::ServiceFailed, noObjectText(name, problem)};
+        }
         known->leaves = leavesBelow(document.object(), QString());
     }
     return *known;

@@ -29,6 +29,9 @@ QString listed(QStringList names)
 
 QString hintOf(Step step)
 {
+    const bool isEmpty = step.names.isEmpty();
+    step.names.erase(std::remove_if(step.names.begin(), step.names.end(), isTooLongToSuggest),
+                     step.names.end());
     step.names.sort();
     step.names.removeDuplicates();
     const QString miss
@@ -40,7 +43,10 @@ QString hintOf(Step step)
     if (!near.isEmpty()) {
         return miss + QStringLiteral("; did you mean %1?").arg(listed(near));
     }
-    return step.names.isEmpty() ? miss + QStringLiteral("; there is none")
+    if (isEmpty) {
+        return miss + QStringLiteral("; there is none");
+    }
+    return step.names.isEmpty() ? miss
                                 : miss + QStringLiteral("; there is %1").arg(listed(step.names));
 }
 
@@ -189,6 +195,8 @@ void Catalog::explainMiss(const SelectorPattern &pattern, CatalogMatch &found)
             return;
         }
     }
-    found.missing = CatalogMatch::Path;
-    found.hint = QStringLiteral("nothing is below it");
+    if (found.failed.isEmpty()) { // or else what failed says why
+        found.missing = CatalogMatch::Path;
+        found.hint = QStringLiteral("nothing is below it");
+    }
 }

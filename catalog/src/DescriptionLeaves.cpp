@@ -2,6 +2,8 @@
 // Walks a description.
 #include "DescriptionLeaves.h"
 
+#include "SelectorUrlParser.h"
+
 #include <QJsonArray>
 
 namespace {
@@ -12,6 +14,9 @@ void collect(const QJsonArray &elements, const QString &prefix, int level,
     for (const QJsonValue &element : elements) {
         const QJsonObject object = element.toObject();
         const QString path = pathOfElement(object, prefix);
+        if (path.size() > selectorUrlMaximumLength) {
+            continue; // no URL can name it
+        }
         const QJsonValue inside = object.value(QLatin1String("elements"));
         if (inside.isUndefined()) {
             leaves.append({path, object});

@@ -19,22 +19,26 @@ QString withoutScheme(const QString &text)
     return text.startsWith(scheme) ? text.mid(scheme.size()) : text;
 }
 
-// By the parser of selector URLs, as their last part, so that a name is the same in both.
-bool decode(const QString &piece, QString &decoded)
+// By the parser of selector URLs, so that a name is the same in both: as an instance, which may hold
+// "/" where it is encoded, or as a leaf.
+bool decode(const QString &piece, bool isOfPath, QString &decoded)
 {
-    const SelectorUrlParts parts = parseSelectorUrl(QStringLiteral("s://m/o//x") + piece);
-    if (!parts.valid || parts.path.isNull() || parts.deactivated) {
+    const SelectorUrlParts parts
+        = parseSelectorUrl(isOfPath ? QStringLiteral("s://m/o//x") + piece
+                                    : QStringLiteral("s://m/o/x%1/l").arg(piece));
+    const QString name = isOfPath ? parts.path : parts.source.instance;
+    if (!parts.valid || name.isNull() || parts.deactivated) {
         return false;
     }
-    decoded = parts.path.mid(1);
+    decoded = name.mid(1);
     return true;
 }
 
-bool parsePart(const QString &part, NamePattern &name)
+bool parsePart(const QString &part, bool isOfPath, NamePattern &name)
 {
     QStringList pieces = part.split(star);
     for (QString &piece : pieces) {
-        if (!decode(piece, piece)) {
+        if (!decode(piece, isOfPath, piece)) {
             return false;
         }
     }
@@ -132,7 +136,7 @@ bool SelectorPattern::parse(const QString &text, SelectorPattern &pattern, QStri
     parsed.level = static_cast<Level>(std::min(parts.size(), firstOfPath));
     for (int i = 0; i < parts.size() && problem.isEmpty(); ++i) {
         NamePattern name;
-        if (!parsePart(parts.at(i), name)) {
+        if (!parsePart(parts.at(i), i >= firstOfPath, name)) {
             problem = QStringLiteral("\"%1\" has a part that is not a name: \"%2\"")
                           .arg(text, parts.at(i));
         }
@@ -203,6 +207,12 @@ QString SelectorPattern::pathText() const
     return names.join(QLatin1Char('/'));
 }
 
+bool isTooLongToSuggest(const QString &name)
+{
+    constexpr int longestSuggested = 256;
+    return name.size() > longestSuggested;
+}
+
 QStringList nearMisses(const NamePattern &wanted, const QStringList &names)
 {
     constexpr int mostEdits = 3;
@@ -211,6 +221,9 @@ QStringList nearMisses(const NamePattern &wanted, const QStringList &names)
     const int limit = std::min(mostEdits, wanted.size() / 2);
     QVector<QPair<int, QString>> near;
     for (int i = 0; i < std::min(names.size(), mostCompared); ++i) {
+        if (isTooLongToSuggest(names.at(i))) {
+            continue;
+        }
         const int distance = wanted.distanceTo(names.at(i));
         if (distance <= limit) {
             near.append({distance, names.at(i)});

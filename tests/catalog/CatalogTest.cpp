@@ -3,6 +3,7 @@
 #include "Catalog.h"
 #include "CallDeadline.h"
 #include "CallMonitor.h"
+#include "ScriptedService.h"
 #include "SystemTest.h"
 
 #include <QTest>
@@ -25,6 +26,10 @@ private Q_SLOTS:
     void whatMatchesNothingIsExplained_data();
     void whatMatchesNothingIsExplained();
     void whatIsForgottenIsAskedForAgain();
+    void anInstanceMayHoldASlash();
+    void aDescriptionThatIsNoObjectIsAFailure_data();
+    void aDescriptionThatIsNoObjectIsAFailure();
+    void whatFailedIsNotExplainedByNames();
 
 private:
     static CatalogMatch matchOf(const QString &text);
@@ -259,6 +264,57 @@ void CatalogTest::whatIsForgottenIsAskedForAgain()
     catalog.forgetModule(pump);
     QCOMPARE(catalog.match(parsed("**")).leaves.size(), 6);
     QVERIFY(!catalog.forgetFailures());
+}
+
+void CatalogTest::anInstanceMayHoldASlash()
+{
+    bringUp();
+    VERIFY_COMMAND(publisher->create(tank, "Level", QString::fromUtf8("Nord 1/ä"),
+                                     description({leaf("level", "int32")})));
+
+    QCOMPARE(urlsOf("MODULETank/Level/Nord%201%2F%C3%A4"),
+             QStringList({"Tank/Level/Nord%201%2F%C3%A4/level"}));
+}
+
+void CatalogTest::aDescriptionThatIsNoObjectIsAFailure_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("reason");
+    QTest::newRow("an array") << "[1]"
+                              << "it is something else";
+    QTest::newRow("cut off") << "{"
+                             << "unterminated object";
+    QTest::newRow("nothing") << ""
+                             << "illegal value";
+}
+
+void CatalogTest::aDescriptionThatIsNoObjectIsAFailure()
+{
+    QFETCH(QString, text);
+    QFETCH(QString, reason);
+    ScriptedService service(module);
+    QVERIFY(service.serve("1", text));
+
+    const CatalogMatch match = matchOf(module + "/Controller/1/*");
+
+    QVERIFY(match.leaves.isEmpty());
+    QCOMPARE(match.failed.size(), 1);
+    QCOMPARE(int(match.failed.first().answer.result), int(Result::ServiceFailed));
+    QCOMPARE(match.failed.first().answer.text,
+             module + "/Controller/1: the description is no JSON object: " + reason);
+    QCOMPARE(match.hint, QString());
+}
+
+void CatalogTest::whatFailedIsNotExplainedByNames()
+{
+    ScriptedService service(module);
+    QVERIFY(service.serve("1", "[1]"));
+
+    const CatalogMatch match = matchOf(module + "/Controller/*");
+
+    QCOMPARE(match.failed.size(), 1);
+    QCOMPARE(int(match.missing), int(CatalogMatch::None));
+    QCOMPARE(match.hint, QString());
 }
 
 QTEST_GUILESS_MAIN(CatalogTest)

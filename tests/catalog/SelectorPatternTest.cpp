@@ -21,6 +21,7 @@ private Q_SLOTS:
     void sourcesMatchAsFarAsThePatternGoes();
     void nearMissesComeNearestFirst_data();
     void nearMissesComeNearestFirst();
+    void namesThatNobodyWouldReadAreNoNearMisses();
 };
 
 namespace {
@@ -59,6 +60,8 @@ void SelectorPatternTest::placesAreTakenApart_data()
     row("encoded names", "M%20x/O", SelectorPattern::Object, "M x|O||");
     row("stars", "P*/*/1/dr*/sp*d", SelectorPattern::Source, "P*|*|1|dr*/sp*d", true);
     row("an encoded star is a name's", "M/O/1/%2A", SelectorPattern::Source, "M|O|1|*");
+    row("a slash in an instance", "M/O/a%2Fb/c", SelectorPattern::Source, "M|O|a/b|c");
+    row("a slash in a pattern", "M/O/a%2F*", SelectorPattern::Source, "M|O|a/*|", true);
     row("everything", "**", SelectorPattern::System, "|||", true);
     row("everything of a module", "M/**", SelectorPattern::Module, "M|||", true);
     row("everything of an object", "M/O/**", SelectorPattern::Object, "M|O||", true);
@@ -99,6 +102,7 @@ void SelectorPatternTest::whatIsNotAPatternIsRefused_data()
     row("not percent-encoded", "M/O%zz", "has a part that is not a name: \"O%zz\"");
     row("not UTF-8", "M/%C3*", "has a part that is not a name: \"%C3*\"");
     row("a control character", "M/a%0Ab", "has a part that is not a name: \"a%0Ab\"");
+    row("a slash in a leaf", "M/O/1/a%2Fb", "has a part that is not a name: \"a%2Fb\"");
     row("deactivated", "M/*?deactivated", "has a part that is not a name: \"*?deactivated\"");
     row("a fragment", "M/O/1/*#x", "has a part that is not a name: \"*#x\"");
 }
@@ -242,6 +246,14 @@ void SelectorPatternTest::nearMissesComeNearestFirst()
     const QStringList names{"temperature", "speed2", "speed", "on"};
 
     QCOMPARE(nearMisses(parsed(wanted).module, names).join(' '), expected);
+}
+
+void SelectorPatternTest::namesThatNobodyWouldReadAreNoNearMisses()
+{
+    const QString longest(256, 'x');
+    const NamePattern wanted = parsed(longest + '*').module;
+
+    QCOMPARE(nearMisses(wanted, {longest + 'x', longest}), QStringList{longest});
 }
 
 QTEST_APPLESS_MAIN(SelectorPatternTest)

@@ -154,8 +154,9 @@ void Selection::appendMatch(const ListLine &line, const CatalogMatch &match)
     for (const CatalogItem &item : match.failed) {
         Finding finding = findingOf(item.answer);
         const QString place = item.toString();
-        finding.text
-            = place.isEmpty() ? finding.text : QStringLiteral("%1: %2").arg(place, finding.text);
+        if (!finding.text.startsWith(place)) {
+            finding.text = QStringLiteral("%1: %2").arg(place, finding.text);
+        }
         append(line, finding, Spelling::Found);
     }
 }
