@@ -124,7 +124,7 @@ public:
     void forgetModules() { list.reset(); }
     void forgetModule(const QString &module); ///< with its descriptions
     void forgetNames(const QString &module); ///< of its objects and instances
-    void forgetInstances(const QString &module, const QString &object);
+    void forgetAllNames();
     void forgetSource(const SourceName &name) { sources.remove(name); }
     /// @}
 
@@ -136,6 +136,10 @@ public:
     /// Whether a source is among the instances of its object; where those were not asked for,
     /// whether it was described.
     bool knows(const SourceName &name) const;
+
+    /// Whether a source may be among the instances of its object, which it asks for: false when they
+    /// are told without it, or its service has no such object.
+    bool mayHave(const SourceName &name);
 
     /// Is called before the instances of an object are asked for.
     using ObjectHook = std::function<void(const QString &module, const QString &object)>;

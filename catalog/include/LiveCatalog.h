@@ -16,8 +16,12 @@ class DBusProcessDescriptionConnector;
 /// Keeps a catalog up to date and tells which sources came, went and changed.
 ///
 /// It hears of services, of the list of providers and of announcements, and asks again only for
-/// what they speak of: no call is made while nothing changes. Who did not answer in time is asked
-/// again after a second, then after longer and longer, at most a minute.
+/// what they speak of: no call is made while nothing changes. Who did not answer in time, or with an
+/// error as long as it does not serve its objects yet, is asked again after a second, then after
+/// longer and longer, at most a minute.
+///
+/// After a look at the system it rests for as long as that took, so that whoever announces without
+/// end does not keep the thread busy.
 ///
 /// Of a source that is neither announced nor registered with another selector type it learns
 /// when its service next appears.
@@ -66,6 +70,7 @@ private:
     void noteModule(const QString &module);
     void noteAnnouncement(const SourceName &source);
     CatalogAnswer askModules();
+    void lookSoon();
     void update();
     void compareModules();
     QMap<SourceName, Seen> look();

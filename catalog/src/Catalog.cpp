@@ -245,9 +245,10 @@ void Catalog::forgetModule(const QString &module)
     }
 }
 
-void Catalog::forgetInstances(const QString &module, const QString &object)
+void Catalog::forgetAllNames()
 {
-    instances.remove({module, object});
+    objects.clear();
+    instances.clear();
 }
 
 bool Catalog::forgetFailures()
@@ -260,6 +261,15 @@ bool Catalog::forgetFailures()
     const bool instancesFailed = removeFailures(instances);
     const bool sourcesFailed = removeFailures(sources);
     return listFailed || objectsFailed || instancesFailed || sourcesFailed;
+}
+
+bool Catalog::mayHave(const SourceName &name)
+{
+    const Names &known = instancesOf(name.module, name.object);
+    const Result result = known.answer.result;
+    const bool isTold = known.answer.isOk() || result == Result::ServiceMissing
+        || result == Result::ServiceFailed;
+    return !isTold || known.names.contains(name.instance);
 }
 
 bool Catalog::knows(const SourceName &name) const

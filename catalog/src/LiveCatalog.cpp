@@ -4,6 +4,8 @@
 
 #include "DBusProcessDescriptionConnector.h"
 
+#include <QElapsedTimer>
+
 #include <algorithm>
 #include <functional>
 #include <utility>
@@ -36,6 +38,12 @@ QMap<QString, QStringList> typesByModule(const QVector<Module> &modules)
         types[module.name] += module.selectorTypes;
     }
     return types;
+}
+
+// A service that has its name but does not serve its objects yet answers with an error.
+bool isWorthARetry(const CatalogAnswer &answer)
+{
+    return answer.result == Result::TimedOut || answer.result == Result::ServiceFailed;
 }
 
 } // namespace
@@ -110,7 +118,15 @@ void LiveCatalog::note(const SystemEvent &event)
         known.forgetAll();
         break;
     }
-    turn.start();
+    lookSoon();
+}
+
+// One that is under way is not put off: whoever announces without end would put it off for ever.
+void LiveCatalog::lookSoon()
+{
+    if (!turn.isActive()) {
+        turn.start();
+    }
 }
 
 void LiveCatalog::noteModule(const QString &module)
@@ -134,6 +150,10 @@ void LiveCatalog::compareModules()
     }
     const QMap<QString, QStringList> before = typesByModule(known.modules());
     known.forgetModules();
+    if (!known.askModules().isOk()) {
+        known.forgetAllNames(); // which of them differ will not be told any more
+        return;
+    }
     const QMap<QString, QStringList> now = typesByModule(known.modules());
     for (auto module = now.begin(); module != now.end(); ++module) {
         if (!before.contains(module.key()) || before.value(module.key()) != *module) {
@@ -152,10 +172,10 @@ void LiveCatalog::noteAnnouncement(const SourceName &source)
         return;
     }
     if (!known.knows(source)) {
-        known.forgetInstances(source.module, source.object);
+        known.forgetNames(source.module); // its object may be new too
     }
     known.forgetSource(source);
-    turn.start();
+    lookSoon();
 }
 
 void LiveCatalog::update()
@@ -163,19 +183,24 @@ void LiveCatalog::update()
     if (busIsLost) {
         return;
     }
+    QElapsedTimer duration;
+    duration.start();
     if (std::exchange(modulesMayDiffer, false)) {
         compareModules();
     }
-    tell(look());
+    const QMap<SourceName, Seen> now = look();
+    // The thread is free for as long as it was blocked, however often somebody announces.
+    turn.setInterval(int(std::min<qint64>(duration.elapsed(), longestRetry)));
+    tell(now);
 }
 
 QMap<SourceName, LiveCatalog::Seen> LiveCatalog::look()
 {
     QMap<SourceName, Seen> now;
     const CatalogAnswer modules = askModules();
-    bool isLate = modules.result == Result::TimedOut;
-    if (needsObjects) {
-        known.askModules(); // what later lists are compared with
+    bool mayAnswerLater = isWorthARetry(modules);
+    if (needsObjects) { // what later lists are compared with
+        mayAnswerLater = isWorthARetry(known.askModules()) || mayAnswerLater;
     }
     if (!modules.isOk()) {
         now = present;
@@ -188,16 +213,18 @@ QMap<SourceName, LiveCatalog::Seen> LiveCatalog::look()
                 listen(item.name.module, item.name.object);
                 const CatalogSource &source = known.source(item.name);
                 answer = source.answer;
-                if (answer.result != Result::ServiceMissing) {
+                const bool isGone = answer.result == Result::ServiceMissing
+                    || (answer.result == Result::ServiceFailed && !known.mayHave(item.name));
+                if (!isGone) {
                     now.insert(item.name, {answer, source.description});
                 }
             } else if (!answer.isOk() && answer.result != Result::ServiceMissing) {
                 keepUnanswered(item, now);
             }
-            isLate = isLate || answer.result == Result::TimedOut;
+            mayAnswerLater = mayAnswerLater || isWorthARetry(answer);
         }
     }
-    tryAgainLater(isLate);
+    tryAgainLater(mayAnswerLater);
     return now;
 }
 

@@ -3,6 +3,7 @@
 #include "LiveCatalog.h"
 #include "CallDeadline.h"
 #include "CallMonitor.h"
+#include "ScriptedService.h"
 #include "SystemTest.h"
 
 #include <QTest>
@@ -24,6 +25,10 @@ private Q_SLOTS:
     void withoutARegistryServicesAreFollowed();
     void theBusRestarts();
     void aServiceThatHungIsAskedAgain();
+    void aServiceThatServesItsObjectsLateIsAskedAgain_data();
+    void aServiceThatServesItsObjectsLateIsAskedAgain();
+    void aSpeltOutSourceThatNobodyHasIsNotThere();
+    void whatCannotBeComparedIsAskedForAgain();
 
 private:
     void begin(const QString &pattern);
@@ -238,6 +243,58 @@ void LiveCatalogTest::aServiceThatHungIsAskedAgain()
     QTRY_COMPARE_WITH_TIMEOUT(told, QStringList({"changed Pump/1"}), 20000);
     QVERIFY(live->catalog().source(source).answer.isOk());
     QCOMPARE(live->catalog().source(source).leaves.size(), 1);
+}
+
+void LiveCatalogTest::aServiceThatServesItsObjectsLateIsAskedAgain_data()
+{
+    QTest::addColumn<QString>("pattern");
+    QTest::newRow("a source") << "MODULE/Controller/1";
+    QTest::newRow("an object") << "MODULE/Controller";
+}
+
+void LiveCatalogTest::aServiceThatServesItsObjectsLateIsAskedAgain()
+{
+    QFETCH(QString, pattern);
+    ScriptedService service(module);
+    QVERIFY(service.order({"own", "com.orvalis.ProcessData." + module}) == "ok");
+    begin(pattern);
+    QVERIFY(live->sources().isEmpty());
+
+    QVERIFY(service.serve("1", "{}"));
+
+    QTRY_COMPARE_WITH_TIMEOUT(told, QStringList({"came Controller/1"}), 20000);
+}
+
+void LiveCatalogTest::aSpeltOutSourceThatNobodyHasIsNotThere()
+{
+    VERIFY_COMMAND(create("Pump", "1", speed));
+    begin("MODULE/Pump/2");
+    QCOMPARE(live->sources(), QVector<SourceName>());
+
+    VERIFY_COMMAND(create("Pump", "2", speed));
+    QTRY_COMPARE(told, QStringList({"came Pump/2"}));
+    QCOMPARE(live->sources().size(), 1);
+}
+
+// The registry says that its list changed, and then gives no answer.
+void LiveCatalogTest::whatCannotBeComparedIsAskedForAgain()
+{
+    QVERIFY(system->quit());
+    VERIFY_COMMAND(create("Pump", "1", speed));
+    const QString name("com.orvalis.SystemInformationManager");
+    const QString path("/com/orvalis/SystemInformationManager");
+    ScriptedService registry;
+    QVERIFY(registry.orderAll(
+        {{"export", path}, {"set", "", R"([{"moduleName":")" + module + R"("}])"}, {"own", name}}));
+    begin("MODULE");
+    QCOMPARE(live->catalog().moduleNames(), QStringList{module});
+
+    setCallTimeLimit(100);
+    QVERIFY(registry.order({"mode", "silent"}) == "ok");
+    VERIFY_COMMAND(create("Valve", "1", speed));
+    QVERIFY(registry.order({"signal", path, name + '1', "ProviderListChanged"}) == "ok");
+
+    QTRY_COMPARE(told, QStringList({"came Valve/1"}));
 }
 
 QTEST_GUILESS_MAIN(LiveCatalogTest)
