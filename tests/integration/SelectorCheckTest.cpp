@@ -17,6 +17,7 @@ private Q_SLOTS:
     void cleanup();
     void aListIsCheckedAgainstTheSystem();
     void aSnapshotIsPlayedBack();
+    void placesInOneSourceShareItsFile();
     void aListIsCheckedAgainstASnapshotWithoutASystem();
     void twoSnapshotsAreComparedByMeaning();
     void wrongUsageIsNamed_data();
@@ -124,6 +125,21 @@ void SelectorCheckTest::aSnapshotIsPlayedBack()
     QVERIFY2(values.contains("/never,,,NotInitialized,"), values.constData());
     simulator.terminate();
     QVERIFY(simulator.waitForEnd());
+}
+
+void SelectorCheckTest::placesInOneSourceShareItsFile()
+{
+    const QString target = directory->filePath("parts");
+    const QByteArray output = run({"snapshot", "--format", "csv", "--no-legend", "--output", target,
+                                   place() + "/speed", place() + "/name"},
+                                  0);
+    const QString row = QString("%1,%2/%3_Controller_1.pdd,2,2,\n").arg(place(), target, module);
+    QCOMPARE(output, (row + row).toUtf8());
+
+    const QString list = file("list", {url("speed"), url("name"), url("setpoint")});
+    const QByteArray checked = run({"check", "--against", target, list, "--format", "csv"}, 1);
+    QCOMPARE(checked.count(",ok,"), 2);
+    QVERIFY2(checked.contains(",noSuchLeaf,"), checked.constData());
 }
 
 void SelectorCheckTest::aListIsCheckedAgainstASnapshotWithoutASystem()

@@ -60,36 +60,55 @@ QHash<QString, QJsonValue> goodValues(const SourceName &source,
     return result;
 }
 
-QVector<DescribedLeaf> chosenLeaves(const QString &description, const SelectorPattern &chosen)
+using Places = QVector<SelectorPattern>;
+
+// The places by their sources: all that any of them means goes into the source's one file.
+QMap<SourceName, Places> placesBySource(const QVector<ChosenSource> &sources)
+{
+    QMap<SourceName, Places> places;
+    for (const ChosenSource &one : sources) {
+        if (one.finding.isNone()) {
+            places[one.name].append(one.chosen);
+        }
+    }
+    return places;
+}
+
+QVector<DescribedLeaf> leavesOf(const QVector<DescribedLeaf> &all, const Places &places)
 {
     QVector<DescribedLeaf> leaves;
-    const auto all = leavesBelow(description, QString());
-    std::copy_if(all.begin(), all.end(), std::back_inserter(leaves),
-                 [&chosen](const DescribedLeaf &leaf) { return chosen.matchesLeaf(leaf.path); });
+    std::copy_if(
+        all.begin(), all.end(), std::back_inserter(leaves), [&places](const DescribedLeaf &leaf) {
+            return std::any_of(places.begin(), places.end(), [&leaf](const SelectorPattern &place) {
+                return place.matchesLeaf(leaf.path);
+            });
+        });
     return leaves;
 }
 
-SavedSource save(const SourceName &name, const SelectorPattern &chosen, const QDir &directory)
+SavedSource save(const ChosenSource &one, const Places &places, const QDir &directory)
 {
     SavedSource saved;
+    const SourceName &name = one.name;
     const Examination source = examine(name);
     saved.finding = source.reason;
     if (!saved.finding.isNone()) {
         return saved;
     }
-    const QVector<DescribedLeaf> leaves = chosenLeaves(source.description, chosen);
-    if (leaves.isEmpty() && !chosen.path.isEmpty()) {
+    const QVector<DescribedLeaf> all = leavesBelow(source.description, QString());
+    if (leavesOf(all, {one.chosen}).isEmpty() && !one.chosen.path.isEmpty()) {
         saved.finding = {Finding::NoSuchLeaf,
                          QStringLiteral("%1 has no leaf at or below \"%2\"")
-                             .arg(name.toString(), chosen.pathText())};
+                             .arg(name.toString(), one.chosen.pathText())};
         return saved;
     }
+    const QVector<DescribedLeaf> leaves = leavesOf(all, places);
     const QHash<QString, QJsonValue> values = goodValues(name, leaves);
     saved.leaves = leaves.size();
     saved.values = values.size();
     saved.file = directory.filePath(snapshotFileName(name));
     const QByteArray text
-        = exactText(snapshotOf(rewritableObject(source.description.toUtf8()), values, chosen));
+        = exactText(snapshotOf(rewritableObject(source.description.toUtf8()), values, places));
     QString problem;
     if (!writeWholeFile(saved.file, text, problem)) {
         saved.finding = {Finding::NotWritten, QStringLiteral("%1: %2").arg(saved.file, problem)};
@@ -184,6 +203,7 @@ int run(const CommandLine &line, const Console &console, QString &usage)
     }
     Report report{
         QStringLiteral("selector.snapshot/1"), columnsOf("source file leaves> values> note"), {}};
+    const QMap<SourceName, Places> bySource = placesBySource(sources);
     for (const ChosenSource &one : qAsConst(sources)) {
         if (wasInterrupted()) {
             break;
@@ -191,7 +211,7 @@ int run(const CommandLine &line, const Console &console, QString &usage)
         SavedSource saved;
         saved.finding = one.finding;
         if (saved.finding.isNone()) {
-            saved = save(one.name, one.chosen, QDir(output));
+            saved = save(one, bySource.value(one.name), QDir(output));
         }
         report.entries.append(snapshotEntry(one.place, saved));
     }

@@ -11,6 +11,8 @@
 #include <QJsonDocument>
 #include <QUrl>
 
+#include <algorithm>
+
 namespace {
 
 QString escaped(const QString &name)
@@ -21,7 +23,7 @@ QString escaped(const QString &name)
 } // namespace
 
 QJsonObject snapshotOf(const QJsonObject &document, const QHash<QString, QJsonValue> &values,
-                       const SelectorPattern &chosen)
+                       const QVector<SelectorPattern> &chosen)
 {
     QJsonObject result = withElements(document, [&](const QString &path, QJsonObject &element) {
         element.remove(QLatin1String("offset"));
@@ -31,8 +33,10 @@ QJsonObject snapshotOf(const QJsonObject &document, const QHash<QString, QJsonVa
                            QJsonObject{{QStringLiteral("kind"), QStringLiteral("constant")},
                                        {QStringLiteral("value"), values.value(path)}});
         }
-        return element.contains(QLatin1String("elements")) ? chosen.leadsTo(path)
-                                                           : chosen.matchesLeaf(path);
+        const bool isGroup = element.contains(QLatin1String("elements"));
+        return std::any_of(chosen.begin(), chosen.end(), [&](const SelectorPattern &place) {
+            return isGroup ? place.leadsTo(path) : place.matchesLeaf(path);
+        });
     });
     result.remove(QLatin1String("buffer"));
     result.remove(QLatin1String("session"));

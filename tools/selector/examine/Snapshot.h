@@ -40,9 +40,9 @@ private:
 ///
 /// @param document  as a service sends it
 /// @param values    by the leaves' paths; a leaf without one does not move and is never published
-/// @param chosen    only the leaves that its path means, within their groups
+/// @param chosen    only the leaves that the path of any of them means, within their groups
 QJsonObject snapshotOf(const QJsonObject &document, const QHash<QString, QJsonValue> &values,
-                       const SelectorPattern &chosen = SelectorPattern());
+                       const QVector<SelectorPattern> &chosen = {SelectorPattern()});
 
 /// Name of the file of a source.
 QString snapshotFileName(const SourceName &source);

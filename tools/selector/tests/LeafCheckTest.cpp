@@ -48,6 +48,8 @@ private Q_SLOTS:
     void listsAreReadWithTheirLineNumbers();
     void snapshotsKeepWhatASimulatorNeeds();
     void aGroupAloneIsKept();
+    void severalPlacesAreKept();
+    void whatNoUrlCanNameIsNoLeaf();
     void brokenSnapshotsAreNamed_data();
     void brokenSnapshotsAreNamed();
     void fileNamesAreUniqueAndSafe();
@@ -176,7 +178,7 @@ void LeafCheckTest::aGroupAloneIsKept()
         if (!SelectorPattern::parse("M/O/1/" + group, chosen, error)) {
             return QStringList(error);
         }
-        for (const DescribedLeaf &leaf : leavesBelow(snapshotOf(served, {}, chosen), QString())) {
+        for (const DescribedLeaf &leaf : leavesBelow(snapshotOf(served, {}, {chosen}), QString())) {
             paths.append(leaf.path);
         }
         return paths;
@@ -187,6 +189,29 @@ void LeafCheckTest::aGroupAloneIsKept()
     QCOMPARE(leavesOf("speed"), QStringList{"speed"});
     QCOMPARE(leavesOf("gro"), QStringList());
     QCOMPARE(leavesOf("gr*/**"), QStringList{"group/a b"});
+}
+
+void LeafCheckTest::severalPlacesAreKept()
+{
+    QVector<SelectorPattern> chosen(2);
+    QString error;
+    QVERIFY(SelectorPattern::parse("M/O/1/group/a b", chosen[0], error));
+    QVERIFY(SelectorPattern::parse("M/O/1/speed", chosen[1], error));
+
+    QCOMPARE(leavesBelow(snapshotOf(served, {}, chosen), QString()).size(), 2);
+}
+
+void LeafCheckTest::whatNoUrlCanNameIsNoLeaf()
+{
+    const auto descriptionWith = [](const QString &group) {
+        const QJsonObject leaf{{"name", "x"}, {"type", "bool"}};
+        return QJsonObject{
+            {"elements",
+             QJsonArray{QJsonObject{{"name", group}, {"elements", QJsonArray{leaf}}}, leaf}}};
+    };
+    QCOMPARE(leavesBelow(descriptionWith(QString(4094, 'g')), QString()).size(), 2);
+    QCOMPARE(leavesBelow(descriptionWith(QString(4095, 'g')), QString()).size(), 1);
+    QCOMPARE(leavesBelow(descriptionWith(QString(5000, 'g')), QString()).size(), 1);
 }
 
 void LeafCheckTest::brokenSnapshotsAreNamed_data()
