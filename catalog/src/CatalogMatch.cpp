@@ -27,27 +27,25 @@ QString listed(QStringList names)
     return more > 0 ? text + QStringLiteral(" and %1 more").arg(more) : text;
 }
 
-QString hintOf(Step step)
+QString hintOf(const Step &step)
 {
-    const bool isEmpty = step.names.isEmpty();
-    step.names.erase(std::remove_if(step.names.begin(), step.names.end(), isTooLongToSuggest),
-                     step.names.end());
-    step.names.sort();
-    step.names.removeDuplicates();
+    QStringList names = step.names;
+    names.erase(std::remove_if(names.begin(), names.end(), isTooLongToSuggest), names.end());
+    names.sort();
+    names.removeDuplicates();
     const QString miss
         = QStringLiteral("no %1 %2 \"%3\"")
               .arg(QLatin1String(step.what),
                    step.wanted.isName() ? QStringLiteral("is called") : QStringLiteral("matches"),
                    step.wanted.toString());
-    const QStringList near = nearMisses(step.wanted, step.names);
+    const QStringList near = nearMisses(step.wanted, names);
     if (!near.isEmpty()) {
         return miss + QStringLiteral("; did you mean %1?").arg(listed(near));
     }
-    if (isEmpty) {
+    if (step.names.isEmpty()) {
         return miss + QStringLiteral("; there is none");
     }
-    return step.names.isEmpty() ? miss
-                                : miss + QStringLiteral("; there is %1").arg(listed(step.names));
+    return names.isEmpty() ? miss : miss + QStringLiteral("; there is %1").arg(listed(names));
 }
 
 bool matchesAny(const Step &step)
@@ -93,18 +91,19 @@ CatalogMatch Catalog::find(const SelectorPattern &pattern)
         }
     }
     const QVector<CatalogItem> all = items(pattern);
-    for (CatalogItem item : all) {
+    for (const CatalogItem &item : all) {
+        CatalogAnswer answer = item.answer;
         if (item.kind == CatalogItem::Source) {
             const CatalogSource &described = source(item.name);
-            item.answer = described.answer;
+            answer = described.answer;
             for (const DescribedLeaf &leaf : described.leaves) {
                 if (pattern.matchesLeaf(leaf.path)) {
                     found.leaves.append({item.name, leaf.path});
                 }
             }
         }
-        if (!item.answer.isOk()) {
-            found.failed.append(item);
+        if (!answer.isOk()) {
+            found.failed.append({item.kind, item.name, answer});
         }
     }
     return found;

@@ -97,7 +97,12 @@ CatalogAnswer LiveCatalog::askModules()
 
 QVector<SourceName> LiveCatalog::sources() const
 {
-    return present.keys().toVector();
+    QVector<SourceName> names;
+    names.reserve(present.size());
+    for (auto source = present.begin(); source != present.end(); ++source) {
+        names.append(source.key());
+    }
+    return names;
 }
 
 void LiveCatalog::note(const SystemEvent &event)
