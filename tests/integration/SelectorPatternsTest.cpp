@@ -24,6 +24,7 @@ private Q_SLOTS:
     void theTreeIsFlatForPrograms();
     void conditionsSpeakOfTheLeavesOfAPattern();
     void aLabelStaysWithOneLeaf();
+    void anInstanceMayHoldASlash();
 
 private:
     QByteArray run(QStringList arguments, int exitCode);
@@ -207,6 +208,18 @@ void SelectorPatternsTest::aLabelStaysWithOneLeaf()
     QVERIFY2(one.contains(R"("label":"x")"), one);
     const QByteArray two = run({"read", "-j", "x=MODULE/Controller/1/drive"}, 0);
     QVERIFY2(!two.contains("label"), two);
+}
+
+void SelectorPatternsTest::anInstanceMayHoldASlash()
+{
+    VERIFY_COMMAND(publisher->create(module, "Level", QString::fromUtf8("Nord 1/ä"),
+                                     description({leaf("level", "int32")})));
+    VERIFY_COMMAND(publisher->publish("level", 7));
+    const QString place = "MODULE/Level/Nord%201%2F%C3%A4";
+
+    QVERIFY(run({"browse", "-q", place}, 0).endsWith("/Level/Nord%201%2F%C3%A4/level\n"));
+    QCOMPARE(run({"read", "-q", place}, 0), QByteArray("7\n"));
+    QCOMPARE(run({"read", "-q", "MODULE/Level/Nord*%2F*/l*"}, 0), QByteArray("7\n"));
 }
 
 QTEST_GUILESS_MAIN(SelectorPatternsTest)
