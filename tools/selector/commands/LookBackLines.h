@@ -16,7 +16,7 @@ public:
 
     void begin();
     /// A selector and its rows; endSelector() ends them.
-    void beginSelector(const PastSelector &selector);
+    void beginSelector(const PastSelector &one);
     void add(const PastRow &row);
     void endSelector();
     /// A selector of which there is nothing.
