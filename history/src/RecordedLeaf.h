@@ -23,7 +23,7 @@ public:
     /// Takes over what the description says of the leaf now; an empty object: there is no leaf.
     ///
     /// @returns the names of the properties that are different; none when there was no leaf
-    QStringList describe(const QJsonObject &properties);
+    QStringList describe(const QJsonObject &now);
     bool isDescribed() const { return !properties.isEmpty(); }
 
     /// Whether a value shows that its source is gone, or that there is no leaf.

@@ -157,8 +157,8 @@ qint64 secondsOfOffset(const QString &offset)
 bool readAgo(const QString &text, qint64 now, qint64 &time, QString &error)
 {
     const auto ago = millisecondsFromText(text.mid(1), std::nan(""));
-    const double longest = static_cast<double>(now / nanosecondsPerMillisecond);
-    if (!ago || !(*ago >= 0) || *ago > longest) {
+    const qint64 longest = now / nanosecondsPerMillisecond;
+    if (!ago || !(*ago >= 0) || *ago > static_cast<double>(longest)) {
         return refuse(
             text,
             QStringLiteral("is not a time; expected for instance -500ms, -30s, -15min, -2h "
