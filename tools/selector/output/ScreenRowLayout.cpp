@@ -49,7 +49,7 @@ void ScreenRowLayout::addSentence(const QString &text)
         words += pieces(word);
     }
     breakLine();
-    for (const QString &word : words) {
+    for (const QString &word : qAsConst(words)) {
         if (length > indent && length + 1 + word.size() > width) {
             breakLine();
         }
