@@ -36,19 +36,18 @@ QStringList fitted(const QStringList &lines, int width)
                     [width](const QString &line) { return line.size() <= width; })) {
         return lines;
     }
-    QStringList result(QString{});
+    QStringList result;
+    QString last;
     const QStringList words
         = lines.join(QLatin1Char(' ')).split(QLatin1Char(' '), Qt::SkipEmptyParts);
     for (const QString &word : words) {
-        QString &last = result.last();
-        if (last.isEmpty()) {
-            last = word;
-        } else if (last.size() + 1 + word.size() <= width) {
-            last += QLatin1Char(' ') + word;
-        } else {
-            result.append(word);
+        if (!last.isEmpty() && last.size() + 1 + word.size() > width) {
+            result.append(last);
+            last.clear();
         }
+        last += last.isEmpty() ? word : QLatin1Char(' ') + word;
     }
+    result.append(last);
     return result;
 }
 

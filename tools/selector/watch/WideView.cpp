@@ -36,10 +36,10 @@ QString jsonRow(const QVector<ReadResult> &results, qint64 time)
 } // namespace
 
 WideView::WideView(const QVector<WatchTarget> &targets, const Console &console)
-    : columns{{QStringLiteral("time"), false}}
-    , widths{timeWidth}
-    , console(console)
+    : console(console)
 {
+    columns.append({QStringLiteral("time"), false});
+    widths.append(timeWidth);
     // A person finds the shortest names that tell them apart, a program what it asked for.
     const bool forPeople = console.style.format == Format::Table;
     const QStringList titles = forPeople ? plotTitles(targets) : QStringList();
